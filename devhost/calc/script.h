@@ -1,0 +1,34 @@
+// Scripts: files of statements.
+//
+// A statement ends at the end of a line on which its brackets are closed. "$name = calculation"
+// assigns; any other calculation prints its result, each value of a list on a line of its own.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "devhost/calc/evaluator.h"
+#include "devhost/calc/tree.h"
+
+namespace devhost {
+
+struct Statement {
+  // With its "$"; empty when the result is printed.
+  std::u16string variable;
+  Calculation calculation;
+};
+
+// Parses the whole text before anything of it runs. Throws SyntaxError.
+std::vector<Statement> parse_script(std::u16string_view text);
+
+// Whether text ends inside brackets, a text or a comment, so that more has to follow.
+bool is_unfinished(std::u16string_view text);
+
+// Carries out a statement and returns what it prints, with a line end after each line.
+std::string run_statement(Evaluator& evaluator, const Statement& statement);
+
+// A value as it is printed.
+std::string printed(const Value& value);
+
+}  // namespace devhost

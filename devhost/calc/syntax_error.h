@@ -1,0 +1,28 @@
+// What is wrong with the text of a calculation, and where.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace devhost {
+
+// Counted from 1; a column is a character.
+struct Position {
+  int line = 1;
+  int column = 1;
+};
+
+class SyntaxError : public std::runtime_error {
+ public:
+  SyntaxError(Position position, const std::string& problem)
+      : std::runtime_error("line " + std::to_string(position.line) + ", column " +
+                           std::to_string(position.column) + ": " + problem) {}
+};
+
+// The text stops inside a comment or a text literal.
+class UnfinishedText : public SyntaxError {
+ public:
+  using SyntaxError::SyntaxError;
+};
+
+}  // namespace devhost

@@ -1,0 +1,27 @@
+// Texts between UTF-8, in which files and terminals speak, and UTF-16, in which the host thinks.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace devhost {
+
+// A byte that belongs to no character becomes U+FFFD.
+std::u16string utf16_from_utf8(std::string_view bytes);
+
+// Half a surrogate pair becomes U+FFFD.
+std::string utf8_from_utf16(std::u16string_view text);
+
+// The number of units at the front that make one character: 2 for a surrogate pair.
+std::size_t character_length(std::u16string_view text);
+
+// The bytes that a character takes in UTF-8; half a surrogate pair counts as U+FFFD does.
+std::size_t utf8_length(std::u16string_view character);
+
+std::u16string to_upper(std::u16string_view text);
+std::u16string to_lower(std::u16string_view text);
+
+// Orders texts as the host compares them: without regard to case.
+int compare_ignoring_case(std::u16string_view left, std::u16string_view right);
+
+}  // namespace devhost

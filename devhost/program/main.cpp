@@ -1,0 +1,202 @@
+// xlcalc: evaluates calculations with a plug-in's functions, as the database application does.
+//
+// Exit status: 0 done, 1 a calculation could not be evaluated or failed under --strict, 2 bad usage
+// or a plug-in that does not load.
+#include <CLI/CLI.hpp>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "devhost/calc/evaluator.h"
+#include "devhost/calc/parser.h"
+#include "devhost/calc/script.h"
+#include "devhost/calc/syntax_error.h"
+#include "devhost/fm/function_registry.h"
+#include "devhost/fm/unicode.h"
+#include "devhost/program/plugin_module.h"
+#include "devhost/program/prompt.h"
+
+namespace {
+
+using devhost::Evaluator;
+using devhost::Failure;
+using devhost::utf16_from_utf8;
+using devhost::utf8_from_utf16;
+
+constexpr int kDone = 0;
+constexpr int kFailed = 1;
+constexpr int kBadUsage = 2;
+
+// Ends the run under --strict; what failed has been told already.
+struct StrictEnd : std::exception {};
+
+struct Options {
+  std::string plugin;
+  std::int16_t extension_version = fmx::kExtensionVersionWithDescriptions;
+  bool strict = false;
+  std::string text;
+  std::vector<std::string> settings;
+};
+
+std::filesystem::path default_plugin() {
+  std::error_code error;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+  return program.parent_path() / ".." / "lib" / "Vornelix.fmx";
+}
+
+void complain(const std::string& problem) { std::cerr << "xlcalc: " << problem << '\n'; }
+
+void report(const Failure& failure, bool strict) {
+  std::cout.flush();
+  std::string text = utf8_from_utf16(failure.function) + " failed";
+  if (failure.code != 0) text += " with code " + std::to_string(failure.code);
+  if (!failure.message.empty()) text += ": " + utf8_from_utf16(failure.message);
+  complain(text);
+  if (strict) throw StrictEnd();
+}
+
+// NAME=VALUE makes $NAME.
+void set_variables(Evaluator& evaluator, const std::vector<std::string>& settings) {
+  for (const std::string& setting : settings) {
+    const std::size_t equals = setting.find('=');
+    evaluator.set_variable(utf16_from_utf8("$" + setting.substr(0, equals)),
+                           devhost::Value(utf16_from_utf8(setting.substr(equals + 1))));
+  }
+}
+
+std::string check_setting(const std::string& setting) {
+  const std::size_t equals = setting.find('=');
+  if (equals != std::string::npos && equals > 0) return {};
+  return "\"" + setting + "\" is not of the form NAME=VALUE";
+}
+
+void evaluate(Evaluator& evaluator, const std::string& text) {
+  const auto calculation = devhost::parse_calculation(utf16_from_utf8(text));
+  std::cout << devhost::printed(evaluator.evaluate(calculation)) << std::flush;
+}
+
+void run(Evaluator& evaluator, const std::string& text) {
+  for (const auto& statement : devhost::parse_script(utf16_from_utf8(text))) {
+    std::cout << devhost::run_statement(evaluator, statement) << std::flush;
+  }
+}
+
+std::optional<std::string> read_file(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::ostringstream text;
+  if (!file || !(text << file.rdbuf())) return std::nullopt;
+  return text.str();
+}
+
+bool mentions(const devhost::RegisteredFunction& function, const std::string& word) {
+  const std::u16string text =
+      function.name + u' ' + function.prototype + u' ' + function.description;
+  return devhost::to_lower(text).find(devhost::to_lower(utf16_from_utf8(word))) !=
+         std::u16string::npos;
+}
+
+void list_functions(const std::string& word) {
+  for (const auto* function : devhost::FunctionRegistry::instance().all()) {
+    if (!function->visible() || !mentions(*function, word)) continue;
+    std::cout << utf8_from_utf16(function->prototype) << '\n';
+    if (!function->description.empty()) {
+      std::cout << "    " << utf8_from_utf16(function->description) << '\n';
+    }
+  }
+}
+
+// A mistake in one statement does not end the prompt.
+int converse(Evaluator& evaluator, const devhost::PluginModule& plugin) {
+  std::cerr << plugin.string(devhost::PluginModule::kNameString) << '\n';
+  int status = kDone;
+  devhost::run_prompt([&](const std::string& statement) {
+    try {
+      run(evaluator, statement);
+    } catch (const devhost::SyntaxError& error) {
+      complain(error.what());
+      status = kFailed;
+    }
+  });
+  return status;
+}
+
+int with_plugin(const CLI::App& app, const Options& options) {
+  const devhost::PluginModule plugin(
+      options.plugin.empty() ? default_plugin() : std::filesystem::path(options.plugin),
+      options.extension_version);
+  Evaluator evaluator([&](const Failure& failure) { report(failure, options.strict); });
+  set_variables(evaluator, options.settings);
+  if (app.got_subcommand("eval")) {
+    evaluate(evaluator, options.text);
+  } else if (app.got_subcommand("run")) {
+    const auto script = read_file(options.text);
+    if (!script) {
+      complain("script \"" + options.text + "\" cannot be read");
+      return kBadUsage;
+    }
+    run(evaluator, *script);
+  } else if (app.got_subcommand("functions")) {
+    list_functions(options.text);
+  } else {
+    return converse(evaluator, plugin);
+  }
+  return kDone;
+}
+
+void describe_usage(CLI::App& app, Options& options) {
+  app.fallthrough();
+  app.require_subcommand(0, 1);
+  app.add_option("--plugin", options.plugin, "The plug-in's file (../lib/Vornelix.fmx)");
+  app.add_option("--extn-version", options.extension_version,
+                 "The host's plug-in interface version");
+  app.add_flag("--strict", options.strict, "End with status 1 at the first function that fails");
+
+  auto* eval = app.add_subcommand("eval", "Print the result of a calculation");
+  eval->add_option("CALCULATION", options.text)->required();
+  auto* script = app.add_subcommand("run", "Run a file of statements");
+  script->add_option("SCRIPT", options.text)->required();
+  for (auto* command : {eval, script}) {
+    command->add_option("NAME=VALUE", options.settings, "Sets $NAME")->check(check_setting);
+  }
+  auto* functions = app.add_subcommand("functions", "List functions: prototype and description");
+  functions->add_option("WORD", options.text, "Only those that mention it");
+}
+
+int run_program(int count, char** arguments) {
+  CLI::App app("Evaluates calculations; without a command, at a prompt.", "xlcalc");
+  Options options;
+  describe_usage(app, options);
+  try {
+    app.parse(count, arguments);
+    return with_plugin(app, options);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kBadUsage;
+  } catch (const devhost::PluginError& error) {
+    complain(error.what());
+    return kBadUsage;
+  } catch (const StrictEnd&) {
+    return kFailed;
+  } catch (const std::exception& error) {
+    complain(error.what());
+    return kFailed;
+  }
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  try {
+    return run_program(count, arguments);
+  } catch (...) {
+    // Not even the complaint could be written.
+    return kFailed;
+  }
+}

@@ -1,0 +1,76 @@
+#include "devhost/program/plugin_module.h"
+
+#include <dlfcn.h>
+
+#include <system_error>
+#include <vector>
+
+#include "devhost/fm/unicode.h"
+
+namespace devhost {
+namespace {
+
+// The kind of application that starts plug-ins with a user in front of it.
+constexpr std::uint8_t kDeveloperApplication = 0;
+
+constexpr std::uint16_t kLanguageEnglish = 1;
+
+constexpr std::size_t kStringCapacity = 4096;
+
+std::string whole_path(const std::filesystem::path& file) {
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::canonical(file, error);
+  if (error) throw PluginError("plug-in \"" + file.string() + "\": " + error.message());
+  return path.string();
+}
+
+}  // namespace
+
+void PluginModule::Unload::operator()(void* library) const { dlclose(library); }
+
+PluginModule::PluginModule(const std::filesystem::path& file, std::int16_t extension_version)
+    : path_(whole_path(file)),
+      extension_version_(extension_version),
+      library_(dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  if (!library_) throw PluginError(std::string("the plug-in does not load: ") + dlerror());
+  void* const symbol = dlsym(library_.get(), "FMExternCallProc");
+  if (symbol == nullptr)
+    throw PluginError("\"" + path_ + "\" is no plug-in: it has no entry point");
+  // A function's address comes as a pointer to an object; POSIX promises that this cast is right.
+  entry_ = reinterpret_cast<fmx::EntryPoint>(symbol);
+  fmx::CallBlock init = block(fmx::kInit);
+  init.parm1 = kDeveloperApplication;
+  entry_(&init);
+  if (init.result != fmx::kInitAnswer) {
+    throw PluginError("plug-in \"" + path_ + "\" refuses to start: it answers " +
+                      std::to_string(init.result) + ", not 59");
+  }
+}
+
+PluginModule::~PluginModule() {
+  fmx::CallBlock shutdown = block(fmx::kShutdown);
+  entry_(&shutdown);
+}
+
+std::string PluginModule::string(std::uint8_t kind) const {
+  std::vector<char16_t> buffer(kStringCapacity, u'\0');
+  fmx::CallBlock request = block(fmx::kGetString);
+  request.parm1 = kind;
+  request.parm2 = kLanguageEnglish;
+  request.parm3 = buffer.size();
+  request.result = reinterpret_cast<std::intptr_t>(buffer.data());
+  entry_(&request);
+  buffer.back() = u'\0';
+  return utf8_from_utf16(buffer.data());
+}
+
+fmx::CallBlock PluginModule::block(fmx::Message message) const {
+  fmx::CallBlock result = {};
+  result.extension_version = extension_version_;
+  result.message = message;
+  // The block has one type of reference for all systems; the path is only read.
+  result.instance = const_cast<char*>(path_.c_str());
+  return result;
+}
+
+}  // namespace devhost

@@ -1,0 +1,107 @@
+#include "engine/api/book_context.h"
+
+#include <exception>
+#include <new>
+
+#include "engine/api/font.h"
+#include "engine/api/format.h"
+#include "engine/api/messages.h"
+#include "engine/api/sheet_object.h"
+#include "engine/package/output.h"
+#include "engine/workbook/text.h"
+
+namespace engine::api {
+
+namespace {
+
+// The object at a list position, made when there is none.
+template <class Object>
+Object* object_at(std::vector<Object*>& present, std::vector<std::unique_ptr<Object>>& all,
+                  std::uint32_t index, BookContext& book) {
+  if (index >= present.size()) present.resize(index + 1);
+  if (!present[index]) {
+    all.push_back(std::make_unique<Object>(book, index));
+    present[index] = all.back().get();
+  }
+  return present[index];
+}
+
+}  // namespace
+
+BookContext::BookContext(BookKind kind, BookContents contents)
+    : kind_(kind), contents_(std::move(contents)) {}
+
+BookContext::~BookContext() = default;
+
+const wchar_t* BookContext::give(std::string_view utf8) {
+  to_wide(utf8, given_);
+  return given_.c_str();
+}
+
+FormatObject* BookContext::make_format_object(std::uint32_t index) {
+  // Cells of damaged files name formats that the list does not have: they look like the first.
+  if (index >= workbook().styles.format_count()) index = 0;
+  return object_at(formats_, all_formats_, index, *this);
+}
+
+FontObject* BookContext::font_object(std::uint32_t index) {
+  return object_at(fonts_, all_fonts_, index, *this);
+}
+
+void BookContext::prepare_format_object() {
+  object_at(formats_, all_formats_, workbook().styles.format_count(), *this);
+}
+
+void BookContext::prepare_font_object() {
+  object_at(fonts_, all_fonts_, workbook().styles.font_count(), *this);
+}
+
+SheetObject* BookContext::sheet_object(Sheet& sheet) {
+  const auto place = sheets_.try_emplace(&sheet).first;
+  if (!place->second) {
+    all_sheets_.push_back(std::make_unique<SheetObject>(*this, sheet));
+    place->second = all_sheets_.back().get();
+  }
+  return place->second;
+}
+
+void BookContext::exchange(BookContents contents) noexcept {
+  for (FormatObject* format : formats_)
+    if (format) format->detach();
+  for (FontObject* font : fonts_)
+    if (font) font->detach();
+  for (const auto& [sheet, object] : sheets_)
+    if (object) object->detach();
+  formats_.clear();
+  fonts_.clear();
+  sheets_.clear();
+  contents_ = std::move(contents);
+}
+
+void BookContext::detach(const Sheet& sheet) noexcept {
+  const auto found = sheets_.find(&sheet);
+  if (found == sheets_.end()) return;
+  if (found->second) found->second->detach();
+  sheets_.erase(found);
+}
+
+void BookContext::refuse_entry(bool detached, std::string_view thing) {
+  refuse(detached ? messages::gone(thing) : messages::only_information());
+}
+
+// Called while an exception is handled.
+void BookContext::refuse_exception(std::string_view target) {
+  try {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const package::FileTargetError& error) {
+    refuse(messages::file(target) + error.what());
+  } catch (const package::FileError& error) {
+    refuse(contents_.source + error.what());
+  } catch (const std::exception& error) {
+    refuse(error.what());
+  }
+}
+
+}  // namespace engine::api

@@ -1,0 +1,198 @@
+// Operations of a book that load and save it.
+#include <algorithm>
+
+#include "engine/api/book_object.h"
+#include "engine/api/messages.h"
+#include "engine/package/source.h"
+#include "engine/workbook/text.h"
+
+namespace engine::api {
+
+namespace {
+
+bool ends_with_any(std::string_view path, std::span<const std::string_view> endings) {
+  const std::string folded = fold_case(path);
+  return std::ranges::any_of(endings, [&](std::string_view end) { return folded.ends_with(end); });
+}
+
+// Whether a path asks for a workbook rather than for a template.
+bool names_workbook(std::string_view path, BookKind kind) {
+  constexpr std::string_view kXlsxEndings[] = {".xlsx", ".xlsm"};
+  constexpr std::string_view kXlsEndings[] = {".xls"};
+  if (kind == BookKind::kXls) return ends_with_any(path, kXlsEndings);
+  return ends_with_any(path, kXlsxEndings);
+}
+
+// A sheet that is not in memory whole may hold any.
+bool may_hold_formula(const Sheet& sheet) {
+  if (sheet.kind != SheetKind::kWorksheet) return false;
+  if (sheet.loading != Loading::kRead) return true;
+  for (const Row& row : sheet.cells.rows())
+    for (const Cell& cell : row.span())
+      if (sheet.is_formula(cell)) return true;
+  return false;
+}
+
+}  // namespace
+
+bool BookObject::take_rows(int first, int last, std::optional<CellRange>* rows) const {
+  const Grid& grid = book_.workbook().grid;
+  if (first < 0 || first >= grid.rows) return book_.refuse(false, messages::row(first, grid));
+  if (last < -1) return book_.refuse(false, messages::row(last, grid));
+  const int end = last == -1 ? grid.rows - 1 : std::min(last, grid.rows - 1);
+  if (first > end) return book_.refuse(false, messages::row_order(first, last));
+  *rows = CellRange{first, end, 0, grid.cols - 1};
+  return true;
+}
+
+bool BookObject::load_with(std::string_view operation, const LoadRequest& request) {
+  if (book_.kind() == BookKind::kXls)
+    return book_.refuse(false, messages::not_supported(operation));
+  return book_.attempt(
+      false,
+      [&] {
+        BookContents contents;
+        try {
+          contents = load_contents(request);
+          if (!choose_sheet(request, contents)) return false;
+        } catch (const package::FileTargetError&) {
+          throw;
+        } catch (const package::FileError& error) {
+          return book_.refuse(false, source_name(request) + error.what());
+        }
+        saved_.reset();
+        book_.exchange(std::move(contents));
+        return true;
+      },
+      request.temp_path);
+}
+
+bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents) {
+  if (!request.sheet) return true;
+  auto& sheets = contents.workbook->sheets;
+  if (!check_index("sheet", *request.sheet, sheets.size())) return false;
+  Sheet& chosen = *sheets[static_cast<std::size_t>(*request.sheet)];
+  if (chosen.kind != SheetKind::kWorksheet)
+    return book_.refuse(false, messages::not_worksheet(*request.sheet));
+  for (const auto& sheet : sheets)
+    if (sheet->kind == SheetKind::kWorksheet) sheet->loading = Loading::kExcluded;
+  chosen.loading = Loading::kUnread;
+  if (request.rows) {
+    chosen.loading = Loading::kPartly;
+    chosen.loaded_rows = *request.rows;
+  }
+  contents.document->read_sheet(*contents.workbook, chosen);
+  return true;
+}
+
+bool BookObject::load(const wchar_t* path, const wchar_t* tempFile) {
+  book_.begin();
+  LoadRequest request;
+  request.path = to_utf8(path);
+  request.temp_path = to_utf8(tempFile);
+  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+  return load_with("load", request);
+}
+
+bool BookObject::loadRaw(const char* data, unsigned size, int sheetIndex, int firstRow,
+                         int lastRow) {
+  book_.begin();
+  if (!data || size == 0) return book_.refuse(false, messages::empty("workbook data"));
+  LoadRequest request;
+  request.bytes = {data, size};
+  if (sheetIndex != -1) {
+    request.sheet = sheetIndex;
+    if (firstRow >= 0 && !take_rows(firstRow, lastRow, &request.rows)) return false;
+  }
+  return load_with("loadRaw", request);
+}
+
+bool BookObject::loadSheet(const wchar_t* path, int sheetIndex, const wchar_t* tempFile) {
+  book_.begin();
+  LoadRequest request;
+  request.path = to_utf8(path);
+  request.temp_path = to_utf8(tempFile);
+  request.sheet = sheetIndex;
+  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+  return load_with("loadSheet", request);
+}
+
+bool BookObject::loadPartially(const wchar_t* path, int sheetIndex, int firstRow, int lastRow,
+                               const wchar_t* tempFile) {
+  book_.begin();
+  LoadRequest request;
+  request.path = to_utf8(path);
+  request.temp_path = to_utf8(tempFile);
+  request.sheet = sheetIndex;
+  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+  return take_rows(firstRow, lastRow, &request.rows) && load_with("loadPartially", request);
+}
+
+bool BookObject::loadInfo(const wchar_t* path) {
+  book_.begin();
+  LoadRequest request;
+  request.path = to_utf8(path);
+  request.info_only = true;
+  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+  return load_with("loadInfo", request);
+}
+
+// Saving.
+
+bool BookObject::check_savable(std::string_view operation) const {
+  if (book_.kind() == BookKind::kXls)
+    return book_.refuse(false, messages::not_supported(operation));
+  const auto& sheets = book_.workbook().sheets;
+  if (sheets.empty()) return book_.refuse(false, messages::no_sheets());
+  const bool any_visible = std::ranges::any_of(
+      sheets, [](const auto& sheet) { return sheet->visibility == SheetVisibility::kVisible; });
+  return any_visible || book_.refuse(false, messages::every_sheet_hidden());
+}
+
+// Cells that were written may feed formulas, also ones of sheets that nobody has read: their cached
+// values may be old. Whoever opens the file calculates them.
+void BookObject::settle_calculation() {
+  const BookContents& contents = book_.contents();
+  Workbook& workbook = book_.workbook();
+  if (workbook.needs_calculation || !contents.cells_written || !contents.formulas_possible) return;
+  workbook.needs_calculation = std::ranges::any_of(
+      workbook.sheets, [](const auto& sheet) { return may_hold_formula(*sheet); });
+}
+
+bool BookObject::save(const wchar_t* path, bool) {
+  if (!enter()) return false;
+  const std::string target = to_utf8(path);
+  if (target.empty()) return book_.refuse(false, messages::empty("file name"));
+  if (!check_savable("save")) return false;
+  settle_calculation();
+  const bool dropped = book_.contents().template_from_file && names_workbook(target, book_.kind());
+  SaveOptions options;
+  options.as_template = book_.workbook().is_template && !dropped;
+  return book_.attempt(
+      false,
+      [&] {
+        package::FileOutput output(target);
+        book_.document().save(book_.workbook(), options, output);
+        output.commit();
+        return true;
+      },
+      target);
+}
+
+bool BookObject::saveRaw(const char** data, unsigned* size) {
+  if (!enter() || !check_savable("saveRaw")) return false;
+  settle_calculation();
+  SaveOptions options;
+  options.as_template = book_.workbook().is_template;
+  saved_.reset();
+  return book_.attempt(false, [&] {
+    auto output = std::make_unique<package::MemoryOutput>();
+    book_.document().save(book_.workbook(), options, *output);
+    saved_ = std::move(output);
+    if (data) *data = saved_->view().data();
+    if (size) *size = static_cast<unsigned>(saved_->view().size());
+    return true;
+  });
+}
+
+}  // namespace engine::api

@@ -1,0 +1,281 @@
+#include "engine/api/book_object.h"
+
+#include <algorithm>
+#include <cmath>
+#include <new>
+
+#include "engine/api/font.h"
+#include "engine/api/format.h"
+#include "engine/api/messages.h"
+#include "engine/workbook/color.h"
+#include "engine/workbook/dates.h"
+#include "engine/workbook/number_format.h"
+#include "engine/workbook/text.h"
+
+namespace engine::api {
+
+namespace {
+
+constexpr std::size_t kMaxFontName = 31;
+constexpr int kMaxFontSize = 409;
+
+template <class T>
+void give(T* out, T value) {
+  if (out) *out = value;
+}
+
+struct TimeLimit {
+  std::string_view name;
+  int DateTime::*field;
+  int last;
+};
+constexpr TimeLimit kTimeLimits[] = {
+    {"hour", &DateTime::hour, 23},
+    {"minute", &DateTime::minute, 59},
+    {"second", &DateTime::second, 59},
+    {"millisecond", &DateTime::millisecond, 999},
+};
+
+}  // namespace
+
+bool BookObject::check_index(std::string_view thing, int index, std::size_t count) const {
+  if (index >= 0 && static_cast<std::size_t>(index) < count) return true;
+  return book_.refuse(false, messages::index(thing, index, count));
+}
+
+void BookObject::refuse_unsupported(std::string_view operation) const {
+  if (enter()) book_.refuse(messages::not_supported(operation));
+}
+
+// Formats and fonts.
+
+libxl::Format* BookObject::addFormat(libxl::Format* init) {
+  if (!enter()) return nullptr;
+  Styles& styles = book_.workbook().styles;
+  book_.prepare_format_object();
+  std::optional<std::uint32_t> added;
+  if (!init) {
+    added = styles.add_format();
+  } else {
+    const auto& model = static_cast<const FormatObject&>(*init);
+    if (model.detached()) return book_.refuse(nullptr, messages::gone("format"));
+    added = &model.book() == &book_
+                ? styles.add_format(model.index())
+                : styles.add_format(model.book().workbook().styles, model.index());
+  }
+  if (!added) return book_.refuse(nullptr, messages::too_many("formats", Styles::kMaxFormats));
+  return book_.format_object(*added);
+}
+
+libxl::Font* BookObject::addFont(libxl::Font* init) {
+  if (!enter()) return nullptr;
+  Styles& styles = book_.workbook().styles;
+  book_.prepare_font_object();
+  std::optional<std::uint32_t> added;
+  if (!init) {
+    added = styles.add_font();
+  } else {
+    const auto& model = static_cast<const FontObject&>(*init);
+    if (model.detached()) return book_.refuse(nullptr, messages::gone("font"));
+    added = &model.book() == &book_
+                ? styles.add_font(model.index())
+                : styles.add_font(model.book().workbook().styles, model.index());
+  }
+  if (!added) return book_.refuse(nullptr, messages::too_many("fonts", Styles::kMaxFonts));
+  return book_.font_object(*added);
+}
+
+int BookObject::addCustomNumFormat(const wchar_t* numFormat) {
+  if (!enter()) return 0;
+  Styles& styles = book_.workbook().styles;
+  const std::string code = to_utf8(numFormat);
+  if (code.empty()) return book_.refuse(0, messages::empty("number format"));
+  const std::size_t length = utf16_length(code);
+  if (length > kMaxNumberFormatLength)
+    return book_.refuse(0, messages::too_long("number format", length, kMaxNumberFormatLength));
+  if (!is_valid_number_format(code)) return book_.refuse(0, messages::invalid_number_format(code));
+  const auto id = styles.add_number_format(code);
+  if (!id)
+    return book_.refuse(0, messages::too_many("number formats", styles.limits.number_formats));
+  return static_cast<int>(*id);
+}
+
+const wchar_t* BookObject::customNumFormat(int fmt) {
+  if (!enter()) return nullptr;
+  std::string_view code;
+  if (fmt >= 0) code = book_.workbook().styles.code_of(static_cast<std::uint32_t>(fmt));
+  if (code.empty()) return book_.refuse(nullptr, messages::unknown("number format", fmt));
+  return book_.give(code);
+}
+
+libxl::Format* BookObject::format(int index) {
+  if (!enter() || !check_index("format", index, book_.workbook().styles.format_count()))
+    return nullptr;
+  return book_.format_object(static_cast<std::uint32_t>(index));
+}
+
+int BookObject::formatSize() {
+  return enter() ? static_cast<int>(book_.workbook().styles.format_count()) : 0;
+}
+
+libxl::Font* BookObject::font(int index) {
+  if (!enter() || !check_index("font", index, book_.workbook().styles.font_count())) return nullptr;
+  return book_.font_object(static_cast<std::uint32_t>(index));
+}
+
+int BookObject::fontSize() {
+  return enter() ? static_cast<int>(book_.workbook().styles.font_count()) : 0;
+}
+
+const wchar_t* BookObject::defaultFont(int* fontSize) {
+  if (!enter()) return nullptr;
+  const FontRecord& font = book_.workbook().styles.font(0);
+  const wchar_t* name = book_.give(font.name);
+  give(fontSize, static_cast<int>(std::lround(font.size)));
+  return name;
+}
+
+void BookObject::setDefaultFont(const wchar_t* fontName, int fontSize) {
+  if (!enter()) return;
+  std::string name = to_utf8(fontName);
+  if (name.empty()) return book_.refuse(messages::empty("font name"));
+  const std::size_t length = utf16_length(name);
+  if (length > kMaxFontName)
+    return book_.refuse(messages::too_long("font name", length, kMaxFontName));
+  if (fontSize < 1 || fontSize > kMaxFontSize)
+    return book_.refuse(messages::out_of_range("font size", fontSize, 1, kMaxFontSize));
+  FontRecord& font = book_.workbook().styles.change_font(0, kFontName | kFontSize);
+  font.name = std::move(name);
+  font.size = fontSize;
+}
+
+// Dates and colours. They and the colour mode work on a book of which only the information was
+// loaded.
+
+double BookObject::datePack(int year, int month, int day, int hour, int min, int sec,
+                            int msec) const {
+  book_.begin();
+  const bool date1904 = book_.workbook().date1904;
+  if (!serial_of_date({year, month, day}, date1904))
+    return book_.refuse(0.0, messages::invalid_date(year, month, day));
+  const DateTime time{year, month, day, hour, min, sec, msec};
+  for (const TimeLimit& limit : kTimeLimits) {
+    const int value = time.*limit.field;
+    if (value < 0 || value > limit.last)
+      return book_.refuse(0.0, messages::out_of_range(limit.name, value, 0, limit.last));
+  }
+  return serial_of_date(time, date1904).value_or(0);
+}
+
+bool BookObject::dateUnpack(double value, int* year, int* month, int* day, int* hour, int* min,
+                            int* sec, int* msec) const {
+  book_.begin();
+  const auto date = date_of_serial(value, book_.workbook().date1904);
+  if (!date) return false;
+  give(year, date->year);
+  give(month, date->month);
+  give(day, date->day);
+  give(hour, date->hour);
+  give(min, date->minute);
+  give(sec, date->second);
+  give(msec, date->millisecond);
+  return true;
+}
+
+libxl::Color BookObject::colorPack(int red, int green, int blue) {
+  book_.begin();
+  const auto check = [&](std::string_view name, int value) {
+    return (value >= 0 && value <= 255) ||
+           book_.refuse(false, messages::out_of_range(name, value, 0, 255));
+  };
+  if (!check("red", red) || !check("green", green) || !check("blue", blue)) return {};
+  const auto rgb = static_cast<std::uint32_t>(red * 65536 + green * 256 + blue);
+  const int number = book_.rgb_mode() ? rgb_number(rgb)
+                                      : nearest_index(rgb, book_.workbook().styles.colors.palette);
+  return static_cast<libxl::Color>(number);
+}
+
+void BookObject::colorUnpack(libxl::Color color, int* red, int* green, int* blue) {
+  book_.begin();
+  const auto known = color_of_number(color, book_.rgb_mode());
+  if (!known) return book_.refuse(messages::unknown("colour", color));
+  const auto rgb = static_cast<int>(rgb_of(*known, book_.workbook().styles.colors));
+  give(red, rgb >> 16);
+  give(green, rgb >> 8 & 0xFF);
+  give(blue, rgb & 0xFF);
+}
+
+// Settings.
+
+bool BookObject::rgbMode() const {
+  book_.begin();
+  return book_.rgb_mode();
+}
+
+void BookObject::setRgbMode(bool rgbMode) {
+  book_.begin();
+  book_.set_rgb_mode(rgbMode);
+}
+
+bool BookObject::refR1C1() const {
+  book_.begin();
+  return book_.workbook().r1c1;
+}
+
+void BookObject::setRefR1C1(bool refR1C1) {
+  if (enter()) book_.workbook().r1c1 = refR1C1;
+}
+
+int BookObject::biffVersion() const {
+  book_.begin();
+  return book_.kind() == BookKind::kXls ? 0x0600 : 0;
+}
+
+bool BookObject::isDate1904() const {
+  book_.begin();
+  return book_.workbook().date1904;
+}
+
+void BookObject::setDate1904(bool date1904) {
+  if (enter()) book_.workbook().date1904 = date1904;
+}
+
+bool BookObject::isTemplate() const {
+  book_.begin();
+  return book_.workbook().is_template;
+}
+
+void BookObject::setTemplate(bool tmpl) {
+  if (!enter()) return;
+  book_.workbook().is_template = tmpl;
+  book_.contents().template_from_file = false;
+}
+
+bool BookObject::setLocale(const char* locale) {
+  book_.begin();
+  const NumberSigns* signs = locale ? find_number_signs(locale) : nullptr;
+  if (signs) signs_ = signs;
+  return signs != nullptr;
+}
+
+}  // namespace engine::api
+
+namespace {
+
+libxl::Book* create_book(engine::api::BookKind kind) {
+  try {
+    return new engine::api::BookObject(kind);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+[[gnu::visibility("default")]] libxl::Book* xlCreateBookW() {
+  return create_book(engine::api::BookKind::kXls);
+}
+
+[[gnu::visibility("default")]] libxl::Book* xlCreateXMLBookW() {
+  return create_book(engine::api::BookKind::kXlsx);
+}

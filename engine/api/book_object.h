@@ -1,0 +1,113 @@
+// A workbook as the interface shows it: what the two factories make.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "engine/api/book_context.h"
+#include "engine/api/book_files.h"
+#include "engine/api/locale.h"
+#include "engine/package/output.h"
+#include "platform/libxl/libxl.h"
+
+namespace engine::api {
+
+class BookObject final : public libxl::Book {
+ public:
+  explicit BookObject(BookKind kind) : book_(kind, new_contents(kind)) {}
+
+  bool load(const wchar_t* path, const wchar_t* tempFile) override;
+  bool loadRaw(const char* data, unsigned size, int sheetIndex, int firstRow, int lastRow) override;
+  bool loadSheet(const wchar_t* path, int sheetIndex, const wchar_t* tempFile) override;
+  bool loadPartially(const wchar_t* path, int sheetIndex, int firstRow, int lastRow,
+                     const wchar_t* tempFile) override;
+  bool loadInfo(const wchar_t* path) override;
+  bool save(const wchar_t* path, bool useTempFile) override;
+  bool saveRaw(const char** data, unsigned* size) override;
+  const char* errorMessage() const override { return book_.message(); }
+  void release() override { delete this; }
+
+  libxl::Sheet* addSheet(const wchar_t* name, libxl::Sheet* initSheet) override;
+  libxl::Sheet* insertSheet(int index, const wchar_t* name, libxl::Sheet* initSheet) override;
+  libxl::Sheet* getSheet(int index) const override;
+  const wchar_t* getSheetName(int index) const override;
+  libxl::SheetType sheetType(int index) const override;
+  bool moveSheet(int srcIndex, int dstIndex) override;
+  bool delSheet(int index) override;
+  int sheetCount() const override;
+  int activeSheet() const override;
+  void setActiveSheet(int index) override;
+
+  libxl::Format* addFormat(libxl::Format* init) override;
+  libxl::Font* addFont(libxl::Font* init) override;
+  int addCustomNumFormat(const wchar_t* numFormat) override;
+  const wchar_t* customNumFormat(int fmt) override;
+  libxl::Format* format(int index) override;
+  int formatSize() override;
+  libxl::Font* font(int index) override;
+  int fontSize() override;
+  const wchar_t* defaultFont(int* fontSize) override;
+  void setDefaultFont(const wchar_t* fontName, int fontSize) override;
+
+  // Pictures are not supported yet.
+  int pictureSize() const override { return unsupported(0, "pictureSize"); }
+  libxl::PictureType getPicture(int, const char**, unsigned*) const override {
+    return unsupported(libxl::PictureError, "getPicture");
+  }
+  int addPicture(const wchar_t*) override { return unsupported(-1, "addPicture"); }
+  int addPicture2(const char*, unsigned) override { return unsupported(-1, "addPicture2"); }
+  int addPictureAsLink(const wchar_t*, bool) override {
+    return unsupported(-1, "addPictureAsLink");
+  }
+
+  double datePack(int year, int month, int day, int hour, int min, int sec,
+                  int msec) const override;
+  bool dateUnpack(double value, int* year, int* month, int* day, int* hour, int* min, int* sec,
+                  int* msec) const override;
+  libxl::Color colorPack(int red, int green, int blue) override;
+  void colorUnpack(libxl::Color color, int* red, int* green, int* blue) override;
+
+  bool rgbMode() const override;
+  void setRgbMode(bool rgbMode) override;
+  bool refR1C1() const override;
+  void setRefR1C1(bool refR1C1) override;
+  int biffVersion() const override;
+  bool isDate1904() const override;
+  void setDate1904(bool date1904) override;
+  bool isTemplate() const override;
+  void setTemplate(bool tmpl) override;
+  bool setLocale(const char* locale) override;
+
+ private:
+  ~BookObject() = default;
+
+  // Operations that do not enter work on a book of which only the information was loaded, too.
+  bool enter() const { return book_.enter(false, "book"); }
+  bool check_index(std::string_view thing, int index, std::size_t count) const;
+  bool check_sheet_index(int index) const;
+  bool check_sheet_name(const std::string& name) const;
+  bool check_original(const libxl::Sheet* original, const Sheet** sheet) const;
+  bool check_savable(std::string_view operation) const;
+  // The rows of a partial load, cut to the grid.
+  bool take_rows(int first, int last, std::optional<CellRange>* rows) const;
+
+  bool load_with(std::string_view operation, const LoadRequest& request);
+  // Reads the one sheet that a partial load asks for and closes the others.
+  bool choose_sheet(const LoadRequest& request, BookContents& contents);
+  void settle_calculation();
+  libxl::Sheet* insert(std::size_t position, const wchar_t* name, const libxl::Sheet* original);
+
+  void refuse_unsupported(std::string_view operation) const;
+  template <class T>
+  T unsupported(T failure, std::string_view operation) const {
+    refuse_unsupported(operation);
+    return failure;
+  }
+
+  // Operations that only ask are const in the interface but set the message and may read a sheet.
+  mutable BookContext book_;
+  std::unique_ptr<package::MemoryOutput> saved_;
+  const NumberSigns* signs_ = find_number_signs("C");
+};
+
+}  // namespace engine::api

@@ -1,0 +1,175 @@
+// Operations of a book on its list of sheets.
+#include <algorithm>
+
+#include "engine/api/book_object.h"
+#include "engine/api/messages.h"
+#include "engine/api/sheet_object.h"
+#include "engine/workbook/sheet_operations.h"
+#include "engine/workbook/text.h"
+
+namespace engine::api {
+
+namespace {
+
+constexpr std::size_t kMaxSheetName = 31;
+constexpr std::size_t kMaxSheets = 65534;
+constexpr int kXlsRowPixels = 17;
+
+libxl::SheetType type_of(SheetKind kind) {
+  switch (kind) {
+    case SheetKind::kWorksheet:
+      return libxl::SheetWorksheet;
+    case SheetKind::kChart:
+      return libxl::SheetChart;
+    case SheetKind::kOther:
+      break;
+  }
+  return libxl::SheetUnknown;
+}
+
+// The first character that no sheet's name may hold, as messages show it; empty when there is none.
+std::string forbidden_character(std::string_view name) {
+  for (const char c : name) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code < 0x20 || code == 0x7F) {
+      constexpr std::string_view kDigits = "0123456789ABCDEF";
+      return std::string("U+00") + kDigits[code >> 4] + kDigits[code & 15];
+    }
+    if (std::string_view(":\\/?*[]").find(c) != std::string_view::npos) return {c};
+  }
+  return {};
+}
+
+}  // namespace
+
+bool BookObject::check_sheet_index(int index) const {
+  return check_index("sheet", index, book_.workbook().sheets.size());
+}
+
+bool BookObject::check_sheet_name(const std::string& name) const {
+  if (name.empty()) return book_.refuse(false, messages::empty("sheet name"));
+  const std::size_t length = utf16_length(name);
+  if (length > kMaxSheetName)
+    return book_.refuse(false, messages::too_long("sheet name", length, kMaxSheetName));
+  const std::string forbidden = forbidden_character(name);
+  if (!forbidden.empty())
+    return book_.refuse(false, messages::sheet_name_character(name, forbidden));
+  if (name.front() == '\'' || name.back() == '\'')
+    return book_.refuse(false, messages::sheet_name_apostrophe(name));
+  if (equal_ignoring_case(name, "History"))
+    return book_.refuse(false, messages::sheet_name_reserved(name));
+  if (book_.workbook().find_sheet(name))
+    return book_.refuse(false, messages::sheet_name_used(name));
+  return true;
+}
+
+// A sheet to copy: null stays null.
+bool BookObject::check_original(const libxl::Sheet* original, const Sheet** sheet) const {
+  if (!original) return true;
+  const auto& object = static_cast<const SheetObject&>(*original);
+  if (&object.book() != &book_) return book_.refuse(false, messages::foreign("sheet"));
+  if (!object.sheet()) return book_.refuse(false, messages::gone("sheet"));
+  *sheet = object.sheet();
+  return true;
+}
+
+libxl::Sheet* BookObject::addSheet(const wchar_t* name, libxl::Sheet* initSheet) {
+  return enter() ? insert(book_.workbook().sheets.size(), name, initSheet) : nullptr;
+}
+
+libxl::Sheet* BookObject::insertSheet(int index, const wchar_t* name, libxl::Sheet* initSheet) {
+  if (!enter()) return nullptr;
+  const std::size_t count = book_.workbook().sheets.size();
+  if (index < 0 || static_cast<std::size_t>(index) > count) {
+    const auto last = static_cast<int>(count);
+    return book_.refuse(nullptr, messages::out_of_range("sheet position", index, 0, last));
+  }
+  return insert(static_cast<std::size_t>(index), name, initSheet);
+}
+
+libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
+                                 const libxl::Sheet* original) {
+  Workbook& workbook = book_.workbook();
+  std::string text = to_utf8(name);
+  const Sheet* model = nullptr;
+  if (!check_sheet_name(text) || !check_original(original, &model)) return nullptr;
+  if (model && model->loading == Loading::kPartly)
+    return book_.refuse(nullptr, messages::sheet_partly_loaded(model->name));
+  if (workbook.sheets.size() >= kMaxSheets)
+    return book_.refuse(nullptr, messages::too_many("sheets", kMaxSheets));
+  return book_.attempt<libxl::Sheet*>(nullptr, [&] {
+    NewSheet made = model ? make_copy(workbook, book_.document(), *model, std::move(text))
+                          : make_sheet(std::move(text));
+    if (!model && book_.kind() == BookKind::kXls) made.sheet->default_row_pixels = kXlsRowPixels;
+    make_room(workbook, made);
+    SheetObject* object = book_.sheet_object(*made.sheet);
+    place_sheet(workbook, position, std::move(made));
+    return object;
+  });
+}
+
+libxl::Sheet* BookObject::getSheet(int index) const {
+  if (!enter() || !check_sheet_index(index)) return nullptr;
+  Workbook& workbook = book_.workbook();
+  Sheet& sheet = *workbook.sheets[static_cast<std::size_t>(index)];
+  if (sheet.kind != SheetKind::kWorksheet)
+    return book_.refuse(nullptr, messages::not_worksheet(index));
+  if (sheet.loading == Loading::kExcluded)
+    return book_.refuse(nullptr, messages::sheet_not_loaded(sheet.name));
+  return book_.attempt<libxl::Sheet*>(nullptr, [&] {
+    if (sheet.loading == Loading::kUnread) book_.document().read_sheet(workbook, sheet);
+    return book_.sheet_object(sheet);
+  });
+}
+
+const wchar_t* BookObject::getSheetName(int index) const {
+  book_.begin();
+  if (!check_sheet_index(index)) return nullptr;
+  return book_.give(book_.workbook().sheets[static_cast<std::size_t>(index)]->name);
+}
+
+libxl::SheetType BookObject::sheetType(int index) const {
+  book_.begin();
+  if (!check_sheet_index(index)) return libxl::SheetUnknown;
+  return type_of(book_.workbook().sheets[static_cast<std::size_t>(index)]->kind);
+}
+
+bool BookObject::moveSheet(int srcIndex, int dstIndex) {
+  if (!enter() || !check_sheet_index(srcIndex) || !check_sheet_index(dstIndex)) return false;
+  move_sheet(book_.workbook(), static_cast<std::size_t>(srcIndex),
+             static_cast<std::size_t>(dstIndex));
+  return true;
+}
+
+bool BookObject::delSheet(int index) {
+  if (!enter() || !check_sheet_index(index)) return false;
+  const auto position = static_cast<std::size_t>(index);
+  return book_.attempt(false, [&] {
+    book_.detach(*delete_sheet(book_.workbook(), book_.document(), position));
+    return true;
+  });
+}
+
+int BookObject::sheetCount() const {
+  book_.begin();
+  return static_cast<int>(book_.workbook().sheets.size());
+}
+
+int BookObject::activeSheet() const {
+  book_.begin();
+  return static_cast<int>(book_.workbook().active_sheet);
+}
+
+void BookObject::setActiveSheet(int index) {
+  if (!enter() || !check_sheet_index(index)) return;
+  Workbook& workbook = book_.workbook();
+  const auto position = static_cast<std::size_t>(index);
+  if (workbook.sheets[position]->visibility != SheetVisibility::kVisible)
+    return book_.refuse(messages::sheet_hidden(index));
+  book_.attempt(false, [&] {
+    activate_sheet(workbook, book_.document(), position);
+    return true;
+  });
+}
+
+}  // namespace engine::api

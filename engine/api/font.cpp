@@ -1,0 +1,96 @@
+#include "engine/api/font.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "engine/api/messages.h"
+#include "engine/workbook/text.h"
+
+namespace engine::api {
+
+namespace {
+
+constexpr int kMaxSize = 409;
+constexpr std::size_t kMaxName = 31;
+constexpr int kUnderlines[] = {libxl::UnderlineNone, libxl::UnderlineSingle, libxl::UnderlineDouble,
+                               libxl::UnderlineSingleAccounting, libxl::UnderlineDoubleAccounting};
+
+}  // namespace
+
+int FontObject::size() const { return enter() ? static_cast<int>(std::lround(record().size)) : 0; }
+
+void FontObject::setSize(int size) {
+  if (!enter()) return;
+  if (size < 1 || size > kMaxSize)
+    return book_.refuse(messages::out_of_range("font size", size, 1, kMaxSize));
+  change(kFontSize).size = size;
+}
+
+bool FontObject::italic() const { return enter() && record().italic; }
+
+void FontObject::setItalic(bool italic) {
+  if (enter()) change(kFontItalic).italic = italic;
+}
+
+bool FontObject::strikeOut() const { return enter() && record().strike_out; }
+
+void FontObject::setStrikeOut(bool strikeOut) {
+  if (enter()) change(kFontStrikeOut).strike_out = strikeOut;
+}
+
+libxl::Color FontObject::color() const {
+  if (!enter()) return libxl::ColorAuto;
+  return static_cast<libxl::Color>(number_of_color(
+      record().color, kAutomaticNumber, book_.rgb_mode(), book_.workbook().styles.colors));
+}
+
+void FontObject::setColor(libxl::Color color) {
+  if (!enter()) return;
+  const auto stored = color_of_number(color, book_.rgb_mode());
+  if (!stored) return book_.refuse(messages::unknown("colour", color));
+  change(kFontColor).color = *stored;
+}
+
+bool FontObject::bold() const { return enter() && record().bold; }
+
+void FontObject::setBold(bool bold) {
+  if (enter()) change(kFontBold).bold = bold;
+}
+
+libxl::Script FontObject::script() const {
+  return enter() ? static_cast<libxl::Script>(record().script) : libxl::ScriptNormal;
+}
+
+void FontObject::setScript(libxl::Script script) {
+  if (!enter()) return;
+  if (script < libxl::ScriptNormal || script > libxl::ScriptSub)
+    return book_.refuse(messages::out_of_range("script", script, 0, libxl::ScriptSub));
+  change(kFontScript).script = static_cast<std::uint8_t>(script);
+}
+
+libxl::Underline FontObject::underline() const {
+  return enter() ? static_cast<libxl::Underline>(record().underline) : libxl::UnderlineNone;
+}
+
+void FontObject::setUnderline(libxl::Underline underline) {
+  if (!enter()) return;
+  if (std::ranges::find(kUnderlines, underline) == std::end(kUnderlines))
+    return book_.refuse(messages::unknown("underline", underline));
+  change(kFontUnderline).underline = static_cast<std::uint8_t>(underline);
+}
+
+const wchar_t* FontObject::name() const { return enter() ? book_.give(record().name) : nullptr; }
+
+// A name that does not fit is an answer, not a refusal: the caller gets false and no message.
+bool FontObject::setName(const wchar_t* name) {
+  if (!enter()) return false;
+  std::string text = to_utf8(name);
+  if (text.empty() || utf16_length(text) > kMaxName) return false;
+  change(kFontName).name = std::move(text);
+  return true;
+}
+
+}  // namespace engine::api

@@ -1,0 +1,252 @@
+#include "engine/api/format.h"
+
+#include "engine/api/font.h"
+#include "engine/api/messages.h"
+
+namespace engine::api {
+
+namespace {
+
+constexpr BorderSide Border::*kSides[] = {&Border::left, &Border::right, &Border::top,
+                                          &Border::bottom};
+constexpr int kRightAngle = 90;
+
+}  // namespace
+
+bool FormatObject::check(std::string_view property, int value, int last) const {
+  if (value >= 0 && value <= last) return true;
+  return book_.refuse(false, messages::out_of_range(property, value, 0, last));
+}
+
+bool FormatObject::check_color(libxl::Color color, Color* stored) const {
+  const auto known = color_of_number(color, book_.rgb_mode());
+  if (!known) return book_.refuse(false, messages::unknown("colour", color));
+  *stored = *known;
+  return true;
+}
+
+libxl::Color FormatObject::number(const Color& color, int absent) const {
+  return static_cast<libxl::Color>(
+      number_of_color(color, absent, book_.rgb_mode(), styles().colors));
+}
+
+// Font and number format.
+
+libxl::Font* FormatObject::font() const {
+  return enter() ? book_.font_object(styles().font_of(index_)) : nullptr;
+}
+
+bool FormatObject::setFont(libxl::Font* font) {
+  if (!enter()) return false;
+  std::uint32_t chosen = 0;
+  if (font) {
+    const auto& object = static_cast<const FontObject&>(*font);
+    if (&object.book() != &book_) return book_.refuse(false, messages::foreign("font"));
+    if (object.detached()) return book_.refuse(false, messages::gone("font"));
+    chosen = object.index();
+  }
+  change(kFormatFont).font = chosen;
+  return true;
+}
+
+int FormatObject::numFormat() const {
+  return enter() ? static_cast<int>(record().number_format) : 0;
+}
+
+void FormatObject::setNumFormat(int numFormat) {
+  if (!enter()) return;
+  if (numFormat < 0 || !styles().is_number_format(static_cast<std::uint32_t>(numFormat)))
+    return book_.refuse(messages::unknown("number format", numFormat));
+  change(kFormatNumber).number_format = static_cast<std::uint32_t>(numFormat);
+}
+
+// Alignment.
+
+libxl::AlignH FormatObject::alignH() const {
+  return enter() ? static_cast<libxl::AlignH>(record().alignment.horizontal) : libxl::AlignHGeneral;
+}
+
+void FormatObject::setAlignH(libxl::AlignH align) {
+  if (!enter() || !check("horizontal alignment", align, libxl::AlignHDistributed)) return;
+  change(kFormatAlignment).alignment.horizontal = static_cast<std::uint8_t>(align);
+}
+
+libxl::AlignV FormatObject::alignV() const {
+  return enter() ? static_cast<libxl::AlignV>(record().alignment.vertical) : libxl::AlignVBottom;
+}
+
+void FormatObject::setAlignV(libxl::AlignV align) {
+  if (!enter() || !check("vertical alignment", align, libxl::AlignVDistributed)) return;
+  change(kFormatAlignment).alignment.vertical = static_cast<std::uint8_t>(align);
+}
+
+bool FormatObject::wrap() const { return enter() && record().alignment.wrap; }
+
+void FormatObject::setWrap(bool wrap) {
+  if (enter()) change(kFormatAlignment).alignment.wrap = wrap;
+}
+
+int FormatObject::rotation() const { return enter() ? record().alignment.rotation : 0; }
+
+// Angles that cannot be are an answer, not a refusal: the caller gets false and no message.
+bool FormatObject::setRotation(int rotation) {
+  if (!enter()) return false;
+  if (rotation < 0 && rotation >= -kRightAngle) rotation = kRightAngle - rotation;
+  constexpr int kStacked = 255;
+  if (rotation != kStacked && (rotation < 0 || rotation > 2 * kRightAngle)) return false;
+  change(kFormatAlignment).alignment.rotation = static_cast<std::uint8_t>(rotation);
+  return true;
+}
+
+int FormatObject::indent() const { return enter() ? record().alignment.indent : 0; }
+
+void FormatObject::setIndent(int indent) {
+  if (!enter() || !check("indent", indent, styles().limits.indent)) return;
+  change(kFormatAlignment).alignment.indent = static_cast<std::uint8_t>(indent);
+}
+
+bool FormatObject::shrinkToFit() const { return enter() && record().alignment.shrink_to_fit; }
+
+void FormatObject::setShrinkToFit(bool shrinkToFit) {
+  if (enter()) change(kFormatAlignment).alignment.shrink_to_fit = shrinkToFit;
+}
+
+// Borders.
+
+libxl::BorderStyle FormatObject::side_style(Side side) const {
+  return enter() ? static_cast<libxl::BorderStyle>((record().border.*side).style)
+                 : libxl::BorderNone;
+}
+
+void FormatObject::set_side_style(Side side, libxl::BorderStyle style) {
+  if (!enter() || !check("border style", style, libxl::BorderSlantDashDot)) return;
+  (change(kFormatBorder).border.*side).style = static_cast<std::uint8_t>(style);
+}
+
+libxl::Color FormatObject::side_color(Side side) const {
+  if (!enter()) return libxl::ColorDefaultForeground;
+  return number((record().border.*side).color, kForegroundNumber);
+}
+
+void FormatObject::set_side_color(Side side, libxl::Color color) {
+  Color stored;
+  if (!enter() || !check_color(color, &stored)) return;
+  (change(kFormatBorder).border.*side).color = stored;
+}
+
+void FormatObject::setBorder(libxl::BorderStyle style) {
+  if (!enter() || !check("border style", style, libxl::BorderSlantDashDot)) return;
+  Border& border = change(kFormatBorder).border;
+  for (const Side side : kSides) (border.*side).style = static_cast<std::uint8_t>(style);
+}
+
+void FormatObject::setBorderColor(libxl::Color color) {
+  Color stored;
+  if (!enter() || !check_color(color, &stored)) return;
+  Border& border = change(kFormatBorder).border;
+  for (const Side side : kSides) (border.*side).color = stored;
+}
+
+libxl::BorderStyle FormatObject::borderLeft() const { return side_style(&Border::left); }
+libxl::BorderStyle FormatObject::borderRight() const { return side_style(&Border::right); }
+libxl::BorderStyle FormatObject::borderTop() const { return side_style(&Border::top); }
+libxl::BorderStyle FormatObject::borderBottom() const { return side_style(&Border::bottom); }
+libxl::BorderStyle FormatObject::borderDiagonalStyle() const {
+  return side_style(&Border::diagonal);
+}
+
+void FormatObject::setBorderLeft(libxl::BorderStyle style) { set_side_style(&Border::left, style); }
+void FormatObject::setBorderRight(libxl::BorderStyle style) {
+  set_side_style(&Border::right, style);
+}
+void FormatObject::setBorderTop(libxl::BorderStyle style) { set_side_style(&Border::top, style); }
+void FormatObject::setBorderBottom(libxl::BorderStyle style) {
+  set_side_style(&Border::bottom, style);
+}
+void FormatObject::setBorderDiagonalStyle(libxl::BorderStyle style) {
+  set_side_style(&Border::diagonal, style);
+}
+
+libxl::Color FormatObject::borderLeftColor() const { return side_color(&Border::left); }
+libxl::Color FormatObject::borderRightColor() const { return side_color(&Border::right); }
+libxl::Color FormatObject::borderTopColor() const { return side_color(&Border::top); }
+libxl::Color FormatObject::borderBottomColor() const { return side_color(&Border::bottom); }
+libxl::Color FormatObject::borderDiagonalColor() const { return side_color(&Border::diagonal); }
+
+void FormatObject::setBorderLeftColor(libxl::Color color) { set_side_color(&Border::left, color); }
+void FormatObject::setBorderRightColor(libxl::Color color) {
+  set_side_color(&Border::right, color);
+}
+void FormatObject::setBorderTopColor(libxl::Color color) { set_side_color(&Border::top, color); }
+void FormatObject::setBorderBottomColor(libxl::Color color) {
+  set_side_color(&Border::bottom, color);
+}
+void FormatObject::setBorderDiagonalColor(libxl::Color color) {
+  set_side_color(&Border::diagonal, color);
+}
+
+libxl::BorderDiagonal FormatObject::borderDiagonal() const {
+  return enter() ? static_cast<libxl::BorderDiagonal>(record().border.diagonals)
+                 : libxl::DiagonalNone;
+}
+
+// A diagonal without a style would not show.
+void FormatObject::setBorderDiagonal(libxl::BorderDiagonal border) {
+  if (!enter() || !check("diagonal border", border, libxl::DiagonalBoth)) return;
+  Border& changed = change(kFormatBorder).border;
+  changed.diagonals = static_cast<std::uint8_t>(border);
+  if (changed.diagonals != 0 && changed.diagonal.style == libxl::BorderNone)
+    changed.diagonal.style = libxl::BorderThin;
+}
+
+// Fill and protection.
+
+// A gradient gives way to whatever is set of a fill.
+Fill& FormatObject::change_fill() {
+  Fill& fill = change(kFormatFill).fill;
+  fill.carried = 0;
+  return fill;
+}
+
+libxl::FillPattern FormatObject::fillPattern() const {
+  return enter() ? static_cast<libxl::FillPattern>(record().fill.pattern) : libxl::FillNone;
+}
+
+void FormatObject::setFillPattern(libxl::FillPattern pattern) {
+  if (!enter() || !check("fill pattern", pattern, libxl::FillGray6)) return;
+  change_fill().pattern = static_cast<std::uint8_t>(pattern);
+}
+
+libxl::Color FormatObject::patternForegroundColor() const {
+  if (!enter()) return libxl::ColorDefaultForeground;
+  return number(record().fill.foreground, kForegroundNumber);
+}
+
+void FormatObject::setPatternForegroundColor(libxl::Color color) {
+  Color stored;
+  if (enter() && check_color(color, &stored)) change_fill().foreground = stored;
+}
+
+libxl::Color FormatObject::patternBackgroundColor() const {
+  if (!enter()) return libxl::ColorDefaultBackground;
+  return number(record().fill.background, kBackgroundNumber);
+}
+
+void FormatObject::setPatternBackgroundColor(libxl::Color color) {
+  Color stored;
+  if (enter() && check_color(color, &stored)) change_fill().background = stored;
+}
+
+bool FormatObject::locked() const { return enter() && record().locked; }
+
+void FormatObject::setLocked(bool locked) {
+  if (enter()) change(kFormatProtection).locked = locked;
+}
+
+bool FormatObject::hidden() const { return enter() && record().hidden; }
+
+void FormatObject::setHidden(bool hidden) {
+  if (enter()) change(kFormatProtection).hidden = hidden;
+}
+
+}  // namespace engine::api

@@ -1,0 +1,195 @@
+#include "engine/api/messages.h"
+
+#include <algorithm>
+#include <concepts>
+#include <cstdlib>
+
+#include "engine/formula/reference.h"
+#include "engine/package/number_text.h"
+#include "engine/workbook/text.h"
+
+namespace engine::api::messages {
+
+namespace {
+
+std::string shown(double value) {
+  std::string text;
+  package::append_number(text, value);
+  return text;
+}
+std::string shown(std::integral auto value) { return std::to_string(value); }
+std::string_view shown(std::string_view text) { return text; }
+
+std::string join(const auto&... parts) {
+  std::string text;
+  (text.append(shown(parts)), ...);
+  return text;
+}
+
+std::string cell_text(CellAddress cell) { return formula::print_cell(cell.row, cell.column); }
+
+std::string last_cell(const Grid& grid) {
+  return formula::print_cell(grid.rows - 1, grid.cols - 1);
+}
+
+std::string padded(int value, std::size_t width) {
+  std::string digits = std::to_string(std::abs(value));
+  digits.insert(0, width - std::min(width, digits.size()), '0');
+  return value < 0 ? "-" + digits : digits;
+}
+
+std::string range_text(std::string_view property, const auto& value, const auto& low,
+                       const auto& high) {
+  return join(property, " ", value, " is out of range ", low, "..", high);
+}
+
+std::string sheet_name(std::string_view name, std::string_view predicate) {
+  return join("sheet name ", quoted(name), predicate);
+}
+
+}  // namespace
+
+std::string row(int row, const Grid& grid) { return range_text("row", row, 0, grid.rows - 1); }
+
+std::string column(int column, const Grid& grid) {
+  return range_text("column", column, 0, grid.cols - 1);
+}
+
+std::string row_order(int first, int last) {
+  return join("first row ", first, " is after last row ", last);
+}
+
+std::string column_order(int first, int last) {
+  return join("first column ", first, " is after last column ", last);
+}
+
+std::string index(std::string_view thing, long long index, std::size_t count) {
+  if (count == 0) return join(thing, " ", index, " is out of range: there are none");
+  return range_text(thing, index, 0, count - 1);
+}
+
+std::string out_of_range(std::string_view property, int value, int low, int high) {
+  return range_text(property, value, low, high);
+}
+
+std::string out_of_range(std::string_view property, double value, double low, double high) {
+  return range_text(property, value, low, high);
+}
+
+std::string too_small(std::string_view property, int value, int low) {
+  return join(property, " ", value, " is out of range: it must be at least ", low);
+}
+
+std::string too_small(std::string_view property, double value, double low) {
+  return join(property, " ", value, " is out of range: it must be at least ", low);
+}
+
+std::string not_finite(std::string_view property) {
+  return join(property, " is not a finite number");
+}
+
+std::string unknown(std::string_view property, long long value) {
+  return join(property, " ", value, " is not known");
+}
+
+std::string empty(std::string_view what) { return join(what, " is empty"); }
+
+std::string too_long(std::string_view what, std::size_t length, std::size_t limit) {
+  return join(what, " is ", length, " characters long, the limit is ", limit);
+}
+
+std::string too_many(std::string_view things, std::size_t limit) {
+  return join("too many ", things, ": the limit is ", limit);
+}
+
+std::string invalid_number_format(std::string_view code) {
+  return join("number format ", quoted(code), " is not valid");
+}
+
+std::string invalid_date(int year, int month, int day) {
+  return join("date ", year, "-", padded(month, 2), "-", padded(day, 2), " is not a valid date");
+}
+
+std::string invalid_address(std::string_view address) {
+  return join("address ", quoted(address), " is not a cell address");
+}
+
+std::string address_beyond_grid(std::string_view address, const Grid& grid) {
+  return join("address ", quoted(address), " is beyond the last cell ", last_cell(grid));
+}
+
+std::string gone(std::string_view thing) {
+  return join("the ", thing, " is no longer in the book");
+}
+
+std::string foreign(std::string_view thing) {
+  return join("the ", thing, " belongs to another book");
+}
+
+std::string only_information() { return "only the book information was loaded"; }
+
+std::string sheet_not_loaded(std::string_view sheet) {
+  return join("sheet ", quoted(sheet), " is not loaded");
+}
+
+std::string row_not_loaded(int row, std::string_view sheet) {
+  return join("row ", row, " of sheet ", quoted(sheet), " is not loaded");
+}
+
+std::string sheet_partly_loaded(std::string_view sheet) {
+  return join("sheet ", quoted(sheet), " is only partly loaded");
+}
+
+std::string not_worksheet(int index) { return join("sheet ", index, " is not a worksheet"); }
+
+std::string sheet_name_character(std::string_view name, std::string_view character) {
+  return join(sheet_name(name, " holds a character that is not allowed: "), character);
+}
+
+std::string sheet_name_used(std::string_view name) { return sheet_name(name, " is already used"); }
+
+std::string sheet_name_reserved(std::string_view name) { return sheet_name(name, " is reserved"); }
+
+std::string sheet_name_apostrophe(std::string_view name) {
+  return sheet_name(name, " begins or ends with an apostrophe");
+}
+
+std::string no_sheets() { return "the book has no sheets"; }
+
+std::string every_sheet_hidden() { return "every sheet is hidden"; }
+
+std::string sheet_hidden(int index) { return join("sheet ", index, " is hidden"); }
+
+std::string wrong_kind(CellAddress cell, std::string_view holds, std::string_view wanted) {
+  return join("cell ", cell_text(cell), " holds ", holds, ", not ", wanted);
+}
+
+std::string part_of_array(CellAddress cell, const CellRange& array) {
+  return join("cell ", cell_text(cell), " is part of the array formula in ",
+              formula::print_range(array));
+}
+
+std::string formula_error(std::string_view formula, const formula::ParseError& error,
+                          const Grid& grid) {
+  using Kind = formula::ParseError::Kind;
+  if (error.kind == Kind::kTooLong)
+    return join("formula is ", error.length, " characters long, the limit is ",
+                formula::kMaxFormulaLength);
+  if (error.kind == Kind::kBeyondGrid)
+    return join("formula refers to ", error.address, ", beyond the last cell ", last_cell(grid));
+  return join("formula ", quoted(formula), " is not valid at position ", error.position);
+}
+
+std::string formula_unknown_sheet(std::string_view formula, std::string_view sheet) {
+  return join("formula ", quoted(formula), " refers to unknown sheet ", quoted(sheet));
+}
+
+std::string array_braces() { return "array formula braces are not accepted"; }
+
+std::string file(std::string_view path) { return join("file ", quoted(path), " "); }
+
+std::string not_supported(std::string_view operation) {
+  return join(operation, " is not supported yet");
+}
+
+}  // namespace engine::api::messages

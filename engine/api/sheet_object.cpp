@@ -1,0 +1,118 @@
+#include "engine/api/sheet_object.h"
+
+#include <algorithm>
+
+#include "engine/api/format.h"
+#include "engine/api/messages.h"
+#include "engine/formula/reference.h"
+#include "engine/workbook/text.h"
+
+namespace engine::api {
+
+namespace {
+
+template <class T>
+void give(T* out, T value) {
+  if (out) *out = value;
+}
+
+}  // namespace
+
+bool SheetObject::check_cell(int row, int col) const {
+  const Grid& grid = book_.workbook().grid;
+  if (row < 0 || row >= grid.rows) return book_.refuse(false, messages::row(row, grid));
+  if (col < 0 || col >= grid.cols) return book_.refuse(false, messages::column(col, grid));
+  return true;
+}
+
+bool SheetObject::check_format(const libxl::Format* format, Style* style) const {
+  if (!format) return true;
+  const auto& object = static_cast<const FormatObject&>(*format);
+  if (&object.book() != &book_) return book_.refuse(false, messages::foreign("format"));
+  if (object.detached()) return book_.refuse(false, messages::gone("format"));
+  *style = object.index();
+  return true;
+}
+
+bool SheetObject::check_loaded(int row) const {
+  if (sheet_->loading != Loading::kPartly) return true;
+  const CellRange& rows = sheet_->loaded_rows;
+  if (row >= rows.row_first && row <= rows.row_last) return true;
+  return book_.refuse(false, messages::row_not_loaded(row, sheet_->name));
+}
+
+bool SheetObject::check_writable(int row, int col) const {
+  if (!check_loaded(row)) return false;
+  if (sheet_->arrays.empty()) return true;
+  const CellRange* array = sheet_->array_at({row, col});
+  return !array || book_.refuse(false, messages::part_of_array({row, col}, *array));
+}
+
+bool SheetObject::enter_cell(int row, int col) const {
+  return enter() && check_cell(row, col) && check_loaded(row);
+}
+
+bool SheetObject::check_write(int row, int col, const libxl::Format* format, Style* style) const {
+  return check_format(format, style) && check_writable(row, col);
+}
+
+void SheetObject::refuse_unsupported(std::string_view operation) const {
+  if (enter()) book_.refuse(messages::not_supported(operation));
+}
+
+// The used range. Rows may be kept for their properties alone: only those with cells count.
+int SheetObject::firstRow() const {
+  if (!enter()) return 0;
+  const auto rows = std::as_const(sheet_->cells).rows();
+  const auto first = std::ranges::find_if(rows, [](const Row& row) { return row.count != 0; });
+  return first == rows.end() ? 0 : static_cast<int>(first->number);
+}
+
+int SheetObject::lastRow() const {
+  if (!enter()) return 0;
+  const auto rows = std::as_const(sheet_->cells).rows();
+  const auto last =
+      std::find_if(rows.rbegin(), rows.rend(), [](const Row& row) { return row.count != 0; });
+  return last == rows.rend() ? 0 : static_cast<int>(last->number) + 1;
+}
+
+int SheetObject::firstCol() const { return enter() ? used_columns().first : 0; }
+
+int SheetObject::lastCol() const { return enter() ? used_columns().last + 1 : 0; }
+
+// Every row has to be looked at, and callers ask again in each turn of a loop.
+SheetObject::Columns SheetObject::used_columns() const {
+  if (!used_columns_) {
+    CellRange range;
+    const bool any = sheet_->cells.used_range(&range);
+    used_columns_ = any ? Columns{range.col_first, range.col_last} : Columns{};
+  }
+  return *used_columns_;
+}
+
+const wchar_t* SheetObject::name() const { return enter() ? book_.give(sheet_->name) : nullptr; }
+
+void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* col, bool* rowRelative,
+                               bool* colRelative) {
+  if (!enter()) return;
+  to_utf8(addr, text_);
+  if (text_.empty()) return book_.refuse(messages::empty("address"));
+  const auto cell = formula::parse_cell(text_);
+  if (!cell) return book_.refuse(messages::invalid_address(text_));
+  const Grid& grid = book_.workbook().grid;
+  if (cell->row >= grid.rows || cell->col >= grid.cols)
+    return book_.refuse(messages::address_beyond_grid(text_, grid));
+  give(row, cell->row);
+  give(col, cell->col);
+  give(rowRelative, !cell->row_absolute);
+  give(colRelative, !cell->col_absolute);
+}
+
+const wchar_t* SheetObject::rowColToAddr(int row, int col, bool rowRelative, bool colRelative) {
+  if (!enter() || !check_cell(row, col)) return nullptr;
+  text_.clear();
+  formula::append_cell(text_, formula::CellAddress{row, col, !rowRelative, !colRelative});
+  return book_.give(text_);
+}
+
+}  // namespace engine::api

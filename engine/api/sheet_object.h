@@ -1,0 +1,113 @@
+// A worksheet as the interface shows it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "engine/api/book_context.h"
+#include "engine/api/unsupported_sheet.h"
+
+namespace engine::api {
+
+class SheetObject final : public UnsupportedSheet {
+ public:
+  SheetObject(BookContext& book, engine::Sheet& sheet) : book_(book), sheet_(&sheet) {}
+
+  BookContext& book() const { return book_; }
+  // Null once the sheet has left the book.
+  engine::Sheet* sheet() const { return sheet_; }
+  void detach() noexcept {
+    sheet_ = nullptr;
+    std::string().swap(text_);
+  }
+
+  libxl::CellType cellType(int row, int col) const override;
+  bool isFormula(int row, int col) const override;
+  libxl::Format* cellFormat(int row, int col) const override;
+  void setCellFormat(int row, int col, libxl::Format* format) override;
+  const wchar_t* readStr(int row, int col, libxl::Format** format) override;
+  bool writeStr(int row, int col, const wchar_t* value, libxl::Format* format,
+                libxl::CellType type) override;
+  double readNum(int row, int col, libxl::Format** format) const override;
+  bool writeNum(int row, int col, double value, libxl::Format* format) override;
+  bool readBool(int row, int col, libxl::Format** format) const override;
+  bool writeBool(int row, int col, bool value, libxl::Format* format,
+                 libxl::ErrorType error) override;
+  bool readBlank(int row, int col, libxl::Format** format) const override;
+  bool writeBlank(int row, int col, libxl::Format* format) override;
+  const wchar_t* readFormula(int row, int col, libxl::Format** format) override;
+  bool writeFormula(int row, int col, const wchar_t* expr, libxl::Format* format) override;
+  bool writeFormulaNum(int row, int col, const wchar_t* expr, double value,
+                       libxl::Format* format) override;
+  bool writeFormulaStr(int row, int col, const wchar_t* expr, const wchar_t* value,
+                       libxl::Format* format) override;
+  bool writeFormulaBool(int row, int col, const wchar_t* expr, bool value,
+                        libxl::Format* format) override;
+  const wchar_t* readComment(int row, int col) const override;
+  void writeComment(int row, int col, const wchar_t* value, const wchar_t* author, int width,
+                    int height) override;
+  void removeComment(int row, int col) override;
+  bool isDate(int row, int col) const override;
+  libxl::ErrorType readError(int row, int col) const override;
+  void writeError(int row, int col, libxl::ErrorType error, libxl::Format* format) override;
+
+  int firstRow() const override;
+  int lastRow() const override;
+  int firstCol() const override;
+  int lastCol() const override;
+
+  const wchar_t* name() const override;
+  void addrToRowCol(const wchar_t* addr, int* row, int* col, bool* rowRelative,
+                    bool* colRelative) override;
+  const wchar_t* rowColToAddr(int row, int col, bool rowRelative, bool colRelative) override;
+
+ private:
+  using Style = std::optional<std::uint32_t>;
+
+  // First and last column that hold a cell.
+  struct Columns {
+    int first = 0;
+    int last = -1;
+  };
+
+  // Steps of an operation, in the order in which refusals are told. Each sets the message.
+  bool enter() const { return book_.enter(!sheet_, "sheet"); }
+  bool check_cell(int row, int col) const;
+  bool check_format(const libxl::Format* format, Style* style) const;
+  bool check_loaded(int row) const;
+  // What follows the arguments of a write: the row is loaded, the cell stands in no array.
+  bool check_writable(int row, int col) const;
+  // The steps before an operation looks at a cell, and those before it writes one.
+  bool enter_cell(int row, int col) const;
+  bool check_write(int row, int col, const libxl::Format* format, Style* style) const;
+  bool check_error(int error) const;
+  bool check_comments() const;
+  bool check_pixels(std::string_view property, int pixels) const;
+
+  void refuse_unsupported(std::string_view operation) const override;
+  void refuse_kind(int row, int col, ValueKind holds, ValueKind wanted) const;
+
+  void give_format(const Cell* cell, int row, int col, libxl::Format** format) const;
+  // The record with the formula that fills the cell, its own or that of its array; else null.
+  // `anchor`, if given, becomes the cell that holds it.
+  const CellRecord* formula_record(const Cell& cell, CellAddress at, CellAddress* anchor) const;
+
+  bool put(int row, int col, Value value, Style style);
+  bool put_formula(int row, int col, std::string formula, Value value, Style style);
+  void note_written(int col);
+  void note_cell(int col);
+  // Takes a text into text_. False, with the message set, when it is too long.
+  bool take_text(const wchar_t* value, std::string_view what, std::size_t limit);
+  // The text of a formula as the model keeps it; nothing, with the message set, when it is none.
+  std::optional<std::string> take_formula(int row, int col, const wchar_t* expr);
+  Columns used_columns() const;
+
+  BookContext& book_;
+  engine::Sheet* sheet_;
+  std::string text_;                             // reused by every text that is taken
+  mutable std::optional<Columns> used_columns_;  // known until cells are removed
+};
+
+}  // namespace engine::api

@@ -1,0 +1,190 @@
+// Operations of a sheet that read cells.
+#include <array>
+
+#include "engine/api/format.h"
+#include "engine/api/messages.h"
+#include "engine/api/sheet_object.h"
+#include "engine/formula/file_text.h"
+#include "engine/formula/formula.h"
+#include "engine/package/number_text.h"
+
+namespace engine::api {
+
+namespace {
+
+std::string_view kind_text(ValueKind kind) {
+  switch (kind) {
+    case ValueKind::kNone:
+      break;
+    case ValueKind::kNumber:
+      return "a number";
+    case ValueKind::kText:
+      return "text";
+    case ValueKind::kBoolean:
+      return "a true/false value";
+    case ValueKind::kError:
+      return "an error";
+  }
+  return "nothing";
+}
+
+libxl::CellType type_of(ValueKind kind) {
+  switch (kind) {
+    case ValueKind::kNone:
+      return libxl::CellBlank;
+    case ValueKind::kNumber:
+      return libxl::CellNumber;
+    case ValueKind::kText:
+      return libxl::CellText;
+    case ValueKind::kBoolean:
+      return libxl::CellBoolean;
+    case ValueKind::kError:
+      return libxl::CellError;
+  }
+  return libxl::CellEmpty;
+}
+
+}  // namespace
+
+void SheetObject::refuse_kind(int row, int col, ValueKind holds, ValueKind wanted) const {
+  book_.refuse(messages::wrong_kind({row, col}, kind_text(holds), kind_text(wanted)));
+}
+
+void SheetObject::give_format(const Cell* cell, int row, int col, libxl::Format** format) const {
+  if (!format) return;
+  *format = book_.format_object(cell ? cell->style : sheet_->style_at(row, col));
+}
+
+libxl::CellType SheetObject::cellType(int row, int col) const {
+  if (!enter_cell(row, col)) return libxl::CellEmpty;
+  const Cell* cell = sheet_->cells.find(row, col);
+  return cell ? type_of(sheet_->value(*cell).kind) : libxl::CellEmpty;
+}
+
+libxl::Format* SheetObject::cellFormat(int row, int col) const {
+  if (!enter_cell(row, col)) return nullptr;
+  return book_.format_object(sheet_->style_at(row, col));
+}
+
+const wchar_t* SheetObject::readStr(int row, int col, libxl::Format** format) {
+  if (!enter_cell(row, col)) return nullptr;
+  const Cell* cell = sheet_->cells.find(row, col);
+  const Value value = cell ? sheet_->value(*cell) : Value();
+  const wchar_t* text = nullptr;
+  if (value.kind == ValueKind::kText) {
+    text = book_.give(book_.workbook().strings[value.text()]);
+  } else if (value.kind == ValueKind::kNumber) {
+    // In the host a number is a text too, and a column of article numbers holds both kinds.
+    std::array<char, package::kMaxNumberText> digits{};
+    const char* end = package::write_number(digits.data(), value.number);
+    text = book_.give({digits.data(), static_cast<std::size_t>(end - digits.data())});
+  } else if (value.kind != ValueKind::kNone) {
+    refuse_kind(row, col, value.kind, ValueKind::kText);
+    return nullptr;
+  }
+  give_format(cell, row, col, format);
+  return text;
+}
+
+double SheetObject::readNum(int row, int col, libxl::Format** format) const {
+  if (!enter_cell(row, col)) return 0;
+  const Cell* cell = sheet_->cells.find(row, col);
+  const Value value = cell ? sheet_->value(*cell) : Value();
+  if (value.kind != ValueKind::kNumber && value.kind != ValueKind::kNone) {
+    refuse_kind(row, col, value.kind, ValueKind::kNumber);
+    return 0;
+  }
+  give_format(cell, row, col, format);
+  return value.number;
+}
+
+bool SheetObject::readBool(int row, int col, libxl::Format** format) const {
+  if (!enter_cell(row, col)) return false;
+  const Cell* cell = sheet_->cells.find(row, col);
+  const Value value = cell ? sheet_->value(*cell) : Value();
+  if (value.kind != ValueKind::kBoolean && value.kind != ValueKind::kNone) {
+    refuse_kind(row, col, value.kind, ValueKind::kBoolean);
+    return false;
+  }
+  give_format(cell, row, col, format);
+  return value.boolean();
+}
+
+bool SheetObject::readBlank(int row, int col, libxl::Format** format) const {
+  if (!enter_cell(row, col)) return false;
+  const Cell* cell = sheet_->cells.find(row, col);
+  give_format(cell, row, col, format);
+  return cell && sheet_->value(*cell).kind == ValueKind::kNone &&
+         !formula_record(*cell, {row, col}, nullptr);
+}
+
+libxl::ErrorType SheetObject::readError(int row, int col) const {
+  if (!enter_cell(row, col)) return libxl::ErrorNone;
+  const Cell* cell = sheet_->cells.find(row, col);
+  const Value value = cell ? sheet_->value(*cell) : Value();
+  if (value.kind != ValueKind::kError) return libxl::ErrorNone;
+  // Errors younger than the interface read as a wrong value.
+  if (value.error() >= kNewError) return libxl::ErrorValue;
+  return static_cast<libxl::ErrorType>(value.error());
+}
+
+bool SheetObject::isDate(int row, int col) const {
+  if (!enter_cell(row, col)) return false;
+  const Cell* cell = sheet_->cells.find(row, col);
+  if (!cell) return false;
+  const Value value = sheet_->value(*cell);
+  return value.kind == ValueKind::kNumber &&
+         book_.workbook().styles.is_date(cell->style, value.number);
+}
+
+// The first cell of an array holds the formula of all its cells. The cells of a data table are
+// values without a formula.
+const CellRecord* SheetObject::formula_record(const Cell& cell, CellAddress at,
+                                              CellAddress* anchor) const {
+  const auto formula_of = [&](const Cell& holder) -> const CellRecord* {
+    const CellRecord* record = sheet_->record(holder);
+    if (!record || record->formula.empty()) return nullptr;
+    return record->extra && record->extra->form == FormulaForm::kDataTable ? nullptr : record;
+  };
+  if (anchor) *anchor = at;
+  if (const CellRecord* own = formula_of(cell)) return own;
+  if (sheet_->arrays.empty()) return nullptr;
+  const CellRange* array = sheet_->array_at(at);
+  if (!array) return nullptr;
+  if (anchor) *anchor = {array->row_first, array->col_first};
+  const Cell* first = sheet_->cells.find(array->row_first, array->col_first);
+  return first ? formula_of(*first) : nullptr;
+}
+
+bool SheetObject::isFormula(int row, int col) const {
+  if (!enter_cell(row, col)) return false;
+  const Cell* cell = sheet_->cells.find(row, col);
+  return cell && formula_record(*cell, {row, col}, nullptr);
+}
+
+const wchar_t* SheetObject::readFormula(int row, int col, libxl::Format** format) {
+  if (!enter_cell(row, col)) return nullptr;
+  const Cell* cell = sheet_->cells.find(row, col);
+  CellAddress anchor;
+  const CellRecord* record = cell ? formula_record(*cell, {row, col}, &anchor) : nullptr;
+  give_format(cell, row, col, format);
+  if (!record) return nullptr;
+  text_ = formula::from_file_text(record->formula).value_or(record->formula);
+  if (book_.workbook().r1c1) {
+    // What a file brought and does not parse is given as it stands.
+    formula::ParseOptions options;
+    options.grid = book_.workbook().grid;
+    const auto parsed = formula::parse(text_, options);
+    if (parsed)
+      text_ = formula::print(*parsed, formula::Notation::kR1C1, {anchor.row, anchor.column});
+  }
+  return book_.give(text_);
+}
+
+const wchar_t* SheetObject::readComment(int row, int col) const {
+  if (!enter_cell(row, col)) return nullptr;
+  const auto found = sheet_->comments.find({row, col});
+  return found == sheet_->comments.end() ? nullptr : book_.give(found->second.text);
+}
+
+}  // namespace engine::api

@@ -1,0 +1,177 @@
+// The operations of a sheet that the engine does not do yet: each refuses and says so.
+//
+// An operation leaves this list when the sheet object gets its own.
+#pragma once
+
+#include <string_view>
+
+#include "platform/libxl/libxl.h"
+
+namespace engine::api {
+
+class UnsupportedSheet : public libxl::Sheet {
+ public:
+  double colWidth(int) const override { return unsupported(0.0, "colWidth"); }
+  double rowHeight(int) const override { return unsupported(0.0, "rowHeight"); }
+  bool setCol(int, int, double, libxl::Format*, bool) override {
+    return unsupported(false, "setCol");
+  }
+  bool setRow(int, double, libxl::Format*, bool) override { return unsupported(false, "setRow"); }
+  bool rowHidden(int) const override { return unsupported(false, "rowHidden"); }
+  bool setRowHidden(int, bool) override { return unsupported(false, "setRowHidden"); }
+  bool colHidden(int) const override { return unsupported(false, "colHidden"); }
+  bool setColHidden(int, bool) override { return unsupported(false, "setColHidden"); }
+  bool getMerge(int, int, int*, int*, int*, int*) override {
+    return unsupported(false, "getMerge");
+  }
+  bool setMerge(int, int, int, int) override { return unsupported(false, "setMerge"); }
+  bool delMerge(int, int) override { return unsupported(false, "delMerge"); }
+  int mergeSize() const override { return unsupported(0, "mergeSize"); }
+  bool merge(int, int*, int*, int*, int*) override { return unsupported(false, "merge"); }
+  bool delMergeByIndex(int) override { return unsupported(false, "delMergeByIndex"); }
+  bool groupRows(int, int, bool) override { return unsupported(false, "groupRows"); }
+  bool groupCols(int, int, bool) override { return unsupported(false, "groupCols"); }
+  bool groupSummaryBelow() const override { return unsupported(false, "groupSummaryBelow"); }
+  void setGroupSummaryBelow(bool) override { unsupported("setGroupSummaryBelow"); }
+  bool groupSummaryRight() const override { return unsupported(false, "groupSummaryRight"); }
+  void setGroupSummaryRight(bool) override { unsupported("setGroupSummaryRight"); }
+  void clear(int, int, int, int) override { unsupported("clear"); }
+  bool insertRow(int, int, bool) override { return unsupported(false, "insertRow"); }
+  bool insertCol(int, int, bool) override { return unsupported(false, "insertCol"); }
+  bool removeRow(int, int, bool) override { return unsupported(false, "removeRow"); }
+  bool removeCol(int, int, bool) override { return unsupported(false, "removeCol"); }
+  bool copyCell(int, int, int, int) override { return unsupported(false, "copyCell"); }
+  void setAutoFitArea(int, int, int, int) override { unsupported("setAutoFitArea"); }
+  int pictureSize() const override { return unsupported(0, "pictureSize"); }
+  int getPicture(int, int*, int*, int*, int*, int*, int*, int*, int*,
+                 const wchar_t**) const override {
+    return unsupported(-1, "getPicture");
+  }
+  void setPicture(int, int, int, double, int, int, libxl::Position) override {
+    unsupported("setPicture");
+  }
+  void setPicture2(int, int, int, int, int, int, int, libxl::Position) override {
+    unsupported("setPicture2");
+  }
+  int getHorPageBreak(int) const override { return unsupported(-1, "getHorPageBreak"); }
+  int getHorPageBreakSize() const override { return unsupported(0, "getHorPageBreakSize"); }
+  int getVerPageBreak(int) const override { return unsupported(-1, "getVerPageBreak"); }
+  int getVerPageBreakSize() const override { return unsupported(0, "getVerPageBreakSize"); }
+  bool setHorPageBreak(int, bool) override { return unsupported(false, "setHorPageBreak"); }
+  bool setVerPageBreak(int, bool) override { return unsupported(false, "setVerPageBreak"); }
+  void split(int, int) override { unsupported("split"); }
+  bool splitInfo(int*, int*) const override { return unsupported(false, "splitInfo"); }
+  bool displayGridlines() const override { return unsupported(false, "displayGridlines"); }
+  void setDisplayGridlines(bool) override { unsupported("setDisplayGridlines"); }
+  int zoom() const override { return unsupported(0, "zoom"); }
+  void setZoom(int) override { unsupported("setZoom"); }
+  void setName(const wchar_t*) override { unsupported("setName"); }
+  bool protect() const override { return unsupported(false, "protect"); }
+  void setProtect(bool, const wchar_t*, libxl::EnhancedProtection) override {
+    unsupported("setProtect");
+  }
+  bool rightToLeft() const override { return unsupported(false, "rightToLeft"); }
+  void setRightToLeft(bool) override { unsupported("setRightToLeft"); }
+  libxl::SheetState hidden() const override { return unsupported(libxl::StateVisible, "hidden"); }
+  bool setHidden(libxl::SheetState) override { return unsupported(false, "setHidden"); }
+  void getTopLeftView(int*, int*) const override { unsupported("getTopLeftView"); }
+  void setTopLeftView(int, int) override { unsupported("setTopLeftView"); }
+  void setTabColor(libxl::Color) override { unsupported("setTabColor"); }
+  void setTabColor(int, int, int) override { unsupported("setTabColor"); }
+  bool printGridlines() const override { return unsupported(false, "printGridlines"); }
+  void setPrintGridlines(bool) override { unsupported("setPrintGridlines"); }
+  int printZoom() const override { return unsupported(0, "printZoom"); }
+  void setPrintZoom(int) override { unsupported("setPrintZoom"); }
+  bool getPrintFit(int*, int*) const override { return unsupported(false, "getPrintFit"); }
+  void setPrintFit(int, int) override { unsupported("setPrintFit"); }
+  bool landscape() const override { return unsupported(false, "landscape"); }
+  void setLandscape(bool) override { unsupported("setLandscape"); }
+  libxl::Paper paper() const override { return unsupported(libxl::PaperDefault, "paper"); }
+  void setPaper(libxl::Paper) override { unsupported("setPaper"); }
+  const wchar_t* header() const override { return unsupported<const wchar_t*>(nullptr, "header"); }
+  bool setHeader(const wchar_t*, double) override { return unsupported(false, "setHeader"); }
+  double headerMargin() const override { return unsupported(0.0, "headerMargin"); }
+  const wchar_t* footer() const override { return unsupported<const wchar_t*>(nullptr, "footer"); }
+  bool setFooter(const wchar_t*, double) override { return unsupported(false, "setFooter"); }
+  double footerMargin() const override { return unsupported(0.0, "footerMargin"); }
+  bool hCenter() const override { return unsupported(false, "hCenter"); }
+  void setHCenter(bool) override { unsupported("setHCenter"); }
+  bool vCenter() const override { return unsupported(false, "vCenter"); }
+  void setVCenter(bool) override { unsupported("setVCenter"); }
+  double marginLeft() const override { return unsupported(0.0, "marginLeft"); }
+  void setMarginLeft(double) override { unsupported("setMarginLeft"); }
+  double marginRight() const override { return unsupported(0.0, "marginRight"); }
+  void setMarginRight(double) override { unsupported("setMarginRight"); }
+  double marginTop() const override { return unsupported(0.0, "marginTop"); }
+  void setMarginTop(double) override { unsupported("setMarginTop"); }
+  double marginBottom() const override { return unsupported(0.0, "marginBottom"); }
+  void setMarginBottom(double) override { unsupported("setMarginBottom"); }
+  bool printRowCol() const override { return unsupported(false, "printRowCol"); }
+  void setPrintRowCol(bool) override { unsupported("setPrintRowCol"); }
+  bool printRepeatRows(int*, int*) const override { return unsupported(false, "printRepeatRows"); }
+  void setPrintRepeatRows(int, int) override { unsupported("setPrintRepeatRows"); }
+  bool printRepeatCols(int*, int*) const override { return unsupported(false, "printRepeatCols"); }
+  void setPrintRepeatCols(int, int) override { unsupported("setPrintRepeatCols"); }
+  bool printArea(int*, int*, int*, int*) const override { return unsupported(false, "printArea"); }
+  void setPrintArea(int, int, int, int) override { unsupported("setPrintArea"); }
+  void clearPrintRepeats() override { unsupported("clearPrintRepeats"); }
+  void clearPrintArea() override { unsupported("clearPrintArea"); }
+  bool getNamedRange(const wchar_t*, int*, int*, int*, int*, int, bool*) const override {
+    return unsupported(false, "getNamedRange");
+  }
+  bool setNamedRange(const wchar_t*, int, int, int, int, int) override {
+    return unsupported(false, "setNamedRange");
+  }
+  bool delNamedRange(const wchar_t*, int) override { return unsupported(false, "delNamedRange"); }
+  int namedRangeSize() const override { return unsupported(0, "namedRangeSize"); }
+  const wchar_t* namedRange(int, int*, int*, int*, int*, int*, bool*) const override {
+    return unsupported<const wchar_t*>(nullptr, "namedRange");
+  }
+  int hyperlinkSize() const override { return unsupported(0, "hyperlinkSize"); }
+  const wchar_t* hyperlink(int, int*, int*, int*, int*) const override {
+    return unsupported<const wchar_t*>(nullptr, "hyperlink");
+  }
+  bool delHyperlink(int) override { return unsupported(false, "delHyperlink"); }
+  void addHyperlink(const wchar_t*, int, int, int, int) override { unsupported("addHyperlink"); }
+  int tableSize() const override { return unsupported(0, "tableSize"); }
+  const wchar_t* table(int, int*, int*, int*, int*, int*, int*) const override {
+    return unsupported<const wchar_t*>(nullptr, "table");
+  }
+  libxl::AutoFilter* autoFilter() override {
+    return unsupported<libxl::AutoFilter*>(nullptr, "autoFilter");
+  }
+  void applyFilter() override { unsupported("applyFilter"); }
+  void removeFilter() override { unsupported("removeFilter"); }
+  bool addIgnoredError(int, int, int, int, libxl::IgnoredError) override {
+    return unsupported(false, "addIgnoredError");
+  }
+  void addDataValidation(libxl::DataValidationType, libxl::DataValidationOperator, int, int, int,
+                         int, const wchar_t*, const wchar_t*, bool, bool, bool, bool,
+                         const wchar_t*, const wchar_t*, const wchar_t*, const wchar_t*,
+                         libxl::DataValidationErrorStyle) override {
+    unsupported("addDataValidation");
+  }
+  void addDataValidationDouble(libxl::DataValidationType, libxl::DataValidationOperator, int, int,
+                               int, int, double, double, bool, bool, bool, bool, const wchar_t*,
+                               const wchar_t*, const wchar_t*, const wchar_t*,
+                               libxl::DataValidationErrorStyle) override {
+    unsupported("addDataValidationDouble");
+  }
+  void removeDataValidations() override { unsupported("removeDataValidations"); }
+
+ protected:
+  UnsupportedSheet() = default;
+  ~UnsupportedSheet() = default;
+
+  virtual void refuse_unsupported(std::string_view operation) const = 0;
+
+ private:
+  void unsupported(std::string_view operation) const { refuse_unsupported(operation); }
+  template <class T>
+  T unsupported(T failure, std::string_view operation) const {
+    refuse_unsupported(operation);
+    return failure;
+  }
+};
+
+}  // namespace engine::api

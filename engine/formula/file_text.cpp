@@ -1,0 +1,199 @@
+#include "engine/formula/file_text.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "engine/formula/edits.h"
+#include "engine/formula/formula.h"
+#include "engine/formula/function_names.h"
+#include "engine/formula/scan.h"
+#include "engine/formula/sheet_name.h"
+
+namespace engine::formula {
+namespace {
+
+constexpr std::string_view kFunctionPrefix = "_xlfn.";
+constexpr std::string_view kSheetsPrefix = "_xlws.";
+constexpr std::string_view kParameterPrefix = "_xlpm.";
+constexpr std::string_view kSpillCall = "_xlfn.ANCHORARRAY(";
+constexpr std::string_view kSingleCall = "_xlfn.SINGLE(";
+constexpr std::string_view kThisRow = "[#This Row]";
+
+bool is_at_sign(const Node& node) { return node.kind == NodeKind::kPrefix && node.value == '@'; }
+
+bool may_be_parameter(const Node& node) {
+  return node.prefix == PrefixKind::kNone &&
+         (node.kind == NodeKind::kName || node.kind == NodeKind::kCall);
+}
+
+// The name of a call or of a leaf, without sheet and arguments.
+std::string_view name_of(const Formula& formula, const Node& node) {
+  const std::string_view text = std::string_view(formula.text).substr(node.mark);
+  return text.substr(0, static_cast<std::size_t>(
+                            std::find_if_not(text.begin(), text.end(), is_word) - text.begin()));
+}
+
+// The parameters that LET and LAMBDA declare, each valid in the text of its call.
+class Parameters {
+ public:
+  explicit Parameters(const Formula& formula) : formula_(formula) {
+    for (std::size_t i = 0; i < formula.nodes.size(); ++i) {
+      if (formula.nodes[i].kind != NodeKind::kCall) continue;
+      std::string_view name = name_of(formula, formula.nodes[i]);
+      if (name.starts_with(kFunctionPrefix)) name.remove_prefix(kFunctionPrefix.size());
+      if (equals_upper(name, "LET")) declare(i, 2);
+      if (equals_upper(name, "LAMBDA")) declare(i, 1);
+    }
+  }
+
+  bool declares(const Node& node) const {
+    if (declared_.empty() || !may_be_parameter(node)) return false;
+    const std::string_view name = name_of(formula_, node);
+    return std::any_of(declared_.begin(), declared_.end(), [&](const Declared& parameter) {
+      return parameter.begin <= node.begin && node.end <= parameter.end &&
+             same_name(parameter.name, name);
+    });
+  }
+
+ private:
+  struct Declared {
+    std::string_view name;
+    std::uint16_t begin;
+    std::uint16_t end;
+  };
+
+  // Every `step`-th argument of call `index` but the last one is a parameter.
+  void declare(std::size_t index, int step) {
+    const Node& call = formula_.nodes[index];
+    std::size_t root = index - 1;  // of the last argument; they are met from the last to the first
+    for (int argument = call.value - 1; argument >= 0; --argument) {
+      const Node& node = formula_.nodes[root];
+      if (argument != call.value - 1 && argument % step == 0 && node.kind == NodeKind::kName)
+        declared_.push_back({name_of(formula_, node), call.begin, call.end});
+      root = std::size_t{node.first} - 1;
+    }
+  }
+
+  const Formula& formula_;
+  std::vector<Declared> declared_;
+};
+
+// Whether the word before the parenthesis at `i` is a function that the file holds with a prefix.
+bool calls_newer_function(std::string_view text, std::size_t i) {
+  while (i > 0 && is_blank(text[i - 1])) --i;
+  std::size_t begin = i;
+  while (begin > 0 && is_word(text[begin - 1])) --begin;
+  return begin < i && !file_prefix(text.substr(begin, i - begin)).empty();
+}
+
+// Tells most formulas, which read the same in a file, by one look over the text: they call no newer
+// function and use no sign of newer grammar.
+bool is_plain(std::string_view text) {
+  char quote = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (quote != 0) {
+      if (c == quote) quote = 0;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    } else if (c == '@' || c == '#' || c == '[' || (c == '(' && calls_newer_function(text, i))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+// Table1[@Net] as Table1[[#This Row],[Net]]; the table's name is put before columns without one.
+void write_structured(Edits& edits, const Formula& formula, const Node& node,
+                      std::string_view table) {
+  const std::string_view text = formula.text_of(node);
+  const std::size_t bracket = text.find('[', static_cast<std::size_t>(node.mark - node.begin));
+  if (bracket == 0 && !table.empty()) edits.insert(node.begin, std::string(table));
+  if (text[bracket + 1] != '@') return;
+  const std::size_t at = node.begin + bracket + 1;
+  std::string_view column = text.substr(bracket + 2, text.size() - bracket - 3);
+  while (!column.empty() && is_blank(column.front())) column.remove_prefix(1);
+  std::string inner(kThisRow);
+  if (column.empty()) inner = inner.substr(1, inner.size() - 2);
+  else if (column.front() == '[') inner.append(",").append(column);
+  else inner.append(",[").append(column).append("]");
+  edits.replace(at, node.end - 1U, std::move(inner));
+}
+
+// _xlfn.ANCHORARRAY(A1) and _xlfn.SINGLE(A1:A9) with nothing between the parentheses and what can
+// stand beside the operator as it is.
+bool reads_as_operator(const Formula& formula, const Node& call, std::string_view call_text) {
+  if (call.value != 1 || !formula.text_of(call).starts_with(call_text)) return false;
+  const Node& argument = *(&call - 1);  // the root of the last argument stands before the call
+  return argument.begin == call.begin + call_text.size() && argument.end + 1 == call.end;
+}
+
+void read_call(Edits& edits, const Formula& formula, const Node& call) {
+  const std::size_t last = call.end - 1U;
+  if (reads_as_operator(formula, call, kSpillCall)) {
+    edits.replace(call.begin, call.begin + kSpillCall.size(), {});
+    edits.replace(last, call.end, "#");
+    return;
+  }
+  if (reads_as_operator(formula, call, kSingleCall)) {
+    edits.replace(call.begin, call.begin + kSingleCall.size(), "@");
+    edits.replace(last, call.end, {});
+    return;
+  }
+  const std::string_view name = name_of(formula, call);
+  std::string_view bare = name.substr(kFunctionPrefix.size());
+  if (bare.starts_with(kSheetsPrefix)) bare.remove_prefix(kSheetsPrefix.size());
+  const std::string_view prefix = file_prefix(bare);
+  if (!prefix.empty() && name.size() == prefix.size() + bare.size() && name.starts_with(prefix))
+    edits.replace(call.begin, call.begin + prefix.size(), {});
+}
+
+}  // namespace
+
+std::optional<std::string> to_file_text(std::string_view text, std::string_view table) {
+  if (is_plain(text)) return std::nullopt;
+  const std::optional<Formula> formula = parse(text);
+  if (!formula) return std::nullopt;
+  const auto& nodes = formula->nodes;
+  const Parameters parameters(*formula);
+  Edits edits;
+  // What opens at one place opens from the outside in, and the outer nodes come last.
+  for (std::size_t i = nodes.size(); i-- > 0;) {
+    const Node& node = nodes[i];
+    if (is_at_sign(node)) edits.replace(node.begin, node.begin + 1U, std::string(kSingleCall));
+    else if (node.kind == NodeKind::kSpill) edits.insert(node.begin, std::string(kSpillCall));
+    else if (parameters.declares(node)) edits.insert(node.begin, std::string(kParameterPrefix));
+    else if (node.kind == NodeKind::kCall && node.prefix == PrefixKind::kNone)
+      if (const auto prefix = file_prefix(name_of(*formula, node)); !prefix.empty())
+        edits.insert(node.begin, std::string(prefix));
+  }
+  for (const Node& node : nodes) {
+    if (is_at_sign(node)) edits.insert(node.end, ")");
+    else if (node.kind == NodeKind::kSpill) edits.replace(node.end - 1U, node.end, ")");
+    else if (node.kind == NodeKind::kStructured) write_structured(edits, *formula, node, table);
+  }
+  return edits.apply(text);
+}
+
+std::optional<std::string> from_file_text(std::string_view text) {
+  if (text.find("_xl") == std::string_view::npos) return std::nullopt;
+  const std::optional<Formula> formula = parse(text);
+  if (!formula) return std::nullopt;
+  const Parameters parameters(*formula);
+  Edits edits;
+  for (const Node& node : formula->nodes) {
+    if (!may_be_parameter(node)) continue;
+    const std::string_view name = name_of(*formula, node);
+    if (name.starts_with(kParameterPrefix) && parameters.declares(node))
+      edits.replace(node.begin, node.begin + kParameterPrefix.size(), {});
+    else if (node.kind == NodeKind::kCall && name.starts_with(kFunctionPrefix))
+      read_call(edits, *formula, node);
+  }
+  // Without its prefixes a text may read differently: a parameter such as x1 is a cell. Then it
+  // stays as the file has it.
+  std::optional<std::string> read = edits.apply(text);
+  if (read && to_file_text(*read) != text) return std::nullopt;
+  return read;
+}
+
+}  // namespace engine::formula

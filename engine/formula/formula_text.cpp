@@ -1,0 +1,100 @@
+#include "engine/formula/formula_text.h"
+
+#include <algorithm>
+
+#include "engine/formula/formula.h"
+#include "engine/formula/leaf.h"
+#include "engine/formula/sheet_name.h"
+
+namespace engine::formula {
+namespace {
+
+// The changed text of a formula as it stands in `text`: while parsing, case is settled too, which
+// is no change that a caller waits for.
+template <typename Change>
+std::optional<std::string> change(std::string_view text, const Grid& grid, const Change& change) {
+  ParseOptions options;
+  options.grid = grid;
+  const std::optional<Formula> formula = parse(text, options);
+  if (!formula) return std::nullopt;
+  return change(*formula);
+}
+
+// A text without "!" names no sheet.
+bool has_prefix(std::string_view text) { return text.find('!') != std::string_view::npos; }
+
+Range range_of(const Reference& reference, const Grid& grid) {
+  const auto& [shape, first, last] = reference;
+  const auto [row_first, row_last] = std::minmax(first.row, last.row);
+  const auto [col_first, col_last] = std::minmax(first.col, last.col);
+  if (shape == Reference::Shape::kRows) return {row_first, row_last, 0, grid.cols - 1};
+  if (shape == Reference::Shape::kColumns) return {0, grid.rows - 1, col_first, col_last};
+  return {row_first, row_last, col_first, col_last};
+}
+
+}  // namespace
+
+std::optional<std::string> shift_text(std::string_view text, int rows, int cols, const Grid& grid) {
+  return change(text, grid, [&](const Formula& formula) { return shifted(formula, rows, cols); });
+}
+
+std::optional<std::string> adjust_text(std::string_view text, const Move& move,
+                                       std::string_view sheet, bool own_sheet, const Grid& grid) {
+  if (!own_sheet && !has_prefix(text)) return std::nullopt;
+  return change(text, grid,
+                [&](const Formula& formula) { return adjusted(formula, move, sheet, own_sheet); });
+}
+
+std::optional<std::string> rename_sheet_text(std::string_view text, std::string_view from,
+                                             std::string_view to) {
+  if (!has_prefix(text)) return std::nullopt;
+  return change(text, kXlsxGrid,
+                [&](const Formula& formula) { return renamed(formula, from, to); });
+}
+
+std::optional<std::string> retarget_sheet_text(std::string_view text, std::string_view from,
+                                               std::string_view to) {
+  if (!has_prefix(text)) return std::nullopt;
+  return change(text, kXlsxGrid,
+                [&](const Formula& formula) { return retargeted(formula, from, to); });
+}
+
+std::optional<std::string> delete_sheet_text(std::string_view text,
+                                             std::span<const std::string_view> sheets,
+                                             std::size_t index) {
+  if (!has_prefix(text)) return std::nullopt;
+  return change(text, kXlsxGrid,
+                [&](const Formula& formula) { return without_sheet(formula, sheets, index); });
+}
+
+std::vector<SheetRange> ranges_of_text(std::string_view text, const Grid& grid) {
+  ParseOptions options;
+  options.grid = grid;
+  const std::optional<Formula> formula = parse(text, options);
+  if (!formula) return {};
+  std::vector<SheetRange> ranges;
+  for (const Node& node : formula->nodes) {
+    if (node.kind == NodeKind::kParentheses) continue;
+    if (node.kind == NodeKind::kBinary &&
+        node.value == static_cast<std::uint16_t>(Operator::kUnion))
+      continue;
+    const bool single = node.prefix == PrefixKind::kNone || node.prefix == PrefixKind::kSheet;
+    if (node.kind != NodeKind::kReference || !single) return {};
+    std::string sheet;
+    if (node.prefix == PrefixKind::kSheet) sheet = read_prefix(*formula, node).first;
+    ranges.push_back({std::move(sheet), range_of(formula->references[node.value], grid)});
+  }
+  return ranges;
+}
+
+std::string absolute_range_text(std::string_view sheet, const Range& range) {
+  std::string out = quote_sheet_name(sheet) + '!';
+  const auto& [row_first, row_last, col_first, col_last] = range;
+  append_cell(out, {row_first, col_first, true, true});
+  if (row_first == row_last && col_first == col_last) return out;
+  out += ':';
+  append_cell(out, {row_last, col_last, true, true});
+  return out;
+}
+
+}  // namespace engine::formula

@@ -1,0 +1,51 @@
+// The bytes of a file, taken over.
+//
+// A source is complete once it exists: what others do to the file afterwards, changing, cutting or
+// deleting it, does not reach us. That is why nothing is mapped into memory. The bytes lie in
+// memory, or in a temporary file that has no name any more and is read through its open handle.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace engine::package {
+
+class Source {
+ public:
+  // Paths are UTF-8. Throws FileError "cannot be opened: …", or "cannot be read: …" once it is
+  // open.
+  static std::shared_ptr<const Source> from_bytes(std::vector<char> bytes);
+  static std::shared_ptr<const Source> from_file(const std::string& path);
+
+  // Copies the file to `temp_path`, which must not exist or be empty. Failures there throw
+  // FileTargetError, as they concern the temporary file.
+  static std::shared_ptr<const Source> from_file_via(const std::string& path,
+                                                     const std::string& temp_path);
+
+  Source(const Source&) = delete;
+  Source& operator=(const Source&) = delete;
+  ~Source();
+
+  std::uint64_t size() const { return size_; }
+
+  // Fills `into` from `offset`; reaching beyond the end is damage. Safe from several threads.
+  void read(std::uint64_t offset, std::span<char> into) const;
+
+  // All bytes, or empty when they lie in a file.
+  std::string_view view() const { return view_; }
+
+ private:
+  Source() = default;
+
+  std::vector<char> bytes_;
+  std::unique_ptr<char[]> block_;
+  int handle_ = -1;
+  std::string_view view_;
+  std::uint64_t size_ = 0;
+};
+
+}  // namespace engine::package

@@ -1,0 +1,240 @@
+#include "engine/package/xml_tree.h"
+
+#include <array>
+
+#include "engine/package/block_reader.h"
+#include "engine/package/file_error.h"
+#include "engine/package/xml_scanner.h"
+#include "engine/package/xml_text.h"
+
+namespace engine::package {
+namespace {
+
+constexpr unsigned kParse =
+    pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_comments | pugi::parse_pi;
+constexpr unsigned kFormat = pugi::format_raw | pugi::format_no_declaration;
+constexpr std::string_view kDeclaration =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
+
+// The tree's parser lets much pass: unknown entities, document types, any depth. The scanner does
+// not.
+void check(std::string_view text, std::string_view part) {
+  MemoryReader reader(text);
+  XmlScanner scanner(reader, part);
+  std::string scratch;
+  for (;;) {
+    switch (scanner.next()) {
+      case XmlScanner::Token::Start: {
+        auto attributes = scanner.attributes();
+        for (XmlAttribute attribute; attributes.next(attribute);) {
+          scanner.value(attribute.value, scratch);
+        }
+        break;
+      }
+      case XmlScanner::Token::Text:
+        scanner.text(scratch);
+        break;
+      case XmlScanner::Token::End:
+        break;
+      case XmlScanner::Token::Finish:
+        return;
+    }
+  }
+}
+
+class StringWriter : public pugi::xml_writer {
+ public:
+  explicit StringWriter(std::string& out) : out_(out) {}
+  void write(const void* data, std::size_t size) override {
+    out_.append(static_cast<const char*>(data), size);
+  }
+
+ private:
+  std::string& out_;
+};
+
+struct Verbatim {
+  std::string_view begin;
+  std::string_view end;
+};
+
+// Where references would not be read as such.
+constexpr Verbatim kVerbatim[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}};
+
+// The end of what begins at `at` and is taken as it stands; `at` where there is nothing such.
+std::size_t verbatim_end(std::string_view text, std::size_t at) {
+  for (const auto& [begin, end] : kVerbatim) {
+    if (text.substr(at).starts_with(begin)) {
+      const auto found = text.find(end, at + begin.size());
+      return found == std::string_view::npos ? text.size() : found + end.size();
+    }
+  }
+  return at;
+}
+
+std::string refer_to_returns(std::string text) {
+  if (text.find('\r') == std::string::npos) return text;
+  std::string out;
+  for (std::size_t at = 0; at < text.size();) {
+    const auto end = text[at] == '<' ? verbatim_end(text, at) : at;
+    if (end != at) {
+      out.append(text, at, end - at);
+      at = end;
+    } else if (text[at] == '\r') {
+      out += "&#13;";
+      ++at;
+    } else {
+      out += text[at++];
+    }
+  }
+  return out;
+}
+
+// The namespace that a prefix stands for at an element; null when it is declared nowhere.
+const char* find_uri(pugi::xml_node node, std::string_view prefix) {
+  const std::string name =
+      prefix.empty() ? std::string("xmlns") : std::string("xmlns:").append(prefix);
+  for (; node; node = node.parent()) {
+    if (const auto declared = node.attribute(name.c_str())) return declared.value();
+  }
+  return nullptr;
+}
+
+Family family_of_prefix(pugi::xml_node node, std::string_view prefix) {
+  if (prefix == "xml") return Family::Xml;
+  const char* const uri = find_uri(node, prefix);
+  if (uri == nullptr) return prefix.empty() ? Family::None : Family::Unknown;
+  return family_of(uri);
+}
+
+constexpr std::string_view usual_prefix(Family family) {
+  switch (family) {
+    case Family::Xml:
+      return "xml";
+    case Family::Relationships:
+      return "r";
+    case Family::MarkupCompatibility:
+      return "mc";
+    case Family::SchemaInstance:
+      return "xsi";
+    default:
+      return "ns";
+  }
+}
+
+// A prefix for attributes of a family, declared at the root when there is none.
+std::string attribute_prefix(pugi::xml_node node, Family family) {
+  if (family == Family::Xml) return "xml";
+  for (auto at = node; at; at = at.parent()) {
+    for (const auto declared : at.attributes()) {
+      const std::string_view name = declared.name();
+      if (!name.starts_with("xmlns:") || family_of(declared.value()) != family) continue;
+      // A nearer declaration may have given the prefix another meaning.
+      if (family_of_prefix(node, local_name(name)) == family) return std::string(local_name(name));
+    }
+  }
+  std::string prefix(usual_prefix(family));
+  while (find_uri(node, prefix) != nullptr) prefix += '1';
+  auto root = node.root().first_child();
+  while (root && root.type() != pugi::node_element) root = root.next_sibling();
+  root.append_attribute(("xmlns:" + prefix).c_str()).set_value(std::string(uri_of(family)).c_str());
+  return prefix;
+}
+
+std::string name_in(pugi::xml_node parent, std::string_view local) {
+  const auto prefix = prefix_of(parent.name());
+  return prefix.empty() ? std::string(local) : std::string(prefix).append(":").append(local);
+}
+
+}  // namespace
+
+pugi::xml_document parse_xml(std::string_view bytes, std::string_view part) {
+  std::string text(bytes);
+  if (!xml_to_utf8(text)) throw_damaged(part, "UTF-16 text is not well-formed");
+  if (text.find('\0') != std::string::npos) throw_damaged(part, "holds a zero byte");
+  check(text, part);
+  pugi::xml_document document;
+  const auto result = document.load_buffer(text.data(), text.size(), kParse, pugi::encoding_utf8);
+  if (!result) {
+    throw_damaged(std::string(part) + ", byte " + std::to_string(result.offset),
+                  "is not well-formed XML");
+  }
+  return document;
+}
+
+std::string serialize_xml(const pugi::xml_document& document) {
+  std::string text(kDeclaration);
+  StringWriter writer(text);
+  document.save(writer, "", kFormat, pugi::encoding_utf8);
+  return refer_to_returns(std::move(text));
+}
+
+std::string serialize_xml(pugi::xml_node node) {
+  std::string text;
+  StringWriter writer(text);
+  node.print(writer, "", kFormat, pugi::encoding_utf8);
+  return refer_to_returns(std::move(text));
+}
+
+std::string_view local_name(pugi::xml_node node) {
+  return local_name(std::string_view(node.name()));
+}
+
+Family family(pugi::xml_node node) { return family_of_prefix(node, prefix_of(node.name())); }
+
+bool is(pugi::xml_node node, Family family_wanted, std::string_view local) {
+  return node.type() == pugi::node_element && local_name(node) == local &&
+         family(node) == family_wanted;
+}
+
+pugi::xml_node child(pugi::xml_node parent, Family family, std::string_view local) {
+  const auto first = parent.first_child();
+  return !first || is(first, family, local) ? first : next_sibling(first, family, local);
+}
+
+pugi::xml_node next_sibling(pugi::xml_node node, Family family, std::string_view local) {
+  do {
+    node = node.next_sibling();
+  } while (node && !is(node, family, local));
+  return node;
+}
+
+std::vector<pugi::xml_node> children(pugi::xml_node parent, Family family, std::string_view local) {
+  std::vector<pugi::xml_node> found;
+  for (auto node = child(parent, family, local); node; node = next_sibling(node, family, local)) {
+    found.push_back(node);
+  }
+  return found;
+}
+
+pugi::xml_attribute attribute(pugi::xml_node node, Family family, std::string_view local) {
+  for (const auto candidate : node.attributes()) {
+    const std::string_view name = candidate.name();
+    const auto prefix = prefix_of(name);
+    if (!prefix.empty() && local_name(name) == local && family_of_prefix(node, prefix) == family) {
+      return candidate;
+    }
+  }
+  return {};
+}
+
+void set_attribute(pugi::xml_node node, Family family, std::string_view local,
+                   std::string_view value) {
+  auto target = attribute(node, family, local);
+  if (!target) {
+    const auto name = attribute_prefix(node, family).append(":").append(local);
+    target = node.append_attribute(name.c_str());
+  }
+  target.set_value(std::string(value).c_str());
+}
+
+pugi::xml_node append_child(pugi::xml_node parent, std::string_view local) {
+  return parent.append_child(name_in(parent, local).c_str());
+}
+
+pugi::xml_node insert_child(pugi::xml_node parent, std::string_view local, pugi::xml_node next) {
+  if (!next) return append_child(parent, local);
+  return parent.insert_child_before(name_in(parent, local).c_str(), next);
+}
+
+}  // namespace engine::package

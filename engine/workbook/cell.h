@@ -1,0 +1,95 @@
+// Cells: sixteen bytes each, whatever they hold.
+//
+// A cell is a value word, the number of its cell format, its column and a kind. What does not fit
+// into the word (a formula with its cached value, what a file says about a cell beyond its value)
+// stands in a record of the sheet, and the word holds the record's number.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+
+#include "engine/formula/reference.h"
+
+namespace engine {
+
+// A cell's place, counted from zero.
+struct CellAddress {
+  int row = 0;
+  int column = 0;
+
+  friend auto operator<=>(const CellAddress&, const CellAddress&) = default;
+};
+
+// A rectangle of cells, inclusive at both ends, and the size of a sheet, as formulas know them.
+using CellRange = formula::Range;
+using Grid = formula::Grid;
+
+enum class ValueKind : std::uint8_t { kNone, kNumber, kText, kBoolean, kError };
+
+// What a cell shows: nothing, a number, a text of the string pool, true or false, an error.
+struct Value {
+  union {
+    double number = 0;
+    std::uint64_t bits;  // text: index in the string pool; boolean: 0 or 1; error: ErrorValue
+  };
+  ValueKind kind = ValueKind::kNone;
+
+  static Value of_number(double value) {
+    Value made;
+    made.number = value;
+    made.kind = ValueKind::kNumber;
+    return made;
+  }
+  static Value of_text(std::uint32_t index) { return of_bits(ValueKind::kText, index); }
+  static Value of_boolean(bool value) { return of_bits(ValueKind::kBoolean, value ? 1 : 0); }
+  static Value of_error(std::uint32_t error) { return of_bits(ValueKind::kError, error); }
+
+  std::uint32_t text() const { return static_cast<std::uint32_t>(bits); }
+  bool boolean() const { return bits != 0; }
+  std::uint32_t error() const { return static_cast<std::uint32_t>(bits); }
+
+ private:
+  static Value of_bits(ValueKind kind, std::uint64_t bits) {
+    Value made;
+    made.bits = bits;
+    made.kind = kind;
+    return made;
+  }
+};
+
+enum class CellKind : std::uint8_t { kBlank, kNumber, kText, kBoolean, kError, kRecord };
+
+struct Cell {
+  union {
+    double number = 0;
+    std::uint64_t bits;  // as in Value; a record cell: the record's number in its sheet
+  };
+  std::uint32_t style = 0;  // index of the cell format in the book's list
+  std::uint16_t column = 0;
+  CellKind kind = CellKind::kBlank;
+
+  std::uint32_t index() const { return static_cast<std::uint32_t>(bits); }
+};
+static_assert(sizeof(Cell) == 16 && std::is_trivially_copyable_v<Cell>);
+
+enum class FormulaForm : std::uint8_t { kNormal, kArray, kDataTable };
+
+// What few cells have.
+struct CellExtra {
+  FormulaForm form = FormulaForm::kNormal;
+  CellRange range;              // the cells that an array formula or data table fills
+  std::string formula_details;  // kept for the codec: what else the file says of the formula
+  std::string details;          // kept for the codec: what else the file says of the cell
+  std::string children;         // kept for the codec: further content of the cell
+};
+
+// A cell with a formula, or with something that the engine carries without understanding it.
+struct CellRecord {
+  Value value;          // a formula's cached value: kNone when it has none
+  std::string formula;  // text without "=", function names as the file spells them; empty: none
+  std::unique_ptr<CellExtra> extra;
+};
+
+}  // namespace engine

@@ -1,0 +1,146 @@
+#include "engine/workbook/sheet.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace engine {
+
+Value Sheet::value(const Cell& cell) const {
+  Value value;
+  switch (cell.kind) {
+    case CellKind::kBlank:
+      return value;
+    case CellKind::kNumber:
+      value.kind = ValueKind::kNumber;
+      break;
+    case CellKind::kText:
+      value.kind = ValueKind::kText;
+      break;
+    case CellKind::kBoolean:
+      value.kind = ValueKind::kBoolean;
+      break;
+    case CellKind::kError:
+      value.kind = ValueKind::kError;
+      break;
+    case CellKind::kRecord:
+      return records_[cell.index()].value;
+  }
+  value.bits = cell.bits;
+  return value;
+}
+
+const CellRecord* Sheet::record(const Cell& cell) const {
+  return cell.kind == CellKind::kRecord ? &records_[cell.index()] : nullptr;
+}
+
+CellRecord* Sheet::record(const Cell& cell) {
+  return cell.kind == CellKind::kRecord ? &records_[cell.index()] : nullptr;
+}
+
+bool Sheet::is_formula(const Cell& cell) const {
+  const CellRecord* found = record(cell);
+  return found && !found->formula.empty();
+}
+
+std::uint32_t Sheet::style_at(int row, int column) const {
+  const Row* at = cells.find_row(row);
+  if (at) {
+    if (const Cell* cell = cells.find(row, column)) return cell->style;
+    const RowProperties* its = properties(*at);
+    if (its && its->style) return *its->style;
+  }
+  const auto beyond = std::ranges::lower_bound(columns, column, {}, &ColumnProperties::last);
+  return beyond != columns.end() && beyond->first <= column ? beyond->style : 0;
+}
+
+Cell Sheet::make_cell(int column, Value value, std::uint32_t style) {
+  constexpr CellKind kKinds[] = {CellKind::kBlank, CellKind::kNumber, CellKind::kText,
+                                 CellKind::kBoolean, CellKind::kError};
+  Cell cell;
+  cell.bits = value.bits;
+  cell.style = style;
+  cell.column = static_cast<std::uint16_t>(column);
+  cell.kind = kKinds[static_cast<std::size_t>(value.kind)];
+  return cell;
+}
+
+void Sheet::put_value(int row, int column, Value value, std::optional<std::uint32_t> style) {
+  Cell& cell = place(row, column, style);
+  forget_record(cell);
+  cell = make_cell(column, value, cell.style);
+  changed = true;
+}
+
+void Sheet::put_record(int row, int column, CellRecord record, std::optional<std::uint32_t> style) {
+  Cell* found = cells.find(row, column);
+  if (found && found->kind == CellKind::kRecord) {
+    records_[found->index()] = std::move(record);
+    if (style) found->style = *style;
+  } else {
+    const std::uint32_t index = keep_record(std::move(record));
+    Cell& cell = place(row, column, style);
+    cell.kind = CellKind::kRecord;
+    cell.bits = index;
+  }
+  changed = true;
+}
+
+void Sheet::put_style(int row, int column, std::uint32_t style) {
+  cells.at(row, column).style = style;
+  changed = true;
+}
+
+Cell& Sheet::place(int row, int column, std::optional<std::uint32_t> style) {
+  Row& at = cells.row_at(row);
+  const std::uint16_t before = at.count;
+  Cell& cell = cells.at(at, column);
+  if (style) cell.style = *style;
+  else if (at.count != before && (at.properties != 0 || !columns.empty())) {
+    // A new cell looks like its row or column: what stands there without the cell itself.
+    const RowProperties* its = properties(at);
+    const auto beyond = std::ranges::lower_bound(columns, column, {}, &ColumnProperties::last);
+    if (its && its->style) cell.style = *its->style;
+    else if (beyond != columns.end() && beyond->first <= column) cell.style = beyond->style;
+  }
+  return cell;
+}
+
+std::uint32_t Sheet::keep_record(CellRecord record) {
+  if (!free_records_.empty()) {
+    const std::uint32_t index = free_records_.back();
+    free_records_.pop_back();
+    records_[index] = std::move(record);
+    return index;
+  }
+  // Room for every record to be forgotten: forgetting one then never has to allocate.
+  free_records_.reserve(records_.size() + 1);
+  records_.push_back(std::move(record));
+  return static_cast<std::uint32_t>(records_.size() - 1);
+}
+
+void Sheet::forget_record(const Cell& cell) {
+  if (cell.kind != CellKind::kRecord) return;
+  records_[cell.index()] = CellRecord();
+  free_records_.push_back(cell.index());
+}
+
+const RowProperties* Sheet::properties(const Row& row) const {
+  return row.properties == 0 ? nullptr : &row_properties[row.properties - 1];
+}
+
+RowProperties& Sheet::properties_at(int row) {
+  Row& at = cells.row_at(row);
+  if (at.properties == 0) {
+    row_properties.emplace_back();
+    at.properties = static_cast<std::uint32_t>(row_properties.size());
+  }
+  return row_properties[at.properties - 1];
+}
+
+const CellRange* Sheet::array_at(CellAddress at) const {
+  for (const CellRange& range : arrays)
+    if (range.contains(at.row, at.column)) return &range;
+  return nullptr;
+}
+
+}  // namespace engine

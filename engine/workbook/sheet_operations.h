@@ -1,0 +1,72 @@
+// Changes to the sheets of a book, with what follows from them in its formulas and names.
+//
+// Each operation first makes everything that is new and then puts it in place without allocating:
+// one that throws has changed nothing that can be read.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/workbook/document.h"
+#include "engine/workbook/workbook.h"
+
+namespace engine {
+
+// New texts for the formulas of the cells and names of a book, held until all of them are made.
+class FormulaEdits {
+ public:
+  // Asks `edit` about every formula in memory but those of `except`, a sheet that goes.
+  void collect(Workbook& book, const FormulaEdit& edit, const Sheet* except = nullptr);
+  // Puts the new texts in place. The sheets that hold one count as changed, and the cached values
+  // of the book as old.
+  void apply(Workbook& book) noexcept;
+
+ private:
+  struct CellEdit {
+    Sheet* sheet;
+    CellRecord* record;
+    std::string formula;
+  };
+  struct NameEdit {
+    DefinedName* name;
+    std::string definition;
+  };
+
+  std::vector<CellEdit> cells_;
+  std::vector<NameEdit> names_;
+};
+
+// Reads every worksheet that is not read yet but `except`, as a change to all formulas needs. Those
+// that a partial load left out stay closed.
+void read_all_sheets(Workbook& book, Document& document, const Sheet* except = nullptr);
+
+// A sheet with its names, made but not in the book yet.
+struct NewSheet {
+  std::unique_ptr<Sheet> sheet;
+  std::vector<DefinedName> names;
+};
+
+NewSheet make_sheet(std::string name);
+
+// One with the contents of another sheet, which must have been read whole. Formulas and names that
+// mean the original sheet mean the copy there.
+NewSheet make_copy(Workbook& book, Document& document, const Sheet& original, std::string name);
+
+// Makes room for a new sheet, so that placing it cannot fail.
+void make_room(Workbook& book, const NewSheet& made);
+// The first sheet of a book becomes the active one, any other leaves the active one as it is.
+void place_sheet(Workbook& book, std::size_t position, NewSheet made) noexcept;
+
+// Moves a sheet; the others keep their order and the active sheet stays the same one.
+void move_sheet(Workbook& book, std::size_t from, std::size_t to) noexcept;
+
+// Removes a sheet with its names and returns it; references to it break. Reads the other sheets.
+std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::size_t position);
+
+// Makes a sheet the active one and the only selected one. Reads the other sheets, as which of them
+// are selected is said in them.
+void activate_sheet(Workbook& book, Document& document, std::size_t position);
+
+}  // namespace engine

@@ -1,0 +1,91 @@
+#include "engine/workbook/string_pool.h"
+
+#include <algorithm>
+#include <cstring>
+#include <functional>
+
+namespace engine {
+
+namespace {
+
+constexpr std::size_t kFirstBlock = 1024;
+constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
+
+std::uint32_t hash_of(std::string_view text) {
+  const std::uint64_t wide = std::hash<std::string_view>()(text);
+  const auto folded = static_cast<std::uint32_t>(wide ^ (wide >> 32));
+  return folded == 0 ? 1 : folded;
+}
+
+}  // namespace
+
+std::uint32_t StringPool::add(std::string_view text) {
+  if ((entries_.size() + 1) * 2 > buckets_.size()) make_index((entries_.size() + 8) * 4);
+  const std::uint32_t hash = hash_of(text);
+  const std::size_t mask = buckets_.size() - 1;
+  for (std::size_t at = hash & mask; buckets_[at] != 0; at = (at + 1) & mask) {
+    const Entry& entry = entries_[buckets_[at] - 1];
+    if (entry.hash == hash && std::string_view(entry.data, entry.length) == text)
+      return buckets_[at] - 1;
+  }
+  const std::uint32_t index = append(text);
+  entries_[index].hash = hash;
+  enter(index);
+  return index;
+}
+
+std::uint32_t StringPool::append(std::string_view text) {
+  const char* data = keep(text);
+  entries_.push_back({data, static_cast<std::uint32_t>(text.size()), 0});
+  return size() - 1;
+}
+
+std::uint32_t StringPool::append_rich(std::string_view text, std::string rich) {
+  const std::uint32_t index = append(text);
+  rich_.insert_or_assign(index, std::move(rich));
+  return index;
+}
+
+const std::string* StringPool::rich(std::uint32_t index) const {
+  const auto found = rich_.find(index);
+  return found == rich_.end() || found->second.empty() ? nullptr : &found->second;
+}
+
+const char* StringPool::keep(std::string_view text) {
+  if (text.size() > room_) {
+    const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 10);
+    const std::size_t size = std::max(text.size(), std::min(doubled, kLargestBlock));
+    blocks_.reserve(blocks_.size() + 1);
+    blocks_.push_back(std::make_unique_for_overwrite<char[]>(size));
+    free_ = blocks_.back().get();
+    room_ = size;
+  }
+  char* kept = free_;
+  std::ranges::copy(text, kept);
+  free_ += text.size();
+  room_ -= text.size();
+  return kept;
+}
+
+// Rich entries stay out of the index: a plain text that is equal gets an entry of its own.
+void StringPool::make_index(std::size_t buckets) {
+  std::size_t size = 64;
+  while (size < buckets) size *= 2;
+  std::vector<std::uint32_t> made(size);
+  buckets_.swap(made);
+  for (std::uint32_t index = 0; index < entries_.size(); ++index) {
+    if (!rich_.empty() && rich_.contains(index)) continue;
+    Entry& entry = entries_[index];
+    if (entry.hash == 0) entry.hash = hash_of({entry.data, entry.length});
+    enter(index);
+  }
+}
+
+void StringPool::enter(std::uint32_t index) {
+  const std::size_t mask = buckets_.size() - 1;
+  std::size_t at = entries_[index].hash & mask;
+  while (buckets_[at] != 0) at = (at + 1) & mask;
+  buckets_[at] = index + 1;
+}
+
+}  // namespace engine

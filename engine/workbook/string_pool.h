@@ -1,0 +1,65 @@
+// The texts of a book: each new one once, given out by number.
+//
+// Texts are UTF-8 and lie one behind the other in blocks that never move. Entries that a file
+// brought keep their numbers, doubles too, because sheets that nobody opens refer to them. The
+// index by hash is made when the first new text comes: a book that is only read needs none.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace engine {
+
+class StringPool {
+ public:
+  // The number of the text: that of an equal plain entry, or a new one.
+  std::uint32_t add(std::string_view text);
+
+  // A further entry as a file lists it, equal to another or not.
+  std::uint32_t append(std::string_view text);
+
+  // A text with runs of its own look; `rich` is kept for the codec, which can write it again.
+  std::uint32_t append_rich(std::string_view text, std::string rich);
+
+  // Rich content of an entry that `append_rich` made, else null.
+  const std::string* rich(std::uint32_t index) const;
+
+  // From here on entries are new: those before are the file's and stand in its own part.
+  void end_of_file_entries() { from_file_ = size(); }
+  std::uint32_t count_from_file() const { return from_file_; }
+
+  // Says that entry `index` has a look of its own, so that plain text never becomes it.
+  void mark_rich(std::uint32_t index) { rich_.try_emplace(index); }
+
+  std::uint32_t size() const { return static_cast<std::uint32_t>(entries_.size()); }
+  std::string_view operator[](std::uint32_t index) const {
+    return {entries_[index].data, entries_[index].length};
+  }
+  void reserve(std::size_t count) { entries_.reserve(count); }
+
+ private:
+  struct Entry {
+    const char* data;
+    std::uint32_t length;
+    std::uint32_t hash;  // 0 until the index by hash is made
+  };
+
+  const char* keep(std::string_view text);
+  void make_index(std::size_t buckets);
+  void enter(std::uint32_t index);
+
+  std::vector<Entry> entries_;
+  std::vector<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
+  std::vector<std::unique_ptr<char[]>> blocks_;
+  char* free_ = nullptr;
+  std::size_t room_ = 0;
+  std::map<std::uint32_t, std::string> rich_;
+  std::uint32_t from_file_ = 0;
+};
+
+}  // namespace engine

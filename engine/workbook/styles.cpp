@@ -1,0 +1,231 @@
+#include "engine/workbook/styles.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+#include "engine/workbook/number_format.h"
+
+namespace engine {
+
+namespace {
+
+// So that the next entry needs no memory.
+template <class T>
+void make_room(std::vector<T>& list) {
+  if (list.size() == list.capacity()) list.reserve(list.size() * 2 + 8);
+}
+
+}  // namespace
+
+Styles::Styles(FontRecord default_font) : default_font_(std::move(default_font)) {
+  end_of_file_entries();
+}
+
+std::uint32_t Styles::font_of(std::uint32_t format_index) const {
+  const std::uint32_t font = format(format_index).font;
+  return font < fonts_.size() ? font : 0;
+}
+
+FormatRecord& Styles::change_format(std::uint32_t index, unsigned aspects) {
+  assert(index < formats_.size());
+  changed_ = true;
+  FormatRecord& record = formats_[index];
+  record.changed = static_cast<std::uint16_t>(record.changed | aspects);
+  return record;
+}
+
+FontRecord& Styles::change_font(std::uint32_t index, unsigned aspects) {
+  assert(index < fonts_.size());
+  changed_ = true;
+  FontRecord& record = fonts_[index];
+  record.changed = static_cast<std::uint16_t>(record.changed | aspects);
+  return record;
+}
+
+std::optional<std::uint32_t> Styles::add_format() {
+  if (formats_.size() >= kMaxFormats) return std::nullopt;
+  formats_.emplace_back();
+  changed_ = true;
+  return format_count() - 1;
+}
+
+std::optional<std::uint32_t> Styles::add_format(std::uint32_t init) {
+  if (formats_.size() >= kMaxFormats) return std::nullopt;
+  const FormatRecord copy = format(init);
+  formats_.push_back(copy);
+  changed_ = true;
+  return format_count() - 1;
+}
+
+// Short memory must leave the lists as they were: room for all is there before the first grows.
+std::optional<std::uint32_t> Styles::add_format(const Styles& other, std::uint32_t init) {
+  if (formats_.size() >= kMaxFormats || fonts_.size() >= kMaxFonts) return std::nullopt;
+  make_room(formats_);
+  make_room(fonts_);
+  FontRecord font = imported(other.font(other.font_of(init)), other);
+  FormatRecord made = imported(other.format(init), other);
+  const auto number = import_number_format(other, made.number_format);
+  if (!number) return std::nullopt;
+  made.number_format = *number;
+  made.font = font_count();
+  fonts_.push_back(std::move(font));
+  formats_.push_back(made);
+  changed_ = true;
+  return format_count() - 1;
+}
+
+std::optional<std::uint32_t> Styles::add_font(std::uint32_t init) {
+  if (fonts_.size() >= kMaxFonts) return std::nullopt;
+  FontRecord copy = font(init);
+  fonts_.push_back(std::move(copy));
+  changed_ = true;
+  return font_count() - 1;
+}
+
+std::optional<std::uint32_t> Styles::add_font(const Styles& other, std::uint32_t init) {
+  if (fonts_.size() >= kMaxFonts) return std::nullopt;
+  fonts_.push_back(imported(other.font(init), other));
+  changed_ = true;
+  return font_count() - 1;
+}
+
+FontRecord Styles::imported(FontRecord font, const Styles& other) const {
+  font.color = imported(font.color, other);
+  font.model = kNoModel;
+  return font;
+}
+
+FormatRecord Styles::imported(FormatRecord format, const Styles& other) const {
+  Border& border = format.border;
+  for (BorderSide* side :
+       {&border.left, &border.right, &border.top, &border.bottom, &border.diagonal})
+    side->color = imported(side->color, other);
+  format.fill.foreground = imported(format.fill.foreground, other);
+  format.fill.background = imported(format.fill.background, other);
+  format.fill.carried = 0;
+  format.model = kNoModel;
+  return format;
+}
+
+// An index or theme number means here what it meant there only when the tables are the same.
+Color Styles::imported(const Color& color, const Styles& other) const {
+  const bool is_system = color.kind == ColorKind::kIndexed && color.value >= 64;
+  const bool is_entry = color.kind == ColorKind::kIndexed || color.kind == ColorKind::kTheme;
+  if (!is_entry || is_system || colors == other.colors) return color;
+  return Color::rgb(rgb_of(color, other.colors));
+}
+
+std::optional<std::uint32_t> Styles::import_number_format(const Styles& other, std::uint32_t id) {
+  const auto defined = other.numbers_.find(id);
+  if (defined != other.numbers_.end()) return add_number_format(defined->second.code);
+  // A built-in id that this book has given another meaning.
+  if (numbers_.contains(id)) {
+    const std::string_view code = built_in_number_format(id);
+    if (!code.empty()) return add_number_format(code);
+  }
+  return id;
+}
+
+std::optional<std::uint32_t> Styles::add_number_format(std::string_view code) {
+  const auto known = numbers_by_code_.find(code);
+  if (known != numbers_by_code_.end()) return known->second;
+  const std::optional<std::uint32_t> id = free_number();
+  if (!id) return std::nullopt;
+  define_number_format(*id, code);
+  changed_ = true;
+  return id;
+}
+
+std::optional<std::uint32_t> Styles::free_number() const {
+  const auto custom = numbers_.lower_bound(kFirstCustomNumber);
+  const auto redefined = static_cast<std::size_t>(std::distance(numbers_.begin(), custom));
+  const std::size_t count = numbers_.size() - redefined;
+  if (count >= limits.number_formats) return std::nullopt;
+  if (count == 0) return kFirstCustomNumber;
+  const std::uint32_t highest = std::prev(numbers_.end())->first;
+  if (highest < limits.last_number_format) return highest + 1;
+  // A file that numbers to the end may have left gaps.
+  std::uint32_t next = kFirstCustomNumber;
+  for (auto at = custom; at != numbers_.end() && at->first == next; ++at) ++next;
+  return next <= limits.last_number_format ? std::optional(next) : std::nullopt;
+}
+
+std::string_view Styles::code_of(std::uint32_t id) const {
+  const auto found = numbers_.find(id);
+  return found == numbers_.end() ? built_in_number_format(id) : found->second.code;
+}
+
+bool Styles::is_number_format(std::uint32_t id) const { return id <= 49 || numbers_.contains(id); }
+
+std::vector<std::uint32_t> Styles::number_formats() const {
+  std::vector<std::uint32_t> ids;
+  ids.reserve(numbers_.size());
+  for (const auto& [id, format] : numbers_) ids.push_back(id);
+  return ids;
+}
+
+bool Styles::is_date(std::uint32_t format_index) const {
+  const std::uint32_t id = format(format_index).number_format;
+  const auto found = numbers_.find(id);
+  return found == numbers_.end() ? is_built_in_date(id) : found->second.first_is_date;
+}
+
+bool Styles::is_date(std::uint32_t format_index, double value) const {
+  const std::uint32_t id = format(format_index).number_format;
+  const auto found = numbers_.find(id);
+  if (found == numbers_.end()) return is_built_in_date(id);
+  const NumberFormat& number = found->second;
+  if (number.dates == Dates::kByValue) return is_date_format(number.code, value);
+  return number.dates == Dates::kAlways;
+}
+
+void Styles::begin_file_entries() {
+  fonts_.clear();
+  formats_.clear();
+  numbers_.clear();
+  numbers_by_code_.clear();
+  colors = ColorTable();
+}
+
+void Styles::append_font(FontRecord font) {
+  font.model = font_count();
+  fonts_.push_back(std::move(font));
+}
+
+void Styles::append_format(const FormatRecord& format) {
+  formats_.push_back(format);
+  formats_.back().model = format_count() - 1;
+}
+
+void Styles::define_number_format(std::uint32_t id, std::string_view code) {
+  NumberFormat made;
+  made.code = code;
+  made.first_is_date = is_date_format(code);
+  if (is_date_by_value(code)) made.dates = Dates::kByValue;
+  else if (made.first_is_date) made.dates = Dates::kAlways;
+  std::map<std::uint32_t, NumberFormat> entry;
+  entry.emplace(id, std::move(made));
+  // A built-in date changes with the system: its text is no name for a code that stays.
+  if (id >= kFirstCustomNumber) numbers_by_code_.try_emplace(std::string(code), id);
+  // A damaged file may define an id twice: the later code is the one it means.
+  if (const auto former = numbers_.find(id); former != numbers_.end()) {
+    const auto name = numbers_by_code_.find(former->second.code);
+    const bool is_named = name != numbers_by_code_.end() && name->second == id;
+    if (is_named && former->second.code != code) numbers_by_code_.erase(name);
+    numbers_.erase(former);
+  }
+  numbers_.merge(entry);
+}
+
+void Styles::end_of_file_entries() {
+  fonts_from_file_ = font_count();
+  formats_from_file_ = format_count();
+  if (fonts_.empty()) fonts_.push_back(default_font_);
+  if (formats_.empty()) formats_.emplace_back();
+  for (FormatRecord& format : formats_)
+    if (format.font >= fonts_.size()) format.font = 0;
+  changed_ = false;
+}
+
+}  // namespace engine

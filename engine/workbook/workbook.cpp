@@ -1,0 +1,59 @@
+#include "engine/workbook/workbook.h"
+
+#include <algorithm>
+#include <cassert>
+
+#include "engine/workbook/text.h"
+
+namespace engine {
+
+namespace {
+
+struct ClassicError {
+  std::uint32_t number;
+  std::string_view text;
+};
+constexpr ClassicError kClassicErrors[] = {
+    {0, "#NULL!"}, {7, "#DIV/0!"}, {15, "#VALUE!"}, {23, "#REF!"},
+    {29, "#NAME?"}, {36, "#NUM!"}, {42, "#N/A"},
+};
+
+}  // namespace
+
+Sheet* Workbook::find_sheet(std::string_view name) const {
+  for (const auto& sheet : sheets)
+    if (equal_ignoring_case(sheet->name, name)) return sheet.get();
+  return nullptr;
+}
+
+std::size_t Workbook::position(const Sheet& sheet) const {
+  const auto found = std::ranges::find(sheets, &sheet, &std::unique_ptr<Sheet>::get);
+  assert(found != sheets.end());
+  return static_cast<std::size_t>(found - sheets.begin());
+}
+
+std::string_view error_text(const Workbook& book, std::uint32_t error) {
+  if (error >= kNewError) {
+    const std::size_t index = error - kNewError;
+    return index < book.new_errors.size() ? std::string_view(book.new_errors[index]) : "";
+  }
+  const auto found = std::ranges::find(kClassicErrors, error, &ClassicError::number);
+  return found == std::end(kClassicErrors) ? std::string_view() : found->text;
+}
+
+std::uint32_t error_number(Workbook& book, std::string_view text) {
+  const auto classic = std::ranges::find(kClassicErrors, text, &ClassicError::text);
+  if (classic != std::end(kClassicErrors)) return classic->number;
+  const auto known = std::ranges::find(book.new_errors, text);
+  if (known != book.new_errors.end())
+    return kNewError + static_cast<std::uint32_t>(known - book.new_errors.begin());
+  book.new_errors.emplace_back(text);
+  return kNewError + static_cast<std::uint32_t>(book.new_errors.size() - 1);
+}
+
+bool is_classic_error(int error) {
+  return std::ranges::find(kClassicErrors, static_cast<std::uint32_t>(error),
+                           &ClassicError::number) != std::end(kClassicErrors);
+}
+
+}  // namespace engine

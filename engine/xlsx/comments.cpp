@@ -1,0 +1,150 @@
+#include "engine/xlsx/comments.h"
+
+#include <map>
+#include <optional>
+#include <set>
+
+#include "engine/formula/reference.h"
+#include "engine/package/file_error.h"
+#include "engine/package/xml_tree.h"
+#include "engine/xlsx/escapes.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+using package::Family;
+
+constexpr std::string_view kEmptyPart =
+    "<comments xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\">"
+    "<authors/><commentList/></comments>";
+
+std::optional<CellAddress> cell_of(pugi::xml_node comment) {
+  const auto cell = formula::parse_cell(comment.attribute("ref").value());
+  if (!cell) return std::nullopt;
+  return CellAddress{cell->row, cell->col};
+}
+
+// The text of a rich string: its direct text, or the texts of its runs, without phonetic ones.
+std::string plain_text(pugi::xml_node rich) {
+  std::string text;
+  for (const pugi::xml_node node : rich.children()) {
+    if (package::is(node, Family::Main, "t")) text.append(node.text().get());
+    if (package::is(node, Family::Main, "r"))
+      text.append(package::child(node, Family::Main, "t").text().get());
+  }
+  return unescape(text);
+}
+
+std::vector<std::string> authors_of(pugi::xml_node root) {
+  std::vector<std::string> authors;
+  const pugi::xml_node list = package::child(root, Family::Main, "authors");
+  for (const pugi::xml_node author : package::children(list, Family::Main, "author"))
+    authors.push_back(unescape(author.text().get()));
+  return authors;
+}
+
+pugi::xml_node root_of(const pugi::xml_document& document, std::string_view part) {
+  const pugi::xml_node root = document.document_element();
+  if (!package::is(root, Family::Main, "comments"))
+    package::throw_damaged(part, "not a list of comments");
+  return root;
+}
+
+pugi::xml_node child_or_new(pugi::xml_node root, std::string_view local, pugi::xml_node next) {
+  const pugi::xml_node found = package::child(root, Family::Main, local);
+  return found ? found : package::insert_child(root, local, next);
+}
+
+// Numbers of authors, with new ones put behind those that the part has.
+class Authors {
+ public:
+  Authors(pugi::xml_node root, pugi::xml_node list) : list_(list) {
+    std::size_t number = 0;
+    for (const std::string& author : authors_of(root)) numbers_.try_emplace(author, number++);
+    count_ = number;
+  }
+
+  std::size_t number(const std::string& author) {
+    const auto [entry, is_new] = numbers_.try_emplace(author, count_);
+    if (is_new) {
+      package::append_child(list_, "author").text().set(escape(author).c_str());
+      ++count_;
+    }
+    return entry->second;
+  }
+
+ private:
+  pugi::xml_node list_;
+  std::map<std::string, std::size_t> numbers_;
+  std::size_t count_ = 0;
+};
+
+void append_comment(pugi::xml_node list, CellAddress cell, const Comment& note,
+                    std::size_t author) {
+  pugi::xml_node comment = package::append_child(list, "comment");
+  comment.append_attribute("ref") = formula::print_cell(cell.row, cell.column).c_str();
+  comment.append_attribute("authorId") = author;
+  pugi::xml_node run = package::append_child(package::append_child(comment, "text"), "r");
+  pugi::xml_node look = package::append_child(run, "rPr");
+  package::append_child(look, "sz").append_attribute("val") = 9;
+  package::append_child(look, "color").append_attribute("indexed") = 81;
+  package::append_child(look, "rFont").append_attribute("val") = "Tahoma";
+  package::append_child(look, "family").append_attribute("val") = 2;
+  pugi::xml_node text = package::append_child(run, "t");
+  text.append_attribute("xml:space") = "preserve";
+  text.text().set(escape(note.text).c_str());
+}
+
+}  // namespace
+
+void read_comments(std::string_view xml, std::string_view part, Sheet& sheet) {
+  const pugi::xml_document document = package::parse_xml(xml, part);
+  const pugi::xml_node root = root_of(document, part);
+  const std::vector<std::string> authors = authors_of(root);
+  const pugi::xml_node list = package::child(root, Family::Main, "commentList");
+  for (const pugi::xml_node node : package::children(list, Family::Main, "comment")) {
+    const auto cell = cell_of(node);
+    if (!cell) package::throw_damaged(part, "a comment without a cell");
+    Comment note;
+    note.text = plain_text(package::child(node, Family::Main, "text"));
+    const unsigned author = node.attribute("authorId").as_uint();
+    if (author < authors.size()) note.author = authors[author];
+    sheet.comments.insert_or_assign(*cell, std::move(note));
+  }
+}
+
+std::string write_comments(std::string_view stored, std::string_view part, const Sheet& sheet) {
+  const pugi::xml_document document =
+      package::parse_xml(stored.empty() ? kEmptyPart : stored, part);
+  const pugi::xml_node root = root_of(document, part);
+  pugi::xml_node list = child_or_new(root, "commentList", root.last_child());
+  Authors authors(root, child_or_new(root, "authors", root.first_child()));
+
+  std::set<CellAddress> kept;
+  for (const pugi::xml_node node : package::children(list, Family::Main, "comment")) {
+    const auto cell = cell_of(node);
+    const auto note = cell ? sheet.comments.find(*cell) : sheet.comments.end();
+    if (note == sheet.comments.end() || note->second.changed) list.remove_child(node);
+    else kept.insert(*cell);
+  }
+  for (const auto& [cell, note] : sheet.comments)
+    if (!kept.contains(cell)) append_comment(list, cell, note, authors.number(note.author));
+  return package::serialize_xml(document);
+}
+
+std::string write_threads(std::string_view stored, std::string_view part, const Sheet& sheet) {
+  const pugi::xml_document document = package::parse_xml(stored, part);
+  pugi::xml_node root = document.document_element();
+  for (pugi::xml_node node = root.first_child(); node;) {
+    const pugi::xml_node next = node.next_sibling();
+    const auto cell = cell_of(node);
+    const auto note = cell ? sheet.comments.find(*cell) : sheet.comments.end();
+    const bool gone = cell && (note == sheet.comments.end() || note->second.changed);
+    if (gone) root.remove_child(node);
+    node = next;
+  }
+  return package::serialize_xml(document);
+}
+
+}  // namespace engine::xlsx

@@ -1,0 +1,65 @@
+// The .xlsx file behind a workbook.
+//
+// A document owns the parts of the package. Loading reads the list of sheets, styles and shared
+// texts; sheets are read when they are asked for, everything else only when an operation has to
+// change it. Saving copies the list of parts, replaces those that the workbook's changes concern,
+// and copies the rest as it is stored.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "engine/package/source.h"
+#include "engine/workbook/document.h"
+#include "engine/workbook/workbook.h"
+#include "engine/xlsx/parts.h"
+#include "engine/xlsx/sheet_part.h"
+#include "engine/xlsx/styles_part.h"
+#include "engine/xlsx/workbook_part.h"
+#include "engine/xlsx/worksheet_reader.h"
+
+namespace engine::xlsx {
+
+enum class LoadScope : std::uint8_t {
+  kEverything,
+  kInfo,  // the list of sheets and the book's settings, no texts and no styles
+};
+
+class Document : public engine::Document {
+ public:
+  static std::unique_ptr<Document> make_new(Workbook& book);
+
+  // Reads a file into an empty workbook. Throws FileError.
+  static std::unique_ptr<Document> load(std::shared_ptr<const package::Source> source,
+                                        Workbook& book, LoadScope scope = LoadScope::kEverything);
+
+  // Of a sheet that is marked as partly loaded, only its `loaded_rows` are read. One that is
+  // excluded may be read behind the scenes and stays excluded.
+  void read_sheet(Workbook& book, Sheet& sheet) override;
+  void copy_sheet(Workbook& book, const Sheet& original, Sheet& copy) override;
+  void remove_sheet(Sheet& sheet) override;
+  void edit_formulas(Workbook& book, const FormulaEdit& edit) override;
+  void save(const Workbook& book, const SaveOptions& options, package::Output& output) override;
+
+ private:
+  class Saving;
+
+  Document() = default;
+
+  SheetContext context(Workbook& texts, const Workbook& book) const;
+  std::unique_ptr<OutsideRows> read_outside(const Workbook& book, const Sheet& sheet) const;
+  void read_notes(Sheet& sheet) const;
+  void read_tab(Sheet& sheet) const;
+
+  Parts parts_;
+  std::string main_;  // name of the workbook part
+  WorkbookPart workbook_part_;
+  StylesPart styles_part_;
+  std::uint32_t formats_ = 1;     // in the file
+  std::uint64_t text_cells_ = 0;  // that name a shared text, as the file counts them
+  bool has_calculation_chain_ = false;
+  bool sheet_removed_ = false;
+};
+
+}  // namespace engine::xlsx

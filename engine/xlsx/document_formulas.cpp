@@ -1,0 +1,155 @@
+// Formulas of carried things: what an operation on cells and sheets has to change in them.
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "engine/formula/formula_text.h"
+#include "engine/formula/sheet_name.h"
+#include "engine/package/file_error.h"
+#include "engine/package/xml_tree.h"
+#include "engine/xlsx/document.h"
+#include "engine/xlsx/formula_texts.h"
+#include "engine/xlsx/new_parts.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+using package::Family;
+
+constexpr std::string_view kChartType =
+    "application/vnd.openxmlformats-officedocument.drawingml.chart+xml";
+constexpr std::string_view kExtendedChartType = "application/vnd.ms-office.chartex+xml";
+constexpr std::string_view kPivotCacheType =
+    "application/vnd.openxmlformats-officedocument.spreadsheetml.pivotCacheDefinition+xml";
+
+// New texts of formulas of cells that the model does not look at, held until all are made.
+struct RecordEdits {
+  std::vector<std::pair<std::string*, std::string>> texts;
+  std::vector<Sheet*> changed;
+
+  void apply() noexcept {
+    for (auto& [target, text] : texts) target->swap(text);
+    for (Sheet* sheet : changed) sheet->changed = true;
+  }
+};
+
+// The two cells that a data table puts its values into stand in its attributes.
+std::optional<std::string> edited_inputs(const Sheet& sheet, const std::string& details,
+                                         const FormulaEdit& edit) {
+  std::string made = details;
+  bool changed = false;
+  for (const std::string_view name : {" r1=\"", " r2=\""}) {
+    const std::size_t begin = made.find(name);
+    if (begin == std::string::npos) continue;
+    const std::size_t from = begin + name.size();
+    const std::size_t size = made.find('"', from) - from;
+    const auto text = edit(&sheet, std::string_view(made).substr(from, size));
+    if (!text) continue;
+    made.replace(from, size, *text);
+    changed = true;
+  }
+  return changed ? std::optional<std::string>(std::move(made)) : std::nullopt;
+}
+
+// `formulas` tells whether the texts of the cells are edited too: those of rows that are loaded are
+// the model's concern.
+void collect_records(Sheet& sheet, const Sheet& owner, const FormulaEdit& edit, bool formulas,
+                     RecordEdits& edits) {
+  const std::size_t before = edits.texts.size();
+  for (const Row& row : std::as_const(sheet.cells).rows()) {
+    for (const Cell& cell : row.span()) {
+      CellRecord* record = sheet.record(cell);
+      if (!record) continue;
+      if (formulas && !record->formula.empty())
+        if (auto text = edit(&owner, record->formula))
+          edits.texts.emplace_back(&record->formula, *std::move(text));
+      if (!record->extra || record->extra->form != FormulaForm::kDataTable) continue;
+      std::string& details = record->extra->formula_details;
+      if (auto text = edited_inputs(owner, details, edit))
+        edits.texts.emplace_back(&details, *std::move(text));
+    }
+  }
+  if (edits.texts.size() != before) edits.changed.push_back(&sheet);
+}
+
+// The range that a pivot table's data comes from, as sheet and range or as a formula of both.
+bool edit_source(pugi::xml_node source, const FormulaEdit& edit) {
+  const std::string sheet = source.attribute("sheet").value();
+  const std::string range = source.attribute("ref").value();
+  if (sheet.empty() || range.empty()) return false;
+  if (package::attribute(source, Family::Relationships, "id")) return false;  // another workbook
+  const auto text = edit(nullptr, formula::quote_sheet_name(sheet) + "!" + range);
+  if (!text) return false;
+  const auto ranges = formula::ranges_of_text(*text);
+  if (ranges.size() != 1 || ranges[0].sheet.empty()) return false;  // what is lost stays named
+  source.attribute("sheet") = ranges[0].sheet.c_str();
+  source.attribute("ref") = formula::print_range(ranges[0].range).c_str();
+  return true;
+}
+
+// The part with its formulas edited; nothing when it stays as it is. One that is damaged stays.
+std::optional<std::string> edited_part(const Parts& parts, const Part& part,
+                                       const FormulaEdit& edit) try {
+  const pugi::xml_document tree = package::parse_xml(parts.read(part), part.name);
+  const pugi::xml_node root = tree.document_element();
+  bool changed = false;
+  if (part.type == kPivotCacheType) {
+    const pugi::xml_node source = package::child(root, Family::Main, "cacheSource");
+    changed = edit_source(package::child(source, Family::Main, "worksheetSource"), edit);
+  } else {
+    TextEdits edits;
+    if (part.type == kTableType) edits.collect_table(root, nullptr, edit);
+    else edits.collect_chart(root, edit);
+    changed = !edits.empty();
+    edits.apply();
+  }
+  if (!changed) return std::nullopt;
+  return package::serialize_xml(tree);
+} catch (const package::FileError&) {
+  return std::nullopt;
+}
+
+bool holds_formulas(const Part& part) {
+  return part.type == kChartType || part.type == kExtendedChartType || part.type == kTableType ||
+         part.type == kPivotCacheType;
+}
+
+}  // namespace
+
+void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
+  RecordEdits records;
+  TextEdits texts;
+  std::vector<std::pair<SheetPart*, std::unique_ptr<OutsideRows>>> outside;
+  for (const auto& sheet : book.sheets) {
+    SheetPart* remains = part_of(*sheet);
+    if (!remains || !remains->read) continue;
+    if (texts.collect_worksheet(remains->tree.document_element(), sheet.get(), edit))
+      records.changed.push_back(sheet.get());
+    collect_records(*sheet, *sheet, edit, false, records);
+    if (sheet->loading != Loading::kPartly) continue;
+    std::unique_ptr<OutsideRows> read_now;
+    if (!remains->outside) read_now = read_outside(book, *sheet);
+    Sheet& others = remains->outside ? remains->outside->sheet : read_now->sheet;
+    const std::size_t before = records.texts.size();
+    collect_records(others, *sheet, edit, true, records);
+    if (read_now && records.texts.size() != before)
+      outside.emplace_back(remains, std::move(read_now));
+  }
+  Parts parts = parts_;
+  for (const auto& [key, part] : parts_.all())
+    if (holds_formulas(part))
+      if (auto bytes = edited_part(parts_, part, edit)) parts.put(part.name, {}, *std::move(bytes));
+  for (const auto& sheet : book.sheets)
+    if (SheetPart* remains = part_of(*sheet))
+      for (AddedPart& added : remains->added)
+        if (auto bytes = edited_table(added.bytes, nullptr, edit))
+          records.texts.emplace_back(&added.bytes, *std::move(bytes));
+
+  texts.apply();
+  records.apply();
+  for (auto& [remains, rows] : outside) remains->outside = std::move(rows);
+  parts_ = std::move(parts);
+}
+
+}  // namespace engine::xlsx

@@ -1,0 +1,207 @@
+// Copying and removing sheets: what becomes of the parts and elements around their cells.
+#include <algorithm>
+#include <array>
+#include <set>
+#include <utility>
+
+#include "engine/formula/formula_text.h"
+#include "engine/formula/sheet_name.h"
+#include "engine/package/xml_tree.h"
+#include "engine/xlsx/document.h"
+#include "engine/xlsx/escapes.h"
+#include "engine/xlsx/formula_texts.h"
+#include "engine/xlsx/new_parts.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+using package::Family;
+
+// What stands in a worksheet for parts that are not copied with it. Comments are the model's.
+constexpr auto kNotCopied = std::to_array<std::string_view>({
+    "customProperties",
+    "drawing",
+    "legacyDrawing",
+    "legacyDrawingHF",
+    "drawingHF",
+    "picture",
+    "oleObjects",
+    "controls",
+    "webPublishItems",
+});
+
+bool refers_to_parts(pugi::xml_node node) {
+  if (package::attribute(node, Family::Relationships, "id")) return true;
+  return std::ranges::any_of(node.children(), refers_to_parts);
+}
+
+// Elements that are nothing without a part, and identifications that no two sheets may share.
+void remove_uncopied(pugi::xml_node root) {
+  for (pugi::xml_node node = root.first_child(); node;) {
+    const pugi::xml_node next = node.next_sibling();
+    const bool main = package::family(node) == Family::Main;
+    const bool listed =
+        std::ranges::find(kNotCopied, package::local_name(node)) != kNotCopied.end();
+    if ((main && listed) || (!main && refers_to_parts(node))) root.remove_child(node);
+    node = next;
+  }
+  pugi::xml_node extensions = package::child(root, Family::Main, "extLst");
+  for (const pugi::xml_node one : package::children(extensions, Family::Main, "ext"))
+    if (refers_to_parts(one)) extensions.remove_child(one);
+  if (extensions && !extensions.first_child()) root.remove_child(extensions);
+  package::child(root, Family::Main, "sheetPr").remove_attribute("codeName");
+  pugi::xml_node setup = package::child(root, Family::Main, "pageSetup");
+  setup.remove_attribute(package::attribute(setup, Family::Relationships, "id"));
+  for (const pugi::xml_attribute attribute : root.attributes())
+    if (package::local_name(attribute.name()) == "uid") {
+      root.remove_attribute(attribute);
+      break;
+    }
+}
+
+// A sheet's relationships, whether the file or only the model has the sheet.
+class SheetLinks {
+ public:
+  SheetLinks(const Parts& parts, const SheetPart& sheet) : parts_(parts), sheet_(sheet) {}
+
+  const Relationship* external(std::string_view id) const {
+    const auto& all = in_file() ? parts_.relationships(sheet_.part) : sheet_.links;
+    const auto found = std::ranges::find(all, id, &Relationship::id);
+    return found == all.end() || !found->external ? nullptr : &*found;
+  }
+
+  // The bytes of a part that belongs to the sheet; empty when there is none.
+  std::string part(std::string_view id) const {
+    if (in_file()) {
+      const Relationship* one = parts_.relationship(sheet_.part, id);
+      const Part* found = one ? parts_.target(sheet_.part, *one) : nullptr;
+      return found ? parts_.read(*found) : std::string();
+    }
+    const auto found = std::ranges::find(sheet_.added, id, &AddedPart::relationship);
+    return found == sheet_.added.end() ? std::string() : found->bytes;
+  }
+
+ private:
+  bool in_file() const { return !sheet_.part.empty(); }
+
+  const Parts& parts_;
+  const SheetPart& sheet_;
+};
+
+// Names and ids of the book's tables.
+class TableNames {
+ public:
+  TableNames(const Workbook& book, const Parts& parts) {
+    for (const auto& [key, part] : parts.all())
+      if (part.type == kTableType) enter(parts.read(part));
+    for (const auto& sheet : book.sheets)
+      if (const SheetPart* remains = part_of(std::as_const(*sheet)))
+        for (const AddedPart& added : remains->added) enter(added.bytes);
+    for (const DefinedName& name : book.names) used_.insert(formula::folded_name(name.name));
+  }
+
+  // The name with the first number behind it that nobody has.
+  std::string free(const std::string& name) {
+    for (int number = 1;; ++number) {
+      std::string made = name + "_" + std::to_string(number);
+      if (used_.insert(formula::folded_name(made)).second) return made;
+    }
+  }
+  unsigned next_id() { return ++last_id_; }
+
+ private:
+  void enter(const std::string& bytes) {
+    const pugi::xml_document tree = package::parse_xml(bytes, "table");
+    const pugi::xml_node root = tree.document_element();
+    last_id_ = std::max(last_id_, root.attribute("id").as_uint());
+    for (const char* name : {"name", "displayName"})
+      used_.insert(formula::folded_name(unescape(root.attribute(name).value())));
+  }
+
+  std::set<std::string> used_;
+  unsigned last_id_ = 0;
+};
+
+std::string copy_of_table(const std::string& bytes, TableNames& names) {
+  const pugi::xml_document tree = package::parse_xml(bytes, "table");
+  pugi::xml_node root = tree.document_element();
+  const std::string name = names.free(unescape(root.attribute("displayName").value()));
+  root.attribute("id") = names.next_id();
+  if (root.attribute("name")) root.attribute("name") = escape(name).c_str();
+  root.attribute("displayName") = escape(name).c_str();
+  for (const pugi::xml_attribute attribute : root.attributes())
+    if (package::local_name(attribute.name()) == "uid") {
+      root.remove_attribute(attribute);
+      break;
+    }
+  root.remove_attribute("tableType");
+  return package::serialize_xml(tree);
+}
+
+void copy_hyperlinks(pugi::xml_node root, const SheetLinks& links, SheetPart& made) {
+  pugi::xml_node list = package::child(root, Family::Main, "hyperlinks");
+  for (const pugi::xml_node link : package::children(list, Family::Main, "hyperlink")) {
+    const std::string_view id = package::attribute(link, Family::Relationships, "id").value();
+    if (id.empty()) continue;
+    const Relationship* target = links.external(id);
+    if (!target) list.remove_child(link);
+    else if (std::ranges::find(made.links, id, &Relationship::id) == made.links.end())
+      made.links.push_back(*target);
+  }
+  if (list && !list.first_child()) root.remove_child(list);
+}
+
+void copy_tables(pugi::xml_node root, const SheetLinks& links, TableNames& names,
+                 const FormulaEdit& edit, SheetPart& made) {
+  pugi::xml_node list = package::child(root, Family::Main, "tableParts");
+  for (const pugi::xml_node table : package::children(list, Family::Main, "tablePart")) {
+    const std::string id = package::attribute(table, Family::Relationships, "id").value();
+    const std::string bytes = links.part(id);
+    if (bytes.empty()) {
+      list.remove_child(table);
+      continue;
+    }
+    std::string renamed = copy_of_table(bytes, names);
+    if (auto edited = edited_table(renamed, nullptr, edit)) renamed = *std::move(edited);
+    made.added.push_back(
+        {id, "table", "xl/tables/table#.xml", std::string(kTableType), std::move(renamed)});
+  }
+  if (list && made.added.empty()) root.remove_child(list);
+  else if (list.attribute("count")) list.attribute("count") = made.added.size();
+}
+
+}  // namespace
+
+void Document::copy_sheet(Workbook& book, const Sheet& original, Sheet& copy) {
+  const SheetPart* from = part_of(original);
+  if (!from) return;  // a new sheet that nothing is carried for
+  auto made = std::make_unique<SheetPart>();
+  made->read = true;
+  made->tree.reset(from->tree);
+  made->row_details = from->row_details;
+  const pugi::xml_node root = made->tree.document_element();
+  remove_uncopied(root);
+  const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
+    return formula::retarget_sheet_text(text, original.name, copy.name);
+  };
+  const SheetLinks links(parts_, *from);
+  copy_hyperlinks(root, links, *made);
+  TableNames names(book, parts_);
+  copy_tables(root, links, names, edit, *made);
+  TextEdits texts;
+  texts.collect_worksheet(root, &original, edit);
+  texts.apply();
+  copy.remains = std::move(made);
+}
+
+void Document::remove_sheet(Sheet& sheet) {
+  const SheetPart* gone = part_of(sheet);
+  if (!gone || gone->relationship.empty()) return;
+  Parts parts = parts_;
+  parts.prune(main_, gone->relationship);
+  parts_ = std::move(parts);
+  sheet_removed_ = true;
+}
+
+}  // namespace engine::xlsx

@@ -1,0 +1,121 @@
+#include "engine/xlsx/escapes.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace engine::xlsx {
+
+namespace {
+
+constexpr std::size_t kEscapeSize = 7;  // _xHHHH_
+constexpr std::uint32_t kReplacement = 0xFFFD;
+
+int hex_digit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// The unit that an escape at the beginning of the text stands for.
+std::optional<std::uint32_t> escaped_unit(std::string_view text) {
+  if (text.size() < kEscapeSize || text[0] != '_' || text[1] != 'x' || text[6] != '_')
+    return std::nullopt;
+  std::uint32_t unit = 0;
+  for (const char c : text.substr(2, 4)) {
+    const int digit = hex_digit(c);
+    if (digit < 0) return std::nullopt;
+    unit = unit * 16 + static_cast<std::uint32_t>(digit);
+  }
+  return unit;
+}
+
+void append_escaped(std::string& out, std::uint32_t unit) {
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  out.append("_x");
+  for (int shift = 12; shift >= 0; shift -= 4) out.push_back(kDigits[(unit >> shift) & 15]);
+  out.push_back('_');
+}
+
+void append_utf8(std::string& out, std::uint32_t code) {
+  const auto put = [&](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
+  if (code < 0x80) return put(code);
+  if (code < 0x800) {
+    put(0xC0 | (code >> 6));
+  } else {
+    if (code < 0x10000) {
+      put(0xE0 | (code >> 12));
+    } else {
+      put(0xF0 | (code >> 18));
+      put(0x80 | ((code >> 12) & 0x3F));
+    }
+    put(0x80 | ((code >> 6) & 0x3F));
+  }
+  put(0x80 | (code & 0x3F));
+}
+
+// The unit that has to be escaped at the beginning of the text: a control character, an underscore
+// that begins what would read as an escape, or one of the two last units, which are no characters.
+std::optional<std::uint32_t> unit_to_escape(std::string_view text) {
+  const char c = text[0];
+  if (c >= 0 && c < ' ') {
+    const bool allowed = c == '\t' || c == '\n';
+    return allowed ? std::nullopt : std::optional<std::uint32_t>(static_cast<std::uint32_t>(c));
+  }
+  if (c == '_' && escaped_unit(text)) return '_';
+  if (c == '\xEF' && text.starts_with("\xEF\xBF\xBE")) return 0xFFFE;
+  if (c == '\xEF' && text.starts_with("\xEF\xBF\xBF")) return 0xFFFF;
+  return std::nullopt;
+}
+
+}  // namespace
+
+bool needs_escape(std::string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const bool suspect = byte < ' ' || byte == '_' || byte == 0xEF;
+    if (suspect && unit_to_escape(text.substr(i))) return true;
+  }
+  return false;
+}
+
+std::string escape(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const auto unit = unit_to_escape(text);
+    if (unit) append_escaped(out, *unit);
+    else out.push_back(text[0]);
+    text.remove_prefix(unit && *unit >= 0xFFFE ? 3 : 1);
+  }
+  return out;
+}
+
+std::string unescape(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    const std::size_t next = text.find("_x");
+    out.append(text.substr(0, next));
+    if (next == std::string_view::npos) break;
+    text.remove_prefix(next);
+    const auto unit = escaped_unit(text);
+    if (!unit || *unit == 0) {
+      out.push_back('_');
+      text.remove_prefix(1);
+      continue;
+    }
+    text.remove_prefix(kEscapeSize);
+    std::uint32_t code = *unit;
+    if (code >= 0xD800 && code < 0xE000) {
+      const auto low = code < 0xDC00 ? escaped_unit(text) : std::nullopt;
+      const bool paired = low && *low >= 0xDC00 && *low < 0xE000;
+      code = paired ? 0x10000 + ((code - 0xD800) << 10) + (*low - 0xDC00) : kReplacement;
+      if (paired) text.remove_prefix(kEscapeSize);
+    }
+    append_utf8(out, code);
+  }
+  return out;
+}
+
+}  // namespace engine::xlsx

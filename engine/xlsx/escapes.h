@@ -1,0 +1,20 @@
+// Characters that XML cannot hold, as spreadsheet files write them: _xHHHH_.
+//
+// A text that has this shape by itself gets an escape in front of its underscore, so that both ways
+// give back what went in. This is a layer under XML's own escapes, not one of them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace engine::xlsx {
+
+// Whether escape() would change the text.
+bool needs_escape(std::string_view text);
+std::string escape(std::string_view text);
+
+// Two escaped surrogates in sequence are one character, a lone one is U+FFFD. An escaped U+0000
+// stays as it stands: a text ends there.
+std::string unescape(std::string_view text);
+
+}  // namespace engine::xlsx

@@ -1,0 +1,37 @@
+// The legacy drawing of a sheet: the boxes of its notes.
+//
+// The part is VML, and not always well-formed XML, so it is never parsed as a whole: shapes of
+// notes are found as stretches of text, taken out and put in, and everything else stays as it
+// stands.
+//
+// Every shape of a book has an id of its own: cluster x 1024 + n. A drawing says in its idmap which
+// clusters it uses, and no other drawing of the book may use those.
+#pragma once
+
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "engine/workbook/cell.h"
+#include "engine/workbook/sheet.h"
+
+namespace engine::xlsx {
+
+// The clusters of shape ids that the book's drawings use.
+class ShapeClusters {
+ public:
+  // Notes what a drawing of the book uses.
+  void enter(std::string_view drawing);
+  // A cluster that no drawing uses yet; it counts as used from now on.
+  int take();
+
+ private:
+  std::set<int> used_;
+};
+
+// The drawing with one box for each note of the sheet: boxes of notes that went or were replaced
+// are taken out, those of new ones put in behind. `stored` is empty when the sheet had no drawing.
+std::string write_notes_drawing(std::string_view stored, const Sheet& sheet, const Grid& grid,
+                                ShapeClusters& clusters);
+
+}  // namespace engine::xlsx

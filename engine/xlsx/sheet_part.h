@@ -1,0 +1,83 @@
+// What is kept with a sheet: its part without the cells, and how the file names it.
+//
+// Once a sheet is read, `tree` is its whole part but for the rows: everything in front of and
+// behind `sheetData`, as it was read, and an empty `sheetData` between. The writer patches what the
+// model knows into a copy.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <pugixml.hpp>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/workbook/sheet.h"
+#include "engine/workbook/workbook.h"
+#include "engine/xlsx/relationships.h"
+
+namespace engine::xlsx {
+
+// What a row's details consist of: its attributes, and behind this character, which no part can
+// hold, its children that are no cells.
+inline constexpr char kDetailsEnd = '\x01';
+
+// Begins the details of a cell whose value is a date in ISO notation; its children hold that value.
+inline constexpr std::string_view kDateKind = " t=\"d\"";
+
+// Rows that a partial load left out, read behind the scenes. They have texts and errors of their
+// own; only numbers of shared texts are the book's.
+struct OutsideRows {
+  explicit OutsideRows(const Workbook& book) : workbook(book.grid) {}
+
+  Workbook workbook;
+  Sheet sheet;
+};
+
+// A part that belongs to a sheet which no file has yet. It gets its name when the book is saved.
+struct AddedPart {
+  std::string relationship;  // id at the sheet
+  std::string kind;          // of that relationship
+  std::string pattern;       // of the name: "xl/tables/table#.xml"
+  std::string type;
+  std::string bytes;
+};
+
+class SheetPart : public SheetRemains {
+ public:
+  std::string part;          // its name; empty for a sheet that no file has
+  std::string relationship;  // its id at the workbook; empty for a new sheet
+  std::uint32_t id = 0;      // sheetId
+
+  bool read = false;
+  pugi::xml_document tree;
+  std::vector<std::string> row_details;  // RowProperties::details is an index into this, plus one
+  std::uint64_t text_cells = 0;          // cells that name a shared text in the file
+  std::uint64_t formulas = 0;            // what formulas_of() gave when the sheet was read
+
+  // Of a sheet that no file has yet: what it refers to.
+  std::vector<AddedPart> added;
+  std::vector<Relationship> links;
+
+  // The rows outside `loaded_rows` when an edit has changed one of them.
+  std::unique_ptr<OutsideRows> outside;
+};
+
+// What the codec keeps with the sheet; null for a new one.
+SheetPart* part_of(Sheet& sheet);
+const SheetPart* part_of(const Sheet& sheet);
+
+// Whether the cell's element holds an f element: then a text beside it is the cell's own.
+bool has_formula_element(const CellRecord& record);
+
+// A number that tells the sheet's formulas with their places from others; 0 without formulas.
+std::uint64_t formulas_of(const Sheet& sheet);
+
+// The tree of a new worksheet.
+pugi::xml_document new_worksheet();
+
+// The child of that name, made at its place in the order of a worksheet's or workbook's children.
+pugi::xml_node worksheet_child(pugi::xml_node root, std::string_view local);
+pugi::xml_node workbook_child(pugi::xml_node root, std::string_view local);
+
+}  // namespace engine::xlsx

@@ -1,0 +1,147 @@
+#include "engine/xlsx/styles_keys.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+
+#include "engine/package/xml_tree.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+constexpr std::string_view kFontChildren[] = {"b",         "i",  "strike", "u",
+                                              "vertAlign", "sz", "color",  "name"};
+constexpr std::string_view kBorderChildren[] = {"left", "start",  "right",   "end",
+                                                "top",  "bottom", "diagonal"};
+constexpr std::string_view kBorderAttributes[] = {"diagonalUp", "diagonalDown"};
+constexpr std::string_view kFormatChildren[] = {"alignment", "protection"};
+constexpr std::string_view kFormatAttributes[] = {
+    "numFmtId",  "fontId",    "fillId",      "borderId",       "applyNumberFormat",
+    "applyFont", "applyFill", "applyBorder", "applyAlignment", "applyProtection"};
+constexpr std::string_view kAlignmentAttributes[] = {"horizontal", "vertical", "textRotation",
+                                                     "indent",     "wrapText", "shrinkToFit"};
+constexpr std::string_view kProtectionAttributes[] = {"locked", "hidden"};
+
+using Names = std::span<const std::string_view>;
+
+bool is_among(std::string_view name, Names names) {
+  return std::ranges::find(names, name) != names.end();
+}
+
+// 0 is what the formats' attributes mean when they are absent.
+void append_attributes(std::string& rest, pugi::xml_node element, Names known) {
+  for (const auto attribute : element.attributes()) {
+    const std::string_view value = attribute.value();
+    if (value == "0" || is_among(attribute.name(), known)) continue;
+    rest.append(attribute.name()).append(1, '=').append(value).append(1, '\0');
+  }
+}
+
+void append_children(std::string& rest, pugi::xml_node element, Names known) {
+  for (const auto child : element.children())
+    if (child.type() == pugi::node_element && !is_among(package::local_name(child), known))
+      rest.append(package::serialize_xml(child)).append(1, '\0');
+}
+
+template <class T>
+void append_value(std::string& key, T value) {
+  char bytes[sizeof(T)];
+  std::memcpy(bytes, &value, sizeof(T));
+  key.append(bytes, sizeof(T));
+}
+
+void append_color(std::string& key, const Color& color) {
+  append_value(key, color.kind);
+  if (color.kind == ColorKind::kAbsent) return;
+  append_value(key, color.value);
+  append_value(key, color.tint);
+}
+
+void append_side(std::string& key, const BorderSide& side) {
+  append_value(key, side.style);
+  append_color(key, side.color);
+}
+
+}  // namespace
+
+std::string rest_of_font(pugi::xml_node font, bool is_renamed) {
+  std::string rest;
+  for (const auto child : font.children()) {
+    const std::string_view name = package::local_name(child);
+    if (child.type() != pugi::node_element || is_among(name, kFontChildren)) continue;
+    if (is_renamed && (name == "scheme" || name == "family")) continue;
+    rest.append(package::serialize_xml(child)).append(1, '\0');
+  }
+  return rest;
+}
+
+std::string rest_of_border(pugi::xml_node border) {
+  std::string rest;
+  append_attributes(rest, border, kBorderAttributes);
+  append_children(rest, border, kBorderChildren);
+  return rest;
+}
+
+std::string rest_of_format(pugi::xml_node xf) {
+  using package::Family;
+  std::string rest;
+  append_attributes(rest, xf, kFormatAttributes);
+  append_children(rest, xf, kFormatChildren);
+  rest.append(1, '\0');
+  append_attributes(rest, package::child(xf, Family::Main, "alignment"), kAlignmentAttributes);
+  append_attributes(rest, package::child(xf, Family::Main, "protection"), kProtectionAttributes);
+  return rest.size() == 1 ? std::string() : rest;
+}
+
+std::string font_key(const FontRecord& record, std::string_view rest) {
+  std::string key = record.name;
+  key.append(1, '\0');
+  append_value(key, record.size);
+  // In fonts an absent colour is the automatic one.
+  append_color(key, record.color.kind == ColorKind::kAutomatic ? Color() : record.color);
+  append_value(key, record.script);
+  append_value(key, record.underline);
+  append_value(key, record.bold);
+  append_value(key, record.italic);
+  append_value(key, record.strike_out);
+  return key.append(rest);
+}
+
+std::string border_key(const Border& record, std::string_view rest) {
+  std::string key;
+  for (const BorderSide* side :
+       {&record.left, &record.right, &record.top, &record.bottom, &record.diagonal})
+    append_side(key, *side);
+  append_value(key, record.diagonals);
+  return key.append(rest);
+}
+
+std::string fill_key(const Fill& record) {
+  std::string key;
+  append_value(key, record.pattern);
+  append_value(key, record.carried);
+  append_color(key, record.foreground);
+  append_color(key, record.background);
+  return key;
+}
+
+std::string format_key(const FormatRecord& record, const FormatNumbers& numbers,
+                       std::string_view rest) {
+  std::string key;
+  append_value(key, numbers.font);
+  append_value(key, numbers.fill);
+  append_value(key, numbers.border);
+  append_value(key, record.number_format);
+  const Alignment& alignment = record.alignment;
+  for (const std::uint8_t value :
+       {alignment.horizontal, alignment.vertical, alignment.rotation, alignment.indent})
+    append_value(key, value);
+  append_value(key, alignment.wrap);
+  append_value(key, alignment.shrink_to_fit);
+  append_value(key, record.locked);
+  append_value(key, record.hidden);
+  return key.append(rest);
+}
+
+}  // namespace engine::xlsx

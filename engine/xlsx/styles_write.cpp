@@ -1,0 +1,348 @@
+// The style sheet as it is to be saved: a copy of the tree that was read, patched.
+//
+// Cells name formats, and formats name fonts, fills and borders, by place in a list. Entries of the
+// file keep their places, because parts that nobody rewrites name them too. Fonts and formats of
+// the file are patched where they stand. Fills and borders are shared without the workbook knowing,
+// so theirs never change: a format that looks different names another entry. An added entry takes
+// the number of an equal one, or stands behind the others.
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+#include "engine/package/xml_tree.h"
+#include "engine/xlsx/escapes.h"
+#include "engine/xlsx/styles_keys.h"
+#include "engine/xlsx/styles_part.h"
+#include "engine/xlsx/styles_patch.h"
+#include "engine/xlsx/styles_read.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+using package::Family;
+
+constexpr std::string_view kSections[] = {"numFmts",      "fonts",   "fills",      "borders",
+                                          "cellStyleXfs", "cellXfs", "cellStyles", "dxfs",
+                                          "tableStyles",  "colors",  "extLst"};
+
+// Programs show the first two fills like this, whatever the file says there.
+constexpr Fill kReservedFills[] = {{0, {}, {}, 0}, {17, {}, {}, 0}};
+
+// One list of the style sheet.
+class EntryList {
+ public:
+  EntryList(pugi::xml_node original, pugi::xml_node copy, std::string_view list,
+            std::string_view entry)
+      : sheet_(copy), list_(list), entry_(entry) {
+    originals = style_entries(original, list, entry, {});
+    count_ = size_of_file();
+  }
+
+  // As read; by number.
+  std::vector<pugi::xml_node> originals;
+
+  std::uint32_t size_of_file() const { return static_cast<std::uint32_t>(originals.size()); }
+  std::uint32_t size() const { return count_; }
+
+  pugi::xml_node original(std::uint32_t number) const {
+    return number < originals.size() ? originals[number] : pugi::xml_node();
+  }
+
+  // The file's entry in the copy, to be patched.
+  pugi::xml_node copy(std::uint32_t number) {
+    if (copies_.empty()) copies_ = style_entries(sheet_, list_, entry_, {});
+    return copies_[number];
+  }
+
+  // A new entry behind the others: like a given one, or empty.
+  pugi::xml_node append(pugi::xml_node model) {
+    ++count_;
+    auto list = ordered_child(sheet_, list_, kSections);
+    return model ? list.append_copy(model) : package::append_child(list, entry_);
+  }
+
+  // Makes the keys of the file's entries known, once, by `key_of(number)`.
+  template <class KeyOf>
+  void learn(KeyOf key_of) {
+    if (learned_) return;
+    learned_ = true;
+    first_equal_.reserve(originals.size());
+    for (std::uint32_t number = 0; number < originals.size(); ++number)
+      first_equal_.push_back(numbers_.try_emplace(key_of(number), number).first->second);
+  }
+
+  // Of entries that the file has several times, the first.
+  std::uint32_t first_equal(std::uint32_t number) const {
+    return number < first_equal_.size() ? first_equal_[number] : number;
+  }
+
+  // The number of the entry with the key, and whether it is the next one that has to be appended.
+  std::pair<std::uint32_t, bool> number_of(std::string key) {
+    const auto [at, is_new] = numbers_.try_emplace(std::move(key), count_);
+    return {at->second, is_new};
+  }
+
+  void correct_count() {
+    if (auto list = package::child(sheet_, Family::Main, list_))
+      set_attribute(list, "count", std::to_string(count_));
+  }
+
+ private:
+  pugi::xml_node sheet_;
+  std::string_view list_;
+  std::string_view entry_;
+  std::uint32_t count_ = 0;
+  bool learned_ = false;
+  std::vector<pugi::xml_node> copies_;
+  std::vector<std::uint32_t> first_equal_;
+  std::unordered_map<std::string, std::uint32_t> numbers_;
+};
+
+// The look of a format that no setter was called for.
+unsigned set_aspects(const FormatRecord& record) {
+  const FormatRecord usual;
+  unsigned aspects = record.changed;
+  if (record.font != usual.font) aspects |= kFormatFont;
+  if (record.number_format != usual.number_format) aspects |= kFormatNumber;
+  if (record.alignment != usual.alignment) aspects |= kFormatAlignment;
+  if (record.border != usual.border) aspects |= kFormatBorder;
+  if (record.fill != usual.fill) aspects |= kFormatFill;
+  if (record.locked != usual.locked || record.hidden != usual.hidden) aspects |= kFormatProtection;
+  return aspects;
+}
+
+// Writes the aspects into the element of a format; the numbers are those of its parts.
+void patch_format(pugi::xml_node xf, const FormatRecord& record, const FormatNumbers& numbers,
+                  unsigned aspects) {
+  struct Aspect {
+    const char* apply;
+    const char* number_name;  // null where the aspect is a child
+    std::uint32_t number;
+    FormatAspect aspect;
+  };
+  const Aspect all[] = {
+      {"applyNumberFormat", "numFmtId", record.number_format, kFormatNumber},
+      {"applyFont", "fontId", numbers.font, kFormatFont},
+      {"applyFill", "fillId", numbers.fill, kFormatFill},
+      {"applyBorder", "borderId", numbers.border, kFormatBorder},
+      {"applyAlignment", nullptr, 0, kFormatAlignment},
+      {"applyProtection", nullptr, 0, kFormatProtection},
+  };
+  for (const auto& [apply, number_name, number, aspect] : all) {
+    if ((aspects & aspect) == 0) continue;
+    if (number_name) set_attribute(xf, number_name, std::to_string(number));
+    set_attribute(xf, apply, "1");
+  }
+  if (aspects & kFormatAlignment) patch_alignment(xf, record.alignment);
+  if (aspects & kFormatProtection) patch_protection(xf, record.locked, record.hidden);
+}
+
+class StylesWriter {
+ public:
+  StylesWriter(const pugi::xml_document& original, pugi::xml_document& copy, const Styles& styles)
+      : styles_(styles),
+        sheet_(copy.document_element()),
+        numbers_(original.document_element(), sheet_, "numFmts", "numFmt"),
+        fonts_(original.document_element(), sheet_, "fonts", "font"),
+        fills_(original.document_element(), sheet_, "fills", "fill"),
+        borders_(original.document_element(), sheet_, "borders", "border"),
+        style_formats_(original.document_element(), sheet_, "cellStyleXfs", "xf"),
+        formats_(original.document_element(), sheet_, "cellXfs", "xf") {}
+
+  // The numbers of the book's formats.
+  std::vector<std::uint32_t> write() {
+    write_number_formats();
+    write_fonts();
+    complete_lists();
+    write_formats();
+    for (EntryList* list : {&numbers_, &fonts_, &fills_, &borders_, &style_formats_, &formats_})
+      list->correct_count();
+    return std::move(format_numbers_);
+  }
+
+ private:
+  void write_number_formats();
+  void write_fonts();
+  void complete_lists();
+  void write_formats();
+
+  // The numbers of entries, which are appended unless there are equal ones.
+  void add_font(const FontRecord& record);
+  std::uint32_t add_fill(const Fill& fill);
+  std::uint32_t add_border(const Border& border, pugi::xml_node model);
+  std::uint32_t add_format(const FormatRecord& record);
+
+  void learn_fills();
+  void learn_borders();
+  void learn_formats();
+  std::string font_rest(const FontRecord& record) const;
+  FormatNumbers numbers_of(const FormatRecord& record);
+  std::uint32_t border_number(const FormatRecord& record);
+  std::uint32_t fill_number(const FormatRecord& record);
+
+  const Styles& styles_;
+  pugi::xml_node sheet_;
+  EntryList numbers_;
+  EntryList fonts_;
+  EntryList fills_;
+  EntryList borders_;
+  EntryList style_formats_;
+  EntryList formats_;
+  std::vector<std::uint32_t> font_numbers_;
+  std::vector<std::uint32_t> format_numbers_;
+};
+
+void StylesWriter::write_number_formats() {
+  std::vector<std::uint32_t> stored;
+  for (const auto number : numbers_.originals)
+    stored.push_back(number.attribute("numFmtId").as_uint());
+  std::ranges::sort(stored);
+  for (const std::uint32_t id : styles_.number_formats()) {
+    if (std::ranges::binary_search(stored, id)) continue;
+    const auto number = numbers_.append({});
+    set_attribute(number, "numFmtId", std::to_string(id));
+    set_attribute(number, "formatCode", escape(styles_.code_of(id)));
+  }
+}
+
+std::string StylesWriter::font_rest(const FontRecord& record) const {
+  return rest_of_font(fonts_.original(record.model), (record.changed & kFontName) != 0);
+}
+
+void StylesWriter::write_fonts() {
+  const std::uint32_t from_file = styles_.fonts_from_file();
+  for (std::uint32_t index = 0; index < from_file; ++index) {
+    const FontRecord& record = styles_.font(index);
+    if (record.changed != 0) patch_font(fonts_.copy(index), record, record.changed);
+    font_numbers_.push_back(index);
+  }
+  if (styles_.font_count() == from_file) return;
+  fonts_.learn([this](std::uint32_t number) {
+    const FontRecord& record = styles_.font(number);
+    return font_key(record, font_rest(record));
+  });
+  for (std::uint32_t index = from_file; index < styles_.font_count(); ++index)
+    add_font(styles_.font(index));
+}
+
+void StylesWriter::add_font(const FontRecord& record) {
+  const auto [number, is_new] = fonts_.number_of(font_key(record, font_rest(record)));
+  font_numbers_.push_back(number);
+  if (!is_new) return;
+  const auto model = fonts_.original(record.model);
+  patch_font(fonts_.append(model), record, model ? record.changed : kAllAspects);
+}
+
+// What a style sheet must have although this file lacks it.
+void StylesWriter::complete_lists() {
+  learn_fills();
+  for (std::uint32_t number = fills_.size(); number < std::size(kReservedFills); ++number)
+    add_fill(kReservedFills[number]);
+  learn_borders();
+  if (borders_.size() == 0) add_border(Border(), {});
+  if (style_formats_.size() > 0) return;
+  const auto xf = style_formats_.append({});
+  for (const char* name : {"numFmtId", "fontId", "fillId", "borderId"})
+    set_attribute(xf, name, "0");
+}
+
+void StylesWriter::write_formats() {
+  const std::uint32_t from_file = styles_.formats_from_file();
+  for (std::uint32_t index = 0; index < from_file; ++index) {
+    const FormatRecord& record = styles_.format(index);
+    if (record.changed != 0)
+      patch_format(formats_.copy(index), record, numbers_of(record), record.changed);
+  }
+  if (styles_.format_count() == from_file) return;
+  learn_formats();
+  format_numbers_.reserve(styles_.format_count());
+  for (std::uint32_t index = 0; index < from_file; ++index) format_numbers_.push_back(index);
+  for (std::uint32_t index = from_file; index < styles_.format_count(); ++index)
+    format_numbers_.push_back(add_format(styles_.format(index)));
+}
+
+void StylesWriter::learn_formats() {
+  formats_.learn([this](std::uint32_t number) {
+    const FormatRecord& record = styles_.format(number);
+    return format_key(record, numbers_of(record), rest_of_format(formats_.original(number)));
+  });
+}
+
+std::uint32_t StylesWriter::add_format(const FormatRecord& record) {
+  const auto model = formats_.original(record.model);
+  const FormatNumbers numbers = numbers_of(record);
+  const auto [number, is_new] =
+      formats_.number_of(format_key(record, numbers, rest_of_format(model)));
+  if (!is_new) return number;
+  const auto xf = formats_.append(model);
+  if (model) {
+    patch_format(xf, record, numbers, record.changed);
+    return number;
+  }
+  for (const char* name : {"numFmtId", "fontId", "fillId", "borderId", "xfId"})
+    set_attribute(xf, name, "0");
+  patch_format(xf, record, numbers, set_aspects(record));
+  return number;
+}
+
+FormatNumbers StylesWriter::numbers_of(const FormatRecord& record) {
+  const std::uint32_t font = font_numbers_[record.font];
+  return {fonts_.first_equal(font), fills_.first_equal(fill_number(record)),
+          borders_.first_equal(border_number(record))};
+}
+
+std::uint32_t StylesWriter::border_number(const FormatRecord& record) {
+  const auto format = formats_.original(record.model);
+  const std::uint32_t stored = format.attribute("borderId").as_uint();
+  if (!format) return add_border(record.border, {});
+  const bool is_changed = (record.changed & kFormatBorder) != 0;
+  return is_changed ? add_border(record.border, borders_.original(stored)) : stored;
+}
+
+std::uint32_t StylesWriter::fill_number(const FormatRecord& record) {
+  const auto format = formats_.original(record.model);
+  if (format && (record.changed & kFormatFill) == 0) return format.attribute("fillId").as_uint();
+  return add_fill(record.fill);
+}
+
+void StylesWriter::learn_borders() {
+  borders_.learn([this](std::uint32_t number) {
+    const auto border = borders_.original(number);
+    return border_key(read_border(border), rest_of_border(border));
+  });
+}
+
+std::uint32_t StylesWriter::add_border(const Border& border, pugi::xml_node model) {
+  const auto [number, is_new] = borders_.number_of(border_key(border, rest_of_border(model)));
+  if (is_new) patch_border(borders_.append(model), border);
+  return number;
+}
+
+void StylesWriter::learn_fills() {
+  fills_.learn([this](std::uint32_t number) {
+    const Fill fill = read_fill(fills_.original(number), number);
+    const bool is_shown = number >= std::size(kReservedFills) || fill == kReservedFills[number];
+    return is_shown ? fill_key(fill) : "reserved " + std::to_string(number);
+  });
+}
+
+std::uint32_t StylesWriter::add_fill(const Fill& fill) {
+  const auto [number, is_new] = fills_.number_of(fill_key(fill));
+  if (is_new) write_fill(fills_.append({}), fill);
+  return number;
+}
+
+}  // namespace
+
+WrittenStyles StylesPart::write(const Styles& styles) const {
+  pugi::xml_document copy;
+  copy.reset(document_);
+  WrittenStyles made;
+  made.format_numbers = StylesWriter(document_, copy, styles).write();
+  made.bytes = package::serialize_xml(copy);
+  return made;
+}
+
+}  // namespace engine::xlsx

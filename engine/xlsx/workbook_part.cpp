@@ -1,0 +1,257 @@
+#include "engine/xlsx/workbook_part.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <optional>
+
+#include "engine/package/file_error.h"
+#include "engine/package/xml_tree.h"
+#include "engine/xlsx/escapes.h"
+#include "engine/xlsx/sheet_part.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+using package::Family;
+
+constexpr std::string_view kNewWorkbook =
+    "<workbook xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\" "
+    "xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\">"
+    "<workbookPr/><bookViews><workbookView xWindow=\"0\" yWindow=\"0\" windowWidth=\"24000\" "
+    "windowHeight=\"12000\"/></bookViews><sheets/></workbook>";
+
+SheetVisibility visibility_of(std::string_view state) {
+  if (state == "hidden") return SheetVisibility::kHidden;
+  return state == "veryHidden" ? SheetVisibility::kVeryHidden : SheetVisibility::kVisible;
+}
+
+std::string_view state_text(SheetVisibility visibility) {
+  if (visibility == SheetVisibility::kHidden) return "hidden";
+  return visibility == SheetVisibility::kVeryHidden ? "veryHidden" : "";
+}
+
+SheetKind kind_of(std::string_view relationship_kind) {
+  if (relationship_kind == "worksheet") return SheetKind::kWorksheet;
+  return relationship_kind == "chartsheet" ? SheetKind::kChart : SheetKind::kOther;
+}
+
+// Sets an attribute whose absence means `usual`; one that says the same already stays.
+void settle(pugi::xml_node node, const char* name, std::string_view value,
+            std::string_view usual = {}) {
+  pugi::xml_attribute attribute = node.attribute(name);
+  const std::string_view present = attribute ? attribute.value() : usual;
+  if (present == value) return;
+  if (value == usual) {
+    node.remove_attribute(attribute);
+    return;
+  }
+  if (!attribute) attribute = node.append_attribute(name);
+  attribute = std::string(value).c_str();
+}
+
+void settle_flag(pugi::xml_node node, const char* name, bool value) {
+  if (node.attribute(name).as_bool() != value) settle(node, name, value ? "1" : "");
+}
+
+std::vector<pugi::xml_node> sheet_nodes(pugi::xml_node root) {
+  return package::children(package::child(root, Family::Main, "sheets"), Family::Main, "sheet");
+}
+
+std::vector<pugi::xml_node> name_nodes(pugi::xml_node root) {
+  return package::children(package::child(root, Family::Main, "definedNames"), Family::Main,
+                           "definedName");
+}
+
+std::string_view relationship_of(pugi::xml_node sheet) {
+  return package::attribute(sheet, Family::Relationships, "id").value();
+}
+
+// The sheet that a name is local to; -1 for the whole book, nothing when there is no such sheet.
+std::optional<int> scope_of(pugi::xml_node name, std::size_t sheets) {
+  const pugi::xml_attribute local = name.attribute("localSheetId");
+  if (!local) return -1;
+  const int position = local.as_int(-1);
+  if (position < 0 || static_cast<std::size_t>(position) >= sheets) return std::nullopt;
+  return position;
+}
+
+void patch_sheets(pugi::xml_node root, const std::vector<SheetEntry>& sheets) {
+  // Two sheets may name one part; each element is taken once.
+  std::multimap<std::string, pugi::xml_node, std::less<>> known;
+  const std::vector<pugi::xml_node> stored = sheet_nodes(root);
+  for (const pugi::xml_node node : stored) known.emplace(relationship_of(node), node);
+  pugi::xml_node list = workbook_child(root, "sheets");
+  std::vector<pugi::xml_node> wanted;
+  for (const SheetEntry& entry : sheets) {
+    const auto found = known.find(entry.relationship);
+    pugi::xml_node node;
+    if (found != known.end()) {
+      node = found->second;
+      known.erase(found);
+    } else {
+      node = package::append_child(list, "sheet");
+      node.append_attribute("name");
+      node.append_attribute("sheetId") = entry.id;
+      package::set_attribute(node, Family::Relationships, "id", entry.relationship);
+    }
+    if (unescape(node.attribute("name").value()) != entry.sheet->name)
+      settle(node, "name", escape(entry.sheet->name));
+    if (visibility_of(node.attribute("state").value()) != entry.sheet->visibility)
+      settle(node, "state", state_text(entry.sheet->visibility));
+    wanted.push_back(node);
+  }
+  if (wanted == stored) return;
+  for (pugi::xml_node node : wanted) list.append_move(node);
+  for (const pugi::xml_node node : stored)
+    if (std::ranges::find(wanted, node) == wanted.end()) list.remove_child(node);
+}
+
+bool says(pugi::xml_node node, const DefinedName& name, int scope, std::size_t sheets) {
+  return unescape(node.attribute("name").value()) == name.name &&
+         node.text().get() == name.definition && scope_of(node, sheets) == scope &&
+         node.attribute("hidden").as_bool() == name.hidden;
+}
+
+void patch_name(pugi::xml_node node, const DefinedName& name, int scope) {
+  settle(node, "name", escape(name.name));
+  settle(node, "localSheetId", scope < 0 ? "" : std::to_string(scope));
+  settle_flag(node, "hidden", name.hidden);
+  node.text().set(name.definition.c_str());
+}
+
+// Whether the model has the name: one that is local to a sheet which is not there is left alone as
+// long as no name changes.
+bool is_modelled(pugi::xml_node name, std::size_t sheets) {
+  return scope_of(name, sheets) && *name.attribute("name").value() != 0;
+}
+
+// `sheets` is the number of sheets that the file had: what the stored positions count.
+void patch_names(pugi::xml_node root, const Workbook& book, std::size_t sheets) {
+  const std::vector<pugi::xml_node> stored = name_nodes(root);
+  const auto scope = [&](const DefinedName& name) {
+    return name.scope ? static_cast<int>(book.position(*name.scope)) : -1;
+  };
+  const auto node_of = [&](const DefinedName& name) {
+    const std::size_t index = name.details.empty() ? stored.size() : std::stoul(name.details);
+    return index < stored.size() ? stored[index] : pugi::xml_node();
+  };
+  std::vector<pugi::xml_node> modelled = stored;
+  std::erase_if(modelled, [&](pugi::xml_node node) { return !is_modelled(node, sheets); });
+  bool same = modelled.size() == book.names.size();
+  for (std::size_t i = 0; same && i < modelled.size(); ++i)
+    same = node_of(book.names[i]) == modelled[i] &&
+           says(modelled[i], book.names[i], scope(book.names[i]), sheets);
+  if (same) return;
+  const pugi::xml_node old = package::child(root, Family::Main, "definedNames");
+  if (!book.names.empty()) {
+    pugi::xml_node list = old ? package::insert_child(root, "definedNames", old)
+                              : workbook_child(root, "definedNames");
+    for (const DefinedName& name : book.names) {
+      const pugi::xml_node model = node_of(name);
+      patch_name(model ? list.append_copy(model) : package::append_child(list, "definedName"), name,
+                 scope(name));
+    }
+  }
+  root.remove_child(old);
+}
+
+void patch_views(pugi::xml_node root, const Workbook& book) {
+  const pugi::xml_node views = package::child(root, Family::Main, "bookViews");
+  pugi::xml_node view = package::child(views, Family::Main, "workbookView");
+  if (!view) {
+    if (book.active_sheet == 0) return;
+    view = package::append_child(workbook_child(root, "bookViews"), "workbookView");
+  }
+  if (view.attribute("activeTab").as_uint() != book.active_sheet)
+    settle(view, "activeTab", std::to_string(book.active_sheet), "0");
+  const std::size_t first = view.attribute("firstSheet").as_uint();
+  const bool fits = first < book.sheets.size() &&
+                    (first == 0 || book.sheets[first]->visibility == SheetVisibility::kVisible);
+  if (!fits) view.remove_attribute("firstSheet");
+}
+
+void patch_settings(pugi::xml_node root, const Workbook& book) {
+  pugi::xml_node settings = package::child(root, Family::Main, "workbookPr");
+  if (!settings && book.date1904) settings = workbook_child(root, "workbookPr");
+  settle_flag(settings, "date1904", book.date1904);
+  pugi::xml_node calculation = package::child(root, Family::Main, "calcPr");
+  if (!calculation && (book.r1c1 || book.needs_calculation))
+    calculation = workbook_child(root, "calcPr");
+  settle(calculation, "refMode", book.r1c1 ? "R1C1" : "A1", "A1");
+  if (book.needs_calculation) settle_flag(calculation, "fullCalcOnLoad", true);
+}
+
+}  // namespace
+
+WorkbookPart::WorkbookPart() : document_(package::parse_xml(kNewWorkbook, "new workbook")) {}
+
+void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_view part,
+                        Workbook& book) {
+  document_ = package::parse_xml(bytes, part);
+  const pugi::xml_node root = document_.document_element();
+  if (!package::is(root, Family::Main, "workbook"))
+    throw package::FileError("is not an .xlsx workbook");
+  read_sheets(root, parts, part, book);
+  read_names(root, book);
+  book.date1904 = package::child(root, Family::Main, "workbookPr").attribute("date1904").as_bool();
+  const std::string_view notation =
+      package::child(root, Family::Main, "calcPr").attribute("refMode").value();
+  book.r1c1 = notation == "R1C1";
+  const pugi::xml_node view =
+      package::child(package::child(root, Family::Main, "bookViews"), Family::Main, "workbookView");
+  const std::size_t active = view.attribute("activeTab").as_uint();
+  book.active_sheet = active < book.sheets.size() ? active : 0;
+}
+
+void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part,
+                               Workbook& book) {
+  for (const pugi::xml_node node : sheet_nodes(root)) {
+    auto sheet = std::make_unique<Sheet>();
+    auto remains = std::make_unique<SheetPart>();
+    sheet->name = unescape(node.attribute("name").value());
+    sheet->visibility = visibility_of(node.attribute("state").value());
+    sheet->loading = Loading::kUnread;
+    remains->id = node.attribute("sheetId").as_uint();
+    remains->relationship = relationship_of(node);
+    last_sheet_id_ = std::max(last_sheet_id_, remains->id);
+    const Relationship* relationship = parts.relationship(part, remains->relationship);
+    if (relationship) {
+      sheet->kind = kind_of(relationship->kind());
+      if (const Part* found = parts.target(part, *relationship)) remains->part = found->name;
+      else remains->part = resolve_target(part, relationship->target);
+    }
+    sheet->remains = std::move(remains);
+    book.sheets.push_back(std::move(sheet));
+  }
+}
+
+void WorkbookPart::read_names(pugi::xml_node root, Workbook& book) {
+  std::size_t index = 0;
+  for (const pugi::xml_node node : name_nodes(root)) {
+    DefinedName name;
+    name.details = std::to_string(index++);
+    if (!is_modelled(node, book.sheets.size())) continue;
+    const int scope = scope_of(node, book.sheets.size()).value_or(-1);
+    name.name = unescape(node.attribute("name").value());
+    name.definition = node.text().get();
+    name.hidden = node.attribute("hidden").as_bool();
+    if (scope >= 0) name.scope = book.sheets[static_cast<std::size_t>(scope)].get();
+    book.names.push_back(std::move(name));
+  }
+}
+
+pugi::xml_document WorkbookPart::patched(const Workbook& book,
+                                         const std::vector<SheetEntry>& sheets) const {
+  pugi::xml_document copy;
+  copy.reset(document_);
+  const pugi::xml_node root = copy.document_element();
+  patch_names(root, book, sheet_nodes(root).size());
+  patch_sheets(root, sheets);
+  patch_views(root, book);
+  patch_settings(root, book);
+  return copy;
+}
+
+}  // namespace engine::xlsx

@@ -1,0 +1,533 @@
+#include "engine/xlsx/worksheet_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "engine/formula/reference.h"
+#include "engine/package/number_text.h"
+#include "engine/package/xml_text.h"
+#include "engine/package/xml_tree.h"
+#include "engine/xlsx/escapes.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+using package::Family;
+
+constexpr std::size_t kCellsPerBlock = 10000;
+
+// A short text that is copied as a whole, whatever its length.
+struct Piece {
+  std::array<char, 15> text{};
+  std::uint8_t size = 0;
+};
+
+// Collects text in a buffer of its own and hands it on when that is nearly full.
+class TextBuffer {
+ public:
+  explicit TextBuffer(std::string& out) : out_(out) {}
+  TextBuffer(const TextBuffer&) = delete;
+  TextBuffer& operator=(const TextBuffer&) = delete;
+  ~TextBuffer() = default;
+
+  // Where to write at most kRoom bytes; end() tells how far they went.
+  static constexpr std::size_t kRoom = 512;
+  char* begin() {
+    if (at_ + kRoom > buffer_.data() + buffer_.size()) flush();
+    return at_;
+  }
+  void end(char* at) { at_ = at; }
+
+  // The text behind what was collected, for texts of any length.
+  std::string& direct() {
+    flush();
+    return out_;
+  }
+  void flush() {
+    out_.append(buffer_.data(), static_cast<std::size_t>(at_ - buffer_.data()));
+    at_ = buffer_.data();
+  }
+
+ private:
+  std::string& out_;
+  std::array<char, 16 * 1024> buffer_;
+  char* at_ = buffer_.data();
+};
+
+template <std::size_t size>
+char* put(char* at, const char (&text)[size]) {
+  std::memcpy(at, text, size - 1);
+  return at + size - 1;
+}
+
+char* put(char* at, const Piece& piece) {
+  std::memcpy(at, piece.text.data(), piece.text.size());
+  return at + piece.size;
+}
+
+char* put_count(char* at, std::uint32_t number) {
+  return package::write_integer(at, static_cast<long long>(number));
+}
+
+void append_escaped(std::string& out, std::string_view text) {
+  if (needs_escape(text)) package::append_xml_text(out, escape(text));
+  else package::append_xml_text(out, text);
+}
+
+// Rows of one store with what their cells refer to. Texts beyond the shared ones of the file are
+// counted from `first_text` in the pool.
+struct RowRun {
+  std::span<const Row> rows;
+  const Sheet* sheet = nullptr;
+  const Workbook* workbook = nullptr;
+  const SheetPart* part = nullptr;
+  std::uint32_t first_text = 0;
+};
+
+struct Block {
+  std::size_t run = 0;
+  std::size_t first = 0;
+  std::size_t last = 0;
+};
+
+class WorksheetText {
+ public:
+  WorksheetText(const pugi::xml_document& tree, const Sheet& sheet, const OutsideRows* outside,
+                const WriteContext& context);
+
+  std::size_t block_count() const { return blocks_.size(); }
+  void make(std::size_t block, std::string& out) const;
+
+ private:
+  void add_run(std::span<const Row> rows, const Sheet& sheet, const Workbook& workbook,
+               std::uint32_t first_text);
+  void cut_into_blocks();
+  void make_pieces();
+  void render_ends(const pugi::xml_document& tree);
+
+  void write_row(TextBuffer& out, const RowRun& run, const Row& row) const;
+  char* write_properties(char* at, const RowProperties& properties) const;
+  void write_cell(TextBuffer& out, const RowRun& run, const Piece& row, const Cell& cell) const;
+  void write_record(TextBuffer& out, const RowRun& run, const Piece& row, const Cell& cell) const;
+  void write_formula(std::string& out, const CellRecord& record) const;
+  void write_value(std::string& out, const RowRun& run, const Value& value) const;
+  char* put_reference(char* at, const Piece& row, const Cell& cell) const;
+  char* put_text_value(char* at, std::uint32_t number) const;
+  bool is_shared(const RowRun& run, std::uint32_t text) const {
+    return run.workbook == &context_.workbook || text < run.first_text;
+  }
+  std::string_view text_of(const RowRun& run, std::uint32_t text) const {
+    return is_shared(run, text) ? context_.workbook.strings[text]
+                                : run.workbook->strings[text - run.first_text];
+  }
+
+  const WriteContext context_;
+  std::vector<RowRun> runs_;
+  std::vector<Block> blocks_;
+  std::vector<Piece> columns_;  // letters
+  std::vector<Piece> styles_;   // ` s="12"`, empty for format 0
+  std::string head_;
+  std::string tail_;
+};
+
+WorksheetText::WorksheetText(const pugi::xml_document& tree, const Sheet& sheet,
+                             const OutsideRows* outside, const WriteContext& context)
+    : context_(context) {
+  const std::span<const Row> rows = sheet.cells.rows();
+  if (outside) {
+    const std::span<const Row> others = outside->sheet.cells.rows();
+    const auto split = std::ranges::lower_bound(
+        others, static_cast<std::uint32_t>(sheet.loaded_rows.row_first), {}, &Row::number);
+    const auto before = static_cast<std::size_t>(split - others.begin());
+    const std::uint32_t first_text = context.workbook.strings.count_from_file();
+    add_run(others.first(before), outside->sheet, outside->workbook, first_text);
+    add_run(rows, sheet, context.workbook, 0);
+    add_run(others.subspan(before), outside->sheet, outside->workbook, first_text);
+  } else {
+    add_run(rows, sheet, context.workbook, 0);
+  }
+  cut_into_blocks();
+  make_pieces();
+  render_ends(tree);
+}
+
+void WorksheetText::add_run(std::span<const Row> rows, const Sheet& sheet, const Workbook& workbook,
+                            std::uint32_t first_text) {
+  runs_.push_back({rows, &sheet, &workbook, part_of(sheet), first_text});
+}
+
+void WorksheetText::cut_into_blocks() {
+  for (std::size_t run = 0; run < runs_.size(); ++run) {
+    const std::span<const Row> rows = runs_[run].rows;
+    std::size_t cells = 0;
+    std::size_t first = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      cells += rows[i].count + std::size_t{1};
+      if (cells < kCellsPerBlock && i + 1 != rows.size()) continue;
+      blocks_.push_back({run, first, i + 1});
+      first = i + 1;
+      cells = 0;
+    }
+  }
+  if (blocks_.empty()) blocks_.push_back({});
+}
+
+void WorksheetText::make_pieces() {
+  int last_column = -1;
+  std::uint32_t last_style = 0;
+  for (const RowRun& run : runs_) {
+    for (const Row& row : run.rows) {
+      if (row.count == 0) continue;
+      last_column = std::max<int>(last_column, row.cells[row.count - 1].column);
+      for (const Cell& cell : row.span()) last_style = std::max(last_style, cell.style);
+    }
+  }
+  std::string letters;
+  for (int column = 0; column <= last_column; ++column) {
+    letters.clear();
+    formula::append_column(letters, column);
+    Piece& piece = columns_.emplace_back();
+    std::ranges::copy(letters, piece.text.begin());
+    piece.size = static_cast<std::uint8_t>(letters.size());
+  }
+  for (std::uint32_t style = 0; style <= last_style; ++style) {
+    Piece& piece = styles_.emplace_back();
+    const std::uint32_t number = context_.styles.file_number(style);
+    if (number == 0) continue;
+    char* at = put(piece.text.data(), " s=\"");
+    at = put_count(at, number);
+    at = put(at, "\"");
+    piece.size = static_cast<std::uint8_t>(at - piece.text.data());
+  }
+}
+
+// The text in front of the first row and behind the last.
+void WorksheetText::render_ends(const pugi::xml_document& tree) {
+  const pugi::xml_node root = tree.document_element();
+  const std::string name = root.name();
+  head_ = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<" + name;
+  for (const pugi::xml_attribute attribute : root.attributes()) {
+    head_.append(" ").append(attribute.name()).append("=\"");
+    package::append_xml_attribute(head_, attribute.value());
+    head_.push_back('"');
+  }
+  head_.push_back('>');
+  bool behind = false;
+  for (const pugi::xml_node node : root.children()) {
+    if (package::is(node, Family::Main, "sheetData")) {
+      behind = true;
+      continue;
+    }
+    (behind ? tail_ : head_).append(package::serialize_xml(node));
+  }
+  // Rows are written without a prefix, so where the part has one the bare names are declared.
+  const std::string prefix(package::prefix_of(name));
+  head_.append("<sheetData");
+  if (!prefix.empty()) {
+    head_.append(" xmlns=\"");
+    package::append_xml_attribute(head_, root.attribute(("xmlns:" + prefix).c_str()).value());
+    head_.append("\"");
+  }
+  head_.append(">");
+  tail_.insert(0, "</sheetData>");
+  tail_.append("</" + name + ">");
+}
+
+void WorksheetText::make(std::size_t block, std::string& out) const {
+  if (block == 0) out.append(head_);
+  const Block& its = blocks_[block];
+  const RowRun& run = runs_[its.run];
+  TextBuffer buffer(out);
+  for (std::size_t i = its.first; i < its.last; ++i) write_row(buffer, run, run.rows[i]);
+  buffer.flush();
+  if (block + 1 == blocks_.size()) out.append(tail_);
+}
+
+void WorksheetText::write_row(TextBuffer& out, const RowRun& run, const Row& row) const {
+  const RowProperties* properties = run.sheet->properties(row);
+  if (row.count == 0 && !properties) return;
+  Piece number;
+  number.size =
+      static_cast<std::uint8_t>(put_count(number.text.data(), row.number + 1) - number.text.data());
+  char* at = put(out.begin(), "<row r=\"");
+  at = put(put(at, number), "\"");
+  std::string_view children;
+  if (properties) {
+    at = write_properties(at, *properties);
+    if (properties->details != 0) {
+      const std::string_view details = run.part->row_details[properties->details - 1];
+      const std::size_t end = std::min(details.find(kDetailsEnd), details.size());
+      out.end(at);
+      out.direct().append(details.substr(0, end));
+      at = out.begin();
+      children = details.substr(std::min(end + 1, details.size()));
+    }
+  }
+  out.end(put(at, ">"));
+  for (const Cell& cell : row.span()) write_cell(out, run, number, cell);
+  if (!children.empty()) out.direct().append(children);
+  out.end(put(out.begin(), "</row>"));
+}
+
+char* WorksheetText::write_properties(char* at, const RowProperties& properties) const {
+  if (properties.style) {
+    at = put(at, " s=\"");
+    at = put_count(at, context_.styles.file_number(*properties.style));
+    at = put(at, "\" customFormat=\"1\"");
+  }
+  if (properties.height) {
+    at = put(at, " ht=\"");
+    at = put(package::write_number(at, *properties.height), "\"");
+  }
+  if (properties.hidden) at = put(at, " hidden=\"1\"");
+  if (properties.custom_height) at = put(at, " customHeight=\"1\"");
+  if (properties.outline_level != 0) {
+    at = put(at, " outlineLevel=\"");
+    at = put(put_count(at, properties.outline_level), "\"");
+  }
+  if (properties.collapsed) at = put(at, " collapsed=\"1\"");
+  return at;
+}
+
+char* WorksheetText::put_reference(char* at, const Piece& row, const Cell& cell) const {
+  at = put(at, "<c r=\"");
+  at = put(at, columns_[cell.column]);
+  at = put(at, row);
+  at = put(at, "\"");
+  return put(at, styles_[cell.style]);
+}
+
+char* WorksheetText::put_text_value(char* at, std::uint32_t number) const {
+  at = put(at, " t=\"s\"><v>");
+  return put(put_count(at, number), "</v></c>");
+}
+
+void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const Piece& row,
+                               const Cell& cell) const {
+  if (cell.kind == CellKind::kRecord) return write_record(out, run, row, cell);
+  char* at = put_reference(out.begin(), row, cell);
+  switch (cell.kind) {
+    case CellKind::kBlank:
+      at = put(at, "/>");
+      break;
+    case CellKind::kNumber:
+      at = put(at, "><v>");
+      at = put(package::write_number(at, cell.number), "</v></c>");
+      break;
+    case CellKind::kBoolean:
+      at = put(at, " t=\"b\"><v>");
+      *at++ = cell.bits != 0 ? '1' : '0';
+      at = put(at, "</v></c>");
+      break;
+    case CellKind::kText:
+      if (is_shared(run, cell.index())) {
+        at = put_text_value(at, context_.texts.number(cell.index()));
+        break;
+      }
+      out.end(put(at, " t=\"str\"><v>"));
+      append_escaped(out.direct(), text_of(run, cell.index()));
+      at = put(out.begin(), "</v></c>");
+      break;
+    case CellKind::kError:
+      out.end(put(at, " t=\"e\"><v>"));
+      package::append_xml_text(out.direct(), error_text(*run.workbook, cell.index()));
+      at = put(out.begin(), "</v></c>");
+      break;
+    case CellKind::kRecord:
+      break;
+  }
+  out.end(at);
+}
+
+void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const Piece& row,
+                                 const Cell& cell) const {
+  const CellRecord& record = *run.sheet->record(cell);
+  const bool formula = has_formula_element(record);
+  const Value& value = record.value;
+  const bool shared_text =
+      value.kind == ValueKind::kText && !formula && is_shared(run, value.text());
+  const bool is_dated = record.extra && record.extra->details.starts_with(kDateKind);
+  out.end(put_reference(out.begin(), row, cell));
+  std::string& text = out.direct();
+  switch (value.kind) {
+    case ValueKind::kText:
+      text.append(shared_text ? " t=\"s\"" : " t=\"str\"");
+      break;
+    case ValueKind::kBoolean:
+      text.append(" t=\"b\"");
+      break;
+    case ValueKind::kError:
+      text.append(" t=\"e\"");
+      break;
+    default:
+      break;
+  }
+  if (record.extra) text.append(record.extra->details);
+  text.push_back('>');
+  if (formula) write_formula(text, record);
+  if (shared_text) {
+    text.append("<v>").append(std::to_string(context_.texts.number(value.text()))).append("</v>");
+  } else if (value.kind != ValueKind::kNone && !is_dated) {
+    write_value(text, run, value);
+  }
+  if (record.extra) text.append(record.extra->children);
+  text.append("</c>");
+}
+
+void WorksheetText::write_formula(std::string& out, const CellRecord& record) const {
+  out.append("<f");
+  if (const CellExtra* extra = record.extra.get()) {
+    if (extra->form != FormulaForm::kNormal) {
+      out.append(extra->form == FormulaForm::kArray ? " t=\"array\"" : " t=\"dataTable\"");
+      out.append(" ref=\"");
+      formula::append_range(out, extra->range);
+      out.push_back('"');
+    }
+    out.append(extra->formula_details);
+  }
+  if (record.formula.empty()) {
+    out.append("/>");
+    return;
+  }
+  out.push_back('>');
+  package::append_xml_text(out, record.formula);
+  out.append("</f>");
+}
+
+void WorksheetText::write_value(std::string& out, const RowRun& run, const Value& value) const {
+  out.append("<v>");
+  switch (value.kind) {
+    case ValueKind::kNone:
+      break;
+    case ValueKind::kNumber:
+      package::append_number(out, value.number);
+      break;
+    case ValueKind::kText:
+      append_escaped(out, text_of(run, value.text()));
+      break;
+    case ValueKind::kBoolean:
+      out.push_back(value.boolean() ? '1' : '0');
+      break;
+    case ValueKind::kError:
+      package::append_xml_text(out, error_text(*run.workbook, value.error()));
+      break;
+  }
+  out.append("</v>");
+}
+
+// Sets an attribute, or removes it where it would say what is usual.
+void set_or_remove(pugi::xml_node node, const char* name, bool present, const std::string& value) {
+  pugi::xml_attribute attribute = node.attribute(name);
+  if (!present) {
+    node.remove_attribute(attribute);
+    return;
+  }
+  if (!attribute) attribute = node.append_attribute(name);
+  attribute = value.c_str();
+}
+
+std::string number_text(double number) {
+  std::string text;
+  package::append_number(text, number);
+  return text;
+}
+
+// Columns are written anew; one that begins inside a column element of the file takes over what
+// that says beyond the model.
+void patch_columns(pugi::xml_node root, const Sheet& sheet, const WrittenStyles& styles) {
+  const pugi::xml_node old = package::child(root, Family::Main, "cols");
+  if (sheet.columns.empty()) {
+    root.remove_child(old);
+    return;
+  }
+  pugi::xml_node columns =
+      old ? package::insert_child(root, "cols", old) : worksheet_child(root, "cols");
+  for (const pugi::xml_attribute attribute : old.attributes()) columns.append_copy(attribute);
+  pugi::xml_node stored = package::child(old, Family::Main, "col");
+  for (const ColumnProperties& one : sheet.columns) {
+    while (stored && stored.attribute("max").as_int() <= one.first)
+      stored = package::next_sibling(stored, Family::Main, "col");
+    const bool inside = stored && stored.attribute("min").as_int() <= one.first + 1;
+    pugi::xml_node node =
+        inside ? columns.append_copy(stored) : package::append_child(columns, "col");
+    set_or_remove(node, "min", true, std::to_string(one.first + 1));
+    set_or_remove(node, "max", true, std::to_string(one.last + 1));
+    set_or_remove(node, "width", one.width.has_value(), number_text(one.width.value_or(0)));
+    const std::uint32_t style = styles.file_number(one.style);
+    set_or_remove(node, "style", style != 0, std::to_string(style));
+    set_or_remove(node, "hidden", one.hidden, "1");
+    set_or_remove(node, "bestFit", one.best_fit, "1");
+    set_or_remove(node, "customWidth", one.custom_width, "1");
+    set_or_remove(node, "outlineLevel", one.outline_level != 0, std::to_string(one.outline_level));
+    set_or_remove(node, "collapsed", one.collapsed, "1");
+  }
+  root.remove_child(old);
+}
+
+std::string used_range_text(const Sheet& sheet, const OutsideRows* outside) {
+  CellRange range;
+  bool any = sheet.cells.used_range(&range);
+  CellRange others;
+  if (outside && outside->sheet.cells.used_range(&others)) {
+    if (!any) range = others;
+    range = {std::min(range.row_first, others.row_first), std::max(range.row_last, others.row_last),
+             std::min(range.col_first, others.col_first),
+             std::max(range.col_last, others.col_last)};
+    any = true;
+  }
+  if (!any) return "A1";
+  return formula::print_range(range);
+}
+
+void patch_outline_levels(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside) {
+  unsigned rows = 0;
+  unsigned columns = 0;
+  const auto note = [&](const Sheet& one) {
+    for (const RowProperties& row : one.row_properties)
+      rows = std::max<unsigned>(rows, row.outline_level);
+  };
+  note(sheet);
+  if (outside) note(outside->sheet);
+  for (const ColumnProperties& column : sheet.columns)
+    columns = std::max<unsigned>(columns, column.outline_level);
+  pugi::xml_node format = package::child(root, Family::Main, "sheetFormatPr");
+  if (!format) {
+    if (rows == 0 && columns == 0) return;
+    format = worksheet_child(root, "sheetFormatPr");
+    format.append_attribute("defaultRowHeight") = "15";
+  }
+  set_or_remove(format, "outlineLevelRow", rows != 0, std::to_string(rows));
+  set_or_remove(format, "outlineLevelCol", columns != 0, std::to_string(columns));
+}
+
+}  // namespace
+
+void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside,
+                     const WrittenStyles& styles, bool selected) {
+  const std::string range = used_range_text(sheet, outside);
+  set_or_remove(worksheet_child(root, "dimension"), "ref", true, range);
+  const pugi::xml_node views = package::child(root, Family::Main, "sheetViews");
+  for (const pugi::xml_node view : package::children(views, Family::Main, "sheetView"))
+    if (view.attribute("tabSelected").as_bool() != selected)
+      set_or_remove(view, "tabSelected", selected, "1");
+  if (!views && selected) {
+    pugi::xml_node view = package::append_child(worksheet_child(root, "sheetViews"), "sheetView");
+    view.append_attribute("tabSelected") = "1";
+    view.append_attribute("workbookViewId") = "0";
+  }
+  patch_outline_levels(root, sheet, outside);
+  patch_columns(root, sheet, styles);
+}
+
+PartBlocks write_worksheet(const pugi::xml_document& tree, const Sheet& sheet,
+                           const OutsideRows* outside, const WriteContext& context) {
+  auto text = std::make_shared<const WorksheetText>(tree, sheet, outside, context);
+  const std::size_t count = text->block_count();
+  return {count, [text = std::move(text)](std::size_t block, std::string& out) {
+            text->make(block, out);
+          }};
+}
+
+}  // namespace engine::xlsx

@@ -1,0 +1,37 @@
+// Writing worksheets: one pass from the cell store, in blocks of rows.
+//
+// Blocks are made independently of one another, so two threads can each make and pack every other
+// one. What stands around the rows comes from the sheet's tree, patched where the model differs.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/workbook/workbook.h"
+#include "engine/xlsx/parts.h"
+#include "engine/xlsx/shared_strings.h"
+#include "engine/xlsx/sheet_part.h"
+#include "engine/xlsx/styles_part.h"
+
+namespace engine::xlsx {
+
+// What a sheet is written with. All of it must outlive the blocks.
+struct WriteContext {
+  const Workbook& workbook;
+  const WrittenStyles& styles;
+  const WrittenTexts& texts;
+};
+
+// Patches a sheet's tree: dimension, columns, whether its tab is selected, outline levels.
+// `outside` are the rows that a partial load left out; null without.
+void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside,
+                     const WrittenStyles& styles, bool selected);
+
+// The part of a sheet whose tree is patched. Sheet and outside rows must outlive the blocks.
+PartBlocks write_worksheet(const pugi::xml_document& tree, const Sheet& sheet,
+                           const OutsideRows* outside, const WriteContext& context);
+
+}  // namespace engine::xlsx

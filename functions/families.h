@@ -1,0 +1,21 @@
+// The families of external functions: each is a file that gives its rows.
+#pragma once
+
+#include <span>
+
+#include "runtime/bind.h"
+
+using Family = std::span<const bind::Row> (*)();
+
+// Every family there is, in no particular order.
+std::span<const Family> function_families();
+
+// A new family is a declaration here and an entry in families.cpp.
+std::span<const bind::Row> book_lifecycle_functions();
+std::span<const bind::Row> book_sheet_functions();
+std::span<const bind::Row> book_format_functions();
+std::span<const bind::Row> book_date_and_color_functions();
+std::span<const bind::Row> book_setting_functions();
+std::span<const bind::Row> cell_functions();
+std::span<const bind::Row> format_functions();
+std::span<const bind::Row> font_functions();

@@ -1,0 +1,45 @@
+#include "host/general_functions.h"
+
+#include <exception>
+#include <new>
+#include <string>
+
+// None of these runs the call frame, which would wipe out the error that a calculation is about to
+// ask for.
+
+namespace {
+
+short version(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
+  return TextConstantFunction(std::string("1.5"), result);
+}
+
+// Two digits each: major, minor, patch and build.
+short version_for_updates(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
+  return TextConstantFunction(std::string("01050001"), result);
+}
+
+short last_error_message(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
+  return TextConstantFunction(g_last_error_message, result);
+}
+
+short last_error(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
+  try {
+    SetResult(static_cast<double>(g_last_error), result);
+    return codes::kNone;
+  } catch (const std::bad_alloc&) {
+    return codes::kOutOfMemory;
+  } catch (const std::exception&) {
+    return codes::kOther;
+  }
+}
+
+constexpr bind::Row kRows[] = {
+    {10, 0, 0, "XL_Version", version},
+    {20, 0, 0, "XL_VersionAutoUpdate", version_for_updates},
+    {30, 0, 0, "XL_GetLastErrorMessage", last_error_message},
+    {40, 0, 0, "XL_GetLastError", last_error},
+};
+
+}  // namespace
+
+std::span<const bind::Row> general_functions() { return kRows; }

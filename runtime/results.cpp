@@ -1,0 +1,65 @@
+#include "runtime/results.h"
+
+#include <exception>
+#include <new>
+
+#include "runtime/error_state.h"
+
+void SetResult(const fmx::Text& value, fmx::Data& result) {
+  const fmx::LocaleUniquePtr locale(fmx::Locale::kSystem);
+  result.SetAsText(value, *locale, fmx::Data::kDTText);
+}
+
+void SetResult(double value, fmx::Data& result) {
+  constexpr int kPrecision = 16;
+  const fmx::FixPtUniquePtr number(0, kPrecision);
+  number->AssignDouble(value);
+  result.SetAsNumber(*number, fmx::Data::kDTNumber);
+}
+
+void SetResult(const std::string& value, fmx::Data& result) {
+  const fmx::TextUniquePtr text;
+  text->Assign(value.c_str(), fmx::Text::kEncoding_UTF8);
+  SetResult(*text, result);
+}
+
+void SetResult(std::unique_ptr<std::string> value, fmx::Data& result) { SetResult(*value, result); }
+
+void SetResult(const std::wstring& value, fmx::Data& result) {
+  const fmx::TextUniquePtr text;
+  text->AssignWide(value.c_str());
+  SetResult(*text, result);
+}
+
+void SetResult(std::vector<char>& bytes, fmx::Data& result) {
+  bytes.push_back('\0');
+  SetResult(std::string(bytes.begin(), bytes.end()), result);
+}
+
+namespace {
+
+template <class Store>
+fmx::errcode code_of(Store store) {
+  try {
+    store();
+    return codes::kNone;
+  } catch (const std::bad_alloc&) {
+    return codes::kOutOfMemory;
+  } catch (const std::exception&) {
+    return codes::kOther;
+  }
+}
+
+}  // namespace
+
+fmx::errcode TextConstantFunction(std::wstring value, fmx::Data& result) {
+  return code_of([&] { SetResult(value, result); });
+}
+
+fmx::errcode TextConstantFunction(std::string value, fmx::Data& result) {
+  return code_of([&] {
+    const fmx::TextUniquePtr text;
+    text->Assign(value.c_str(), fmx::Text::kEncoding_Native);
+    SetResult(*text, result);
+  });
+}

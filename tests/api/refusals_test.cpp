@@ -1,0 +1,236 @@
+// Refused calls: the failure value, the message, and that the next call is well again.
+#include <gmock/gmock.h>
+
+#include <limits>
+#include <span>
+
+#include "tests/api/stage.h"
+
+namespace {
+
+struct Refusing : Stage {
+  using Stage::Stage;
+
+  // A sheet, format and font that a book no longer has, and those of another book.
+  Stage other;
+  libxl::Sheet* gone = remove_sheet();
+
+  libxl::Sheet* remove_sheet() {
+    libxl::Sheet* added = book->addSheet(L"Gone");
+    book->delSheet(1);
+    return added;
+  }
+};
+
+struct Refusal {
+  const char* call;
+  bool (*failed)(Refusing&);  // makes the call; whether it gave its failure value
+  const char* message;
+};
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+const Refusal kCells[] = {
+    {"row below", [](Refusing& s) { return !s.sheet->writeNum(-1, 0, 1); },
+     "row -1 is out of range 0..1048575"},
+    {"row above", [](Refusing& s) { return !s.sheet->writeNum(1048576, 0, 1); },
+     "row 1048576 is out of range 0..1048575"},
+    {"column above", [](Refusing& s) { return s.sheet->readNum(0, 16384) == 0; },
+     "column 16384 is out of range 0..16383"},
+    {"row before column", [](Refusing& s) { return !s.sheet->readStr(-1, -1); },
+     "row -1 is out of range 0..1048575"},
+    {"place before value", [](Refusing& s) { return !s.sheet->writeNum(0, -1, kNaN); },
+     "column -1 is out of range 0..16383"},
+    {"not a number", [](Refusing& s) { return !s.sheet->writeNum(0, 0, kNaN); },
+     "number is not a finite number"},
+    {"value before format",
+     [](Refusing& s) { return !s.sheet->writeNum(0, 0, kNaN, s.other.book->format(0)); },
+     "number is not a finite number"},
+    {"other book's format",
+     [](Refusing& s) { return !s.sheet->writeNum(0, 0, 1, s.other.book->format(0)); },
+     "the format belongs to another book"},
+    {"format before error code",
+     [](Refusing& s) {
+       libxl::Format* format = s.other.book->format(0);
+       return !s.sheet->writeBool(0, 0, true, format, static_cast<libxl::ErrorType>(3));
+     },
+     "the format belongs to another book"},
+    {"error code",
+     [](Refusing& s) {
+       return !s.sheet->writeBool(0, 0, true, nullptr, static_cast<libxl::ErrorType>(3));
+     },
+     "error code 3 is not known"},
+    {"error none",
+     [](Refusing& s) {
+       s.sheet->writeError(0, 0, libxl::ErrorNone);
+       return s.sheet->cellType(0, 0) == libxl::CellEmpty &&
+              (s.sheet->writeError(0, 0, libxl::ErrorNone), true);
+     },
+     "error code 255 is not known"},
+    {"cell type",
+     [](Refusing& s) { return !s.sheet->writeStr(0, 0, L"x", nullptr, libxl::CellNumber); },
+     "cell type 1 is not known"},
+    {"long text",
+     [](Refusing& s) { return !s.sheet->writeStr(0, 0, std::wstring(32768, L'\u00DF').c_str()); },
+     "text is 32768 characters long, the limit is 32767"},
+    {"text as number",
+     [](Refusing& s) {
+       s.sheet->writeStr(6, 1, L"12");
+       return s.sheet->readNum(6, 1) == 0;
+     },
+     "cell B7 holds text, not a number"},
+    {"error as text",
+     [](Refusing& s) {
+       s.sheet->writeError(0, 0, libxl::ErrorNA);
+       return !s.sheet->readStr(0, 0);
+     },
+     "cell A1 holds an error, not text"},
+    {"boolean as text",
+     [](Refusing& s) {
+       s.sheet->writeBool(0, 26, true);
+       return !s.sheet->readStr(0, 26);
+     },
+     "cell AA1 holds a true/false value, not text"},
+    {"number as boolean",
+     [](Refusing& s) {
+       s.sheet->writeNum(0, 0, 1);
+       return !s.sheet->readBool(0, 0);
+     },
+     "cell A1 holds a number, not a true/false value"},
+    {"comment width",
+     [](Refusing& s) { return s.sheet->writeComment(0, 0, L"x", L"", 0, 0), true; },
+     "comment width 0 is out of range 1..32767"},
+    {"comment author",
+     [](Refusing& s) {
+       return s.sheet->writeComment(0, 0, L"x", std::wstring(256, L'a').c_str()), true;
+     },
+     "author is 256 characters long, the limit is 255"},
+    {"address", [](Refusing& s) { return s.sheet->addrToRowCol(L"A1:B2", nullptr, nullptr), true; },
+     R"(address "A1:B2" is not a cell address)"},
+    {"no address",
+     [](Refusing& s) { return s.sheet->addrToRowCol(nullptr, nullptr, nullptr), true; },
+     "address is empty"},
+    {"address beyond",
+     [](Refusing& s) { return s.sheet->addrToRowCol(L"XFE1", nullptr, nullptr), true; },
+     R"(address "XFE1" is beyond the last cell XFD1048576)"},
+    {"deleted sheet", [](Refusing& s) { return !s.gone->writeNum(0, 0, 1); },
+     "the sheet is no longer in the book"},
+    {"deleted before row", [](Refusing& s) { return s.gone->cellType(-1, 0) == libxl::CellEmpty; },
+     "the sheet is no longer in the book"},
+    {"deleted sheet's name", [](Refusing& s) { return !s.gone->name(); },
+     "the sheet is no longer in the book"},
+    {"not done yet", [](Refusing& s) { return !s.sheet->setMerge(0, 1, 0, 1); },
+     "setMerge is not supported yet"},
+    {"not done yet, deleted", [](Refusing& s) { return !s.gone->setMerge(0, 1, 0, 1); },
+     "the sheet is no longer in the book"},
+};
+
+const Refusal kBook[] = {
+    {"sheet index", [](Refusing& s) { return !s.book->getSheet(1); },
+     "sheet 1 is out of range 0..0"},
+    {"negative index", [](Refusing& s) { return s.book->sheetType(-1) == libxl::SheetUnknown; },
+     "sheet -1 is out of range 0..0"},
+    {"move to", [](Refusing& s) { return !s.book->moveSheet(0, 1); },
+     "sheet 1 is out of range 0..0"},
+    {"position", [](Refusing& s) { return !s.book->insertSheet(2, L""); },
+     "sheet position 2 is out of range 0..1"},
+    {"no name", [](Refusing& s) { return !s.book->addSheet(nullptr); }, "sheet name is empty"},
+    {"long name", [](Refusing& s) { return !s.book->addSheet(std::wstring(32, L'a').c_str()); },
+     "sheet name is 32 characters long, the limit is 31"},
+    {"long name in units",
+     [](Refusing& s) { return !s.book->addSheet(std::wstring(16, L'\U0001F600').c_str()); },
+     "sheet name is 32 characters long, the limit is 31"},
+    {"character", [](Refusing& s) { return !s.book->addSheet(L"a/b"); },
+     R"(sheet name "a/b" holds a character that is not allowed: /)"},
+    {"control character", [](Refusing& s) { return !s.book->addSheet(L"a\tb"); },
+     "sheet name \"a\tb\" holds a character that is not allowed: U+0009"},
+    {"apostrophe", [](Refusing& s) { return !s.book->addSheet(L"it'"); },
+     R"(sheet name "it'" begins or ends with an apostrophe)"},
+    {"reserved", [](Refusing& s) { return !s.book->addSheet(L"HISTORY"); },
+     R"(sheet name "HISTORY" is reserved)"},
+    {"used", [](Refusing& s) { return !s.book->addSheet(L"dATA"); },
+     R"(sheet name "dATA" is already used)"},
+    {"copy of another book's", [](Refusing& s) { return !s.book->addSheet(L"x", s.other.sheet); },
+     "the sheet belongs to another book"},
+    {"copy of a deleted one", [](Refusing& s) { return !s.book->addSheet(L"x", s.gone); },
+     "the sheet is no longer in the book"},
+    {"format index", [](Refusing& s) { return !s.book->format(1); },
+     "format 1 is out of range 0..0"},
+    {"font index", [](Refusing& s) { return !s.book->font(-1); }, "font -1 is out of range 0..0"},
+    {"no number format", [](Refusing& s) { return s.book->addCustomNumFormat(L"") == 0; },
+     "number format is empty"},
+    {"bad number format", [](Refusing& s) { return s.book->addCustomNumFormat(LR"(0"x)") == 0; },
+     R"(number format "0"x" is not valid)"},
+    {"unknown number format", [](Refusing& s) { return !s.book->customNumFormat(164); },
+     "number format 164 is not known"},
+    {"default font", [](Refusing& s) { return s.book->setDefaultFont(L"Arial", 410), true; },
+     "font size 410 is out of range 1..409"},
+    {"date", [](Refusing& s) { return s.book->datePack(2023, 2, 29) == 0; },
+     "date 2023-02-29 is not a valid date"},
+    {"date before time", [](Refusing& s) { return s.book->datePack(2023, 13, 1, 99) == 0; },
+     "date 2023-13-01 is not a valid date"},
+    {"time", [](Refusing& s) { return s.book->datePack(2023, 1, 1, 0, 60) == 0; },
+     "minute 60 is out of range 0..59"},
+    {"component", [](Refusing& s) { return s.book->colorPack(0, 256, 999) == 0; },
+     "green 256 is out of range 0..255"},
+    {"colour",
+     [](Refusing& s) {
+       return s.book->colorUnpack(static_cast<libxl::Color>(70), nullptr, nullptr, nullptr), true;
+     },
+     "colour 70 is not known"},
+    {"pictures", [](Refusing& s) { return s.book->addPicture2("x", 1) == -1; },
+     "addPicture2 is not supported yet"},
+    {"file name", [](Refusing& s) { return !s.book->save(L""); }, "file name is empty"},
+    {"no such file", [](Refusing& s) { return !s.book->load(L"/tmp/no such file.xlsx"); },
+     R"(file "/tmp/no such file.xlsx" cannot be opened: no such file)"},
+    {"no such folder", [](Refusing& s) { return !s.book->save(L"/nowhere/a.xlsx"); },
+     R"(file "/nowhere/a.xlsx" cannot be written: no such folder)"},
+    {"no bytes", [](Refusing& s) { return !s.book->loadRaw(nullptr, 5); },
+     "workbook data is empty"},
+    {"no workbook", [](Refusing& s) { return !s.book->loadRaw("a;b;c", 5); },
+     "the workbook data is not an .xlsx workbook"},
+    {"rows", [](Refusing& s) { return !s.book->loadPartially(L"/nowhere/a.xlsx", 0, 5, 4); },
+     "first row 5 is after last row 4"},
+};
+
+void expect_refusals(std::span<const Refusal> cases) {
+  for (const Refusal& refusal : cases) {
+    SCOPED_TRACE(refusal.call);
+    Refusing stage;
+    ASSERT_TRUE(stage.gone);
+    EXPECT_TRUE(refusal.failed(stage));
+    EXPECT_EQ(stage.message(), refusal.message);
+    EXPECT_EQ(stage.message(), refusal.message) << "asked again";
+    stage.book->sheetCount();
+    EXPECT_EQ(stage.message(), "ok");
+  }
+}
+
+TEST(Refusals, Cells) { expect_refusals(kCells); }
+
+TEST(Refusals, Book) { expect_refusals(kBook); }
+
+TEST(Refusals, OldBooksHaveTheSmallGrid) {
+  Stage old(xlCreateBookW());
+  EXPECT_FALSE(old.sheet->writeNum(65536, 0, 1));
+  EXPECT_EQ(old.message(), "row 65536 is out of range 0..65535");
+  EXPECT_FALSE(old.sheet->writeFormula(0, 0, L"IW1"));
+  EXPECT_EQ(old.message(), "formula refers to IW1, beyond the last cell IV65536");
+  EXPECT_FALSE(old.book->load(L"/nowhere/a.xls"));
+  EXPECT_EQ(old.message(), "load is not supported yet");
+  EXPECT_FALSE(old.book->saveRaw(nullptr, nullptr));
+  EXPECT_EQ(old.message(), "saveRaw is not supported yet");
+  EXPECT_EQ(old.book->biffVersion(), 1536);
+  int size = 0;
+  EXPECT_STREQ(old.book->defaultFont(&size), L"Arial");
+  EXPECT_EQ(size, 10);
+}
+
+TEST(Refusals, NothingIsSavedWithoutAVisibleSheet) {
+  Stage stage;
+  stage.book->delSheet(0);
+  EXPECT_FALSE(stage.book->saveRaw(nullptr, nullptr));
+  EXPECT_EQ(stage.message(), "the book has no sheets");
+}
+
+}  // namespace

@@ -1,0 +1,174 @@
+// What happens to the references of a formula when cells are copied, rows move or sheets change.
+#include <gtest/gtest.h>
+
+#include "engine/formula/formula.h"
+#include "engine/formula/formula_text.h"
+
+namespace engine::formula {
+namespace {
+
+struct Change {
+  const char* before;
+  const char* after;  // null when nothing changes
+};
+
+template <typename Function>
+void check(std::span<const Change> cases, Function change) {
+  for (const auto& [before, after] : cases) {
+    SCOPED_TRACE(before);
+    const std::optional<std::string> changed = change(before);
+    EXPECT_EQ(changed.has_value(), after != nullptr);
+    EXPECT_EQ(changed.value_or(before), after == nullptr ? before : after);
+  }
+}
+
+TEST(Shift, MovesRelativeParts) {
+  constexpr Change kCases[] = {
+      {"B3", "D2"},
+      {"$B3+B$3+$B$3", "$B2+D$3+$B$3"},
+      {"SUM( A2:$B$9 , 'a b'!C4 )", "SUM( C1:$B$9 , 'a b'!E3 )"},
+      {"A:B+3:$4", "C:D+2:$4"},
+      {"A1", "#REF!"},
+      {"Sheet1!A1:A2*2", "Sheet1!#REF!*2"},
+      {"#REF!A1", "#REF!"},
+      {"XFC5", "#REF!"},
+      {"[1]S!A2", "[1]S!C1"},
+      {"A:A", "C:C"},
+      {"1:9", "#REF!"},
+      {"$A$1+Rate+Table1[Net]+\"A5\"", nullptr},
+      {"A9 (is no formula", nullptr},
+  };
+  check(kCases, [](const char* text) { return shift_text(text, -1, 2); });
+}
+
+TEST(Adjust, InsertsRows) {
+  constexpr Change kCases[] = {
+      {"A4", nullptr},
+      {"A5", "A8"},
+      {"$A$5", "$A$8"},
+      {"A1:A9", "A1:A12"},
+      {"A9:A1", "A12:A1"},
+      {"A1:A4", nullptr},
+      {"5:7", "8:10"},
+      {"A:C", nullptr},
+      {"A1:B1048576", nullptr},
+      {"A9:B1048576", "A12:B1048576"},
+      {"A1048574", "#REF!"},
+      {"Data!A5+'DATA'!A6+Other!A7", "Data!A8+'DATA'!A9+Other!A7"},
+      {"Data!A1048576", "Data!#REF!"},
+      {"Data:Other!A5+[1]Data!A5+#REF!A5", nullptr},
+      {"Table1[Net]+INDIRECT(\"A5\")", nullptr},
+      {"A9#+@A7:A8", "A12#+@A10:A11"},
+  };
+  const Move insert{Axis::kRows, Move::Kind::kInsert, 4, 3};
+  check(kCases, [&](const char* text) { return adjust_text(text, insert, "Data", true); });
+}
+
+TEST(Adjust, RemovesColumnsFromAnotherSheet) {
+  constexpr Change kCases[] = {
+      {"C1", nullptr},
+      {"Data!B1", nullptr},
+      {"Data!C1", "Data!#REF!"},
+      {"Data!E1", "Data!C1"},
+      {"Data!$A:$D", "Data!$A:$B"},
+      {"Data!C:D", "Data!#REF!"},
+      {"Data!3:4", nullptr},
+      {"SUM(data!D1:F9,C1)", "SUM(data!C1:D9,C1)"},
+      {"Data:Data2!C1", nullptr},
+  };
+  const Move remove{Axis::kColumns, Move::Kind::kRemove, 2, 2};
+  check(kCases, [&](const char* text) { return adjust_text(text, remove, "Data", false); });
+}
+
+TEST(Adjust, KeepsToTheGridOfXls) {
+  const Move insert{Axis::kRows, Move::Kind::kInsert, 0, 1};
+  EXPECT_EQ(adjust_text("A65536", insert, "S", true, kXlsGrid), "#REF!");
+  EXPECT_EQ(adjust_text("A1:A65536", insert, "S", true, kXlsGrid), "A2:A65536");
+}
+
+TEST(Sheets, Rename) {
+  constexpr Change kCases[] = {
+      {"Old!A1", "'New one'!A1"},
+      {"'old'!A1+OLD!Rate", "'New one'!A1+'New one'!Rate"},
+      {"SUM(Old:Last!A1)", "SUM('New one:Last'!A1)"},
+      {"SUM('First one:Old'!A1)", "SUM('First one:New one'!A1)"},
+      {"Old!#REF!", "'New one'!#REF!"},
+      {"Old!F(Old!A1)", "'New one'!F('New one'!A1)"},
+      {"Older!A1+[1]Old!A1+\"Old!A1\"+Old", nullptr},
+  };
+  check(kCases, [](const char* text) { return rename_sheet_text(text, "Old", "New one"); });
+  EXPECT_EQ(rename_sheet_text("'It''s'!A1", "it's", "Plain"), "Plain!A1");
+}
+
+TEST(Sheets, Retarget) {
+  constexpr Change kCases[] = {
+      {"Old!A1+Other!A1", "'Old (2)'!A1+Other!A1"},
+      {"Old:Other!A1", nullptr},
+      {"A1", nullptr},
+  };
+  check(kCases, [](const char* text) { return retarget_sheet_text(text, "Old", "Old (2)"); });
+}
+
+TEST(Sheets, Delete) {
+  constexpr std::string_view kSheets[] = {"A", "B", "C 1", "D"};
+  const struct {
+    std::size_t index;
+    const char* before;
+    const char* after;
+  } cases[] = {
+      {1, "B!A1+b!Rate", "#REF!A1+#REF!Rate"},
+      {1, "B!#REF!", "#REF!"},
+      {1, "A!A1+Bx!A1", nullptr},
+      {1, "SUM(A:D!A1)", nullptr},
+      {0, "SUM(A:'D'!A1)", nullptr},
+      {0, "SUM(A:D!A1)", "SUM(B:D!A1)"},
+      {3, "SUM(B:D!A1)", "SUM('B:C 1'!A1)"},
+      {3, "SUM(D:A!A1)", "SUM('C 1:A'!A1)"},
+      {0, "SUM(A:B!A1)", "SUM(B!A1)"},
+      {1, "SUM(B:B!A1)", "SUM(#REF!A1)"},
+      {1, "SUM(B:Gone!A1)", "SUM(#REF!A1)"},
+  };
+  for (const auto& [index, before, after] : cases) {
+    SCOPED_TRACE(before);
+    const auto changed = delete_sheet_text(before, kSheets, index);
+    EXPECT_EQ(changed.has_value(), after != nullptr);
+    EXPECT_EQ(changed.value_or(before), after == nullptr ? before : after);
+  }
+}
+
+TEST(Sheets, Mentioned) {
+  const auto formula = parse("Data!A1+'it''s'!B1+DATA!C1+SUM(X:Y!A1)+[1]Z!A1+#REF!A1+Q!Rate");
+  ASSERT_TRUE(formula);
+  EXPECT_EQ(mentioned_sheets(*formula), (std::vector<std::string>{"Data", "it's", "X", "Y", "Q"}));
+}
+
+TEST(Ranges, OfText) {
+  const struct {
+    const char* text;
+    const char* ranges;  // sheet and range of each, with a blank behind
+  } cases[] = {
+      {"Sheet1!$A$1", "Sheet1!A1 "},
+      {"'it''s'!$B$2:$A$1", "it's!A1:B2 "},
+      {"(S!$A:$B,S!$1:$2)", "S!A1:B1048576 S!A1:XFD2 "},
+      {"A1", "!A1 "},
+      {"S!A1+1", ""},
+      {"S:T!A1", ""},
+      {"[1]S!A1", ""},
+      {"S!A1:INDEX(A:A,2)", ""},
+      {"S!#REF!", ""},
+      {"Rate", ""},
+      {"(", ""},
+  };
+  for (const auto& [text, expected] : cases) {
+    SCOPED_TRACE(text);
+    std::string ranges;
+    for (const auto& [sheet, range] : ranges_of_text(text))
+      ranges += sheet + "!" + print_range(range) + " ";
+    EXPECT_EQ(ranges, expected);
+  }
+  EXPECT_EQ(absolute_range_text("a b", {0, 1, 2, 2}), "'a b'!$C$1:$C$2");
+  EXPECT_EQ(absolute_range_text("S", {0, 0, 2, 2}), "S!$C$1");
+}
+
+}  // namespace
+}  // namespace engine::formula

@@ -1,0 +1,182 @@
+"""Workbooks that go from our engine to other programs and back.
+
+The development host, named by the variable XLCALC, runs a calculation that writes or reads a
+workbook; openpyxl and gnumeric's ssconvert read or write the same workbook on the other side.
+"""
+
+import csv
+import decimal
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+from xml.etree import ElementTree
+
+try:
+    import openpyxl
+    from openpyxl.comments import Comment
+    from openpyxl.styles import Font, PatternFill
+except ImportError:
+    print("skipped: openpyxl is not there")
+    sys.exit(77)
+
+XLCALC = os.environ["XLCALC"]
+
+# Texts that trip writers: escapes, markup, white space, several scripts, beyond the basic plane.
+TEXTS = [
+    "Grüße & <b> 😀",
+    "数据 данные αβγ",
+    "  leading and trailing  ",
+    "two\nlines",
+    "_x000D_ as text",
+    'say "hi"',
+    "=1+1 is no formula",
+    "x" * 32767,
+]
+NUMBERS = [0, 3.5, -0.25, 1 / 3, 1e20, 1.5e-7, 123456789012345, 2**53]
+
+
+def run_script(folder, text):
+    script = folder / "script.calc"
+    script.write_text(text, encoding="utf-8")
+    done = subprocess.run([XLCALC, "--strict", "run", str(script)], cwd=folder,
+                          capture_output=True, text=True, timeout=120)
+    if done.returncode != 0:
+        raise AssertionError(f"{done.stdout}\n{done.stderr}")
+    return done.stdout.splitlines()
+
+
+def literal(text):
+    escaped = text.replace("\\", "\\\\").replace('"', '\\"').replace("\n", "¶")
+    return f'"{escaped}"'
+
+
+class Interop(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+
+    def write_book(self, lines):
+        run_script(self.folder, "\n".join(
+            ["$book = XL_XlCreateXMLBook", '$sheet = XL_Book_AddSheet ( $book ; "Données 😀" )',
+             *lines, 'XL_Book_Save ( $book ; "out.xlsx" )', "XL_Book_Release ( $book )"]))
+        return self.folder / "out.xlsx"
+
+    def write_values(self):
+        lines = [f"XL_Sheet_WriteNum ( $sheet ; {row} ; 0 ; {decimal.Decimal(repr(number)):f} )"
+                 for row, number in enumerate(NUMBERS)]
+        lines += [f"XL_Sheet_WriteStr ( $sheet ; {row} ; 1 ; {literal(text)} )"
+                  for row, text in enumerate(TEXTS)]
+        lines += [
+            "XL_Sheet_WriteBool ( $sheet ; 0 ; 2 ; 1 )",
+            "XL_Sheet_WriteError ( $sheet ; 1 ; 2 ; 42 )",
+            'XL_Sheet_WriteFormulaNum ( $sheet ; 2 ; 2 ; "SUM(A1:A2)*2" ; 7 )',
+            'XL_Sheet_WriteFormulaStr ( $sheet ; 3 ; 2 ; "\\"a\\"&\\"b\\"" ; "ab" )',
+            'XL_Sheet_WriteFormulaBool ( $sheet ; 4 ; 2 ; "1=1" ; 1 )',
+            'XL_Sheet_WriteComment ( $sheet ; 0 ; 0 ; "hello" ; "me" )',
+        ]
+        return self.write_book(lines)
+
+    def test_openpyxl_reads_what_we_write(self):
+        path = self.write_values()
+        formulas = openpyxl.load_workbook(path)
+        values = openpyxl.load_workbook(path, data_only=True)
+        self.assertEqual(formulas.sheetnames, ["Données 😀"])
+        sheet, cached = formulas.active, values.active
+        self.assertEqual([sheet.cell(i + 1, 1).value for i in range(len(NUMBERS))], NUMBERS)
+        self.assertEqual([sheet.cell(i + 1, 2).value for i in range(len(TEXTS))], TEXTS)
+        self.assertIs(sheet["C1"].value, True)
+        self.assertEqual(sheet["C2"].value, "#N/A")
+        self.assertEqual(sheet["C2"].data_type, "e")
+        self.assertEqual([sheet[c].value for c in ("C3", "C4", "C5")],
+                         ["=SUM(A1:A2)*2", '="a"&"b"', "=1=1"])
+        self.assertEqual([cached[c].value for c in ("C3", "C4", "C5")], [7, "ab", True])
+        self.assertEqual((sheet["A1"].comment.text, sheet["A1"].comment.author), ("hello", "me"))
+
+    @unittest.skipUnless(shutil.which("ssconvert"), "gnumeric is not there")
+    def test_gnumeric_reads_what_we_write(self):
+        path = self.write_values()
+        target = self.folder / "out.csv"
+        subprocess.run(["ssconvert", str(path), str(target)], check=True, capture_output=True,
+                       timeout=120)
+        with open(target, encoding="utf-8", newline="") as file:
+            rows = list(csv.reader(file))
+        self.assertEqual([float(rows[i][0]) for i in (1, 2, 4, 6)], [3.5, -0.25, 1e20,
+                                                                     123456789012345])
+        # It does not undo the escape of a literal _x000D_ (row 4), as the standard asks.
+        self.assertEqual([rows[i][1] for i in (0, 1, 2, 3, 5, 6)], TEXTS[:4] + TEXTS[5:7])
+        self.assertEqual([rows[i][2] for i in range(5)], ["TRUE", "#N/A", "7", "ab", "TRUE"])
+
+    def test_packages_are_well_formed_and_complete(self):
+        with zipfile.ZipFile(self.write_values()) as package:
+            self.assertIsNone(package.testzip())
+            names = package.namelist()
+            self.assertEqual(names[0], "[Content_Types].xml")
+            for name in names:
+                if name.endswith((".xml", ".rels", ".vml")):
+                    ElementTree.fromstring(package.read(name))
+                if name.endswith(".rels"):
+                    self.check_targets(package, name)
+
+    def check_targets(self, package, rels):
+        base = pathlib.PurePosixPath(rels).parent.parent
+        for relation in ElementTree.fromstring(package.read(rels)):
+            if relation.get("TargetMode") != "External":
+                target = relation.get("Target")
+                whole = target[1:] if target.startswith("/") else os.path.normpath(base / target)
+                self.assertIn(str(whole), package.namelist())
+
+    def read_cells(self, path, cells):
+        calls = "\n".join(f"XL_Sheet_ReadCell ( $sheet ; {row} ; {column} )"
+                          for row, column in cells)
+        return run_script(self.folder, f"""
+$book = XL_XlCreateXMLBook
+$loaded = XL_Book_Load ( $book ; "{path.name}" )
+$sheet = XL_Book_GetSheet ( $book ; 0 )
+{calls}
+""")
+
+    def test_we_read_what_openpyxl_writes(self):
+        book = openpyxl.Workbook()
+        sheet = book.active
+        for row, value in enumerate(["Grüße 😀", 12.5, True, "=SUM(1,2)", "  spaced "], start=1):
+            sheet.cell(row, 1, value)
+        sheet["A2"].font = Font(bold=True)
+        sheet["A2"].fill = PatternFill("solid", fgColor="FFCC00")
+        sheet["A1"].comment = Comment("note", "someone")
+        path = self.folder / "in.xlsx"
+        book.save(path)
+        self.assertEqual(self.read_cells(path, [(0, 0), (1, 0), (2, 0), (4, 0)]),
+                         ["Grüße 😀", "12.5", "1", "  spaced "])
+        # Changing one cell keeps what the others had.
+        run_script(self.folder, """
+$book = XL_XlCreateXMLBook
+$loaded = XL_Book_Load ( $book ; "in.xlsx" )
+$sheet = XL_Book_GetSheet ( $book ; 0 )
+XL_Sheet_WriteNum ( $sheet ; 9 ; 3 ; 42 )
+XL_Book_Save ( $book ; "out.xlsx" )
+""")
+        after = openpyxl.load_workbook(self.folder / "out.xlsx").active
+        self.assertEqual(after["D10"].value, 42)
+        self.assertEqual(after["A4"].value, "=SUM(1,2)")
+        self.assertTrue(after["A2"].font.bold)
+        self.assertEqual(after["A2"].fill.fgColor.rgb, "00FFCC00")
+        self.assertEqual(after["A1"].comment.text, "note")
+
+    @unittest.skipUnless(shutil.which("ssconvert"), "gnumeric is not there")
+    def test_we_read_what_gnumeric_writes(self):
+        # Gnumeric opens our workbook and writes it anew in its own way.
+        path = self.folder / "in.xlsx"
+        subprocess.run(["ssconvert", str(self.write_values()), str(path)], check=True,
+                       capture_output=True, timeout=120)
+        self.assertEqual(self.read_cells(path, [(1, 0), (2, 0), (6, 0), (0, 1), (2, 1), (0, 2),
+                                                (2, 2), (3, 2)]),
+                         ["3.5", "-.25", "123456789012345", TEXTS[0], TEXTS[2], "1", "7", "ab"])
+
+
+if __name__ == "__main__":
+    unittest.main()

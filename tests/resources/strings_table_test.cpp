@@ -1,0 +1,321 @@
+// The table of texts against lists of its own: which entries there are, and what each must hold.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kFirstConstant = 5000;
+constexpr std::size_t kLongestEntry = 4093;  // in UTF-16 units
+
+// Functions with rising ids: their names after the prefix, each with its count of parameters, or
+// with the smallest and the greatest.
+struct FunctionRun {
+  int first_id;
+  const char* prefix;
+  const char* names_and_counts;
+};
+constexpr FunctionRun kFunctions[] = {
+    {10, "XL_", "Version 0"},
+    {20, "XL_", "VersionAutoUpdate 0"},
+    {30, "XL_", "GetLastErrorMessage 0"},
+    {40, "XL_", "GetLastError 0"},
+    {1200, "XL_", "XlCreateBook 0"},
+    {1400, "XL_", "XlCreateXMLBook 0"},
+    {1600, "XL_Book_",
+     "Load 2 Save 2 LoadRaw 2 SaveRaw 2 AddSheet 2-3 InsertSheet 3-4 GetSheet 2 SheetType 2 "
+     "DelSheet 2 SheetCount 1 AddFormat 1-2 AddFont 1-2 AddCustomNumFormat 2 CustomNumFormat 2 "
+     "Format 2 FormatSize 1 Font 2 FontSize 1 DatePack 3-7 DateUnpack 2-6 ColorPack 4 "
+     "ColorUnpack 2 ActiveSheet 1 SetActiveSheet 2 PictureSize 1 GetPicture 2-3 AddPicture 2 "
+     "AddPicture2 2 DefaultFont 1 SetDefaultFont 3 RgbMode 1 SetRgbMode 1-2 RefR1C1 1 "
+     "SetRefR1C1 1-2 BiffVersion 1 IsDate1904 1 SetDate1904 1-2 IsTemplate 1 SetTemplate 1-2"},
+    {1640, "XL_Book_", "SetLocale 2 ErrorMessage 1 Release 1"},
+    {1800, "XL_Sheet_",
+     "CellType 3 IsFormula 3 CellFormat 3 SetCellFormat 4 ReadStr 3-4 WriteStr 4-5 ReadNum 3-4 "
+     "WriteNum 4-5 ReadBool 3-4 WriteBool 4-5 ReadBlank 3-4 WriteBlank 4 ReadFormula 3-4 "
+     "WriteFormula 4-5 ReadComment 3 WriteComment 4-7 IsDate 3 ReadError 3 ColWidth 2 "
+     "RowHeight 2 SetCol 4-6 SetRow 3-5 RowHidden 2 SetRowHidden 3 ColHidden 2 SetColHidden 3 "
+     "GetMerge 3 SetMerge 5 DelMerge 3 MergeSize 1 Merge 2 DelMergeByIndex 2 PictureSize 1 "
+     "GetPicture 2 SetPicture 4-8 SetPicture2 4-9 GetHorPageBreak 2 GetHorPageBreakSize 1 "
+     "GetVerPageBreak 2 GetVerPageBreakSize 1 SetHorPageBreak 2-3 SetVerPageBreak 2-3 Split 3 "
+     "SplitInfo 1 GroupRows 3-4 GroupCols 3-4 GroupSummaryBelow 1 SetGroupSummaryBelow 2 "
+     "GroupSummaryRight 1 SetGroupSummaryRight 2 Clear 1-5 InsertRow 3-4 InsertCol 3-4 "
+     "RemoveRow 3-4 RemoveCol 3-4 CopyCell 5 FirstRow 1 LastRow 1 FirstCol 1 LastCol 1 "
+     "DisplayGridlines 1 SetDisplayGridlines 1-2 PrintGridlines 1 SetPrintGridlines 1-2 Zoom 1 "
+     "SetZoom 2 PrintZoom 1 SetPrintZoom 2 Landscape 1 SetLandscape 1-2 GetPrintFit 1 "
+     "SetPrintFit 1-3 Paper 1 SetPaper 1-2 Header 1 SetHeader 2-3 HeaderMargin 1 Footer 1 "
+     "SetFooter 2-3 FooterMargin 1 HCenter 1 SetHCenter 1-2 VCenter 1 SetVCenter 1-2 "
+     "MarginLeft 1 SetMarginLeft 2 MarginRight 1 SetMarginRight 2 MarginTop 1 SetMarginTop 2 "
+     "MarginBottom 1 SetMarginBottom 2 PrintRowCol 1 SetPrintRowCol 1-2 SetPrintRepeatRows 3 "
+     "SetPrintRepeatCols 3 SetPrintArea 5 ClearPrintRepeats 1 ClearPrintArea 1 "
+     "GetNamedRange 2-4 SetNamedRange 6-7 DelNamedRange 2-3 NamedRangeSize 1 NamedRange 2-4 "
+     "HyperlinkSize 1 Hyperlink 2 DelHyperlink 2 AddHyperlink 6 Name 1 SetName 2 Protect 1 "
+     "SetProtect 1-4 RightToLeft 1 SetRightToLeft 1-2 Hidden 1 SetHidden 1-2 GetTopLeftView 1 "
+     "SetTopLeftView 3 AddrToRowCol 2-4 RowColToAddr 3-5"},
+    {2000, "XL_Format_",
+     "Font 1 SetFont 2 NumFormat 1 SetNumFormat 2 AlignH 1 SetAlignH 2 AlignV 1 SetAlignV 2 "
+     "Wrap 1 SetWrap 1-2 Rotation 1 SetRotation 2 Indent 1 SetIndent 2 ShrinkToFit 1 "
+     "SetShrinkToFit 1-2 SetBorder 1-2 SetBorderColor 2 BorderLeft 1 SetBorderLeft 1-2 "
+     "BorderRight 1 SetBorderRight 1-2 BorderTop 1 SetBorderTop 1-2 BorderBottom 1 "
+     "SetBorderBottom 1-2 BorderLeftColor 1 SetBorderLeftColor 2 BorderRightColor 1 "
+     "SetBorderRightColor 2 BorderTopColor 1 SetBorderTopColor 2 BorderBottomColor 1 "
+     "SetBorderBottomColor 2 BorderDiagonal 1 SetBorderDiagonal 2 BorderDiagonalStyle 1 "
+     "SetBorderDiagonalStyle 2 BorderDiagonalColor 1 SetBorderDiagonalColor 2 FillPattern 1 "
+     "SetFillPattern 2 PatternForegroundColor 1 SetPatternForegroundColor 2 "
+     "PatternBackgroundColor 1 SetPatternBackgroundColor 2 Locked 1 SetLocked 1-2 Hidden 1 "
+     "SetHidden 1-2"},
+    {2200, "XL_Font_",
+     "Size 1 SetSize 2 Italic 1 SetItalic 1-2 StrikeOut 1 SetStrikeOut 1-2 Color 1 SetColor 2 "
+     "Bold 1 SetBold 1-2 Script 1 SetScript 2 Underline 1 SetUnderline 2 Name 1 SetName 2"},
+    {2216, "XL_Book_",
+     "LoadSheet 3-4 LoadPartially 5-6 LoadInfo 2 GetSheetName 2 MoveSheet 3 "
+     "AddPictureAsLink 2-3"},
+    {2223, "XL_Sheet_",
+     "WriteFormulaNum 5-6 WriteFormulaStr 5-6 WriteFormulaBool 5-6 RemoveComment 3 "
+     "WriteError 4-5 PrintRepeatRows 1 PrintRepeatCols 1 PrintArea 1 TableSize 1 Table 2 "
+     "AutoFilter 1 ApplyFilter 1 RemoveFilter 1 SetAutoFitArea 1-5 SetTabColor 2-4"},
+    {2239, "XL_Sheet_",
+     "AddIgnoredError 6 AddDataValidation 10-18 AddDataValidationDouble 10-18 "
+     "RemoveDataValidations 1"},
+    {2243, "XL_AutoFilter_",
+     "GetRef 1 SetRef 5 Column 2 ColumnSize 1 ColumnByIndex 2 GetSortRange 1 GetSort 1 "
+     "SetSort 2-3"},
+    {2251, "XL_FilterColumn_",
+     "Index 1 FilterType 1 FilterSize 1 Filter 2 AddFilter 2 GetTop10 1 SetTop10 2-4 "
+     "GetCustomFilter 1 SetCustomFilter 3-6 Clear 1"},
+    {3000, "XL_Sheet_", "ReadCell 3-4"},
+};
+
+// Constants with rising ids, their values rising by one or doubling.
+struct ConstantRun {
+  int first_id = 0;
+  int first_value = 0;
+  int count = 0;
+  bool doubling = false;
+};
+constexpr ConstantRun kConstants[] = {
+    {5000, 8, 58},      {5058, 81, 1}, {5059, 32767, 1}, {5060, 0, 23}, {5083, 37, 13},
+    {5096, 0, 8},       {5104, 0, 5},  {5109, 0, 14},    {5123, 0, 4},  {5127, 0, 19},
+    {5146, 0, 3},       {5149, 0, 3},  {5152, 33, 2},    {5154, 0, 48}, {5202, 50, 69},
+    {5271, 0, 3},       {5274, 0, 6},  {5280, 0, 1},     {5281, 7, 1},  {5282, 15, 1},
+    {5283, 23, 1},      {5284, 29, 1}, {5285, 36, 1},    {5286, 42, 1}, {5287, 255, 1},
+    {5288, 0, 2},       {5290, 3, 5},  {5295, 255, 1},   {5296, 0, 3},  {5299, -2, 2},
+    {5301, 0, 3},       {5304, 0, 8},  {5312, 0, 6},     {5318, -1, 2}, {5320, 1, 15, true},
+    {5335, 1, 8, true}, {5343, 0, 8},  {5351, 0, 8},     {5359, 0, 3},
+};
+
+// Texts that the host asks for by kind: the name twice, the description, the text with the version.
+constexpr int kHostTexts[] = {1, 128, 130, 65000};
+
+// Functions after which the handle of the book names something else.
+const std::set<std::string> kTakeBookHandle = {
+    "XL_Sheet_CellType",
+    "XL_Sheet_CellFormat",
+    "XL_Sheet_ReadError",
+    "XL_Sheet_AutoFilter",
+    "XL_Format_Font",
+    "XL_AutoFilter_Column",
+    "XL_AutoFilter_ColumnByIndex",
+    "XL_FilterColumn_FilterType",
+};
+
+struct Entry {
+  int id;
+  std::string text;
+
+  std::string prototype() const { return text.substr(0, text.find('|')); }
+  std::string name() const { return prototype().substr(0, prototype().find(" (")); }
+  std::string description() const { return text.substr(text.find('|') + 1); }
+};
+
+// Steps over the text up to and including the end mark.
+std::string take_until(const std::string& table, std::size_t& at, const std::string& end) {
+  const std::size_t found = table.find(end, at);
+  if (found == std::string::npos)
+    throw std::runtime_error("no " + end + " after " + table.substr(at, 40));
+  std::string taken = table.substr(at, found - at);
+  at = found + end.size();
+  return taken;
+}
+
+std::string unescaped(const std::string& text) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\\') ++i;
+    plain += text.at(i);
+  }
+  return plain;
+}
+
+// The entries in the table's order, each of which stands on one line between comments. Throws at
+// anything else, so that a quote too many does not hide what follows it.
+std::vector<Entry> read_entries() {
+  std::ifstream file(STRINGS_TABLE, std::ios::binary);
+  const std::string table{std::istreambuf_iterator<char>(file), {}};
+  static const std::regex line(R"re("(\d+)" = "((?:[^"\\]|\\["\\])*)";)re");
+  std::vector<Entry> entries;
+  std::size_t at = 0;
+  while ((at = table.find_first_not_of('\n', at)) != std::string::npos) {
+    if (table.compare(at, 2, "/*") == 0) {
+      take_until(table, at, "*/");
+      continue;
+    }
+    const std::string entry = take_until(table, at, "\n");
+    std::smatch match;
+    if (!std::regex_match(entry, match, line)) throw std::runtime_error("not an entry: " + entry);
+    entries.push_back({std::stoi(match[1]), unescaped(match[2])});
+  }
+  return entries;
+}
+
+const std::vector<Entry>& entries() {
+  static const std::vector<Entry> all = read_entries();
+  return all;
+}
+
+std::vector<Entry> described_entries() {
+  std::vector<Entry> described;
+  std::copy_if(entries().begin(), entries().end(), std::back_inserter(described),
+               [](const Entry& e) {
+                 return std::find(std::begin(kHostTexts), std::end(kHostTexts), e.id) ==
+                        std::end(kHostTexts);
+               });
+  return described;
+}
+
+// The counts of parameters that a prototype shows: "2", or "2-3" with optional ones in braces.
+std::string counts(const std::string& prototype) {
+  const auto semicolons = [](const std::string& part) {
+    return std::count(part.begin(), part.end(), ';');
+  };
+  if (prototype.find(" ( ") == std::string::npos) return "0";
+  const std::string required = prototype.substr(0, prototype.find('{'));
+  const auto least = 1 + semicolons(required);
+  if (required.size() == prototype.size()) return std::to_string(least);
+  return std::to_string(least) + "-" + std::to_string(1 + semicolons(prototype));
+}
+
+std::map<int, std::string> expected_functions() {
+  std::map<int, std::string> functions;
+  for (const FunctionRun& run : kFunctions) {
+    std::istringstream words(run.names_and_counts);
+    std::string name;
+    std::string count;
+    for (int id = run.first_id; words >> name >> count; ++id)
+      functions[id].append(run.prefix).append(name).append(" ").append(count);
+  }
+  return functions;
+}
+
+std::map<int, int> expected_constants() {
+  std::map<int, int> constants;
+  for (const auto& [first_id, first_value, count, doubling] : kConstants)
+    for (int i = 0; i < count; ++i)
+      constants[first_id + i] = doubling ? first_value << i : first_value + i;
+  return constants;
+}
+
+std::size_t utf16_units(const std::string& text) {
+  std::size_t units = 0;
+  for (const char byte : text) {
+    const auto value = static_cast<unsigned char>(byte);
+    if ((value & 0xC0) != 0x80) units += value >= 0xF0 ? 2 : 1;
+  }
+  return units;
+}
+
+TEST(StringsTable, HoldsEveryIdOnce) {
+  std::vector<int> wanted(std::begin(kHostTexts), std::end(kHostTexts));
+  for (const auto& [id, function] : expected_functions()) wanted.push_back(id);
+  for (const auto& [id, value] : expected_constants()) wanted.push_back(id);
+  std::vector<int> found;
+  for (const Entry& entry : entries()) found.push_back(entry.id);
+  EXPECT_THAT(found, testing::UnorderedElementsAreArray(wanted));
+}
+
+TEST(StringsTable, EntriesHaveNamePrototypeAndDescription) {
+  // Names are told apart without regard to case, as the host does.
+  const std::regex prototype(R"((XL_\w+)( \( \w+( ; \w+)*( \{; \w+( ; \w+)*\})? \))?)");
+  std::set<std::string> names;
+  for (const Entry& entry : described_entries()) {
+    SCOPED_TRACE(entry.text);
+    EXPECT_TRUE(std::regex_match(entry.prototype(), prototype));
+    EXPECT_EQ(std::count(entry.text.begin(), entry.text.end(), '|'), 1);
+    EXPECT_TRUE(entry.description().ends_with("."));
+    EXPECT_LE(utf16_units(entry.text), kLongestEntry);
+    std::string name = entry.name();
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return std::tolower(c); });
+    EXPECT_TRUE(names.insert(name).second);
+  }
+}
+
+TEST(StringsTable, PrototypesShowTheCountsOfParameters) {
+  std::map<int, std::string> found;
+  for (const Entry& entry : described_entries())
+    if (entry.id < kFirstConstant) found[entry.id] = entry.name() + " " + counts(entry.prototype());
+  EXPECT_EQ(found, expected_functions());
+}
+
+TEST(StringsTable, ConstantsTellTheirValues) {
+  const std::map<int, int> values = expected_constants();
+  for (const Entry& entry : described_entries()) {
+    if (entry.id < kFirstConstant) continue;
+    SCOPED_TRACE(entry.text);
+    EXPECT_EQ(counts(entry.prototype()), "0");
+    EXPECT_TRUE(entry.text.ends_with(". Value " + std::to_string(values.at(entry.id)) + "."));
+  }
+}
+
+// A description names functions and constants, or a group of them by the start of their names.
+TEST(StringsTable, DescriptionsNameOnlyWhatExists) {
+  std::set<std::string> names;
+  for (const Entry& entry : described_entries()) names.insert(entry.name());
+  const std::regex mention(R"((XL_\w+)( constant| function)?)");
+  for (const Entry& entry : described_entries()) {
+    const std::string text = entry.description();
+    for (std::sregex_iterator i(text.begin(), text.end(), mention), end; i != end; ++i) {
+      const std::string name = (*i)[1];
+      const auto next = names.lower_bound(name);
+      const bool is_start = next != names.end() && next->starts_with(name);
+      EXPECT_TRUE(names.contains(name) || ((*i)[2].matched && is_start))
+          << name << " in " << entry.text;
+    }
+  }
+}
+
+TEST(StringsTable, WarnsWhereTheHandleOfTheBookIsTaken) {
+  std::set<std::string> warning;
+  for (const Entry& entry : described_entries())
+    if (entry.description().find("handle no longer names the book: save first") !=
+        std::string::npos)
+      warning.insert(entry.name());
+  EXPECT_EQ(warning, kTakeBookHandle);
+}
+
+// The text with the version is cut to the length of its format.
+TEST(StringsTable, VersionTextLosesNothingVisible) {
+  const auto format = std::find_if(entries().begin(), entries().end(),
+                                   [](const Entry& e) { return e.id == 65000; });
+  const std::size_t placeholder = format->text.find("%@");
+  ASSERT_NE(placeholder, std::string::npos);
+  EXPECT_EQ(format->text.find('%', placeholder + 1), std::string::npos);
+  std::string whole = format->text;
+  whole.replace(placeholder, 2, PROJECT_VERSION);
+  const std::string lost = whole.substr(std::min(whole.size(), format->text.size()));
+  EXPECT_EQ(lost.find_first_not_of(' '), std::string::npos) << "cut off: " << lost;
+}
+
+}  // namespace

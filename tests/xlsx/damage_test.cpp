@@ -1,0 +1,127 @@
+// Files that are refused, and with which words.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/xlsx/packages.h"
+
+namespace engine::xlsx {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+TEST(Damage, InAWorksheetNamesTheCell) {
+  struct Case {
+    const char* rows;
+    const char* text;
+  };
+  constexpr Case kCases[] = {
+      {"<row r=\"7\"><c r=\"B7\" t=\"s\"><v>40</v></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell B7, text 40 of 2"},
+      {"<row r=\"7\"><c t=\"s\"><v>-1</v></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell A7, text -1 of 2"},
+      {"<row r=\"7\"><c r=\"C7\"><v>abc</v></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell C7, \"abc\" is not a number"},
+      {"<row r=\"7\"><c r=\"C7\"><v>1e999</v></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell C7, \"1e999\" is not a number"},
+      {"<row r=\"7\"><c r=\"C7\" t=\"b\"><v>2</v></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell C7, \"2\" is not a true/false value"},
+      {"<row r=\"7\"><c r=\"C7\" t=\"d\"><v>today</v></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell C7, \"today\" is not a date"},
+      {"<row r=\"7\"><c r=\"C7\" t=\"q\"><v>1</v></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell C7, type \"q\" is not known"},
+      {"<row r=\"7\"><c r=\"C7\"><f t=\"shared\" si=\"3\"/></c></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell C7, shared formula 3 is missing"},
+      {"<row r=\"7\"><c r=\"XFE7\"/></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell XFE7, is beyond the last cell"},
+      {"<row r=\"7\"><c r=\"7C\"/></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell address \"7C\" is not one"},
+      {"<row r=\"1048577\"/>", "is damaged: xl/worksheets/sheet1.xml, row 1048577 of 1048576"},
+      {"<row r=\"1048576\"/><row><c/></row>",
+       "is damaged: xl/worksheets/sheet1.xml, cell A1048577, is beyond the last cell"},
+  };
+  for (const auto& [rows, text] : kCases)
+    EXPECT_EQ(refusal(zip(book_of(worksheet(rows)))), text) << rows;
+}
+
+TEST(Damage, OfOneSheetLeavesTheBookUsable) {
+  PartTexts parts = book_of(worksheet("<row><c t=\"s\"><v>9</v></c></row>"));
+  const auto book = load(parts);
+  EXPECT_THROW(book->read(), package::FileError);
+  EXPECT_EQ(book->sheet().loading, Loading::kUnread);
+  EXPECT_EQ(unzip(book->save()), unzip(zip(parts)));
+}
+
+TEST(Damage, FilesThatAreNoWorkbook) {
+  const PartTexts good = book_of(worksheet(""));
+  PartTexts no_main = good;
+  no_main.erase("xl/workbook.xml");
+  PartTexts document = good;
+  document["xl/workbook.xml"] = "<w:document xmlns:w=\"urn:w\"/>";
+  PartTexts binary = good;
+  binary["[Content_Types].xml"] =
+      types({{"xl/workbook.xml", "vnd.ms-excel.sheet.binary.macroEnabled.main"}});
+  PartTexts no_sheet = good;
+  no_sheet.erase("xl/worksheets/sheet1.xml");
+  std::string compound = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(1016, '\0');
+  const auto with_entry = [&](std::string_view name) {
+    std::string file = compound;
+    for (std::size_t i = 0; i < name.size(); ++i) file[512 + 128 + 2 * i] = name[i];
+    return file;
+  };
+  const std::pair<std::string, const char*> kCases[] = {
+      {"", "is not an .xlsx workbook"},
+      {"a;b;c\n1;2;3\n", "is not an .xlsx workbook"},
+      {"<html><body>", "is not an .xlsx workbook"},
+      {zip({{"a.txt", "x"}}), "is not an .xlsx workbook"},
+      {zip(document), "is not an .xlsx workbook"},
+      {zip(binary), "is a binary .xlsb workbook"},
+      {zip(no_main), "is damaged: xl/workbook.xml, is missing"},
+      {zip(no_sheet), "is damaged: xl/worksheets/sheet1.xml, is missing"},
+      {with_entry("Workbook"), "is an .xls workbook, not .xlsx"},
+      {with_entry("Book"), "is an Excel 5.0/95 or older workbook"},
+      {with_entry("EncryptedPackage"), "is protected by a password"},
+      {compound, "is not an .xlsx workbook"},
+  };
+  for (const auto& [bytes, text] : kCases) EXPECT_EQ(refusal(bytes), text);
+}
+
+TEST(Damage, OptionalPartsStopNothing) {
+  PartTexts parts = book_of(worksheet("<row><c><v>1</v></c></row>"));
+  parts["xl/theme/theme1.xml"] = "<broken";
+  parts["xl/comments1.xml"] = "<broken";
+  parts["xl/_rels/workbook.xml.rels"] = relations({{"worksheet", "worksheets/sheet1.xml"},
+                                                   {"sharedStrings", "nowhere.xml"},
+                                                   {"theme", "theme/theme1.xml"},
+                                                   {"calcChain", "NULL"}});
+  parts["xl/worksheets/_rels/sheet1.xml.rels"] = relations({{"comments", "../comments1.xml"}});
+  const auto book = load(parts);
+  EXPECT_EQ(book->read().cells.cell_count(), 1u);
+  EXPECT_THAT(book->sheet().comments_damage, StartsWith("is damaged: xl/comments1.xml"));
+  EXPECT_EQ(unzip(book->save()).at("xl/comments1.xml"), "<broken");
+}
+
+// Whatever is cut off, the file is refused or what is there is read.
+TEST(Damage, EveryPrefixOfAFileIsRefused) {
+  const std::string file = zip(book_of(worksheet("<row><c t=\"s\"><v>1</v></c></row>")));
+  for (std::size_t size = 0; size < file.size(); ++size)
+    EXPECT_NE(refusal(std::string_view(file).substr(0, size)), "") << size;
+}
+
+// The same for the XML of each part, which an intact archive delivers.
+TEST(Damage, EveryPrefixOfAPartIsReadOrRefused) {
+  const PartTexts good =
+      book_of(worksheet("<row r=\"1\" ht=\"3\"><c r=\"A1\" t=\"s\"><v>1</v></c><c "
+                        "r=\"B1\"><f>A1</f><v>2</v></c></row>",
+                        "<cols><col min=\"1\" max=\"2\" width=\"3\"/></cols>"));
+  for (const auto& [name, text] : good) {
+    PartTexts parts = good;
+    for (std::size_t size = 0; size < text.size(); ++size) {
+      parts[name] = text.substr(0, size);
+      EXPECT_NE(refusal(zip(parts)), "") << name << " " << size;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace engine::xlsx

@@ -1,0 +1,103 @@
+// Books that are begun here.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/xlsx/packages.h"
+
+namespace engine::xlsx {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+TEST(NewBook, ComesBackAsItWas) {
+  const auto book = new_book();
+  Workbook& workbook = book->workbook;
+  Sheet& sheet = book->add_sheet("Größe & <Maß>");
+  Sheet& hidden = book->add_sheet("Hidden");
+  hidden.visibility = SheetVisibility::kVeryHidden;
+  hidden.selected = true;
+  workbook.active_sheet = 1;
+  workbook.date1904 = true;
+  workbook.r1c1 = true;
+  workbook.needs_calculation = true;
+  workbook.names = {{"Rate", "0.19", nullptr, false, ""},
+                    {"_xlnm.Print_Area", "Hidden!$A$1:$B$2", &hidden, true, ""}};
+  const auto text = [&](const char* value) { return Value::of_text(workbook.strings.add(value)); };
+  const std::string odd = " \x01 _x0041_ <&>\"'\r\n\t";
+  sheet.put_value(0, 0, text(odd.c_str()), {});
+  sheet.put_value(0, 1, text(""), {});
+  sheet.put_value(0, 16383, Value::of_number(1e300), {});
+  sheet.put_value(1048575, 0, Value::of_boolean(true), {});
+  sheet.put_value(5, 5, Value::of_error(error_number(workbook, "#SPILL!")), {});
+  sheet.put_blank(6, 6, {});
+  CellRecord record;
+  record.formula = "A1&\"<>\"";
+  record.value = text("of \x02 formula");
+  sheet.put_record(3, 3, std::move(record), {});
+  sheet.comments[{2, 2}] = {"note", "author", 0, 0, true};
+  sheet.comments_changed = true;
+
+  const auto again = load(book->save());
+  const Workbook& read = again->workbook;
+  again->read(0);
+  ASSERT_EQ(read.sheets.size(), 2u);
+  EXPECT_EQ(read.sheets[0]->name, "Größe & <Maß>");
+  EXPECT_EQ(again->sheet(1).visibility, SheetVisibility::kVeryHidden);
+  EXPECT_TRUE(again->read(1).selected && !again->sheet(0).selected);
+  EXPECT_TRUE(read.date1904 && read.r1c1);
+  EXPECT_EQ(read.active_sheet, 1u);
+  ASSERT_EQ(read.names.size(), 2u);
+  EXPECT_EQ(read.names[1].scope, &again->sheet(1));
+  EXPECT_TRUE(read.names[1].hidden);
+  EXPECT_EQ(again->show(0, 0), "\"" + odd + "\"");
+  EXPECT_EQ(again->show(0, 1), "\"\"");
+  EXPECT_EQ(again->sheet().cells.find(0, 16383)->number, 1e300);
+  EXPECT_EQ(again->show(1048575, 0), "TRUE");
+  EXPECT_EQ(again->show(5, 5), "#SPILL!");
+  EXPECT_EQ(again->show(6, 6), "-");
+  EXPECT_EQ(again->show(3, 3), "=A1&\"<>\": \"of \x02 formula\"");
+  EXPECT_EQ(again->sheet().comments.at({2, 2}).text, "note");
+  EXPECT_THAT(unzip(book->save()).at("xl/workbook.xml"), HasSubstr("fullCalcOnLoad=\"1\""));
+}
+
+TEST(NewBook, SavingAgainGivesTheSameBytes) {
+  const auto book = new_book();
+  Sheet& sheet = book->add_sheet("One");
+  sheet.put_value(0, 0, Value::of_text(book->workbook.strings.add("text")), {});
+  sheet.comments[{2, 2}] = {"note", "author", 0, 0, true};
+  sheet.comments_changed = true;
+  const std::string first = book->save();
+  EXPECT_EQ(book->save(), first);
+}
+
+TEST(NewBook, HoldsOnlyTextsThatCellsShow) {
+  const auto book = new_book();
+  Sheet& sheet = book->add_sheet("One");
+  StringPool& strings = book->workbook.strings;
+  strings.add("of nobody");
+  sheet.put_value(0, 0, Value::of_text(strings.add("b")), {});
+  sheet.put_value(1, 0, Value::of_text(strings.add("a\nb")), {});
+  sheet.put_value(2, 0, Value::of_text(strings.add("b")), {});
+  const PartTexts parts = unzip(book->save());
+  EXPECT_THAT(parts.at("xl/sharedStrings.xml"),
+              HasSubstr("count=\"3\" uniqueCount=\"2\"><si><t>b</t></si><si><t "
+                        "xml:space=\"preserve\">a\nb</t></si></sst>"));
+  EXPECT_THAT(parts.at("xl/worksheets/sheet1.xml"), HasSubstr("<c r=\"A3\" t=\"s\"><v>0</v></c>"));
+}
+
+TEST(NewBook, TellsItsKindByContentType) {
+  const auto book = new_book();
+  book->add_sheet("One");
+  const auto kind = [&](bool as_template) {
+    return unzip(book->save({as_template})).at("[Content_Types].xml");
+  };
+  EXPECT_THAT(kind(false), HasSubstr("spreadsheetml.sheet.main+xml"));
+  EXPECT_THAT(kind(true), HasSubstr("spreadsheetml.template.main+xml"));
+  EXPECT_TRUE(load(book->save({true}))->workbook.is_template);
+  book->workbook.has_macros = true;
+  EXPECT_THAT(kind(true), HasSubstr("ms-excel.template.macroEnabled.main+xml"));
+}
+
+}  // namespace
+}  // namespace engine::xlsx

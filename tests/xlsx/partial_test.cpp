@@ -1,0 +1,80 @@
+// Books of which only a sheet, or some rows of it, are loaded.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/xlsx/packages.h"
+
+namespace engine::xlsx {
+namespace {
+
+// Four rows: a shared formula that begins outside, a text of the list, one of its own, a number.
+constexpr const char* kRows =
+    "<row r=\"1\" ht=\"9\"><c r=\"A1\"><f t=\"shared\" ref=\"A1:A3\" "
+    "si=\"0\">B1</f><v>1</v></c></row>"
+    "<row r=\"2\"><c r=\"A2\"><f t=\"shared\" si=\"0\"/><v>2</v></c><c r=\"B2\"><v>22</v></c></row>"
+    "<row r=\"3\"><c r=\"A3\"><f t=\"shared\" si=\"0\"/><v>3</v></c><c r=\"B3\" "
+    "t=\"s\"><v>1</v></c>"
+    "</row><row r=\"4\"><c r=\"A4\" t=\"str\"><v>own</v></c><c r=\"B4\" t=\"e\"><v>#SPILL!</v></c>"
+    "<c r=\"C4\" t=\"str\"><f>One!B4</f><v>result</v></c></row>";
+
+std::unique_ptr<Book> load_rows(int first, int last) {
+  auto book = load(book_of(worksheet(kRows)));
+  book->sheet().loading = Loading::kPartly;
+  book->sheet().loaded_rows = {first, last, 0, 16383};
+  book->read();
+  return book;
+}
+
+TEST(PartialLoad, ReadsOnlyItsRows) {
+  const auto book = load_rows(1, 1);
+  EXPECT_EQ(book->sheet().loading, Loading::kPartly);
+  EXPECT_EQ(book->show(1, 0), "=B2: 2.");
+  CellRange used;
+  ASSERT_TRUE(book->sheet().cells.used_range(&used));
+  EXPECT_EQ(used, (CellRange{1, 1, 0, 1}));
+  EXPECT_EQ(book->sheet().cells.rows().size(), 1u);
+}
+
+TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
+  const auto book = load_rows(1, 2);
+  StringPool& strings = book->workbook.strings;
+  book->sheet().put_value(1, 1, Value::of_text(strings.add("new")), {});
+  book->sheet().put_value(2, 5, Value::of_text(strings.add("newer")), {});
+  const std::string first = book->save();
+  EXPECT_EQ(book->save(), first);
+  const auto again = load(first);
+  again->read();
+  constexpr std::pair<CellAddress, const char*> kCells[] = {
+      {{0, 0}, "=B1: 1."},   {{1, 0}, "=B2: 2."},
+      {{1, 1}, "\"new\""},   {{2, 1}, "\"one\""},
+      {{2, 5}, "\"newer\""}, {{3, 0}, "\"own\""},
+      {{3, 1}, "#SPILL!"},   {{3, 2}, "=One!B4: \"result\""}};
+  for (const auto& [at, shown] : kCells)
+    EXPECT_EQ(again->show(at.row, at.column), shown) << at.row << " " << at.column;
+  EXPECT_EQ(again->sheet().properties_at(0).height, 9);
+}
+
+TEST(PartialLoad, FormulasOfTheOtherRowsFollow) {
+  const auto book = load_rows(1, 1);
+  book->document->edit_formulas(book->workbook, [](const Sheet*, std::string_view formula) {
+    return formula == "One!B4" ? std::optional<std::string>("Two!B4") : std::nullopt;
+  });
+  const auto again = load(book->save());
+  again->read();
+  EXPECT_EQ(again->show(3, 2), "=Two!B4: \"result\"");
+  EXPECT_EQ(again->show(3, 0), "\"own\"");
+  EXPECT_EQ(again->show(1, 0), "=B2: 2.");
+}
+
+TEST(PartialLoad, ExcludedSheetsStayExcluded) {
+  const PartTexts parts = book_of(worksheet(kRows));
+  const auto book = load(parts);
+  book->sheet().loading = Loading::kExcluded;
+  EXPECT_EQ(unzip(book->save()), parts);
+  book->read();
+  EXPECT_EQ(book->sheet().loading, Loading::kExcluded);
+  EXPECT_EQ(book->show(1, 1), "22.");
+}
+
+}  // namespace
+}  // namespace engine::xlsx

@@ -1,0 +1,80 @@
+#include "engine/xlsx/parts.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/xlsx/packages.h"
+
+namespace engine::xlsx {
+namespace {
+
+TEST(Relationships, LeadFromPartToPart) {
+  struct Case {
+    const char* owner;
+    const char* target;
+    const char* part;
+  };
+  constexpr Case kCases[] = {
+      {"", "xl/workbook.xml", "xl/workbook.xml"},
+      {"", "/xl/workbook.xml", "xl/workbook.xml"},
+      {"xl/workbook.xml", "worksheets/sheet1.xml", "xl/worksheets/sheet1.xml"},
+      {"xl/worksheets/sheet1.xml", "../drawings/a.vml", "xl/drawings/a.vml"},
+      {"xl/worksheets/sheet1.xml", "..\\drawings\\a.vml", "xl/drawings/a.vml"},
+      {"xl/workbook.xml", "./a//b/../c.xml#there", "xl/a/c.xml"},
+      {"xl/workbook.xml", "../../../a.xml", "a.xml"},
+      {"xl/workbook.xml", "NULL", "xl/NULL"},
+  };
+  for (const auto& [owner, target, part] : kCases)
+    EXPECT_EQ(resolve_target(owner, target), part) << target;
+}
+
+TEST(Relationships, AreWrittenRelative) {
+  EXPECT_EQ(relative_target("", "xl/workbook.xml"), "xl/workbook.xml");
+  EXPECT_EQ(relative_target("xl/workbook.xml", "xl/worksheets/a.xml"), "worksheets/a.xml");
+  EXPECT_EQ(relative_target("xl/worksheets/a.xml", "xl/tables/b.xml"), "../tables/b.xml");
+  EXPECT_EQ(relative_target("book/sheets/a.xml", "xl/b.xml"), "../../xl/b.xml");
+}
+
+TEST(Parts, AreFoundWithoutCaseAndThroughPercentEscapes) {
+  PartTexts texts = book_of(worksheet(""));
+  texts["xl/my sheet.xml"] = worksheet("");
+  texts["xl/_rels/workbook.xml.rels"] =
+      relations({{"worksheet", "My%20Sheet.xml"}, {"sharedStrings", "/XL/sharedstrings.XML"}});
+  const Parts parts(source_of(zip(texts)));
+  ASSERT_NE(parts.related("xl/workbook.xml", "worksheet"), nullptr);
+  EXPECT_EQ(parts.related("xl/workbook.xml", "worksheet")->name, "xl/my sheet.xml");
+  EXPECT_NE(parts.related("xl/Workbook.xml", "sharedStrings"), nullptr);
+}
+
+TEST(Parts, PruningTakesOnlyWhatNothingElseNeeds) {
+  PartTexts texts = book_of(worksheet(""));
+  texts["xl/worksheets/_rels/sheet1.xml.rels"] =
+      relations({{"drawing", "../drawings/drawing1.xml"}, {"image", "../media/shared.png"}});
+  texts["xl/drawings/drawing1.xml"] = "<d/>";
+  texts["xl/media/shared.png"] = "png";
+  texts["xl/orphan.xml"] = "<o/>";
+  texts["xl/_rels/workbook.xml.rels"] =
+      relations({{"worksheet", "worksheets/sheet1.xml"}, {"image", "media/shared.png"}});
+  Parts parts(source_of(zip(texts)));
+  parts.prune("xl/workbook.xml", "rId1");
+  EXPECT_EQ(parts.find("xl/worksheets/sheet1.xml"), nullptr);
+  EXPECT_EQ(parts.find("xl/drawings/drawing1.xml"), nullptr);
+  EXPECT_NE(parts.find("xl/media/shared.png"), nullptr);
+  EXPECT_NE(parts.find("xl/orphan.xml"), nullptr);
+
+  package::MemoryOutput output;
+  parts.write(output);
+  const PartTexts saved = unzip(output.view());
+  EXPECT_FALSE(saved.contains("xl/worksheets/_rels/sheet1.xml.rels"));
+  EXPECT_EQ(saved.at("[Content_Types].xml").find("sheet1.xml"), std::string::npos);
+}
+
+TEST(Parts, NewNamesAndIdsAreFree) {
+  PartTexts texts = book_of(worksheet(""));
+  texts["xl/worksheets/SHEET2.xml"] = "";
+  Parts parts(source_of(zip(texts)));
+  EXPECT_EQ(parts.free_name("xl/worksheets/sheet#.xml"), "xl/worksheets/sheet3.xml");
+  EXPECT_EQ(parts.relate("xl/workbook.xml", "styles", "xl/styles.xml"), "rId3");
+}
+
+}  // namespace
+}  // namespace engine::xlsx
