@@ -1,7 +1,5 @@
 #include "host/general_functions.h"
 
-#include <exception>
-#include <new>
 #include <string>
 
 // None of these runs the call frame, which would wipe out the error that a calculation is about to
@@ -23,14 +21,10 @@ short last_error_message(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::
 }
 
 short last_error(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
-  try {
+  return code_of([&] {
     SetResult(static_cast<double>(g_last_error), result);
     return codes::kNone;
-  } catch (const std::bad_alloc&) {
-    return codes::kOutOfMemory;
-  } catch (const std::exception&) {
-    return codes::kOther;
-  }
+  });
 }
 
 constexpr bind::Row kRows[] = {

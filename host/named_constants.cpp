@@ -1,9 +1,7 @@
 #include "host/named_constants.h"
 
 #include <algorithm>
-#include <exception>
 #include <iterator>
-#include <new>
 
 #include "platform/libxl/libxl.h"
 #include "runtime/error_state.h"
@@ -75,12 +73,9 @@ double value_of(short id) {
 
 short XL_NamedConstant(short funcId, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
   NoError();
-  try {
+  const short code = code_of([&] {
     SetResult(value_of(funcId), result);
-    return MapError(codes::kNone, false);
-  } catch (const std::bad_alloc&) {
-    return MapError(codes::kOutOfMemory, false);
-  } catch (const std::exception&) {
-    return MapError(codes::kOther, false);
-  }
+    return codes::kNone;
+  });
+  return MapError(code, false);
 }

@@ -32,4 +32,15 @@ inline constexpr const char* type_name<libxl::ErrorType> = "ErrorType";
 template <>
 inline constexpr const char* type_name<libxl::Filter> = "Filter";
 
+// Numbers that functions only take as handles.
+template <>
+inline constexpr const char* type_name<libxl::DataValidationType> = "DataValidationType";
+template <>
+inline constexpr const char* type_name<libxl::DataValidationOperator> = "DataValidationOperator";
+template <>
+inline constexpr const char* type_name<libxl::DataValidationErrorStyle> =
+    "DataValidationErrorStyle";
+template <>
+inline constexpr const char* type_name<libxl::IgnoredError> = "IgnoredError";
+
 }  // namespace bind

@@ -4,6 +4,8 @@
 // back by XL_GetLastError and XL_GetLastErrorMessage on the same thread.
 #pragma once
 
+#include <exception>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -46,3 +48,15 @@ short NoError();
 // first failure of a call wins, also over a later success. With keep the code replaces the
 // thread's error and is returned as it is.
 short MapError(short code, bool keep);
+
+// The code that a body returns, or that of the standard exception it ends with.
+template <class Body>
+short code_of(Body body) {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    return codes::kOutOfMemory;
+  } catch (const std::exception&) {
+    return codes::kOther;
+  }
+}

@@ -1,8 +1,5 @@
 #include "runtime/results.h"
 
-#include <exception>
-#include <new>
-
 #include "runtime/error_state.h"
 
 void SetResult(const fmx::Text& value, fmx::Data& result) {
@@ -36,24 +33,11 @@ void SetResult(std::vector<char>& bytes, fmx::Data& result) {
   SetResult(std::string(bytes.begin(), bytes.end()), result);
 }
 
-namespace {
-
-template <class Store>
-fmx::errcode code_of(Store store) {
-  try {
-    store();
-    return codes::kNone;
-  } catch (const std::bad_alloc&) {
-    return codes::kOutOfMemory;
-  } catch (const std::exception&) {
-    return codes::kOther;
-  }
-}
-
-}  // namespace
-
 fmx::errcode TextConstantFunction(std::wstring value, fmx::Data& result) {
-  return code_of([&] { SetResult(value, result); });
+  return code_of([&] {
+    SetResult(value, result);
+    return codes::kNone;
+  });
 }
 
 fmx::errcode TextConstantFunction(std::string value, fmx::Data& result) {
@@ -61,5 +45,6 @@ fmx::errcode TextConstantFunction(std::string value, fmx::Data& result) {
     const fmx::TextUniquePtr text;
     text->Assign(value.c_str(), fmx::Text::kEncoding_Native);
     SetResult(*text, result);
+    return codes::kNone;
   });
 }

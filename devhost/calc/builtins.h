@@ -19,7 +19,7 @@ struct Builtin {
   // -1 for any number.
   int maximum;
   Value (*function)(std::span<const Value> arguments);
-  // Whether arguments may come in brackets, two at a time.
+  // Whether the arguments after the first are pairs, which may stand in brackets.
   bool takes_pairs = false;
 };
 

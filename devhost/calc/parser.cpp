@@ -200,6 +200,9 @@ class Parser {
     if (has_arguments) node->children = arguments(builtin != nullptr && builtin->takes_pairs);
     if (builtin != nullptr) {
       check_count(name, node->children.size(), builtin->minimum, builtin->maximum);
+      if (builtin->takes_pairs && node->children.size() % 2 == 0) {
+        fail_at(name, utf8_from_utf16(name.text) + " takes a text and pairs");
+      }
     } else {
       check_count(name, node->children.size(), external->minimum, external->maximum);
     }

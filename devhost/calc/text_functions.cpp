@@ -89,18 +89,15 @@ Value substitute(Arguments arguments) {
 Value character(Arguments arguments) {
   const double code = std::trunc(arguments[0].number().value);
   if (!(code > 0 && code <= 0x10FFFF)) return {};
-  const auto point = static_cast<char32_t>(code);
-  if (point < 0x10000) return Value(std::u16string(1, static_cast<char16_t>(point)));
-  return Value(std::u16string{static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)),
-                              static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF))});
+  std::u16string text;
+  append_character(text, static_cast<char32_t>(code));
+  return Value(std::move(text));
 }
 
 // Of the first character.
 Value code(Arguments arguments) {
   const std::u16string_view text = arguments[0].units();
-  if (text.empty()) return {};
-  if (character_length(text) == 1) return Value(static_cast<double>(text[0]));
-  return Value(static_cast<double>(0x10000 + ((text[0] - 0xD800) << 10) + (text[1] - 0xDC00)));
+  return text.empty() ? Value() : Value(static_cast<double>(first_character(text)));
 }
 
 Value exact(Arguments arguments) {

@@ -47,13 +47,7 @@ void FM_Text_AssignWide(fmx::Text* text, const wchar_t* characters, fmx::ErrorRe
   guarded(error, [&] {
     std::u16string units;
     for (; *characters != 0; ++characters) {
-      const auto character = static_cast<char32_t>(*characters);
-      if (character < 0x10000) {
-        units += static_cast<char16_t>(character);
-      } else {
-        units += static_cast<char16_t>(0xD800 + (((character - 0x10000) >> 10) & 0x3FF));
-        units += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
-      }
+      devhost::append_character(units, static_cast<char32_t>(*characters));
     }
     object_of<TextObject>(text).units = std::move(units);
   });

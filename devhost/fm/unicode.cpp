@@ -13,20 +13,13 @@ bool is_high_surrogate(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; 
 bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 void append(std::u16string& text, utf8proc_int32_t character) {
-  if (character < 0x10000) {
-    text += static_cast<char16_t>(character);
-    return;
-  }
-  text += static_cast<char16_t>(0xD800 + ((character - 0x10000) >> 10));
-  text += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
+  append_character(text, static_cast<char32_t>(character));
 }
 
-// The character at the front, which is taken off. Half a surrogate pair comes back as it is.
+// The character at the front, which is taken off.
 utf8proc_int32_t take_character(std::u16string_view& text) {
-  const std::size_t length = character_length(text);
-  const utf8proc_int32_t character =
-      length == 1 ? text[0] : 0x10000 + ((text[0] - 0xD800) << 10) + (text[1] - 0xDC00);
-  text.remove_prefix(length);
+  const auto character = static_cast<utf8proc_int32_t>(first_character(text));
+  text.remove_prefix(character_length(text));
   return character;
 }
 
@@ -42,6 +35,20 @@ std::u16string changed(std::u16string_view text, Change change) {
 
 std::size_t character_length(std::u16string_view text) {
   return text.size() > 1 && is_high_surrogate(text[0]) && is_low_surrogate(text[1]) ? 2 : 1;
+}
+
+void append_character(std::u16string& text, char32_t character) {
+  if (character < 0x10000) {
+    text += static_cast<char16_t>(character);
+    return;
+  }
+  text += static_cast<char16_t>(0xD800 + (((character - 0x10000) >> 10) & 0x3FF));
+  text += static_cast<char16_t>(0xDC00 + ((character - 0x10000) & 0x3FF));
+}
+
+char32_t first_character(std::u16string_view text) {
+  if (character_length(text) == 1) return text[0];
+  return 0x10000 + ((char32_t{text[0]} - 0xD800) << 10) + (char32_t{text[1]} - 0xDC00);
 }
 
 std::size_t utf8_length(std::u16string_view character) {

@@ -18,6 +18,12 @@ std::size_t character_length(std::u16string_view text);
 // The bytes that a character takes in UTF-8; half a surrogate pair counts as U+FFFD does.
 std::size_t utf8_length(std::u16string_view character);
 
+// A character above the basic plane becomes a surrogate pair.
+void append_character(std::u16string& text, char32_t character);
+
+// The first character of a text that has one; half a surrogate pair comes back as it is.
+char32_t first_character(std::u16string_view text);
+
 std::u16string to_upper(std::u16string_view text);
 std::u16string to_lower(std::u16string_view text);
 

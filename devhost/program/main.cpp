@@ -3,6 +3,9 @@
 // Exit status: 0 done, 1 a calculation could not be evaluated or failed under --strict, 2 bad usage
 // or a plug-in that does not load.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
@@ -10,6 +13,7 @@
 #include <iostream>
 #include <iterator>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -91,6 +95,8 @@ void run(Evaluator& evaluator, const std::string& text) {
 
 std::optional<std::string> read_file(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
+  // Only a file that is empty ends here: one that cannot be read, as a folder, fails otherwise.
+  if (file.peek(); file.eof()) return "";
   std::ostringstream text;
   if (!file || !(text << file.rdbuf())) return std::nullopt;
   return text.str();
@@ -170,12 +176,30 @@ void describe_usage(CLI::App& app, Options& options) {
   functions->add_option("WORD", options.text, "Only those that mention it");
 }
 
-int run_program(int count, char** arguments) {
+// A calculation may begin with a minus sign. A blank before it, which means nothing in a
+// calculation, keeps it from being read as an option; options are words behind two hyphens.
+std::string guard_minus(const std::string& argument) {
+  const bool is_option = argument == "-h" || argument == "--" ||
+                         (argument.starts_with("--") && argument.size() > 2 &&
+                          std::isalpha(static_cast<unsigned char>(argument[2])) != 0);
+  return argument.starts_with('-') && !is_option ? " " + argument : argument;
+}
+
+// Last first, as the parser takes them.
+std::vector<std::string> words_of(std::span<char*> arguments) {
+  std::vector<std::string> words(arguments.begin() + 1, arguments.end());
+  const auto command = std::find(words.begin(), words.end(), "eval");
+  std::transform(command, words.end(), command, guard_minus);
+  std::reverse(words.begin(), words.end());
+  return words;
+}
+
+int run_program(std::span<char*> arguments) {
   CLI::App app("Evaluates calculations; without a command, at a prompt.", "xlcalc");
   Options options;
   describe_usage(app, options);
   try {
-    app.parse(count, arguments);
+    app.parse(words_of(arguments));
     return with_plugin(app, options);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kBadUsage;
@@ -194,7 +218,7 @@ int run_program(int count, char** arguments) {
 
 int main(int count, char** arguments) {
   try {
-    return run_program(count, arguments);
+    return run_program({arguments, static_cast<std::size_t>(count)});
   } catch (...) {
     // Not even the complaint could be written.
     return kFailed;
