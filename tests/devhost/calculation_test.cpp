@@ -168,6 +168,7 @@ TEST(Calculation, TellsWhereItIsWrong) {
       {"Let ( 5 = 1 ; 1 )", "line 1, column 7: the name of a variable is expected here"},
       {"Let ( [ x = 1 y = 2 ] ; 1 )", "line 1, column 15: ; or ] is expected here"},
       {"Left ( [ \"a\" ; 1 ] )", "line 1, column 8: a value is expected here"},
+      {"Substitute ( 1 ; [ 2 ; 3 ] ; 4 )", "line 1, column 1: Substitute takes a text and pairs"},
       {"\"open", "line 1, column 1: text without closing quote"},
       {"1 /* open", "line 1, column 3: comment without end"},
       {"1 + #", "line 1, column 5: unexpected character #"},

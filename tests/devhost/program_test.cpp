@@ -38,6 +38,10 @@ TEST(Program, AnswersWithOutputAndStatus) {
   const Case kCases[] = {
       {"eval '1/4 & ¶ & $n' n=a=b" + plugin, 0, ".25\na=b\n"},
       {"eval '\"\"'" + plugin, 0, ""},
+      {"eval '-$n * -.25' n=2 --strict" + plugin, 0, ".5\n"},
+      {"eval '--(1)'" + plugin, 0, "1\n"},
+      {"run /dev/null" + plugin, 0, ""},
+      {"run /" + plugin, 2, "xlcalc: script \"/\" cannot be read\n"},
       {"eval '$n = 5' n=5" + plugin, 0, "1\n"},
       {"eval '1 +'" + plugin, 1, "xlcalc: line 1, column 4: a value is expected here\n"},
       {"eval Fake_Fail" + plugin, 0, failure + "?\n"},
@@ -57,7 +61,8 @@ TEST(Program, AnswersWithOutputAndStatus) {
     EXPECT_EQ(result.status, status);
     EXPECT_EQ(result.output, output);
   }
-  for (const char* arguments : {"eval", "eval 1 n", "eval 1 =2", "run", "nothing", "--nothing"}) {
+  for (const char* arguments :
+       {"eval", "eval 1 n", "eval 1 =2", "eval 1 --nothing", "run", "nothing", "--nothing"}) {
     EXPECT_EQ(run(arguments).status, 2) << arguments;
   }
   std::filesystem::remove(script);
