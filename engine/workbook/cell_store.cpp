@@ -38,15 +38,14 @@ Row* CellStore::find_row(int row) {
   return const_cast<Row*>(static_cast<const CellStore*>(this)->find_row(row));
 }
 
-const Cell* CellStore::find(int row, int column) const {
-  return const_cast<CellStore*>(this)->find(row, column);
-}
-
-Cell* CellStore::find(int row, int column) {
-  Row* at = find_row(row);
+const Cell* CellStore::search(int row, int column) const {
+  const Row* at = find_row(row);
   if (!at) return nullptr;
-  Cell* cell = first_from(at->span(), column);
-  return cell != at->cells + at->count && cell->column == column ? cell : nullptr;
+  const auto cells = at->span();
+  const auto found = std::ranges::lower_bound(cells, column, {}, &Cell::column);
+  if (found == cells.end() || found->column != column) return nullptr;
+  cell_cursor_ = static_cast<std::size_t>(found - cells.begin());
+  return &*found;
 }
 
 Row& CellStore::row_at(int row) {

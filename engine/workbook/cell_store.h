@@ -42,8 +42,13 @@ class CellStore {
 
   const Row* find_row(int row) const;
   Row* find_row(int row);
-  const Cell* find(int row, int column) const;
-  Cell* find(int row, int column);
+  const Cell* find(int row, int column) const {
+    const Cell* next = near_cursor(row, column);
+    return next ? next : search(row, column);
+  }
+  Cell* find(int row, int column) {
+    return const_cast<Cell*>(static_cast<const CellStore*>(this)->find(row, column));
+  }
 
   // The row or cell at the place; made, empty or blank with format 0, when there is none yet.
   Row& row_at(int row);
@@ -58,6 +63,16 @@ class CellStore {
   std::size_t cell_count() const;
 
  private:
+  // The cell if it is the one found last or the next of its row.
+  const Cell* near_cursor(int row, int column) const {
+    if (cursor_ >= rows_.size()) return nullptr;
+    const Row& last = rows_[cursor_];
+    if (last.number != static_cast<std::uint32_t>(row)) return nullptr;
+    for (std::size_t near = cell_cursor_; near < cell_cursor_ + 2 && near < last.count; ++near)
+      if (last.cells[near].column == column) return &last.cells[cell_cursor_ = near];
+    return nullptr;
+  }
+  const Cell* search(int row, int column) const;
   std::size_t lower_bound(std::uint32_t row) const;
   Cell* allocate(std::size_t count);
   void grow(Row& row);
@@ -67,7 +82,9 @@ class CellStore {
   std::vector<std::unique_ptr<Cell[]>> blocks_;
   Cell* free_ = nullptr;  // first unused cell of the newest block
   Cell* block_end_ = nullptr;
-  mutable std::size_t cursor_ = 0;  // the row found last: most calls ask for it or the next
+  // The row and its cell found last: most calls ask for them or the next.
+  mutable std::size_t cursor_ = 0;
+  mutable std::size_t cell_cursor_ = 0;
 };
 
 }  // namespace engine

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cwchar>
 
 namespace engine {
 
@@ -44,6 +45,12 @@ std::uint32_t next_code(std::string_view& utf8) {
 void to_utf8(const wchar_t* text, std::string& utf8) {
   utf8.clear();
   if (!text) return;
+  // Most texts are ASCII from end to end.
+  utf8.resize(std::wcslen(text));
+  char* out = utf8.data();
+  for (; *text > 0 && *text < 0x80; ++text) *out++ = static_cast<char>(*text);
+  if (*text == 0) return;
+  utf8.resize(static_cast<std::size_t>(out - utf8.data()));
   for (; *text != 0; ++text) {
     auto code = static_cast<std::uint32_t>(*text);
     if (is_high_surrogate(code) && is_low_surrogate(static_cast<std::uint32_t>(text[1]))) {
@@ -63,7 +70,12 @@ std::string to_utf8(const wchar_t* text) {
 }
 
 void to_wide(std::string_view utf8, std::wstring& wide) {
-  wide.clear();
+  wide.resize(utf8.size());
+  std::size_t ascii = 0;
+  for (; ascii < utf8.size() && static_cast<signed char>(utf8[ascii]) >= 0; ++ascii)
+    wide[ascii] = static_cast<wchar_t>(utf8[ascii]);
+  wide.resize(ascii);
+  utf8.remove_prefix(ascii);
   while (!utf8.empty()) {
     const std::uint32_t code = next_code(utf8);
     if (code < 0x10000) {

@@ -170,21 +170,24 @@ PartBlocks write_shared_strings(std::string stored, std::string_view part, const
   const std::uint64_t unique = pool.count_from_file() + texts.added().size();
   auto halves = std::make_shared<const Halves>(
       stored.empty() ? new_halves(count, unique) : cut(std::move(stored), part, count, unique));
-  const std::size_t slices = (halves->head.size() + kSliceSize - 1) / kSliceSize;
+  // What is left of the head behind its whole slices goes with the first texts, and the tail with
+  // the last: a small table is one block.
+  const std::size_t slices = halves->head.size() / kSliceSize;
   const std::size_t groups = (texts.added().size() + kTextsPerBlock - 1) / kTextsPerBlock;
   PartBlocks blocks;
-  blocks.count = slices + groups + 1;
-  blocks.make = [halves, slices, groups, &pool, &texts](std::size_t block, std::string& out) {
+  blocks.count = slices + std::max<std::size_t>(groups, 1);
+  blocks.make = [halves, slices, last_block = blocks.count - 1, &pool, &texts](std::size_t block,
+                                                                               std::string& out) {
     if (block < slices) {
       out.append(halves->head, block * kSliceSize, kSliceSize);
-    } else if (block < slices + groups) {
-      const std::size_t first = (block - slices) * kTextsPerBlock;
-      const std::size_t last = std::min(first + kTextsPerBlock, texts.added().size());
-      for (std::size_t i = first; i < last; ++i)
-        append_text(out, pool, texts.added()[i], halves->item_open);
-    } else {
-      out.append(halves->tail);
+      return;
     }
+    if (block == slices) out.append(halves->head, slices * kSliceSize);
+    const std::size_t first = (block - slices) * kTextsPerBlock;
+    const std::size_t last = std::min(first + kTextsPerBlock, texts.added().size());
+    for (std::size_t i = first; i < last; ++i)
+      append_text(out, pool, texts.added()[i], halves->item_open);
+    if (block == last_block) out.append(halves->tail);
   };
   return blocks;
 }
