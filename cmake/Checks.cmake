@@ -4,6 +4,9 @@ add_compile_options(
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 sees overlapping copies in std::string::insert and operator+ where there are none.
   add_compile_options(-Wno-restrict)
+else()
+  # Clang counts changes of sign among the conversions, GCC does not: both are held to the same.
+  add_compile_options(-Wno-sign-conversion)
 endif()
 
 set(VORNELIX_SANITIZE "" CACHE STRING "Sanitizers to build with, as the compiler names them")

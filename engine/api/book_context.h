@@ -37,7 +37,7 @@ struct BookContents {
   std::string source = "the workbook data ";  // subject of messages about damage
   bool info_only = false;                     // only the list of sheets was read
   bool formulas_possible = false;             // some cell may hold a formula
-  bool cells_written = false;                 // since the book was loaded or begun
+  bool values_changed = false;                // of cells, since the book was loaded or begun
   bool template_from_file = false;            // the template flag is the file's, not the caller's
 };
 

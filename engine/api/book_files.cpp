@@ -14,8 +14,11 @@ namespace {
 class NoDocument final : public Document {
  public:
   void read_sheet(Workbook&, Sheet&) override {}
-  void copy_sheet(Workbook&, const Sheet&, Sheet&) override {}
-  void remove_sheet(Sheet&) override {}
+  std::vector<Table> tables(const Sheet&) const override { return {}; }
+  std::vector<formula::TableChange> copy_sheet(Workbook&, const Sheet&, Sheet&) override {
+    return {};
+  }
+  void remove_sheet(Workbook&, Sheet&, const FormulaEdit&) override {}
   void edit_formulas(Workbook&, const FormulaEdit&) override {}
   void save(const Workbook&, const SaveOptions&, package::Output&) override {}
 };

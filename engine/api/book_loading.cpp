@@ -149,12 +149,13 @@ bool BookObject::check_savable(std::string_view operation) const {
   return any_visible || book_.refuse(false, messages::every_sheet_hidden());
 }
 
-// Cells that were written may feed formulas, also ones of sheets that nobody has read: their cached
-// values may be old. Whoever opens the file calculates them.
+// Cells that were written, and sheets that a 3-D reference has lost or won, may feed formulas, also
+// ones of sheets that nobody has read: their cached values may be old. Whoever opens the file
+// calculates them.
 void BookObject::settle_calculation() {
   const BookContents& contents = book_.contents();
   Workbook& workbook = book_.workbook();
-  if (workbook.needs_calculation || !contents.cells_written || !contents.formulas_possible) return;
+  if (workbook.needs_calculation || !contents.values_changed || !contents.formulas_possible) return;
   workbook.needs_calculation = std::ranges::any_of(
       workbook.sheets, [](const auto& sheet) { return may_hold_formula(*sheet); });
 }

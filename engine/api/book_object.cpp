@@ -9,15 +9,13 @@
 #include "engine/api/messages.h"
 #include "engine/workbook/color.h"
 #include "engine/workbook/dates.h"
+#include "engine/workbook/default_font.h"
 #include "engine/workbook/number_format.h"
 #include "engine/workbook/text.h"
 
 namespace engine::api {
 
 namespace {
-
-constexpr std::size_t kMaxFontName = 31;
-constexpr int kMaxFontSize = 409;
 
 template <class T>
 void give(T* out, T value) {
@@ -144,9 +142,10 @@ void BookObject::setDefaultFont(const wchar_t* fontName, int fontSize) {
     return book_.refuse(messages::too_long("font name", length, kMaxFontName));
   if (fontSize < 1 || fontSize > kMaxFontSize)
     return book_.refuse(messages::out_of_range("font size", fontSize, 1, kMaxFontSize));
-  FontRecord& font = book_.workbook().styles.change_font(0, kFontName | kFontSize);
-  font.name = std::move(name);
-  font.size = fontSize;
+  book_.attempt(false, [&] {
+    change_default_font(book_.workbook(), book_.document(), {std::move(name), fontSize});
+    return true;
+  });
 }
 
 // Dates and colours. They and the colour mode work on a book of which only the information was

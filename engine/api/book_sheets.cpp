@@ -4,6 +4,7 @@
 #include "engine/api/book_object.h"
 #include "engine/api/messages.h"
 #include "engine/api/sheet_object.h"
+#include "engine/workbook/font_metrics.h"
 #include "engine/workbook/sheet_operations.h"
 #include "engine/workbook/text.h"
 
@@ -100,10 +101,12 @@ libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
   return book_.attempt<libxl::Sheet*>(nullptr, [&] {
     NewSheet made = model ? make_copy(workbook, book_.document(), *model, std::move(text))
                           : make_sheet(std::move(text));
+    if (!model) made.sheet->digit_pixels = digit_pixels(workbook.styles.font(0));
     if (!model && book_.kind() == BookKind::kXls) made.sheet->default_row_pixels = kXlsRowPixels;
     make_room(workbook, made);
     SheetObject* object = book_.sheet_object(*made.sheet);
     place_sheet(workbook, position, std::move(made));
+    if (model) book_.contents().values_changed = true;
     return object;
   });
 }
@@ -138,6 +141,7 @@ bool BookObject::moveSheet(int srcIndex, int dstIndex) {
   if (!enter() || !check_sheet_index(srcIndex) || !check_sheet_index(dstIndex)) return false;
   move_sheet(book_.workbook(), static_cast<std::size_t>(srcIndex),
              static_cast<std::size_t>(dstIndex));
+  if (srcIndex != dstIndex) book_.contents().values_changed = true;
   return true;
 }
 
@@ -146,6 +150,7 @@ bool BookObject::delSheet(int index) {
   const auto position = static_cast<std::size_t>(index);
   return book_.attempt(false, [&] {
     book_.detach(*delete_sheet(book_.workbook(), book_.document(), position));
+    book_.contents().values_changed = true;
     return true;
   });
 }

@@ -13,8 +13,6 @@ namespace engine::api {
 
 namespace {
 
-constexpr int kMaxSize = 409;
-constexpr std::size_t kMaxName = 31;
 constexpr int kUnderlines[] = {libxl::UnderlineNone, libxl::UnderlineSingle, libxl::UnderlineDouble,
                                libxl::UnderlineSingleAccounting, libxl::UnderlineDoubleAccounting};
 
@@ -24,9 +22,10 @@ int FontObject::size() const { return enter() ? static_cast<int>(std::lround(rec
 
 void FontObject::setSize(int size) {
   if (!enter()) return;
-  if (size < 1 || size > kMaxSize)
-    return book_.refuse(messages::out_of_range("font size", size, 1, kMaxSize));
-  change(kFontSize).size = size;
+  if (size < 1 || size > kMaxFontSize)
+    return book_.refuse(messages::out_of_range("font size", size, 1, kMaxFontSize));
+  if (index_ == 0) change_default({{}, size});
+  else change(kFontSize).size = size;
 }
 
 bool FontObject::italic() const { return enter() && record().italic; }
@@ -88,9 +87,18 @@ const wchar_t* FontObject::name() const { return enter() ? book_.give(record().n
 bool FontObject::setName(const wchar_t* name) {
   if (!enter()) return false;
   std::string text = to_utf8(name);
-  if (text.empty() || utf16_length(text) > kMaxName) return false;
+  if (text.empty() || utf16_length(text) > kMaxFontName) return false;
+  if (index_ == 0) return change_default({std::move(text), {}});
   change(kFontName).name = std::move(text);
   return true;
+}
+
+// Columns are measured by font 0.
+bool FontObject::change_default(FontChange change) {
+  return book_.attempt(false, [&] {
+    change_default_font(book_.workbook(), book_.document(), std::move(change));
+    return true;
+  });
 }
 
 }  // namespace engine::api

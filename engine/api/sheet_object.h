@@ -102,6 +102,7 @@ class SheetObject final : public UnsupportedSheet {
   bool take_text(const wchar_t* value, std::string_view what, std::size_t limit);
   // The text of a formula as the model keeps it; nothing, with the message set, when it is none.
   std::optional<std::string> take_formula(int row, int col, const wchar_t* expr);
+  std::string table_of(std::string_view formula, CellAddress at) const;
   Columns used_columns() const;
 
   BookContext& book_;

@@ -37,7 +37,7 @@ bool SheetObject::put_formula(int row, int col, std::string formula, Value value
 }
 
 void SheetObject::note_written(int col) {
-  book_.contents().cells_written = true;
+  book_.contents().values_changed = true;
   note_cell(col);
 }
 
@@ -134,7 +134,15 @@ std::optional<std::string> SheetObject::take_formula(int row, int col, const wch
   for (const std::string& sheet : formula::mentioned_sheets(*parsed))
     if (!workbook.find_sheet(sheet)) return refuse(messages::formula_unknown_sheet(text_, sheet));
   std::string text = formula::print(*parsed);
-  return formula::to_file_text(text).value_or(text);
+  return formula::to_file_text(text, table_of(text, {row, col})).value_or(text);
+}
+
+// The table around the cell of a formula that may leave its name out, as [@Net] does.
+std::string SheetObject::table_of(std::string_view formula, CellAddress at) const {
+  if (formula.find('[') == std::string_view::npos) return {};
+  for (Table& table : book_.document().tables(*sheet_))
+    if (table.cells.contains(at.row, at.column)) return std::move(table.name);
+  return {};
 }
 
 bool SheetObject::writeFormula(int row, int col, const wchar_t* expr, libxl::Format* format) {

@@ -161,6 +161,16 @@ std::optional<std::string> without_sheet(const Formula& formula,
                                          std::span<const std::string_view> sheets,
                                          std::size_t index);
 
+// A table by the name that formulas call it by, and its new name; without one it was deleted.
+struct TableChange {
+  std::string name;
+  std::optional<std::string> renamed;
+};
+
+// After tables were renamed or deleted; what refers to a deleted one reads #REF!.
+std::optional<std::string> with_tables(const Formula& formula,
+                                       std::span<const TableChange> changes);
+
 // Names of this book's sheets that the formula mentions, unquoted, each once.
 std::vector<std::string> mentioned_sheets(const Formula& formula);
 

@@ -67,6 +67,13 @@ std::optional<std::string> delete_sheet_text(std::string_view text,
                 [&](const Formula& formula) { return without_sheet(formula, sheets, index); });
 }
 
+std::optional<std::string> change_tables_text(std::string_view text,
+                                              std::span<const TableChange> changes) {
+  if (changes.empty()) return std::nullopt;
+  return change(text, kXlsxGrid,
+                [&](const Formula& formula) { return with_tables(formula, changes); });
+}
+
 std::vector<SheetRange> ranges_of_text(std::string_view text, const Grid& grid) {
   ParseOptions options;
   options.grid = grid;

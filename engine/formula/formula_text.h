@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/formula/formula.h"
 #include "engine/formula/interval.h"
 #include "engine/formula/reference.h"
 
@@ -29,6 +30,8 @@ std::optional<std::string> retarget_sheet_text(std::string_view text, std::strin
 std::optional<std::string> delete_sheet_text(std::string_view text,
                                              std::span<const std::string_view> sheets,
                                              std::size_t index);
+std::optional<std::string> change_tables_text(std::string_view text,
+                                              std::span<const TableChange> changes);
 
 // A range together with the sheet its prefix names; `sheet` is empty without a prefix.
 struct SheetRange {

@@ -8,6 +8,10 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "engine/formula/formula.h"
+#include "engine/workbook/cell.h"
 
 namespace engine {
 
@@ -23,6 +27,12 @@ class Workbook;
 using FormulaEdit =
     std::function<std::optional<std::string>(const Sheet* sheet, std::string_view formula)>;
 
+// A table by the name that formulas call it by, with its cells, header and totals included.
+struct Table {
+  std::string name;
+  CellRange cells;
+};
+
 struct SaveOptions {
   bool as_template = false;  // the kind of file that makes new workbooks rather than being one
 };
@@ -35,12 +45,17 @@ class Document {
   // turns out to be damaged there.
   virtual void read_sheet(Workbook& book, Sheet& sheet) = 0;
 
-  // Makes the carried things of a new sheet that is a copy of another: `copy` has the cells
-  // already.
-  virtual void copy_sheet(Workbook& book, const Sheet& original, Sheet& copy) = 0;
+  // The tables of a sheet, read or not.
+  virtual std::vector<Table> tables(const Sheet& sheet) const = 0;
 
-  // Drops what belongs to a sheet that leaves the book.
-  virtual void remove_sheet(Sheet& sheet) = 0;
+  // Makes the carried things of a new sheet that is a copy of another, and tells the names that
+  // the copies of its tables got.
+  virtual std::vector<formula::TableChange> copy_sheet(Workbook& book, const Sheet& original,
+                                                       Sheet& copy) = 0;
+
+  // Drops what belongs to a sheet that leaves the book and applies an edit as below: both are done
+  // or, when memory is short, neither.
+  virtual void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) = 0;
 
   // Applies an edit to the formulas of carried things: conditional formats, validations, charts,
   // pivot sources. Sheets must have been read before.

@@ -1,12 +1,26 @@
 // Sizes of columns and rows in pixels at 96 per inch.
+//
+// The width of a column has three forms. People see characters: how many digits of the default font
+// fit, without padding. Screens show whole pixels: the digits and five more. Files store the pixels
+// divided by a digit's, cut to 1/256. So a file's width means something only together with the
+// digit that it was made for.
 #pragma once
 
 #include "engine/workbook/sheet.h"
 
 namespace engine {
 
-// Pixels of a column width as a file stores it: in digits of the default font, padding included.
-int pixels_of_width(double width, int digit_pixels);
+// Between the forms; `digit` is the width of a digit in pixels.
+int pixels_of_width(double width, int digit);
+double width_of_pixels(int pixels, int digit);
+int pixels_of_characters(double characters, int digit);
+double characters_of_pixels(int pixels, int digit);  // to two decimals
+
+// The file's width of a column that stays as many characters wide while the digits change.
+double restated_width(double width, int former_digit, int digit);
+
+// What a column without a width of its own takes up.
+int default_column_pixels(const Sheet& sheet);
 
 // What a column or row takes up on the screen; nothing when it is hidden.
 int column_pixels(const Sheet& sheet, int column);

@@ -77,8 +77,10 @@ class Sheet {
 
   CellStore cells;
   std::deque<RowProperties> row_properties;
-  std::vector<ColumnProperties> columns;  // ascending, without overlap
-  int default_column_pixels = 64;
+  std::vector<ColumnProperties> columns;       // ascending, without overlap
+  int digit_pixels = 7;                        // of the default font, the unit of column widths
+  std::optional<double> default_column_width;  // as the file stores widths
+  int base_column_width = 8;  // characters, which count where there is no default width
   int default_row_pixels = 20;
   std::vector<CellRange> arrays;  // filled by array formulas or data tables of many cells
   std::map<CellAddress, Comment> comments;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -12,9 +13,11 @@ namespace engine {
 
 namespace {
 
-// A text without "!" names no sheet: most formulas need no parsing.
-bool may_name_sheet(std::string_view formula) {
-  return formula.find('!') != std::string_view::npos;
+// The text after the references to tables have followed what became of these.
+std::optional<std::string> with_tables(std::string_view text, std::optional<std::string> made,
+                                       std::span<const formula::TableChange> tables) {
+  auto changed = formula::change_tables_text(made ? *made : text, tables);
+  return changed ? changed : made;
 }
 
 CellRecord copy_of(const CellRecord& record, const FormulaEdit& edit, const Sheet* sheet) {
@@ -126,19 +129,20 @@ NewSheet make_sheet(std::string name) {
 NewSheet make_copy(Workbook& book, Document& document, const Sheet& original, std::string name) {
   NewSheet made = make_sheet(std::move(name));
   Sheet& copy = *made.sheet;
+  const std::vector<formula::TableChange> tables = document.copy_sheet(book, original, copy);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
-    return may_name_sheet(text) ? formula::retarget_sheet_text(text, original.name, copy.name)
-                                : std::nullopt;
+    return with_tables(text, formula::retarget_sheet_text(text, original.name, copy.name), tables);
   };
   copy_cells(original, edit, copy);
   copy.row_properties = original.row_properties;
   copy.columns = original.columns;
-  copy.default_column_pixels = original.default_column_pixels;
+  copy.digit_pixels = original.digit_pixels;
+  copy.default_column_width = original.default_column_width;
+  copy.base_column_width = original.base_column_width;
   copy.default_row_pixels = original.default_row_pixels;
   copy.arrays = original.arrays;
   copy_comments(original, copy);
   made.names = copies_of_names(book, edit, original, copy);
-  document.copy_sheet(book, original, copy);
   return made;
 }
 
@@ -168,13 +172,14 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
   read_all_sheets(book, document, &gone);
   std::vector<std::string_view> order;
   for (const auto& sheet : book.sheets) order.push_back(sheet->name);
+  std::vector<formula::TableChange> tables;
+  for (Table& table : document.tables(gone)) tables.push_back({std::move(table.name), {}});
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
-    return may_name_sheet(text) ? formula::delete_sheet_text(text, order, position) : std::nullopt;
+    return with_tables(text, formula::delete_sheet_text(text, order, position), tables);
   };
   FormulaEdits edits;
   edits.collect(book, edit, &gone);
-  document.edit_formulas(book, edit);
-  document.remove_sheet(gone);
+  document.remove_sheet(book, gone, edit);
 
   edits.apply(book);
   std::erase_if(book.names, [&](const DefinedName& name) { return name.scope == &gone; });

@@ -199,6 +199,7 @@ void Styles::append_format(const FormatRecord& format) {
 }
 
 void Styles::define_number_format(std::uint32_t id, std::string_view code) {
+  if (code.empty() && id < kFirstCustomNumber) return;  // says nothing in place of the usual code
   NumberFormat made;
   made.code = code;
   made.first_is_date = is_date_format(code);

@@ -7,6 +7,7 @@
 // that a codec can give it what the engine has no model of.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -31,6 +32,9 @@ enum FontAspect : std::uint16_t {
   kFontScript = 64,
   kFontUnderline = 128,
 };
+
+inline constexpr int kMaxFontSize = 409;         // points
+inline constexpr std::size_t kMaxFontName = 31;  // UTF-16 code units
 
 struct FontRecord {
   std::string name = "Calibri";

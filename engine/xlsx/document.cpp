@@ -9,6 +9,7 @@
 #include "engine/package/xml_tree.h"
 #include "engine/xlsx/comments.h"
 #include "engine/xlsx/new_parts.h"
+#include "engine/xlsx/notes_drawing.h"
 #include "engine/xlsx/shared_strings.h"
 #include "engine/xlsx/worksheet_reader.h"
 
@@ -77,6 +78,15 @@ std::string read_theme(const Parts& parts, std::string_view main) {
   } catch (const FileError&) {
     return {};
   }
+}
+
+// The part with the boxes of a sheet's notes; null when there is none.
+const Part* notes_drawing_of(const Parts& parts, const SheetPart& sheet) {
+  const pugi::xml_node link =
+      package::child(sheet.tree.document_element(), Family::Main, "legacyDrawing");
+  const std::string_view id = package::attribute(link, Family::Relationships, "id").value();
+  const Relationship* relationship = link ? parts.relationship(sheet.part, id) : nullptr;
+  return relationship ? parts.target(sheet.part, *relationship) : nullptr;
 }
 
 }  // namespace
@@ -185,6 +195,12 @@ void Document::read_notes(Sheet& sheet) const {
     if (part) read_comments(parts_.read(*part), part->name, sheet);
   } catch (const FileError& error) {
     sheet.comments.clear();
+    sheet.comments_damage = error.what();
+  }
+  try {
+    const Part* boxes = notes_drawing_of(parts_, *part_of(sheet));
+    if (boxes) read_note_sizes(parts_.read(*boxes), sheet);
+  } catch (const FileError& error) {
     sheet.comments_damage = error.what();
   }
 }

@@ -37,8 +37,10 @@ class Document : public engine::Document {
   // Of a sheet that is marked as partly loaded, only its `loaded_rows` are read. One that is
   // excluded may be read behind the scenes and stays excluded.
   void read_sheet(Workbook& book, Sheet& sheet) override;
-  void copy_sheet(Workbook& book, const Sheet& original, Sheet& copy) override;
-  void remove_sheet(Sheet& sheet) override;
+  std::vector<Table> tables(const Sheet& sheet) const override;
+  std::vector<formula::TableChange> copy_sheet(Workbook& book, const Sheet& original,
+                                               Sheet& copy) override;
+  void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
   void edit_formulas(Workbook& book, const FormulaEdit& edit) override;
   void save(const Workbook& book, const SaveOptions& options, package::Output& output) override;
 
@@ -51,6 +53,7 @@ class Document : public engine::Document {
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book, const Sheet& sheet) const;
   void read_notes(Sheet& sheet) const;
   void read_tab(Sheet& sheet) const;
+  void edit_carried(Workbook& book, const FormulaEdit& edit, std::string_view gone_relationship);
 
   Parts parts_;
   std::string main_;  // name of the workbook part

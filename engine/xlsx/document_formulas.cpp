@@ -118,6 +118,12 @@ bool holds_formulas(const Part& part) {
 }  // namespace
 
 void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
+  edit_carried(book, edit, {});
+}
+
+// A sheet's relationship, if given, goes with all that hangs on it.
+void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
+                            std::string_view gone_relationship) {
   RecordEdits records;
   TextEdits texts;
   std::vector<std::pair<SheetPart*, std::unique_ptr<OutsideRows>>> outside;
@@ -140,6 +146,7 @@ void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
   for (const auto& [key, part] : parts_.all())
     if (holds_formulas(part))
       if (auto bytes = edited_part(parts_, part, edit)) parts.put(part.name, {}, *std::move(bytes));
+  if (!gone_relationship.empty()) parts.prune(main_, gone_relationship);
   for (const auto& sheet : book.sheets)
     if (SheetPart* remains = part_of(*sheet))
       for (AddedPart& added : remains->added)

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
 #include "engine/xlsx/comments.h"
 #include "engine/xlsx/document.h"
@@ -98,10 +99,17 @@ class NotesWriter {
                            parts_.relate(saved.part, "vmlDrawing", name));
   }
 
+  // A drawing that cannot be read shows no shapes that a new one could get in the way of.
   void enter_drawings() {
     if (std::exchange(entered_, true)) return;
-    for (const auto& [key, part] : parts_.all())
-      if (key.ends_with(".vml")) clusters_.enter(parts_.read(part));
+    for (const auto& [key, part] : parts_.all()) {
+      if (!key.ends_with(".vml")) continue;
+      try {
+        clusters_.enter(parts_.read(part));
+      } catch (const package::FileError&) {
+        continue;
+      }
+    }
   }
 
   Parts& parts_;

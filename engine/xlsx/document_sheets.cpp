@@ -50,6 +50,10 @@ void remove_uncopied(pugi::xml_node root) {
   for (const pugi::xml_node one : package::children(extensions, Family::Main, "ext"))
     if (refers_to_parts(one)) extensions.remove_child(one);
   if (extensions && !extensions.first_child()) root.remove_child(extensions);
+  pugi::xml_node views = package::child(root, Family::Main, "sheetViews");
+  for (pugi::xml_node view : package::children(views, Family::Main, "sheetView"))
+    for (const pugi::xml_node pivot : package::children(view, Family::Main, "pivotSelection"))
+      view.remove_child(pivot);
   package::child(root, Family::Main, "sheetPr").remove_attribute("codeName");
   pugi::xml_node setup = package::child(root, Family::Main, "pageSetup");
   setup.remove_attribute(package::attribute(setup, Family::Relationships, "id"));
@@ -69,6 +73,19 @@ class SheetLinks {
     const auto& all = in_file() ? parts_.relationships(sheet_.part) : sheet_.links;
     const auto found = std::ranges::find(all, id, &Relationship::id);
     return found == all.end() || !found->external ? nullptr : &*found;
+  }
+
+  // The ids under which the sheet knows its tables.
+  std::vector<std::string> tables() const {
+    std::vector<std::string> ids;
+    if (in_file()) {
+      for (const Relationship& one : parts_.relationships(sheet_.part))
+        if (one.kind() == "table") ids.push_back(one.id);
+    } else {
+      for (const AddedPart& added : sheet_.added)
+        if (added.kind == "table") ids.push_back(added.relationship);
+    }
+    return ids;
   }
 
   // The bytes of a part that belongs to the sheet; empty when there is none.
@@ -123,10 +140,13 @@ class TableNames {
   unsigned last_id_ = 0;
 };
 
-std::string copy_of_table(const std::string& bytes, TableNames& names) {
+std::string copy_of_table(const std::string& bytes, TableNames& names,
+                          std::vector<formula::TableChange>& copies) {
   const pugi::xml_document tree = package::parse_xml(bytes, "table");
   pugi::xml_node root = tree.document_element();
-  const std::string name = names.free(unescape(root.attribute("displayName").value()));
+  const std::string original = unescape(root.attribute("displayName").value());
+  const std::string name = names.free(original);
+  copies.push_back({original, name});
   root.attribute("id") = names.next_id();
   if (root.attribute("name")) root.attribute("name") = escape(name).c_str();
   root.attribute("displayName") = escape(name).c_str();
@@ -152,8 +172,10 @@ void copy_hyperlinks(pugi::xml_node root, const SheetLinks& links, SheetPart& ma
   if (list && !list.first_child()) root.remove_child(list);
 }
 
-void copy_tables(pugi::xml_node root, const SheetLinks& links, TableNames& names,
-                 const FormulaEdit& edit, SheetPart& made) {
+// The copies under their new names, their formulas still those of the originals.
+std::vector<formula::TableChange> copy_tables(pugi::xml_node root, const SheetLinks& links,
+                                              TableNames names, SheetPart& made) {
+  std::vector<formula::TableChange> copies;
   pugi::xml_node list = package::child(root, Family::Main, "tableParts");
   for (const pugi::xml_node table : package::children(list, Family::Main, "tablePart")) {
     const std::string id = package::attribute(table, Family::Relationships, "id").value();
@@ -162,46 +184,67 @@ void copy_tables(pugi::xml_node root, const SheetLinks& links, TableNames& names
       list.remove_child(table);
       continue;
     }
-    std::string renamed = copy_of_table(bytes, names);
-    if (auto edited = edited_table(renamed, nullptr, edit)) renamed = *std::move(edited);
-    made.added.push_back(
-        {id, "table", "xl/tables/table#.xml", std::string(kTableType), std::move(renamed)});
+    made.added.push_back({id, "table", "xl/tables/table#.xml", std::string(kTableType),
+                          copy_of_table(bytes, names, copies)});
   }
   if (list && made.added.empty()) root.remove_child(list);
   else if (list.attribute("count")) list.attribute("count") = made.added.size();
+  return copies;
 }
 
 }  // namespace
 
-void Document::copy_sheet(Workbook& book, const Sheet& original, Sheet& copy) {
+std::vector<formula::TableChange> Document::copy_sheet(Workbook& book, const Sheet& original,
+                                                       Sheet& copy) {
   const SheetPart* from = part_of(original);
-  if (!from) return;  // a new sheet that nothing is carried for
+  if (!from) return {};  // a new sheet that nothing is carried for
   auto made = std::make_unique<SheetPart>();
   made->read = true;
   made->tree.reset(from->tree);
   made->row_details = from->row_details;
   const pugi::xml_node root = made->tree.document_element();
   remove_uncopied(root);
-  const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
-    return formula::retarget_sheet_text(text, original.name, copy.name);
-  };
   const SheetLinks links(parts_, *from);
   copy_hyperlinks(root, links, *made);
-  TableNames names(book, parts_);
-  copy_tables(root, links, names, edit, *made);
+  auto tables = copy_tables(root, links, TableNames(book, parts_), *made);
+  const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
+    auto retargeted = formula::retarget_sheet_text(text, original.name, copy.name);
+    auto renamed = formula::change_tables_text(retargeted ? *retargeted : text, tables);
+    return renamed ? renamed : retargeted;
+  };
+  for (AddedPart& added : made->added)
+    if (auto edited = edited_table(added.bytes, nullptr, edit)) added.bytes = *std::move(edited);
   TextEdits texts;
   texts.collect_worksheet(root, &original, edit);
   texts.apply();
   copy.remains = std::move(made);
+  return tables;
 }
 
-void Document::remove_sheet(Sheet& sheet) {
+void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) {
   const SheetPart* gone = part_of(sheet);
-  if (!gone || gone->relationship.empty()) return;
-  Parts parts = parts_;
-  parts.prune(main_, gone->relationship);
-  parts_ = std::move(parts);
-  sheet_removed_ = true;
+  const bool in_file = gone && !gone->relationship.empty();
+  edit_carried(book, edit, in_file ? gone->relationship : std::string_view());
+  if (in_file) sheet_removed_ = true;
+}
+
+// A table that cannot be read is none that formulas are known to mean.
+std::vector<Table> Document::tables(const Sheet& sheet) const {
+  std::vector<Table> all;
+  const SheetPart* remains = part_of(sheet);
+  if (!remains) return all;
+  const SheetLinks links(parts_, *remains);
+  for (const std::string& id : links.tables()) {
+    try {
+      const pugi::xml_document tree = package::parse_xml(links.part(id), "table");
+      const pugi::xml_node root = tree.document_element();
+      const auto cells = formula::parse_range(root.attribute("ref").value());
+      if (cells) all.push_back({unescape(root.attribute("displayName").value()), *cells});
+    } catch (const package::FileError&) {
+      continue;
+    }
+  }
+  return all;
 }
 
 }  // namespace engine::xlsx

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "engine/package/number_text.h"
 #include "engine/workbook/metrics.h"
 
 namespace engine::xlsx {
@@ -22,6 +24,7 @@ constexpr int kInsetYInFirstRow = 2;
 
 constexpr int kDefaultWidth = 129;
 constexpr int kDefaultHeight = 75;
+constexpr int kLargestBox = 32767;
 
 std::optional<int> number_at(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\n' || text.front() == '\r'))
@@ -87,6 +90,23 @@ std::vector<Shape> shapes_of(std::string_view drawing) {
     at = shape.end;
   }
   return shapes;
+}
+
+// A length of a shape's style in pixels; 0 when it is not there or in a unit that nobody uses here.
+int style_pixels(std::string_view shape, std::string_view name) {
+  const std::string_view tag = shape.substr(0, shape.find('>'));
+  for (std::size_t at = 0; (at = tag.find(name, at)) != std::string_view::npos; ++at) {
+    const bool is_whole =
+        at > 0 && std::string_view("\"'; \r\n").find(tag[at - 1]) != std::string_view::npos;
+    if (!is_whole || tag.substr(at + name.size(), 1) != ":") continue;
+    const std::string_view value = tag.substr(at + name.size() + 1);
+    const std::string_view number = value.substr(0, value.find_first_not_of("0123456789."));
+    const std::string_view unit = value.substr(number.size(), 2);
+    const double length = package::parse_number(number).value_or(0);
+    const double pixels = unit == "pt" ? length * 4 / 3 : unit == "px" ? length : 0;
+    return static_cast<int>(std::lround(std::min(pixels, double{kLargestBox})));
+  }
+  return 0;
 }
 
 // Hands out shape ids in the clusters of one drawing.
@@ -208,6 +228,16 @@ int ShapeClusters::take() {
   }
   used_.insert(free);
   return free;
+}
+
+void read_note_sizes(std::string_view drawing, Sheet& sheet) {
+  for (const Shape& shape : shapes_of(drawing)) {
+    const auto note = shape.note ? sheet.comments.find(*shape.note) : sheet.comments.end();
+    if (note == sheet.comments.end()) continue;
+    const std::string_view text = drawing.substr(shape.begin, shape.end - shape.begin);
+    note->second.width = style_pixels(text, "width");
+    note->second.height = style_pixels(text, "height");
+  }
 }
 
 std::string write_notes_drawing(std::string_view stored, const Sheet& sheet, const Grid& grid,

@@ -29,6 +29,9 @@ class ShapeClusters {
   std::set<int> used_;
 };
 
+// Gives the notes of a sheet the sizes of their boxes, as far as the drawing tells them.
+void read_note_sizes(std::string_view drawing, Sheet& sheet);
+
 // The drawing with one box for each note of the sheet: boxes of notes that went or were replaced
 // are taken out, those of new ones put in behind. `stored` is empty when the sheet had no drawing.
 std::string write_notes_drawing(std::string_view stored, const Sheet& sheet, const Grid& grid,

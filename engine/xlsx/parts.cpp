@@ -10,8 +10,6 @@ namespace engine::xlsx {
 
 namespace {
 
-using package::Family;
-
 constexpr std::string_view kTypesName = "[Content_Types].xml";
 constexpr std::string_view kEmptyTypes =
     "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
@@ -182,7 +180,7 @@ std::string Parts::relate(std::string_view owner, std::string_view kind, std::st
       made.type =
           std::string("http://purl.oclc.org/ooxml/officeDocument/relationships/").append(kind);
   made.target = relative_target(owner, part);
-  const std::string id = made.id;
+  std::string id = made.id;
   add_relationship(owner, std::move(made));
   return id;
 }

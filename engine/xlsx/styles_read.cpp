@@ -108,7 +108,8 @@ FontRecord read_font(pugi::xml_node font) {
     else if (name == "strike") made.strike_out = read_switch(element);
     else if (name == "u") made.underline = read_underline(element);
     else if (name == "vertAlign") made.script = value_of(kScriptTokens, value.value(), 0);
-    else if (name == "sz") made.size = std::clamp(number_of(value).value_or(made.size), 1.0, 409.0);
+    else if (name == "sz")
+      made.size = std::clamp<double>(number_of(value).value_or(made.size), 1, kMaxFontSize);
     else if (name == "color") made.color = read_color(element);
     else if (name == "name") made.name = unescape(value.value());
   }

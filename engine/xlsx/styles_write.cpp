@@ -50,6 +50,12 @@ class EntryList {
     return number < originals.size() ? originals[number] : pugi::xml_node();
   }
 
+  // The number of an entry that another element names. Beyond the list it means the first entry.
+  std::uint32_t named_by(pugi::xml_node element, const char* attribute) const {
+    const std::uint32_t number = element.attribute(attribute).as_uint();
+    return number < size_of_file() ? number : 0;
+  }
+
   // The file's entry in the copy, to be patched.
   pugi::xml_node copy(std::uint32_t number) {
     if (copies_.empty()) copies_ = style_entries(sheet_, list_, entry_, {});
@@ -155,6 +161,7 @@ class StylesWriter {
   std::vector<std::uint32_t> write() {
     write_number_formats();
     write_fonts();
+    mend_formats();
     complete_lists();
     write_formats();
     for (EntryList* list : {&numbers_, &fonts_, &fills_, &borders_, &style_formats_, &formats_})
@@ -165,9 +172,11 @@ class StylesWriter {
  private:
   void write_number_formats();
   void write_fonts();
+  void mend_formats();
   void complete_lists();
   void write_formats();
 
+  void mend_numbers(pugi::xml_node xf) const;
   // The numbers of entries, which are appended unless there are equal ones.
   void add_font(const FontRecord& record);
   std::uint32_t add_fill(const Fill& fill);
@@ -235,6 +244,21 @@ void StylesWriter::add_font(const FontRecord& record) {
   patch_font(fonts_.append(model), record, model ? record.changed : kAllAspects);
 }
 
+// A number beyond its list would come to mean one of the entries that are appended.
+void StylesWriter::mend_numbers(pugi::xml_node xf) const {
+  const std::pair<const char*, const EntryList*> named[] = {
+      {"fontId", &fonts_}, {"fillId", &fills_}, {"borderId", &borders_}, {"xfId", &style_formats_}};
+  for (const auto& [attribute, list] : named)
+    if (list->named_by(xf, attribute) != xf.attribute(attribute).as_uint())
+      set_attribute(xf, attribute, "0");
+}
+
+void StylesWriter::mend_formats() {
+  for (EntryList* list : {&style_formats_, &formats_})
+    for (std::uint32_t entry = 0; entry < list->size_of_file(); ++entry)
+      mend_numbers(list->copy(entry));
+}
+
 // What a style sheet must have although this file lacks it.
 void StylesWriter::complete_lists() {
   learn_fills();
@@ -278,6 +302,7 @@ std::uint32_t StylesWriter::add_format(const FormatRecord& record) {
   if (!is_new) return number;
   const auto xf = formats_.append(model);
   if (model) {
+    mend_numbers(xf);
     patch_format(xf, record, numbers, record.changed);
     return number;
   }
@@ -295,15 +320,15 @@ FormatNumbers StylesWriter::numbers_of(const FormatRecord& record) {
 
 std::uint32_t StylesWriter::border_number(const FormatRecord& record) {
   const auto format = formats_.original(record.model);
-  const std::uint32_t stored = format.attribute("borderId").as_uint();
   if (!format) return add_border(record.border, {});
+  const std::uint32_t stored = borders_.named_by(format, "borderId");
   const bool is_changed = (record.changed & kFormatBorder) != 0;
   return is_changed ? add_border(record.border, borders_.original(stored)) : stored;
 }
 
 std::uint32_t StylesWriter::fill_number(const FormatRecord& record) {
   const auto format = formats_.original(record.model);
-  if (format && (record.changed & kFormatFill) == 0) return format.attribute("fillId").as_uint();
+  if (format && (record.changed & kFormatFill) == 0) return fills_.named_by(format, "fillId");
   return add_fill(record.fill);
 }
 

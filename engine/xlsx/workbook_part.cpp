@@ -183,6 +183,21 @@ void patch_settings(pugi::xml_node root, const Workbook& book) {
   if (book.needs_calculation) settle_flag(calculation, "fullCalcOnLoad", true);
 }
 
+void read_names(pugi::xml_node root, Workbook& book) {
+  std::size_t index = 0;
+  for (const pugi::xml_node node : name_nodes(root)) {
+    DefinedName name;
+    name.details = std::to_string(index++);
+    if (!is_modelled(node, book.sheets.size())) continue;
+    const int scope = scope_of(node, book.sheets.size()).value_or(-1);
+    name.name = unescape(node.attribute("name").value());
+    name.definition = node.text().get();
+    name.hidden = node.attribute("hidden").as_bool();
+    if (scope >= 0) name.scope = book.sheets[static_cast<std::size_t>(scope)].get();
+    book.names.push_back(std::move(name));
+  }
+}
+
 }  // namespace
 
 WorkbookPart::WorkbookPart() : document_(package::parse_xml(kNewWorkbook, "new workbook")) {}
@@ -224,21 +239,6 @@ void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::str
     }
     sheet->remains = std::move(remains);
     book.sheets.push_back(std::move(sheet));
-  }
-}
-
-void WorkbookPart::read_names(pugi::xml_node root, Workbook& book) {
-  std::size_t index = 0;
-  for (const pugi::xml_node node : name_nodes(root)) {
-    DefinedName name;
-    name.details = std::to_string(index++);
-    if (!is_modelled(node, book.sheets.size())) continue;
-    const int scope = scope_of(node, book.sheets.size()).value_or(-1);
-    name.name = unescape(node.attribute("name").value());
-    name.definition = node.text().get();
-    name.hidden = node.attribute("hidden").as_bool();
-    if (scope >= 0) name.scope = book.sheets[static_cast<std::size_t>(scope)].get();
-    book.names.push_back(std::move(name));
   }
 }
 

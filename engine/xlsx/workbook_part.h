@@ -40,7 +40,6 @@ class WorkbookPart {
 
  private:
   void read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part, Workbook& book);
-  void read_names(pugi::xml_node root, Workbook& book);
 
   pugi::xml_document document_;
   std::uint32_t last_sheet_id_ = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -16,7 +17,7 @@
 #include "engine/package/xml_scanner.h"
 #include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
-#include "engine/workbook/metrics.h"
+#include "engine/workbook/font_metrics.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/iso_date.h"
 #include "engine/xlsx/string_item.h"
@@ -31,7 +32,6 @@ using package::XmlAttributes;
 using package::XmlScanner;
 using Token = XmlScanner::Token;
 
-constexpr int kDigitPixels = 7;             // of the usual default fonts
 constexpr std::size_t kMaxPlainCell = 192;  // bytes of the longest cell that is taken as one piece
 
 bool is_true(std::string_view value) { return value == "1" || value == "true"; }
@@ -498,7 +498,10 @@ void Reader::read_formula() {
   else if (kind == "shared") read_shared_formula(shared);
   const auto& [row_first, row_last, col_first, col_last] = cell_.extra.range;
   const bool many = row_first != row_last || col_first != col_last;
-  if (many && cell_.extra.form != FormulaForm::kNormal && keeps_row_)
+  // One that begins outside of the rows that are read may fill cells of them all the same.
+  const bool reaches_in =
+      keeps_row_ || (!filter_.others && row_first <= filter_.last && row_last >= filter_.first);
+  if (many && cell_.extra.form != FormulaForm::kNormal && reaches_in)
     sheet_.arrays.push_back(cell_.extra.range);
 }
 
@@ -593,17 +596,14 @@ void Reader::parse_tree(const std::string& head_and_tail) {
   read_default_sizes(package::child(root, Family::Main, "sheetFormatPr"));
 }
 
-// Without a width of its own a column has room for the base width and its padding, and is made
-// wider until its pixels are a multiple of eight.
 void Reader::read_default_sizes(pugi::xml_node format) {
+  sheet_.digit_pixels = digit_pixels(context_.workbook.styles.font(0));
   const auto width = package::parse_number(format.attribute("defaultColWidth").value());
-  const int base = std::clamp(format.attribute("baseColWidth").as_int(8), 0, 255);
-  sheet_.default_column_pixels = width && *width >= 0 && *width <= 255
-                                     ? pixels_of_width(*width, kDigitPixels)
-                                     : (base * kDigitPixels + 5 + 7) / 8 * 8;
+  if (width && *width >= 0 && *width <= 255) sheet_.default_column_width = *width;
+  sheet_.base_column_width = std::clamp(format.attribute("baseColWidth").as_int(8), 0, 255);
   const auto height = package::parse_number(format.attribute("defaultRowHeight").value());
   if (height && *height >= 0 && *height <= 409.5)
-    sheet_.default_row_pixels = static_cast<int>(*height * 96 / 72 + 0.5);
+    sheet_.default_row_pixels = static_cast<int>(std::lround(*height * 96 / 72));
 }
 
 void Reader::read_columns(pugi::xml_node columns) {

@@ -52,7 +52,7 @@ class TextBuffer {
 
  private:
   std::string& out_;
-  std::array<char, 16 * 1024> buffer_;
+  std::array<char, 16 * 1024> buffer_{};
   char* at_ = buffer_.data();
 };
 
@@ -74,6 +74,31 @@ char* put_count(char* at, std::uint32_t number) {
 void append_escaped(std::string& out, std::string_view text) {
   if (needs_escape(text)) package::append_xml_text(out, escape(text));
   else package::append_xml_text(out, text);
+}
+
+char* put_text_value(char* at, std::uint32_t number) {
+  at = put(at, " t=\"s\"><v>");
+  return put(put_count(at, number), "</v></c>");
+}
+
+void write_formula(std::string& out, const CellRecord& record) {
+  out.append("<f");
+  if (const CellExtra* extra = record.extra.get()) {
+    if (extra->form != FormulaForm::kNormal) {
+      out.append(extra->form == FormulaForm::kArray ? " t=\"array\"" : " t=\"dataTable\"");
+      out.append(" ref=\"");
+      formula::append_range(out, extra->range);
+      out.push_back('"');
+    }
+    out.append(extra->formula_details);
+  }
+  if (record.formula.empty()) {
+    out.append("/>");
+    return;
+  }
+  out.push_back('>');
+  package::append_xml_text(out, record.formula);
+  out.append("</f>");
 }
 
 // Rows of one store with what their cells refer to. Texts beyond the shared ones of the file are
@@ -111,16 +136,19 @@ class WorksheetText {
   char* write_properties(char* at, const RowProperties& properties) const;
   void write_cell(TextBuffer& out, const RowRun& run, const Piece& row, const Cell& cell) const;
   void write_record(TextBuffer& out, const RowRun& run, const Piece& row, const Cell& cell) const;
-  void write_formula(std::string& out, const CellRecord& record) const;
   void write_value(std::string& out, const RowRun& run, const Value& value) const;
   char* put_reference(char* at, const Piece& row, const Cell& cell) const;
-  char* put_text_value(char* at, std::uint32_t number) const;
   bool is_shared(const RowRun& run, std::uint32_t text) const {
     return run.workbook == &context_.workbook || text < run.first_text;
   }
   std::string_view text_of(const RowRun& run, std::uint32_t text) const {
     return is_shared(run, text) ? context_.workbook.strings[text]
                                 : run.workbook->strings[text - run.first_text];
+  }
+
+  // A text of the cell's own that has runs of its own look, as an item; else null.
+  const std::string* own_item(const RowRun& run, std::uint32_t text) const {
+    return is_shared(run, text) ? nullptr : run.workbook->strings.rich(text - run.first_text);
   }
 
   const WriteContext context_;
@@ -228,7 +256,7 @@ void WorksheetText::render_ends(const pugi::xml_document& tree) {
   if (!prefix.empty()) {
     head_.append(" xmlns=\"");
     package::append_xml_attribute(head_, root.attribute(("xmlns:" + prefix).c_str()).value());
-    head_.append("\"");
+    head_.push_back('"');
   }
   head_.append(">");
   tail_.insert(0, "</sheetData>");
@@ -275,7 +303,7 @@ char* WorksheetText::write_properties(char* at, const RowProperties& properties)
   if (properties.style) {
     at = put(at, " s=\"");
     at = put_count(at, context_.styles.file_number(*properties.style));
-    at = put(at, "\" customFormat=\"1\"");
+    at = put(at, R"(" customFormat="1")");
   }
   if (properties.height) {
     at = put(at, " ht=\"");
@@ -297,11 +325,6 @@ char* WorksheetText::put_reference(char* at, const Piece& row, const Cell& cell)
   at = put(at, row);
   at = put(at, "\"");
   return put(at, styles_[cell.style]);
-}
-
-char* WorksheetText::put_text_value(char* at, std::uint32_t number) const {
-  at = put(at, " t=\"s\"><v>");
-  return put(put_count(at, number), "</v></c>");
 }
 
 void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const Piece& row,
@@ -326,6 +349,12 @@ void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const Piece& 
         at = put_text_value(at, context_.texts.number(cell.index()));
         break;
       }
+      if (const std::string* item = own_item(run, cell.index())) {
+        out.end(put(at, " t=\"inlineStr\"><is>"));
+        out.direct().append(*item);
+        at = put(out.begin(), "</is></c>");
+        break;
+      }
       out.end(put(at, " t=\"str\"><v>"));
       append_escaped(out.direct(), text_of(run, cell.index()));
       at = put(out.begin(), "</v></c>");
@@ -348,12 +377,15 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const Piece
   const Value& value = record.value;
   const bool shared_text =
       value.kind == ValueKind::kText && !formula && is_shared(run, value.text());
+  const std::string* const item = value.kind == ValueKind::kText && !formula && !shared_text
+                                      ? own_item(run, value.text())
+                                      : nullptr;
   const bool is_dated = record.extra && record.extra->details.starts_with(kDateKind);
   out.end(put_reference(out.begin(), row, cell));
   std::string& text = out.direct();
   switch (value.kind) {
     case ValueKind::kText:
-      text.append(shared_text ? " t=\"s\"" : " t=\"str\"");
+      text.append(shared_text ? " t=\"s\"" : item ? " t=\"inlineStr\"" : " t=\"str\"");
       break;
     case ValueKind::kBoolean:
       text.append(" t=\"b\"");
@@ -369,31 +401,13 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const Piece
   if (formula) write_formula(text, record);
   if (shared_text) {
     text.append("<v>").append(std::to_string(context_.texts.number(value.text()))).append("</v>");
+  } else if (item) {
+    text.append("<is>").append(*item).append("</is>");
   } else if (value.kind != ValueKind::kNone && !is_dated) {
     write_value(text, run, value);
   }
   if (record.extra) text.append(record.extra->children);
   text.append("</c>");
-}
-
-void WorksheetText::write_formula(std::string& out, const CellRecord& record) const {
-  out.append("<f");
-  if (const CellExtra* extra = record.extra.get()) {
-    if (extra->form != FormulaForm::kNormal) {
-      out.append(extra->form == FormulaForm::kArray ? " t=\"array\"" : " t=\"dataTable\"");
-      out.append(" ref=\"");
-      formula::append_range(out, extra->range);
-      out.push_back('"');
-    }
-    out.append(extra->formula_details);
-  }
-  if (record.formula.empty()) {
-    out.append("/>");
-    return;
-  }
-  out.push_back('>');
-  package::append_xml_text(out, record.formula);
-  out.append("</f>");
 }
 
 void WorksheetText::write_value(std::string& out, const RowRun& run, const Value& value) const {
@@ -481,7 +495,7 @@ std::string used_range_text(const Sheet& sheet, const OutsideRows* outside) {
   return formula::print_range(range);
 }
 
-void patch_outline_levels(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside) {
+void patch_format_defaults(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside) {
   unsigned rows = 0;
   unsigned columns = 0;
   const auto note = [&](const Sheet& one) {
@@ -498,6 +512,8 @@ void patch_outline_levels(pugi::xml_node root, const Sheet& sheet, const Outside
     format = worksheet_child(root, "sheetFormatPr");
     format.append_attribute("defaultRowHeight") = "15";
   }
+  if (sheet.default_column_width)
+    set_or_remove(format, "defaultColWidth", true, number_text(*sheet.default_column_width));
   set_or_remove(format, "outlineLevelRow", rows != 0, std::to_string(rows));
   set_or_remove(format, "outlineLevelCol", columns != 0, std::to_string(columns));
 }
@@ -517,7 +533,7 @@ void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows*
     view.append_attribute("tabSelected") = "1";
     view.append_attribute("workbookViewId") = "0";
   }
-  patch_outline_levels(root, sheet, outside);
+  patch_format_defaults(root, sheet, outside);
   patch_columns(root, sheet, styles);
 }
 

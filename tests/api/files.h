@@ -55,6 +55,21 @@ inline std::string with_replaced(const std::string& bytes, std::string_view part
   return std::string(output.view());
 }
 
+// The workbook with further parts.
+inline std::string with_added(
+    const std::string& bytes,
+    std::initializer_list<std::pair<std::string_view, std::string_view>> parts) {
+  const engine::package::Archive archive(
+      engine::package::Source::from_bytes({bytes.begin(), bytes.end()}));
+  engine::package::MemoryOutput output;
+  engine::package::ArchiveWriter writer(output);
+  for (const engine::package::ArchiveEntry& entry : archive.entries())
+    writer.add(entry.name, archive.read(entry));
+  for (const auto& [name, text] : parts) writer.add(std::string(name), std::string(text));
+  writer.finish();
+  return std::string(output.view());
+}
+
 // The text of a part.
 inline std::string part_of(const std::string& bytes, std::string_view part) {
   const engine::package::Archive archive(

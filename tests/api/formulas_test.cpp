@@ -130,6 +130,34 @@ TEST(Formulas, OldValuesAreCalculatedByWhoOpensTheBook) {
   EXPECT_TRUE(asks_for_calculation(loaded)) << "a value may be old";
 }
 
+// A 3-D reference covers the sheets between its ends: its text stays, its value does not.
+TEST(Formulas, SheetsThatComeGoOrMoveMakeValuesOld) {
+  const struct {
+    const char* name;
+    bool (*run)(libxl::Book&);
+    bool asks;
+  } cases[] = {
+      {"moveSheet", [](libxl::Book& book) { return book.moveSheet(1, 2); }, true},
+      {"moveSheet to its place", [](libxl::Book& book) { return book.moveSheet(1, 1); }, false},
+      {"delSheet", [](libxl::Book& book) { return book.delSheet(1); }, true},
+      {"copy",
+       [](libxl::Book& book) { return book.insertSheet(1, L"N", book.getSheet(2)) != nullptr; },
+       true},
+      {"insertSheet", [](libxl::Book& book) { return book.insertSheet(1, L"N") != nullptr; },
+       false},
+  };
+  const std::string bytes =
+      with_replaced(three_sheets(), "xl/worksheets/sheet1.xml", R"(<c r="A1"><v>)",
+                    R"(<c r="A1"><f>SUM(One:Three!A2)</f><v>)");
+  for (const auto& [name, run, asks] : cases) {
+    SCOPED_TRACE(name);
+    Stage stage;
+    ASSERT_TRUE(load(*stage.book, bytes)) << stage.message();
+    EXPECT_TRUE(run(*stage.book)) << stage.message();
+    EXPECT_EQ(asks_for_calculation(stage), asks);
+  }
+}
+
 TEST(Formulas, ArraysAreReadAndNotBroken) {
   Stage stage;
   const std::string bytes =
@@ -149,6 +177,31 @@ TEST(Formulas, ArraysAreReadAndNotBroken) {
   EXPECT_EQ(stage.message(), "ok");
   ASSERT_TRUE(stage.reload()) << stage.message();
   EXPECT_STREQ(stage.sheet->readFormula(1, 0), L"B1:B2*2");
+}
+
+// A spreadsheet takes columns without a table's name only while they are typed: files have it.
+TEST(Formulas, ColumnsOfTheTableAroundAreStoredWithItsName) {
+  Stage stage;
+  stage.sheet->writeStr(0, 0, L"Net");
+  stage.sheet->writeNum(1, 0, 2);
+  ASSERT_TRUE(load(
+      *stage.book,
+      with_added(saved(*stage.book),
+                 {{"xl/worksheets/_rels/sheet1.xml.rels",
+                   "<Relationships "
+                   "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
+                   "<Relationship Id=\"rId1\" Type=\"http://schemas.openxmlformats.org/"
+                   "officeDocument/2006/relationships/table\" Target=\"../tables/table1.xml\"/>"
+                   "</Relationships>"},
+                  {"xl/tables/table1.xml",
+                   "<table xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\" "
+                   "id=\"1\" displayName=\"Sales\" ref=\"A1:B2\"/>"}})))
+      << stage.message();
+  libxl::Sheet* sheet = stage.book->getSheet(0);
+  EXPECT_TRUE(sheet->writeFormula(1, 1, L"[@Net]*2+SUM([Net])")) << stage.message();
+  EXPECT_STREQ(sheet->readFormula(1, 1), L"Sales[[#This Row],[Net]]*2+SUM(Sales[Net])");
+  EXPECT_TRUE(sheet->writeFormula(5, 1, L"SUM([Net])")) << stage.message();
+  EXPECT_STREQ(sheet->readFormula(5, 1), L"SUM([Net])");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Dates, colours, locales, formats and fonts of a book.
 #include <gmock/gmock.h>
 
+#include "tests/api/files.h"
 #include "tests/api/stage.h"
 
 namespace {
@@ -94,6 +95,58 @@ TEST(Settings, DefaultFontIsFontZero) {
   int size = 0;
   EXPECT_STREQ(stage.book->defaultFont(&size), L"Arial");
   EXPECT_EQ(size, 14);
+}
+
+constexpr const char* kSheetOne = "xl/worksheets/sheet1.xml";
+
+// A workbook whose columns are ten characters wide in Calibri 11, of 7 pixels a digit.
+std::string with_widths() {
+  return with_replaced(three_sheets(), kSheetOne, "<sheetData>",
+                       "<cols><col min=\"1\" max=\"2\" width=\"10.7109375\" customWidth=\"1\"/>"
+                       "</cols><sheetData>");
+}
+
+// Wider digits make wider columns, which files say in digits with their padding.
+TEST(Settings, ColumnsKeepTheirCharactersInAnotherDefaultFont) {
+  const struct {
+    const char* name;
+    void (*change)(libxl::Book&);
+    const char* width;
+  } cases[] = {
+      {"the default font", [](libxl::Book& book) { book.setDefaultFont(L"Calibri", 22); },
+       "width=\"10.33203125\""},
+      {"the size of font 0", [](libxl::Book& book) { book.font(0)->setSize(22); },
+       "width=\"10.33203125\""},
+      {"the name of font 0", [](libxl::Book& book) { book.font(0)->setName(L"Verdana"); },
+       "width=\"10.5546875\""},
+      {"to and back",
+       [](libxl::Book& book) {
+         book.setDefaultFont(L"Verdana", 30);
+         book.setDefaultFont(L"Calibri", 11);
+       },
+       "width=\"10.7109375\""},
+      {"digits as wide", [](libxl::Book& book) { book.setDefaultFont(L"Arial", 10); },
+       "width=\"10.7109375\""},
+      {"another font", [](libxl::Book& book) { book.addFont()->setSize(40); },
+       "width=\"10.7109375\""},
+  };
+  for (const auto& [name, change, width] : cases) {
+    SCOPED_TRACE(name);
+    const OwnedBook book(xlCreateXMLBookW());
+    ASSERT_TRUE(load(*book, with_widths())) << book->errorMessage();
+    change(*book);
+    EXPECT_THAT(part_of(saved(*book), kSheetOne), testing::HasSubstr(width));
+  }
+}
+
+TEST(Settings, TheDefaultFontStaysWhereASheetIsDamaged) {
+  const OwnedBook book(xlCreateXMLBookW());
+  ASSERT_TRUE(load(*book, with_replaced(with_widths(), "xl/worksheets/sheet2.xml", "<row", "<<")));
+  book->setDefaultFont(L"Verdana", 30);
+  EXPECT_THAT(book->errorMessage(), testing::HasSubstr("is damaged: xl/worksheets/sheet2.xml"));
+  EXPECT_FALSE(book->font(0)->setName(L"Verdana"));
+  EXPECT_STREQ(book->font(0)->name(), L"Calibri");
+  EXPECT_EQ(book->font(0)->size(), 11);
 }
 
 }  // namespace

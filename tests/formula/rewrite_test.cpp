@@ -136,6 +136,21 @@ TEST(Sheets, Delete) {
   }
 }
 
+TEST(Tables, RenamedOrDeleted) {
+  const std::vector<TableChange> changes = {{"Sales", "Sales_1"}, {"Größe", {}}};
+  constexpr Change kCases[] = {
+      {"SUM(Sales[Net])", "SUM(Sales_1[Net])"},
+      {"sales[[#This Row],[Net]]*2", "Sales_1[[#This Row],[Net]]*2"},
+      {"ROWS(SALES)+Sales[]", "ROWS(Sales_1)+Sales_1[]"},
+      {"SUM(GRÖSSE[x])", nullptr},  // folding case keeps the number of letters
+      {"SUM(größe[[#All],[x]:[y]])+GRößE", "SUM(#REF!)+#REF!"},
+      {"[Net]+[@Net]+Sales2[Net]+[1]!Sales[Net]", nullptr},
+      {"Sheet1!Sales+\"Sales[Net]\"+Sales(1)", nullptr},
+      {"Sales[Net (", nullptr},
+  };
+  check(kCases, [&](const char* text) { return change_tables_text(text, changes); });
+}
+
 TEST(Sheets, Mentioned) {
   const auto formula = parse("Data!A1+'it''s'!B1+DATA!C1+SUM(X:Y!A1)+[1]Z!A1+#REF!A1+Q!Rate");
   ASSERT_TRUE(formula);

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
+#include "engine/workbook/font_metrics.h"
+
 namespace {
 
 using engine::ColumnProperties;
@@ -19,6 +23,72 @@ TEST(Metrics, TurnsFileWidthsIntoPixels) {
   }
 }
 
+// Widths that files hold for what people typed, in three default fonts.
+TEST(Metrics, CharactersPixelsAndFileWidths) {
+  const struct {
+    int digit;
+    double characters;
+    int pixels;
+    double width;
+    double shown;
+  } cases[] = {
+      {7, 10, 75, 10.7109375, 10},
+      {7, 8.43, 64, 9.140625, 8.43},
+      {7, 12.5, 93, 13.28515625, 12.57},
+      {7, 0.5, 6, 0.85546875, 0.5},
+      {7, 0, 0, 0, 0},
+      {7, 1, 12, 1.7109375, 1},
+      {7, 255, 1790, 255.7109375, 255},
+      {8, 10, 85, 10.625, 10},
+      {15, 10, 155, 10.33203125, 10},
+  };
+  for (const auto& [digit, characters, pixels, width, shown] : cases) {
+    SCOPED_TRACE(characters);
+    EXPECT_EQ(engine::pixels_of_characters(characters, digit), pixels);
+    EXPECT_EQ(engine::width_of_pixels(pixels, digit), width);
+    EXPECT_EQ(engine::pixels_of_width(width, digit), pixels);
+    EXPECT_EQ(engine::characters_of_pixels(pixels, digit), shown);
+  }
+  for (int digit = 1; digit <= 128; ++digit)
+    for (int pixels = 0; pixels < 2000; ++pixels)
+      ASSERT_EQ(engine::pixels_of_width(engine::width_of_pixels(pixels, digit), digit), pixels)
+          << digit;
+}
+
+TEST(Metrics, WidthsThatCannotBeAreStillPixels) {
+  for (const double width : {-1.0, 1e300, std::nan("")})
+    EXPECT_GE(engine::pixels_of_width(width, 7), 0) << width;
+}
+
+TEST(Metrics, DigitsOfFonts) {
+  const struct {
+    const char* name;
+    double size;
+    int pixels;
+  } cases[] = {{"Calibri", 11, 7},         {"Arial", 10, 7},       {"ARIAL", 10, 7},
+               {"Calibri", 20, 14},        {"Courier New", 10, 8}, {"Verdana", 10, 8},
+               {"Times New Roman", 12, 8}, {"Nobody's", 11, 7},    {"宋体", 11, 8},
+               {"Calibri", 1, 1},          {"Arial", 409, 303}};
+  for (const auto& [name, size, pixels] : cases) {
+    SCOPED_TRACE(name);
+    engine::FontRecord font;
+    font.name = name;
+    font.size = size;
+    EXPECT_EQ(engine::digit_pixels(font), pixels);
+  }
+}
+
+TEST(Metrics, ColumnsWithoutAWidthFollowTheDefaultFont) {
+  Sheet sheet;
+  EXPECT_EQ(engine::default_column_pixels(sheet), 64);
+  sheet.digit_pixels = 15;
+  EXPECT_EQ(engine::default_column_pixels(sheet), 128);
+  sheet.base_column_width = 10;
+  EXPECT_EQ(engine::default_column_pixels(sheet), 160);
+  sheet.default_column_width = 10.33203125;
+  EXPECT_EQ(engine::default_column_pixels(sheet), 155);
+}
+
 TEST(Metrics, WalksOverWideAndHiddenColumns) {
   Sheet sheet;
   ColumnProperties wide;
@@ -30,7 +100,7 @@ TEST(Metrics, WalksOverWideAndHiddenColumns) {
   hidden.hidden = true;
   sheet.columns = {wide, hidden};
   const struct {
-    int distance;
+    int distance = 0;
     Corner end;
   } cases[] = {{0, {0, 10}}, {54, {1, 0}}, {128, {1, 74}}, {129, {4, 0}}, {100000, {9, 63}}};
   for (const auto& [distance, end] : cases) {

@@ -8,7 +8,6 @@
 
 namespace {
 
-using engine::CellAddress;
 using engine::Comment;
 using engine::Sheet;
 using testing::HasSubstr;
@@ -125,6 +124,32 @@ TEST(NotesDrawing, GivesEveryShapeOfTheBookItsOwnId) {
   EXPECT_THAT(first, Not(HasSubstr("\"_x0000_s3072\"")));
   EXPECT_THAT(first, HasSubstr("\"_x0000_s4097\""));
   EXPECT_THAT(second, HasSubstr("data=\"5,6\""));
+}
+
+TEST(NotesDrawing, TellsTheSizesOfItsBoxes) {
+  const struct {
+    const char* style;
+    int width;
+    int height;
+  } cases[] = {
+      {"position:absolute; width:108pt;height:59.25pt;z-index:1", 144, 79},
+      {"max-width:9pt;height:20px;\n  width:30px", 30, 20},
+      {"width:2in;margin-left:5pt", 0, 0},
+      {"width:9e99pt;height:99999999999pt", 0, 32767},
+      {"width:;height", 0, 0},
+  };
+  for (const auto& [style, width, height] : cases) {
+    SCOPED_TRACE(style);
+    Sheet sheet;
+    sheet.comments[{3, 1}] = {};
+    engine::xlsx::read_note_sizes(
+        "<xml><v:shape style=\"" + std::string(style) +
+            "\"><x:ClientData ObjectType=\"Note\"><x:Row>3</x:Row><x:Column>1</x:Column>"
+            "</x:ClientData></v:shape></xml>",
+        sheet);
+    EXPECT_EQ(sheet.comments.at({3, 1}).width, width);
+    EXPECT_EQ(sheet.comments.at({3, 1}).height, height);
+  }
 }
 
 TEST(NotesDrawing, PlacesTheBoxBesideItsCell) {

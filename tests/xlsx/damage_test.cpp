@@ -7,7 +7,6 @@
 namespace engine::xlsx {
 namespace {
 
-using testing::HasSubstr;
 using testing::StartsWith;
 
 TEST(Damage, InAWorksheetNamesTheCell) {
@@ -16,25 +15,25 @@ TEST(Damage, InAWorksheetNamesTheCell) {
     const char* text;
   };
   constexpr Case kCases[] = {
-      {"<row r=\"7\"><c r=\"B7\" t=\"s\"><v>40</v></c></row>",
+      {R"(<row r="7"><c r="B7" t="s"><v>40</v></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell B7, text 40 of 2"},
-      {"<row r=\"7\"><c t=\"s\"><v>-1</v></c></row>",
+      {R"(<row r="7"><c t="s"><v>-1</v></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell A7, text -1 of 2"},
-      {"<row r=\"7\"><c r=\"C7\"><v>abc</v></c></row>",
+      {R"(<row r="7"><c r="C7"><v>abc</v></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell C7, \"abc\" is not a number"},
-      {"<row r=\"7\"><c r=\"C7\"><v>1e999</v></c></row>",
+      {R"(<row r="7"><c r="C7"><v>1e999</v></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell C7, \"1e999\" is not a number"},
-      {"<row r=\"7\"><c r=\"C7\" t=\"b\"><v>2</v></c></row>",
+      {R"(<row r="7"><c r="C7" t="b"><v>2</v></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell C7, \"2\" is not a true/false value"},
-      {"<row r=\"7\"><c r=\"C7\" t=\"d\"><v>today</v></c></row>",
+      {R"(<row r="7"><c r="C7" t="d"><v>today</v></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell C7, \"today\" is not a date"},
-      {"<row r=\"7\"><c r=\"C7\" t=\"q\"><v>1</v></c></row>",
+      {R"(<row r="7"><c r="C7" t="q"><v>1</v></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell C7, type \"q\" is not known"},
-      {"<row r=\"7\"><c r=\"C7\"><f t=\"shared\" si=\"3\"/></c></row>",
+      {R"(<row r="7"><c r="C7"><f t="shared" si="3"/></c></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell C7, shared formula 3 is missing"},
-      {"<row r=\"7\"><c r=\"XFE7\"/></row>",
+      {R"(<row r="7"><c r="XFE7"/></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell XFE7, is beyond the last cell"},
-      {"<row r=\"7\"><c r=\"7C\"/></row>",
+      {R"(<row r="7"><c r="7C"/></row>)",
        "is damaged: xl/worksheets/sheet1.xml, cell address \"7C\" is not one"},
       {"<row r=\"1048577\"/>", "is damaged: xl/worksheets/sheet1.xml, row 1048577 of 1048576"},
       {"<row r=\"1048576\"/><row><c/></row>",
@@ -101,6 +100,28 @@ TEST(Damage, OptionalPartsStopNothing) {
   EXPECT_EQ(unzip(book->save()).at("xl/comments1.xml"), "<broken");
 }
 
+// The boxes of notes: what can be read is told, a sheet whose boxes are lost takes no new ones.
+TEST(Damage, DrawingsThatDoNotUnpackStopNothing) {
+  PartTexts parts = book_of(worksheet("", {}, R"(<legacyDrawing r:id="rId1"/>)"));
+  parts["xl/boxes.vml"] = "<xml></xml>";
+  parts["xl/worksheets/_rels/sheet1.xml.rels"] =
+      relations({{"vmlDrawing", "../boxes.vml"}, {"comments", "../comments1.xml"}});
+  parts["xl/comments1.xml"] = "<comments xmlns=\"" + std::string(kMainNamespace) +
+                              "\"><authors><author/></authors><commentList><comment ref=\"A1\" "
+                              "authorId=\"0\"><text><t>x</t></text></comment></commentList>"
+                              "</comments>";
+  std::string bytes = zip(parts);
+  bytes[bytes.find("xl/boxes.vml") + std::string_view("xl/boxes.vml").size()] ^= 0x7F;
+  const auto book = load(bytes);
+  book->read();
+  EXPECT_EQ(book->sheet().comments.size(), 1u);
+  EXPECT_THAT(book->sheet().comments_damage, StartsWith("is damaged: xl/boxes.vml"));
+  Sheet& other = book->add_sheet("Other");
+  other.comments[{0, 0}].text = "new";
+  other.comments_changed = other.changed = true;
+  EXPECT_NO_THROW(book->save());
+}
+
 // Whatever is cut off, the file is refused or what is there is read.
 TEST(Damage, EveryPrefixOfAFileIsRefused) {
   const std::string file = zip(book_of(worksheet("<row><c t=\"s\"><v>1</v></c></row>")));
@@ -113,7 +134,7 @@ TEST(Damage, EveryPrefixOfAPartIsReadOrRefused) {
   const PartTexts good =
       book_of(worksheet("<row r=\"1\" ht=\"3\"><c r=\"A1\" t=\"s\"><v>1</v></c><c "
                         "r=\"B1\"><f>A1</f><v>2</v></c></row>",
-                        "<cols><col min=\"1\" max=\"2\" width=\"3\"/></cols>"));
+                        R"(<cols><col min="1" max="2" width="3"/></cols>)"));
   for (const auto& [name, text] : good) {
     PartTexts parts = good;
     for (std::size_t size = 0; size < text.size(); ++size) {

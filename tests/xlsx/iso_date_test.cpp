@@ -7,8 +7,8 @@ namespace {
 
 TEST(IsoDate, GivesSerialDays) {
   struct Case {
-    const char* text;
-    bool date1904;
+    const char* text = nullptr;
+    bool date1904 = false;
     std::optional<double> serial;
   };
   const Case kCases[] = {

@@ -45,7 +45,7 @@ PartTexts rich_book() {
       "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">"
       "<Relationship Id=\"a\" Type=\"" +
       std::string(kOfficeRelations) +
-      "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>";
+      R"(/officeDocument" Target="xl/workbook.xml"/></Relationships>)";
   return parts;
 }
 
@@ -134,10 +134,10 @@ TEST(LoadedBook, SharedTextsAreAppendedTo) {
        "--><si><r><t>a</t></r></si>\n"
        "<si><t>new</t></si></sst>"},
       {"<sst xmlns=\"M\"/>",
-       "<sst xmlns=\"M\" count=\"1\" uniqueCount=\"1\"><si><t>new</t></si></sst>"},
-      {"<sst xmlns=\"M\" count=\"1\"><si/><extLst/></sst>",
-       "<sst xmlns=\"M\" count=\"2\" uniqueCount=\"2\"><si/><si><t>new</t></si><extLst/></sst>"},
-      {"<x:sst xmlns:x=\"M\" count=\"1\"><x:si><x:t>a</x:t></x:si></x:sst>",
+       R"(<sst xmlns="M" count="1" uniqueCount="1"><si><t>new</t></si></sst>)"},
+      {R"(<sst xmlns="M" count="1"><si/><extLst/></sst>)",
+       R"(<sst xmlns="M" count="2" uniqueCount="2"><si/><si><t>new</t></si><extLst/></sst>)"},
+      {R"(<x:sst xmlns:x="M" count="1"><x:si><x:t>a</x:t></x:si></x:sst>)",
        "<x:sst xmlns:x=\"M\" count=\"2\" uniqueCount=\"2\"><x:si><x:t>a</x:t></x:si>"
        "<si xmlns=\"M\"><t>new</t></si></x:sst>"},
   };

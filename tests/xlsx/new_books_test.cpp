@@ -8,7 +8,6 @@ namespace engine::xlsx {
 namespace {
 
 using testing::HasSubstr;
-using testing::Not;
 
 TEST(NewBook, ComesBackAsItWas) {
   const auto book = new_book();

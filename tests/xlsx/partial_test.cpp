@@ -17,8 +17,8 @@ constexpr const char* kRows =
     "</row><row r=\"4\"><c r=\"A4\" t=\"str\"><v>own</v></c><c r=\"B4\" t=\"e\"><v>#SPILL!</v></c>"
     "<c r=\"C4\" t=\"str\"><f>One!B4</f><v>result</v></c></row>";
 
-std::unique_ptr<Book> load_rows(int first, int last) {
-  auto book = load(book_of(worksheet(kRows)));
+std::unique_ptr<Book> load_rows(int first, int last, std::string_view rows = kRows) {
+  auto book = load(book_of(worksheet(rows)));
   book->sheet().loading = Loading::kPartly;
   book->sheet().loaded_rows = {first, last, 0, 16383};
   book->read();
@@ -52,6 +52,26 @@ TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
   for (const auto& [at, shown] : kCells)
     EXPECT_EQ(again->show(at.row, at.column), shown) << at.row << " " << at.column;
   EXPECT_EQ(again->sheet().properties_at(0).height, 9);
+}
+
+TEST(PartialLoad, TextsOfTheOtherRowsKeepTheirRuns) {
+  constexpr std::string_view kItem = "<is><r><rPr><b/></rPr><t>a</t></r><r><t>b</t></r></is>";
+  const std::string row = "<row r=\"2\"><c r=\"A2\" t=\"inlineStr\">" + std::string(kItem) +
+                          "</c><c r=\"B2\" t=\"inlineStr\" ph=\"1\">" + std::string(kItem) +
+                          "</c></row>";
+  const auto book = load_rows(0, 0, row);
+  book->sheet().put_value(0, 0, Value::of_number(1), {});
+  EXPECT_THAT(unzip(book->save()).at("xl/worksheets/sheet1.xml"), testing::HasSubstr(row));
+}
+
+// The first cell of an array holds its formula, so a value in another one would be lost.
+TEST(PartialLoad, KnowsArraysThatReachIn) {
+  const auto array = [](std::string_view range) {
+    return "<row r=\"1\"><c r=\"A1\"><f t=\"array\" ref=\"" + std::string(range) +
+           "\">B1:B3</f><v>1</v></c></row><row r=\"2\"><c r=\"A2\"><v>2</v></c></row>";
+  };
+  EXPECT_NE(load_rows(1, 1, array("A1:A3"))->sheet().array_at({1, 0}), nullptr);
+  EXPECT_EQ(load_rows(1, 1, array("A1:B1"))->sheet().array_at({0, 0}), nullptr);
 }
 
 TEST(PartialLoad, FormulasOfTheOtherRowsFollow) {

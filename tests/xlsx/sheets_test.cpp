@@ -32,9 +32,13 @@ constexpr const char* kChart =
 
 PartTexts book_with_parts() {
   PartTexts parts =
-      book_of(worksheet("<row><c><f>One!B1</f></c></row>", "<sheetPr codeName=\"Code\"/>", kTail));
+      book_of(worksheet("<row><c><f>One!B1</f></c><c><f>ROWS(Table1[a])</f></c></row>",
+                        "<sheetPr codeName=\"Code\"/><sheetViews><sheetView workbookViewId=\"0\">"
+                        "<pivotSelection r:id=\"rId9\"/></sheetView></sheetViews>",
+                        kTail));
   const std::string main(kMainNamespace);
-  parts["xl/worksheets/sheet2.xml"] = worksheet("<row><c><f>One!B1+Two!B1</f></c></row>");
+  parts["xl/worksheets/sheet2.xml"] =
+      worksheet("<row><c><f>One!B1+Two!B1</f></c><c><f>SUM(Table1[[#This Row],[a]])</f></c></row>");
   parts["xl/workbook.xml"] = workbook_text(
       "<sheet name=\"One\" sheetId=\"4\" r:id=\"rId1\"/><sheet name=\"Two\" sheetId=\"5\" "
       "r:id=\"rId3\"/>",
@@ -53,7 +57,7 @@ PartTexts book_with_parts() {
   parts["xl/tables/table1.xml"] =
       "<table xmlns=\"" + main +
       "\" id=\"3\" name=\"Table1\" displayName=\"Table1\" ref=\"A1:A2\">"
-      "<tableColumns><tableColumn id=\"1\" name=\"a\"><calculatedColumnFormula>One!A1"
+      "<tableColumns><tableColumn id=\"1\" name=\"a\"><calculatedColumnFormula>One!A1+Table1[a]"
       "</calculatedColumnFormula></tableColumn></tableColumns></table>";
   parts["xl/p.bin"] = "printer";
   parts["xl/drawing1.xml"] = "<d/>";
@@ -86,14 +90,16 @@ TEST(Sheets, ACopyHasWhatBelongsToItAlone) {
   PartTexts saved = unzip(bytes);
   const std::string& sheet = saved.at("xl/worksheets/sheet3.xml");
   for (const char* kept :
-       {"<f>Copy!B1</f>", "<formula>Copy!A1&gt;A2</formula>", "val=\"Copy!$B$1\"",
-        "<formula1>Copy!$A$1:$A$3</formula1>", "Copy!A1:A9</xm:f>", "location=\"One!A1\"",
-        "<hyperlink ref=\"A1\" r:id=\"rId1\"/>", "<pageSetup orientation=\"landscape\"/>"})
+       {"<f>Copy!B1</f>", "<f>ROWS(Table1_2[a])</f>", "<formula>Copy!A1&gt;A2</formula>",
+        "val=\"Copy!$B$1\"", "<formula1>Copy!$A$1:$A$3</formula1>", "Copy!A1:A9</xm:f>",
+        "location=\"One!A1\"", R"(<hyperlink ref="A1" r:id="rId1"/>)",
+        "<pageSetup orientation=\"landscape\"/>"})
     EXPECT_THAT(sheet, HasSubstr(kept));
-  for (const char* left : {"codeName", "<drawing"}) EXPECT_THAT(sheet, Not(HasSubstr(left)));
+  for (const char* left : {"codeName", "<drawing", "pivotSelection"})
+    EXPECT_THAT(sheet, Not(HasSubstr(left)));
   EXPECT_THAT(saved.at("xl/tables/table2.xml"),
               HasSubstr("id=\"4\" name=\"Table1_2\" displayName=\"Table1_2\""));
-  EXPECT_THAT(saved.at("xl/tables/table2.xml"), HasSubstr(">Copy!A1<"));
+  EXPECT_THAT(saved.at("xl/tables/table2.xml"), HasSubstr(">Copy!A1+Table1_2[a]<"));
   EXPECT_THAT(saved.at("xl/tables/table3.xml"), HasSubstr("id=\"5\" name=\"Table1_2_1\""));
   EXPECT_THAT(saved.at("xl/worksheets/_rels/sheet3.xml.rels"), HasSubstr("http://a/"));
   EXPECT_EQ(saved.at("xl/worksheets/sheet1.xml"), book_with_parts().at("xl/worksheets/sheet1.xml"));
@@ -108,6 +114,7 @@ TEST(Sheets, ARemovedSheetTakesItsPartsAlong) {
                            "xl/tables/table1.xml", "xl/drawing1.xml", "xl/chart1.xml", "xl/p.bin"})
     EXPECT_FALSE(saved.contains(gone)) << gone;
   EXPECT_THAT(saved.at("xl/worksheets/sheet2.xml"), HasSubstr("<f>#REF!B1+Two!B1</f>"));
+  EXPECT_THAT(saved.at("xl/worksheets/sheet2.xml"), HasSubstr("<f>SUM(#REF!)</f>"));
   EXPECT_THAT(saved.at("xl/workbook.xml"),
               HasSubstr("<sheets><sheet name=\"Two\" sheetId=\"5\" r:id=\"rId3\"/></sheets>"));
   book->add_sheet("Next").changed = true;
@@ -129,7 +136,7 @@ TEST(Sheets, EditsReachCarriedFormulas) {
         "<formula1>'First one'!$A$1:$A$3</formula1>", "'First one'!A1:A9</xm:f>", "val=\"1\""})
     EXPECT_THAT(sheet, HasSubstr(text));
   EXPECT_THAT(saved.at("xl/chart1.xml"), HasSubstr("<c:f>'First one'!$A$1:$A$3</c:f>"));
-  EXPECT_THAT(saved.at("xl/tables/table1.xml"), HasSubstr(">'First one'!A1<"));
+  EXPECT_THAT(saved.at("xl/tables/table1.xml"), HasSubstr(">'First one'!A1+Table1[a]<"));
   EXPECT_THAT(saved.at("xl/pivotCache1.xml"), HasSubstr("ref=\"A1:B2\" sheet=\"First one\""));
   EXPECT_EQ(saved.at("xl/worksheets/sheet2.xml"), book_with_parts().at("xl/worksheets/sheet2.xml"));
 }

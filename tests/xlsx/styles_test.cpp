@@ -166,8 +166,8 @@ TEST(StylesPart, PatchesInPlace) {
        [](Styles& styles) {
          styles.change_format(2, kFormatFill).fill = {1, Color::rgb(0xFF), {}, 0};
        },
-       {{R"(fillId="3" borderId="77" xfId="0")",
-         R"(fillId="4" borderId="77" xfId="0" applyFill="1")"},
+       {{R"(fillId="3" borderId="0" xfId="0")",
+         R"(fillId="4" borderId="0" xfId="0" applyFill="1")"},
         {R"(<fills count="4">)", R"(<fills count="5">)"},
         {R"(</fills>)",
          R"(<fill><patternFill patternType="solid"><fgColor rgb="FF0000FF"/></patternFill></fill>)"
@@ -196,6 +196,9 @@ TEST(StylesPart, PatchesInPlace) {
     const WrittenStyles written = book.part.write(book.styles);
     std::string expected = std::string(kDeclaration).append(kSample);
     expected = replaced(expected, R"(<cellXfs count="99">)", R"(<cellXfs count="3">)");
+    // Numbers beyond their lists are mended along the way.
+    expected = replaced(expected, R"(fontId="77")", R"(fontId="0")");
+    expected = replaced(expected, R"(borderId="77")", R"(borderId="0")");
     for (const auto& [from, to] : edits) expected = replaced(expected, from, to);
     EXPECT_EQ(written.bytes, expected);
     EXPECT_EQ(written.file_number(2), 2U);
@@ -237,7 +240,7 @@ TEST(StylesPart, FoldsWhatWasAdded) {
   EXPECT_EQ(again.styles.format_count(), 7U);
   EXPECT_EQ(again.styles.font_count(), 3U);
   EXPECT_EQ(again.styles.format(6).fill.carried, 4U);
-  EXPECT_NE(written.bytes.find(R"(fillId="3" borderId="77" xfId="0" applyAlignment="1")"),
+  EXPECT_NE(written.bytes.find(R"(fillId="3" borderId="0" xfId="0" applyAlignment="1")"),
             std::string::npos);
 }
 
@@ -354,6 +357,25 @@ TEST(StylesPart, MissingPiecesAreMade) {
       at = found;
     }
   }
+}
+
+// Format 2 names a font and a border that the file lacks: what is appended there is not for it.
+TEST(StylesPart, NumbersBeyondTheirListsStayTheFirst) {
+  Book book(replaced(std::string(kSample), "fontId=\"77\" fillId=\"3\" borderId=\"77\" xfId=\"0\"",
+                     "fontId=\"3\" fillId=\"4\" borderId=\"2\" xfId=\"1\""));
+  const FormatRecord before = book.styles.format(2);
+  const std::uint32_t font = *book.styles.add_font();
+  book.styles.change_font(font, kFontSize).size = 40;
+  FormatRecord& added = book.styles.change_format(*book.styles.add_format(), ~0U);
+  added.font = font;
+  added.border.left.style = 5;
+  added.fill = {1, Color::rgb(0xFF0000), {}, 0};
+  const Book again(book.part.write(book.styles).bytes);
+  const FormatRecord& after = again.styles.format(2);
+  EXPECT_EQ(after.font, 0U);
+  EXPECT_EQ(after.border, before.border);
+  EXPECT_EQ(after.fill, before.fill);
+  EXPECT_EQ(again.styles.font(again.styles.format(3).font).size, 40);
 }
 
 TEST(StylesPart, RefusesWhatIsNoStyleSheet) {

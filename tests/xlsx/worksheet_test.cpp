@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "engine/workbook/metrics.h"
 #include "tests/xlsx/packages.h"
 
 namespace engine::xlsx {
@@ -15,38 +16,38 @@ TEST(Worksheet, ReadsEveryKindOfCell) {
     const char* shown;
   };
   constexpr Case kCases[] = {
-      {"<c r=\"A1\"><v>12.5</v></c>", "12.5"},
-      {"<c r=\"A1\" s=\"7\"><v>-3</v></c>", "-3."},
-      {"<c r=\"A1\"><v>-1.25E-2</v></c>", "-0.0125"},
-      {"<c r=\"A1\" t=\"n\"><v> 1e3 </v></c>", "1000."},
+      {R"(<c r="A1"><v>12.5</v></c>)", "12.5"},
+      {R"(<c r="A1" s="7"><v>-3</v></c>)", "-3."},
+      {R"(<c r="A1"><v>-1.25E-2</v></c>)", "-0.0125"},
+      {R"(<c r="A1" t="n"><v> 1e3 </v></c>)", "1000."},
       {"<c r='$A$1'><v>&#49;2</v></c>", "12."},
       {"<c><v>5</v></c>", "5."},
-      {"<c r=\"a1\" t=\"s\"><v>1</v></c>", "\"one\""},
-      {"<c r=\"A1\" t=\"s\"><v>0</v></c>", "\"zero\""},
-      {"<c r=\"A1\" t=\"s\"/>", "-"},
-      {"<c r=\"A1\" t=\"str\"><v> a&lt;_x0041_&#10;b </v></c>", "\" a<A\nb \""},
-      {"<c r=\"A1\" t=\"str\"><v></v></c>", "\"\""},
-      {"<c r=\"A1\" t=\"b\"><v>1</v></c>", "TRUE"},
-      {"<c r=\"A1\" t=\"b\"><v>false</v></c>", "FALSE"},
-      {"<c r=\"A1\" t=\"e\"><v>#N/A</v></c>", "#N/A"},
-      {"<c r=\"A1\" t=\"e\"><v>#SPILL!</v></c>", "#SPILL!"},
-      {"<c r=\"A1\" t=\"d\"><v>1900-03-01T12:00</v></c>", "61.5"},
-      {"<c r=\"A1\" t=\"inlineStr\"><is><t>in</t></is></c>", "\"in\""},
-      {"<c r=\"A1\" t=\"inlineStr\"><is><r><t>a</t></r><r><rPr><b/></rPr><t "
-       "xml:space=\"preserve\"> b"
-       "</t></r><rPh sb=\"0\" eb=\"1\"><t>no</t></rPh></is></c>",
-       "\"a b\""},
-      {"<c r=\"A1\"><f>B1+1</f><v>3</v></c>", "=B1+1: 3."},
-      {"<c r=\"A1\" t=\"str\"><f>\"a\"&amp;B1</f><v>ab</v></c>", "=\"a\"&B1: \"ab\""},
-      {"<c r=\"A1\"><f>B1</f></c>", "=B1: -"},
-      {"<c r=\"A1\"><f>B1</f><v></v></c>", "=B1: -"},
-      {"<c r=\"A1\"/>", "-"},
-      {"<c r=\"A1\"><!-- <v>1</v> --><v><![CDATA[2]]></v></c>", "2."},
-      {"<c r=\"A1\"><v>1</v></c><c r=\"A1\"><v>2</v></c>", "2."},
+      {R"(<c r="a1" t="s"><v>1</v></c>)", R"("one")"},
+      {R"(<c r="A1" t="s"><v>0</v></c>)", R"("zero")"},
+      {R"(<c r="A1" t="s"/>)", "-"},
+      {R"(<c r="A1" t="str"><v> a&lt;_x0041_&#10;b </v></c>)", "\" a<A\nb \""},
+      {R"(<c r="A1" t="str"><v></v></c>)", "\"\""},
+      {R"(<c r="A1" t="b"><v>1</v></c>)", "TRUE"},
+      {R"(<c r="A1" t="b"><v>false</v></c>)", "FALSE"},
+      {R"(<c r="A1" t="e"><v>#N/A</v></c>)", "#N/A"},
+      {R"(<c r="A1" t="e"><v>#SPILL!</v></c>)", "#SPILL!"},
+      {R"(<c r="A1" t="d"><v>1900-03-01T12:00</v></c>)", "61.5"},
+      {R"(<c r="A1" t="inlineStr"><is><t>in</t></is></c>)", R"("in")"},
+      {R"(<c r="A1" t="inlineStr"><is><r><t>a</t></r><r><rPr><b/></rPr><t )"
+       R"(xml:space="preserve"> b)"
+       R"(</t></r><rPh sb="0" eb="1"><t>no</t></rPh></is></c>)",
+       R"("a b")"},
+      {R"(<c r="A1"><f>B1+1</f><v>3</v></c>)", "=B1+1: 3."},
+      {R"(<c r="A1" t="str"><f>"a"&amp;B1</f><v>ab</v></c>)", R"(="a"&B1: "ab")"},
+      {R"(<c r="A1"><f>B1</f></c>)", "=B1: -"},
+      {R"(<c r="A1"><f>B1</f><v></v></c>)", "=B1: -"},
+      {R"(<c r="A1"/>)", "-"},
+      {R"(<c r="A1"><!-- <v>1</v> --><v><![CDATA[2]]></v></c>)", "2."},
+      {R"(<c r="A1"><v>1</v></c><c r="A1"><v>2</v></c>)", "2."},
   };
   for (const auto& [cell, shown] : kCases) {
     SCOPED_TRACE(cell);
-    const auto book = load(book_of(worksheet("<row r=\"1\">" + std::string(cell) + "</row>")));
+    const auto book = load(book_of(worksheet(R"(<row r="1">)" + std::string(cell) + "</row>")));
     book->read();
     EXPECT_EQ(book->show(0, 0), shown);
     book->sheet().changed = true;
@@ -58,47 +59,47 @@ TEST(Worksheet, ReadsEveryKindOfCell) {
 
 TEST(Worksheet, PlacesCellsWithoutOrderOrAddress) {
   struct Case {
-    const char* rows;
+    const char* rows = nullptr;
     CellAddress at;
   };
   constexpr Case kCases[] = {
-      {"<row><c/><c t=\"s\"><v>1</v></c></row>", {0, 1}},
-      {"<row r=\"5\"/><row><c t=\"s\"><v>1</v></c></row>", {5, 0}},
-      {"<row r=\"3\"><c r=\"C3\"/><c t=\"s\"><v>1</v></c></row>", {2, 3}},
-      {"<row r=\"9\"/><row r=\"2\"><c r=\"B2\"/><c r=\"A2\" t=\"s\"><v>1</v></c></row>", {1, 0}},
-      {"<row r=\"1\"><c r=\"B7\" t=\"s\"><v>1</v></c></row>", {6, 1}},
-      {"<row r=\"1048576\"><c r=\"XFD1048576\" t=\"s\"><v>1</v></c></row>", {1048575, 16383}},
+      {R"(<row><c/><c t="s"><v>1</v></c></row>)", {0, 1}},
+      {R"(<row r="5"/><row><c t="s"><v>1</v></c></row>)", {5, 0}},
+      {R"(<row r="3"><c r="C3"/><c t="s"><v>1</v></c></row>)", {2, 3}},
+      {R"(<row r="9"/><row r="2"><c r="B2"/><c r="A2" t="s"><v>1</v></c></row>)", {1, 0}},
+      {R"(<row r="1"><c r="B7" t="s"><v>1</v></c></row>)", {6, 1}},
+      {R"(<row r="1048576"><c r="XFD1048576" t="s"><v>1</v></c></row>)", {1048575, 16383}},
   };
   for (const auto& [rows, at] : kCases) {
     SCOPED_TRACE(rows);
     const auto book = load(book_of(worksheet(rows)));
     book->read();
-    EXPECT_EQ(book->show(at.row, at.column), "\"one\"");
+    EXPECT_EQ(book->show(at.row, at.column), R"("one")");
   }
 }
 
 TEST(Worksheet, ReadsPrefixesAndStrictNamespaces) {
-  PartTexts prefixed = book_of(
-      "<x:worksheet xmlns:x=\"" + std::string(kMainNamespace) +
-      "\"><x:cols><x:col min=\"2\" max=\"3\" width=\"9\"/></x:cols><x:sheetData><x:row r=\"1\">"
-      "<x:c r=\"A1\" t=\"s\"><x:v>1</x:v></x:c><x:c r=\"B1\" t=\"inlineStr\"><x:is><x:r>"
-      "<x:t>rich</x:t></x:r></x:is></x:c></x:row></x:sheetData><x:mergeCells>"
-      "<x:mergeCell ref=\"A1:B1\"/></x:mergeCells></x:worksheet>");
+  PartTexts prefixed =
+      book_of(R"(<x:worksheet xmlns:x=")" + std::string(kMainNamespace) +
+              R"("><x:cols><x:col min="2" max="3" width="9"/></x:cols><x:sheetData><x:row r="1">)"
+              R"(<x:c r="A1" t="s"><x:v>1</x:v></x:c><x:c r="B1" t="inlineStr"><x:is><x:r>)"
+              "<x:t>rich</x:t></x:r></x:is></x:c></x:row></x:sheetData><x:mergeCells>"
+              R"(<x:mergeCell ref="A1:B1"/></x:mergeCells></x:worksheet>)");
   const auto book = load(prefixed);
   book->read();
   ASSERT_EQ(book->sheet().columns.size(), 1u);
   book->sheet().put_value(0, 2, Value::of_number(4), {});
   const auto again = load(book->save());
   again->read();
-  EXPECT_EQ(again->show(0, 0), "\"one\"");
-  EXPECT_EQ(again->show(0, 1), "\"rich\"");
+  EXPECT_EQ(again->show(0, 0), R"("one")");
+  EXPECT_EQ(again->show(0, 1), R"("rich")");
   EXPECT_EQ(again->show(0, 2), "4.");
   EXPECT_EQ(again->sheet().columns.size(), 1u);
   EXPECT_THAT(unzip(book->save()).at("xl/sharedStrings.xml"),
               HasSubstr("<si><r><t>rich</t></r></si>"));
 
   PartTexts strict;
-  for (auto [name, text] : book_of(worksheet("<row><c t=\"d\"><v>2020-01-01</v></c></row>"))) {
+  for (auto [name, text] : book_of(worksheet(R"(<row><c t="d"><v>2020-01-01</v></c></row>)"))) {
     for (const auto& [from, to] :
          {std::pair{kMainNamespace, "http://purl.oclc.org/ooxml/spreadsheetml/main"},
           std::pair{kOfficeRelations, "http://purl.oclc.org/ooxml/officeDocument/relationships"}})
@@ -113,12 +114,12 @@ TEST(Worksheet, ReadsPrefixesAndStrictNamespaces) {
 }
 
 TEST(Worksheet, ExpandsSharedFormulas) {
-  const auto book = load(book_of(worksheet(
-      "<row r=\"2\"><c r=\"B2\"><f t=\"shared\" ref=\"B2:C4\" si=\"0\" ca=\"1\">A1+$A$1+A2</f>"
-      "<v>1</v></c><c r=\"C2\"><f t=\"shared\" si=\"0\"/><v>2</v></c></row>"
-      "<row r=\"3\"><c r=\"B3\"><f t=\"shared\" si=\"0\"/></c>"
-      "<c r=\"C3\"><f t=\"shared\" ref=\"C3:C9\" si=\"0\">C1*2</f></c></row>"
-      "<row r=\"4\"><c r=\"C4\"><f t=\"shared\" si=\"0\"/></c></row>")));
+  const auto book = load(book_of(
+      worksheet(R"(<row r="2"><c r="B2"><f t="shared" ref="B2:C4" si="0" ca="1">A1+$A$1+A2</f>)"
+                R"(<v>1</v></c><c r="C2"><f t="shared" si="0"/><v>2</v></c></row>)"
+                R"(<row r="3"><c r="B3"><f t="shared" si="0"/></c>)"
+                R"(<c r="C3"><f t="shared" ref="C3:C9" si="0">C1*2</f></c></row>)"
+                R"(<row r="4"><c r="C4"><f t="shared" si="0"/></c></row>)")));
   book->read();
   EXPECT_EQ(book->show(1, 1), "=A1+$A$1+A2: 1.");
   EXPECT_EQ(book->show(1, 2), "=B1+$A$1+B2: 2.");
@@ -126,51 +127,50 @@ TEST(Worksheet, ExpandsSharedFormulas) {
   EXPECT_EQ(book->show(3, 2), "=C2*2: -");
   book->sheet().changed = true;
   const std::string sheet = unzip(book->save()).at("xl/worksheets/sheet1.xml");
-  EXPECT_THAT(sheet, HasSubstr("<c r=\"B2\"><f ca=\"1\">A1+$A$1+A2</f><v>1</v></c>"));
+  EXPECT_THAT(sheet, HasSubstr(R"(<c r="B2"><f ca="1">A1+$A$1+A2</f><v>1</v></c>)"));
   EXPECT_EQ(sheet.find("shared"), std::string::npos);
 }
 
 TEST(Worksheet, WritesBackWhatItDoesNotKnow) {
   constexpr const char* kPieces[] = {
-      "<sheetPr codeName=\"S\"><tabColor rgb=\"FF00FF00\"/></sheetPr>",
-      "<sheetView workbookViewId=\"0\" zoomScale=\"80\" x:own=\"1\"/>",
-      "<col min=\"2\" max=\"3\" width=\"9.5\" x:extra=\"a&amp;b\" phonetic=\"1\"/>",
-      "<row r=\"1\" ht=\"20\" customHeight=\"1\" x:dyDescent=\"0.25\" ph=\"1\">",
-      "<c r=\"A1\" t=\"e\" cm=\"1\" vm=\"2\"><f t=\"array\" ref=\"A1:B2\" ca=\"1\">SUM(A1)</f>"
-      "<v>#N/A</v></c>",
-      "<c r=\"D1\"><v>1</v><x:more>text</x:more></c>",
-      "<c r=\"E1\"><f t=\"dataTable\" ref=\"E1:E3\" dt2D=\"0\" r1=\"B1\"/><v>2</v></c>",
+      R"(<sheetPr codeName="S"><tabColor rgb="FF00FF00"/></sheetPr>)",
+      R"(<sheetView workbookViewId="0" zoomScale="80" x:own="1"/>)",
+      R"(<col min="2" max="3" width="9.5" x:extra="a&amp;b" phonetic="1"/>)",
+      R"(<row r="1" ht="20" customHeight="1" x:dyDescent="0.25" ph="1">)",
+      R"(<c r="A1" t="e" cm="1"><f t="array" ref="A1:B2" ca="1">SUM(A1)</f><v>#N/A</v></c>)",
+      R"(<c r="D1"><v>1</v><x:more>text</x:more></c>)",
+      R"(<c r="E1"><f t="dataTable" ref="E1:E3" dt2D="0" r1="B1"/><v>2</v></c>)",
       "<x:tail/></row>",
-      "<c r=\"A2\" t=\"d\"><v>2020-02-03</v></c>",
-      "<mergeCells count=\"1\"><mergeCell ref=\"F1:G1\"/></mergeCells>",
-      "<mc:AlternateContent xmlns:mc=\"urn:mc\"><mc:Choice Requires=\"x\"/></mc:AlternateContent>",
-      "<extLst><ext uri=\"{1}\"><x:deep>&lt;</x:deep></ext></extLst>",
+      R"(<c r="A2" t="d"><v>2020-02-03</v></c>)",
+      R"(<mergeCells count="1"><mergeCell ref="F1:G1"/></mergeCells>)",
+      R"(<mc:AlternateContent xmlns:mc="urn:mc"><mc:Choice Requires="x"/></mc:AlternateContent>)",
+      R"(<extLst><ext uri="{1}"><x:deep>&lt;</x:deep></ext></extLst>)",
   };
   const auto piece = [&](int i) { return std::string(kPieces[i]); };
   std::string sheet = worksheet(
-      piece(3) + piece(4) + piece(5) + piece(6) + piece(7) + "<row r=\"2\">" + piece(8) + "</row>",
+      piece(3) + piece(4) + piece(5) + piece(6) + piece(7) + R"(<row r="2">)" + piece(8) + "</row>",
       piece(0) + "<sheetViews>" + piece(1) + "</sheetViews><cols>" + piece(2) + "</cols>",
       piece(9) + piece(10) + piece(11));
-  sheet.insert(sheet.find(" xmlns:r="), " xmlns:x=\"urn:x\"");
+  sheet.insert(sheet.find(" xmlns:r="), R"( xmlns:x="urn:x")");
   const auto book = load(book_of(sheet));
   book->read();
   EXPECT_EQ(book->sheet().arrays.size(), 2u);
   book->sheet().put_value(5, 0, Value::of_number(1), {});
   const std::string saved = unzip(book->save()).at("xl/worksheets/sheet1.xml");
   for (const char* text : kPieces) EXPECT_THAT(saved, HasSubstr(text));
-  EXPECT_THAT(saved, HasSubstr("xmlns:x=\"urn:x\""));
-  EXPECT_THAT(saved, HasSubstr("<dimension ref=\"A1:E6\"/><sheetViews>"));
+  EXPECT_THAT(saved, HasSubstr(R"(xmlns:x="urn:x")"));
+  EXPECT_THAT(saved, HasSubstr(R"(<dimension ref="A1:E6"/><sheetViews>)"));
 }
 
 TEST(Worksheet, ColumnsAndRowsFollowTheModel) {
-  const auto book = load(book_of(worksheet(
-      "<row r=\"2\" spans=\"1:3\" s=\"1\" hidden=\"true\" outlineLevel=\"2\" collapsed=\"1\"/>",
-      "<sheetFormatPr defaultRowHeight=\"18\" baseColWidth=\"10\"/><cols>"
-      "<col min=\"1\" max=\"1\" width=\"20\" customWidth=\"1\" hidden=\"1\"/>"
-      "<col min=\"4\" max=\"16384\" width=\"3\" outlineLevel=\"1\"/></cols>")));
+  const auto book = load(book_of(
+      worksheet(R"(<row r="2" spans="1:3" s="1" hidden="true" outlineLevel="2" collapsed="1"/>)",
+                R"(<sheetFormatPr defaultRowHeight="18" baseColWidth="10"/><cols>)"
+                R"(<col min="1" max="1" width="20" customWidth="1" hidden="1"/>)"
+                R"(<col min="4" max="16384" width="3" outlineLevel="1"/></cols>)")));
   Sheet& sheet = book->read();
   EXPECT_EQ(sheet.default_row_pixels, 24);
-  EXPECT_EQ(sheet.default_column_pixels, 80);
+  EXPECT_EQ(engine::default_column_pixels(sheet), 80);
   const RowProperties& row = sheet.properties_at(1);
   EXPECT_TRUE(row.hidden && row.collapsed && row.outline_level == 2 && !row.style);
   ASSERT_EQ(sheet.columns.size(), 2u);
@@ -180,11 +180,11 @@ TEST(Worksheet, ColumnsAndRowsFollowTheModel) {
   sheet.properties_at(7).height = 33;
   sheet.changed = true;
   const std::string saved = unzip(book->save()).at("xl/worksheets/sheet1.xml");
-  EXPECT_THAT(saved, HasSubstr("<col min=\"1\" max=\"1\" width=\"20\" customWidth=\"1\"/>"
-                               "<col min=\"4\" max=\"10\" width=\"3\" outlineLevel=\"1\"/>"));
-  EXPECT_THAT(saved, HasSubstr("<row r=\"2\" hidden=\"1\" outlineLevel=\"2\" collapsed=\"1\"></row>"
-                               "<row r=\"8\" ht=\"33\"></row>"));
-  EXPECT_THAT(saved, HasSubstr("outlineLevelRow=\"2\" outlineLevelCol=\"1\""));
+  EXPECT_THAT(saved, HasSubstr(R"(<col min="1" max="1" width="20" customWidth="1"/>)"
+                               R"(<col min="4" max="10" width="3" outlineLevel="1"/>)"));
+  EXPECT_THAT(saved, HasSubstr(R"(<row r="2" hidden="1" outlineLevel="2" collapsed="1"></row>)"
+                               R"(<row r="8" ht="33"></row>)"));
+  EXPECT_THAT(saved, HasSubstr(R"(outlineLevelRow="2" outlineLevelCol="1")"));
 }
 
 // Long enough for several blocks, with cells on both sides of every border.

@@ -1,0 +1,12 @@
+// How wide the digits of common fonts are on a screen, which is what columns are measured by.
+#pragma once
+
+#include "engine/workbook/styles.h"
+
+namespace engine {
+
+// Pixels of a digit at 96 per inch, at least 1. Bold and italic do not count, case in names
+// neither; a font that is not known counts as Calibri.
+int digit_pixels(const FontRecord& font);
+
+}  // namespace engine
