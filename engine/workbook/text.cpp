@@ -3,6 +3,7 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <cwchar>
 
@@ -11,6 +12,9 @@ namespace engine {
 namespace {
 
 constexpr std::uint32_t kReplacement = 0xFFFD;
+
+// Wide text has 32 bits an element, whatever sign they have.
+std::uint32_t unit_of(wchar_t element) { return std::bit_cast<std::uint32_t>(element); }
 
 bool is_high_surrogate(std::uint32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool is_low_surrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
@@ -52,9 +56,9 @@ void to_utf8(const wchar_t* text, std::string& utf8) {
   if (*text == 0) return;
   utf8.resize(static_cast<std::size_t>(out - utf8.data()));
   for (; *text != 0; ++text) {
-    auto code = static_cast<std::uint32_t>(*text);
-    if (is_high_surrogate(code) && is_low_surrogate(static_cast<std::uint32_t>(text[1]))) {
-      code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<std::uint32_t>(text[1]) - 0xDC00);
+    std::uint32_t code = unit_of(*text);
+    if (is_high_surrogate(code) && is_low_surrogate(unit_of(text[1]))) {
+      code = 0x10000 + ((code - 0xD800) << 10) + (unit_of(text[1]) - 0xDC00);
       ++text;
     } else if (is_high_surrogate(code) || is_low_surrogate(code) || code > 0x10FFFF) {
       code = kReplacement;
@@ -73,7 +77,7 @@ void to_wide(std::string_view utf8, std::wstring& wide) {
   wide.resize(utf8.size());
   std::size_t ascii = 0;
   for (; ascii < utf8.size() && static_cast<signed char>(utf8[ascii]) >= 0; ++ascii)
-    wide[ascii] = static_cast<wchar_t>(utf8[ascii]);
+    wide[ascii] = static_cast<unsigned char>(utf8[ascii]);
   wide.resize(ascii);
   utf8.remove_prefix(ascii);
   while (!utf8.empty()) {

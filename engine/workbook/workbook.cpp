@@ -14,8 +14,8 @@ struct ClassicError {
   std::string_view text;
 };
 constexpr ClassicError kClassicErrors[] = {
-    {0, "#NULL!"}, {7, "#DIV/0!"}, {15, "#VALUE!"}, {23, "#REF!"},
-    {29, "#NAME?"}, {36, "#NUM!"}, {42, "#N/A"},
+    {0, "#NULL!"},  {7, "#DIV/0!"}, {15, "#VALUE!"}, {23, "#REF!"},
+    {29, "#NAME?"}, {36, "#NUM!"},  {42, "#N/A"},
 };
 
 }  // namespace
@@ -37,12 +37,12 @@ std::string_view error_text(const Workbook& book, std::uint32_t error) {
     const std::size_t index = error - kNewError;
     return index < book.new_errors.size() ? std::string_view(book.new_errors[index]) : "";
   }
-  const auto found = std::ranges::find(kClassicErrors, error, &ClassicError::number);
+  const auto* const found = std::ranges::find(kClassicErrors, error, &ClassicError::number);
   return found == std::end(kClassicErrors) ? std::string_view() : found->text;
 }
 
 std::uint32_t error_number(Workbook& book, std::string_view text) {
-  const auto classic = std::ranges::find(kClassicErrors, text, &ClassicError::text);
+  const auto* const classic = std::ranges::find(kClassicErrors, text, &ClassicError::text);
   if (classic != std::end(kClassicErrors)) return classic->number;
   const auto known = std::ranges::find(book.new_errors, text);
   if (known != book.new_errors.end())

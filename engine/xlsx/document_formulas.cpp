@@ -150,7 +150,8 @@ void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
   for (const auto& sheet : book.sheets)
     if (SheetPart* remains = part_of(*sheet))
       for (AddedPart& added : remains->added)
-        if (auto bytes = edited_table(added.bytes, nullptr, edit))
+        if (auto bytes =
+                added.kind == "table" ? edited_table(added.bytes, nullptr, edit) : std::nullopt)
           records.texts.emplace_back(&added.bytes, *std::move(bytes));
 
   texts.apply();

@@ -51,6 +51,7 @@ void enter_new_sheet(Parts& parts, std::string_view main, std::uint32_t id, Save
     parts.put(name, added.type, added.bytes);
     parts.add_relationship(saved.part, {added.relationship, relationship_type(added.kind),
                                         relative_target(saved.part, name), false});
+    for (const Relationship& link : added.links) parts.add_relationship(name, link);
   }
 }
 

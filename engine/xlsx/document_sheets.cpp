@@ -7,6 +7,7 @@
 #include "engine/formula/formula_text.h"
 #include "engine/formula/sheet_name.h"
 #include "engine/package/xml_tree.h"
+#include "engine/xlsx/copied_drawing.h"
 #include "engine/xlsx/document.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/formula_texts.h"
@@ -18,10 +19,10 @@ namespace {
 
 using package::Family;
 
-// What stands in a worksheet for parts that are not copied with it. Comments are the model's.
+// What stands in a worksheet for parts that are not copied with it. Comments are the model's, and
+// of drawings the pictures are copied.
 constexpr auto kNotCopied = std::to_array<std::string_view>({
     "customProperties",
-    "drawing",
     "legacyDrawing",
     "legacyDrawingHF",
     "drawingHF",
@@ -88,6 +89,21 @@ class SheetLinks {
     return ids;
   }
 
+  // The relationships of a part that belongs to the sheet, their targets told from the root.
+  std::vector<Relationship> links_of(std::string_view id) const {
+    if (!in_file()) {
+      const auto found = std::ranges::find(sheet_.added, id, &AddedPart::relationship);
+      return found == sheet_.added.end() ? std::vector<Relationship>() : found->links;
+    }
+    const Relationship* one = parts_.relationship(sheet_.part, id);
+    const Part* owner = one ? parts_.target(sheet_.part, *one) : nullptr;
+    if (!owner) return {};
+    std::vector<Relationship> links = parts_.relationships(owner->name);
+    for (Relationship& link : links)
+      if (!link.external) link.target = "/" + resolve_target(owner->name, link.target);
+    return links;
+  }
+
   // The bytes of a part that belongs to the sheet; empty when there is none.
   std::string part(std::string_view id) const {
     if (in_file()) {
@@ -114,7 +130,8 @@ class TableNames {
       if (part.type == kTableType) enter(parts.read(part));
     for (const auto& sheet : book.sheets)
       if (const SheetPart* remains = part_of(std::as_const(*sheet)))
-        for (const AddedPart& added : remains->added) enter(added.bytes);
+        for (const AddedPart& added : remains->added)
+          if (added.kind == "table") enter(added.bytes);
     for (const DefinedName& name : book.names) used_.insert(formula::folded_name(name.name));
   }
 
@@ -144,9 +161,9 @@ std::string copy_of_table(const std::string& bytes, TableNames& names,
                           std::vector<formula::TableChange>& copies) {
   const pugi::xml_document tree = package::parse_xml(bytes, "table");
   pugi::xml_node root = tree.document_element();
-  const std::string original = unescape(root.attribute("displayName").value());
-  const std::string name = names.free(original);
-  copies.push_back({original, name});
+  formula::TableChange& change = copies.emplace_back();
+  change.name = unescape(root.attribute("displayName").value());
+  const std::string& name = change.renamed.emplace(names.free(change.name));
   root.attribute("id") = names.next_id();
   if (root.attribute("name")) root.attribute("name") = escape(name).c_str();
   root.attribute("displayName") = escape(name).c_str();
@@ -172,6 +189,22 @@ void copy_hyperlinks(pugi::xml_node root, const SheetLinks& links, SheetPart& ma
   if (list && !list.first_child()) root.remove_child(list);
 }
 
+void copy_drawing(pugi::xml_node root, const SheetLinks& links, Parts& parts, SheetPart& made) {
+  const pugi::xml_node element = package::child(root, Family::Main, "drawing");
+  const std::string id = package::attribute(element, Family::Relationships, "id").value();
+  const std::string bytes = links.part(id);
+  auto pictures =
+      bytes.empty() ? std::nullopt : copy_pictures(bytes, "drawing", links.links_of(id));
+  if (!pictures) {
+    root.remove_child(element);
+    return;
+  }
+  for (const Relationship& link : pictures->links)
+    if (!link.external) parts.hold(std::string_view(link.target).substr(1));
+  made.added.push_back({id, "drawing", "xl/drawings/drawing#.xml", std::string(kDrawingType),
+                        std::move(pictures->bytes), std::move(pictures->links)});
+}
+
 // The copies under their new names, their formulas still those of the originals.
 std::vector<formula::TableChange> copy_tables(pugi::xml_node root, const SheetLinks& links,
                                               TableNames names, SheetPart& made) {
@@ -184,11 +217,15 @@ std::vector<formula::TableChange> copy_tables(pugi::xml_node root, const SheetLi
       list.remove_child(table);
       continue;
     }
-    made.added.push_back({id, "table", "xl/tables/table#.xml", std::string(kTableType),
-                          copy_of_table(bytes, names, copies)});
+    made.added.push_back({id,
+                          "table",
+                          "xl/tables/table#.xml",
+                          std::string(kTableType),
+                          copy_of_table(bytes, names, copies),
+                          {}});
   }
-  if (list && made.added.empty()) root.remove_child(list);
-  else if (list.attribute("count")) list.attribute("count") = made.added.size();
+  if (list && copies.empty()) root.remove_child(list);
+  else if (list.attribute("count")) list.attribute("count") = copies.size();
   return copies;
 }
 
@@ -206,14 +243,17 @@ std::vector<formula::TableChange> Document::copy_sheet(Workbook& book, const She
   remove_uncopied(root);
   const SheetLinks links(parts_, *from);
   copy_hyperlinks(root, links, *made);
+  copy_drawing(root, links, parts_, *made);
   auto tables = copy_tables(root, links, TableNames(book, parts_), *made);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     auto retargeted = formula::retarget_sheet_text(text, original.name, copy.name);
     auto renamed = formula::change_tables_text(retargeted ? *retargeted : text, tables);
     return renamed ? renamed : retargeted;
   };
-  for (AddedPart& added : made->added)
+  for (AddedPart& added : made->added) {
+    if (added.kind != "table") continue;
     if (auto edited = edited_table(added.bytes, nullptr, edit)) added.bytes = *std::move(edited);
+  }
   TextEdits texts;
   texts.collect_worksheet(root, &original, edit);
   texts.apply();

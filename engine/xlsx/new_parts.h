@@ -16,6 +16,8 @@ inline constexpr std::string_view kSharedStringsType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.sharedStrings+xml";
 inline constexpr std::string_view kCommentsType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.comments+xml";
+inline constexpr std::string_view kDrawingType =
+    "application/vnd.openxmlformats-officedocument.drawing+xml";
 inline constexpr std::string_view kTableType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.table+xml";
 inline constexpr std::string_view kNotesDrawingType =

@@ -176,17 +176,17 @@ std::string box(const Sheet& sheet, const Grid& grid, CellAddress cell, const Co
   for (int column = 0; column < left.index; ++column) x += column_pixels(sheet, column);
   const int y = top.index * sheet.default_row_pixels + top.offset;
 
-  std::string text = "<v:shape id=\"";
+  std::string text = R"(<v:shape id=")";
   text.append(kIdPrefix).append(std::to_string(id));
-  text.append("\" type=\"#_x0000_t202\" style=\"position:absolute;margin-left:").append(points(x));
+  text.append(R"(" type="#_x0000_t202" style="position:absolute;margin-left:)").append(points(x));
   text.append(";margin-top:").append(points(y)).append(";width:").append(points(width));
   text.append(";height:").append(points(height)).append(";z-index:");
-  text.append(std::to_string(z_index)).append(";visibility:hidden\" fillcolor=\"#ffffe1\"");
-  text.append(" o:insetmode=\"auto\"><v:fill color2=\"#ffffe1\"/>");
+  text.append(std::to_string(z_index)).append(R"(;visibility:hidden" fillcolor="#ffffe1")");
+  text.append(R"( o:insetmode="auto"><v:fill color2="#ffffe1"/>)");
+  text.append(R"(<v:shadow on="t" color="black" obscured="t"/><v:path o:connecttype="none"/>)");
+  text.append(R"(<v:textbox style="mso-direction-alt:auto"><div style="text-align:left"></div>)");
   text.append(
-      "<v:shadow on=\"t\" color=\"black\" obscured=\"t\"/><v:path o:connecttype=\"none\"/>");
-  text.append("<v:textbox style=\"mso-direction-alt:auto\"><div style=\"text-align:left\"></div>");
-  text.append("</v:textbox><x:ClientData ObjectType=\"Note\"><x:MoveWithCells/><x:SizeWithCells/>");
+      R"(</v:textbox><x:ClientData ObjectType="Note"><x:MoveWithCells/><x:SizeWithCells/>)");
   text.append("<x:Anchor>").append(anchor(left, top, right, bottom)).append("</x:Anchor>");
   text.append("<x:AutoFill>False</x:AutoFill><x:Row>").append(std::to_string(cell.row));
   text.append("</x:Row><x:Column>").append(std::to_string(cell.column));

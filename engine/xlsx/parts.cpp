@@ -202,6 +202,8 @@ void Parts::unrelate(std::string_view owner, std::string_view id) {
 std::vector<std::string> Parts::reachable() const {
   std::set<std::string> seen;
   std::vector<std::string> open{""};
+  for (const std::string& held : held_)
+    if (seen.insert(lower(held)).second) open.push_back(held);
   while (!open.empty()) {
     const std::string owner = std::move(open.back());
     open.pop_back();

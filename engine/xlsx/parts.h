@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,9 @@ class Parts {
   void add_relationship(std::string_view owner, Relationship relationship);
   void unrelate(std::string_view owner, std::string_view id);
 
+  // Keeps a part although nothing may lead to it until the book is saved.
+  void hold(std::string_view part) { held_.insert(std::string(part)); }
+
   // Removes a relationship with the parts that nothing else leads to.
   void prune(std::string_view owner, std::string_view id);
 
@@ -98,6 +102,7 @@ class Parts {
 
   std::shared_ptr<const package::Archive> archive_;  // null for a new package
   std::map<std::string, Part> parts_;
+  std::set<std::string> held_;
   mutable std::map<std::string, List> lists_;  // those asked for so far, by owner in lower case
   std::map<std::string, std::string> default_types_;   // by extension in lower case
   std::map<std::string, std::string> override_types_;  // by part name in lower case

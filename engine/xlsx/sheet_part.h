@@ -41,6 +41,7 @@ struct AddedPart {
   std::string pattern;       // of the name: "xl/tables/table#.xml"
   std::string type;
   std::string bytes;
+  std::vector<Relationship> links;  // its own, their targets told from the package's root
 };
 
 class SheetPart : public SheetRemains {

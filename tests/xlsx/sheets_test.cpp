@@ -30,6 +30,13 @@ constexpr const char* kChart =
     "<c:chartSpace xmlns:c=\"http://schemas.openxmlformats.org/drawingml/2006/chart\"><c:ser><c:f>"
     "One!$A$1:$A$3</c:f></c:ser></c:chartSpace>";
 
+// A picture beside a chart.
+constexpr const char* kDrawing =
+    "<x:wsDr xmlns:x=\"http://schemas.openxmlformats.org/drawingml/2006/spreadsheetDrawing\" "
+    "xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\">"
+    "<x:oneCellAnchor><x:graphicFrame><c r:id=\"rId1\"/></x:graphicFrame></x:oneCellAnchor>"
+    "<x:oneCellAnchor><x:pic><blip r:embed=\"rId2\"/></x:pic></x:oneCellAnchor></x:wsDr>";
+
 PartTexts book_with_parts() {
   PartTexts parts =
       book_of(worksheet("<row><c><f>One!B1</f></c><c><f>ROWS(Table1[a])</f></c></row>",
@@ -60,8 +67,10 @@ PartTexts book_with_parts() {
       "<tableColumns><tableColumn id=\"1\" name=\"a\"><calculatedColumnFormula>One!A1+Table1[a]"
       "</calculatedColumnFormula></tableColumn></tableColumns></table>";
   parts["xl/p.bin"] = "printer";
-  parts["xl/drawing1.xml"] = "<d/>";
-  parts["xl/_rels/drawing1.xml.rels"] = relations({{"chart", "chart1.xml"}});
+  parts["xl/drawing1.xml"] = kDrawing;
+  parts["xl/_rels/drawing1.xml.rels"] =
+      relations({{"chart", "chart1.xml"}, {"image", "image1.png"}});
+  parts["xl/image1.png"] = "picture";
   parts["xl/chart1.xml"] = kChart;
   parts["xl/pivotCache1.xml"] = "<pivotCacheDefinition xmlns=\"" + main +
                                 "\"><cacheSource type=\"worksheet\"><worksheetSource ref=\"A1:B2\" "
@@ -95,8 +104,7 @@ TEST(Sheets, ACopyHasWhatBelongsToItAlone) {
         "location=\"One!A1\"", R"(<hyperlink ref="A1" r:id="rId1"/>)",
         "<pageSetup orientation=\"landscape\"/>"})
     EXPECT_THAT(sheet, HasSubstr(kept));
-  for (const char* left : {"codeName", "<drawing", "pivotSelection"})
-    EXPECT_THAT(sheet, Not(HasSubstr(left)));
+  for (const char* left : {"codeName", "pivotSelection"}) EXPECT_THAT(sheet, Not(HasSubstr(left)));
   EXPECT_THAT(saved.at("xl/tables/table2.xml"),
               HasSubstr("id=\"4\" name=\"Table1_2\" displayName=\"Table1_2\""));
   EXPECT_THAT(saved.at("xl/tables/table2.xml"), HasSubstr(">Copy!A1+Table1_2[a]<"));
@@ -104,6 +112,23 @@ TEST(Sheets, ACopyHasWhatBelongsToItAlone) {
   EXPECT_THAT(saved.at("xl/worksheets/_rels/sheet3.xml.rels"), HasSubstr("http://a/"));
   EXPECT_EQ(saved.at("xl/worksheets/sheet1.xml"), book_with_parts().at("xl/worksheets/sheet1.xml"));
   EXPECT_EQ(refusal(bytes), "");
+}
+
+// The chart stays behind; the picture's part is both drawings', and the copy's alone in the end.
+TEST(Sheets, PicturesOutliveTheSheetTheyWereCopiedFrom) {
+  const auto book = load(book_with_parts());
+  NewSheet made = make_copy(book->workbook, *book->document, book->read(), "Copy");
+  make_room(book->workbook, made);
+  place_sheet(book->workbook, 2, std::move(made));
+  delete_sheet(book->workbook, *book->document, 0);
+
+  PartTexts saved = unzip(book->save());
+  EXPECT_THAT(saved.at("xl/drawings/drawing1.xml"), HasSubstr("<x:pic><blip r:embed=\"rId2\"/>"));
+  EXPECT_THAT(saved.at("xl/drawings/drawing1.xml"), Not(HasSubstr("graphicFrame")));
+  EXPECT_THAT(saved.at("xl/drawings/_rels/drawing1.xml.rels"), HasSubstr("/xl/image1.png"));
+  EXPECT_THAT(saved.at("xl/drawings/_rels/drawing1.xml.rels"), Not(HasSubstr("chart")));
+  EXPECT_EQ(saved.at("xl/image1.png"), "picture");
+  EXPECT_EQ(saved.count("xl/chart1.xml"), 0U);
 }
 
 TEST(Sheets, ARemovedSheetTakesItsPartsAlong) {
