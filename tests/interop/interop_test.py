@@ -138,6 +138,7 @@ $book = XL_XlCreateXMLBook
 $loaded = XL_Book_Load ( $book ; "{path.name}" )
 $sheet = XL_Book_GetSheet ( $book ; 0 )
 {calls}
+XL_Book_Release ( $book )
 """)
 
     def test_we_read_what_openpyxl_writes(self):
@@ -159,6 +160,7 @@ $loaded = XL_Book_Load ( $book ; "in.xlsx" )
 $sheet = XL_Book_GetSheet ( $book ; 0 )
 XL_Sheet_WriteNum ( $sheet ; 9 ; 3 ; 42 )
 XL_Book_Save ( $book ; "out.xlsx" )
+XL_Book_Release ( $book )
 """)
         after = openpyxl.load_workbook(self.folder / "out.xlsx").active
         self.assertEqual(after["D10"].value, 42)
