@@ -19,6 +19,10 @@ using devhost::ValueList;
 
 constexpr int kRows = 1000;
 
+const devhost::RegisteredFunction& function_of(std::u16string_view name) {
+  return *devhost::FunctionRegistry::instance().find(name);
+}
+
 // The plug-in, started as the host starts it.
 class PlugIn {
  public:
@@ -39,15 +43,12 @@ class PlugIn {
   }
 
   double call(std::u16string_view name, const ValueList& parameters) {
-    const auto* function = devhost::FunctionRegistry::instance().find(name);
+    const devhost::RegisteredFunction& function = function_of(name);
     Value result;
-    function->function(function->id, environment_, parameters, result);
+    function.function(function.id, environment_, parameters, result);
     return result.number().value;
   }
 
-  const devhost::RegisteredFunction& function(std::u16string_view name) const {
-    return *devhost::FunctionRegistry::instance().find(name);
-  }
   const fmx::ExprEnv& environment() const { return environment_; }
 
  private:
@@ -71,9 +72,9 @@ double new_sheet() {
 void write_through_plug_in(benchmark::State& state) {
   ValueList parameters;
   parameters.values = {Value(new_sheet()), Value(0.0), Value(0.0), Value(3.5)};
-  const auto& function = plug_in().function(u"XL_Sheet_WriteNum");
+  const auto& function = function_of(u"XL_Sheet_WriteNum");
   int row = 0;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     parameters.values[1] = Value(static_cast<double>(row = (row + 1) % kRows));
     Value result;
     function.function(function.id, plug_in().environment(), parameters, result);
@@ -87,8 +88,8 @@ void read_through_plug_in(benchmark::State& state) {
   parameters.values = {Value(new_sheet()), Value(0.0), Value(0.0), Value(3.5)};
   plug_in().call(u"XL_Sheet_WriteNum", parameters);
   parameters.values.pop_back();
-  const auto& function = plug_in().function(u"XL_Sheet_ReadNum");
-  for (auto _ : state) {
+  const auto& function = function_of(u"XL_Sheet_ReadNum");
+  while (state.KeepRunning()) {
     Value result;
     function.function(function.id, plug_in().environment(), parameters, result);
     benchmark::DoNotOptimize(result);
@@ -100,7 +101,8 @@ void write_in_engine(benchmark::State& state) {
   libxl::Book* book = xlCreateXMLBookW();
   libxl::Sheet* sheet = book->addSheet(L"Sheet");
   int row = 0;
-  for (auto _ : state) benchmark::DoNotOptimize(sheet->writeNum(row = (row + 1) % kRows, 0, 3.5));
+  while (state.KeepRunning())
+    benchmark::DoNotOptimize(sheet->writeNum(row = (row + 1) % kRows, 0, 3.5));
   book->release();
 }
 BENCHMARK(write_in_engine);
@@ -109,7 +111,7 @@ void read_in_engine(benchmark::State& state) {
   libxl::Book* book = xlCreateXMLBookW();
   libxl::Sheet* sheet = book->addSheet(L"Sheet");
   sheet->writeNum(0, 0, 3.5);
-  for (auto _ : state) benchmark::DoNotOptimize(sheet->readNum(0, 0));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(sheet->readNum(0, 0));
   book->release();
 }
 BENCHMARK(read_in_engine);

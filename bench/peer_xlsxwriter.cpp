@@ -59,7 +59,7 @@ void write_small_books(const std::string& folder) {
     lxw_worksheet* sheet = workbook_add_worksheet(book, nullptr);
     for (int row = 0; row < 10; ++row)
       for (int column = 0; column < 5; ++column) {
-        const auto k = static_cast<std::uint64_t>(file * 50 + row * 5 + column);
+        const auto k = static_cast<unsigned>(file * 50 + row * 5 + column);
         const auto entry = static_cast<std::size_t>(bench::repeated_entry(k));
         if (column < 3)
           worksheet_write_number(sheet, row_of(row), column_of(column), bench::number(k, column),
@@ -82,13 +82,12 @@ void write_formats(const char* path) {
     if (i / 10 % 2 == 1) format_set_bold(format);
     if (i / 20 % 2 == 1) format_set_italic(format);
     format_set_pattern(format, LXW_PATTERN_SOLID);
-    format_set_fg_color(format,
-                        0x101010 + 0x080402 * static_cast<lxw_color_t>(i / 40 % 25));
+    format_set_fg_color(format, 0x101010 + 0x080402 * static_cast<lxw_color_t>(i / 40 % 25));
     formats.push_back(format);
   }
   for (int row = 0; row < 1000; ++row)
     for (int column = 0; column < 10; ++column) {
-      const auto k = static_cast<std::uint64_t>(row * 10 + column);
+      const auto k = static_cast<unsigned>(row * 10 + column);
       worksheet_write_number(sheet, row_of(row), column_of(column), bench::number(k, column),
                              formats[k % 1000]);
     }

@@ -141,7 +141,7 @@ void write_small_books(const char* folder) {
     Sheet* sheet = book->addSheet(L"Sheet1");
     for (int row = 0; row < 10; ++row)
       for (int column = 0; column < 5; ++column) {
-        const auto k = static_cast<std::uint64_t>(file * 50 + row * 5 + column);
+        const auto k = static_cast<unsigned>(file * 50 + row * 5 + column);
         if (column < 3) sheet->writeNum(row, column, bench::number(k, column));
         else
           sheet->writeStr(row, column,
@@ -179,7 +179,7 @@ void write_formats(const char* path) {
   }
   for (int row = 0; row < 1000; ++row)
     for (int column = 0; column < 10; ++column) {
-      const auto k = static_cast<std::uint64_t>(row * 10 + column);
+      const auto k = static_cast<unsigned>(row * 10 + column);
       sheet->writeNum(row, column, bench::number(k, column), formats[k % 1000]);
     }
   save(*book, path);

@@ -842,7 +842,7 @@ class Book {
   // Copies the values of init, of any book, at this moment.
   virtual Format* addFormat(Format* init = nullptr) = 0;
   virtual Font* addFont(Font* init = nullptr) = 0;
-  // Returns the id, the same for the same code; -1 when refused.
+  // Returns the id, the same for the same code; 0 when refused.
   virtual int addCustomNumFormat(const wchar_t* numFormat) = 0;
   virtual const wchar_t* customNumFormat(int fmt) = 0;
   virtual Format* format(int index) = 0;

@@ -85,30 +85,30 @@ TEST(Colors, UseTheBooksOwnPalette) {
 // As spreadsheet programs show them; they round more often on the way, so a step is allowed.
 TEST(Colors, Tint) {
   struct Case {
-    std::uint32_t rgb;
     double tint;
+    std::uint32_t rgb;
     std::uint32_t result;
   };
   constexpr Case kCases[] = {
-      {0x4F81BD, 0, 0x4F81BD},
-      {0x000000, 0.5, 0x808080},
-      {0xFFFFFF, -0.25, 0xBFBFBF},
-      {0x4F81BD, 1, 0xFFFFFF},
-      {0x4F81BD, -1, 0x000000},
-      {0xFF0000, 0.5, 0xFF8080},
-      {0x00FF00, -0.5, 0x008000},
-      {0x0000FF, 0.6, 0x9999FF},
-      {0x4F81BD, 0.7999816888943144, 0xDCE6F1},
-      {0x4F81BD, 0.3999755851924192, 0x95B3D7},
-      {0x4F81BD, -0.249977111117893, 0x366092},
-      {0xF79646, 0.5999938962981048, 0xFCD5B4},
-      {0xC0504D, 0.7999816888943144, 0xF2DCDB},
-      {0xC0504D, -0.249977111117893, 0x963634},
-      {0x9BBB59, 0.7999816888943144, 0xEBF1DE},
-      {0x9BBB59, -0.499984740745262, 0x4F6228},
-      {0x1F497D, 7, 0xFFFFFF},
+      {0, 0x4F81BD, 0x4F81BD},
+      {0.5, 0x000000, 0x808080},
+      {-0.25, 0xFFFFFF, 0xBFBFBF},
+      {1, 0x4F81BD, 0xFFFFFF},
+      {-1, 0x4F81BD, 0x000000},
+      {0.5, 0xFF0000, 0xFF8080},
+      {-0.5, 0x00FF00, 0x008000},
+      {0.6, 0x0000FF, 0x9999FF},
+      {0.7999816888943144, 0x4F81BD, 0xDCE6F1},
+      {0.3999755851924192, 0x4F81BD, 0x95B3D7},
+      {-0.249977111117893, 0x4F81BD, 0x366092},
+      {0.5999938962981048, 0xF79646, 0xFCD5B4},
+      {0.7999816888943144, 0xC0504D, 0xF2DCDB},
+      {-0.249977111117893, 0xC0504D, 0x963634},
+      {0.7999816888943144, 0x9BBB59, 0xEBF1DE},
+      {-0.499984740745262, 0x9BBB59, 0x4F6228},
+      {7, 0x1F497D, 0xFFFFFF},
   };
-  for (const auto& [rgb, tint, result] : kCases) {
+  for (const auto& [tint, rgb, result] : kCases) {
     const std::uint32_t made = tinted(rgb, tint);
     SCOPED_TRACE(testing::Message() << std::hex << rgb << " by " << tint << " is " << made);
     for (const int shift : {0, 8, 16}) EXPECT_NEAR(made >> shift & 0xFF, result >> shift & 0xFF, 1);

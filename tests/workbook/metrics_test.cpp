@@ -27,22 +27,22 @@ TEST(Metrics, TurnsFileWidthsIntoPixels) {
 TEST(Metrics, CharactersPixelsAndFileWidths) {
   const struct {
     int digit;
-    double characters;
     int pixels;
+    double characters;
     double width;
     double shown;
   } cases[] = {
-      {7, 10, 75, 10.7109375, 10},
-      {7, 8.43, 64, 9.140625, 8.43},
-      {7, 12.5, 93, 13.28515625, 12.57},
-      {7, 0.5, 6, 0.85546875, 0.5},
+      {7, 75, 10, 10.7109375, 10},
+      {7, 64, 8.43, 9.140625, 8.43},
+      {7, 93, 12.5, 13.28515625, 12.57},
+      {7, 6, 0.5, 0.85546875, 0.5},
       {7, 0, 0, 0, 0},
-      {7, 1, 12, 1.7109375, 1},
-      {7, 255, 1790, 255.7109375, 255},
-      {8, 10, 85, 10.625, 10},
-      {15, 10, 155, 10.33203125, 10},
+      {7, 12, 1, 1.7109375, 1},
+      {7, 1790, 255, 255.7109375, 255},
+      {8, 85, 10, 10.625, 10},
+      {15, 155, 10, 10.33203125, 10},
   };
-  for (const auto& [digit, characters, pixels, width, shown] : cases) {
+  for (const auto& [digit, pixels, characters, width, shown] : cases) {
     SCOPED_TRACE(characters);
     EXPECT_EQ(engine::pixels_of_characters(characters, digit), pixels);
     EXPECT_EQ(engine::width_of_pixels(pixels, digit), width);
