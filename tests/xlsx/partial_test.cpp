@@ -56,8 +56,8 @@ TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
 
 TEST(PartialLoad, TextsOfTheOtherRowsKeepTheirRuns) {
   constexpr std::string_view kItem = "<is><r><rPr><b/></rPr><t>a</t></r><r><t>b</t></r></is>";
-  const std::string row = "<row r=\"2\"><c r=\"A2\" t=\"inlineStr\">" + std::string(kItem) +
-                          "</c><c r=\"B2\" t=\"inlineStr\" ph=\"1\">" + std::string(kItem) +
+  const std::string row = R"(<row r="2"><c r="A2" t="inlineStr">)" + std::string(kItem) +
+                          R"(</c><c r="B2" t="inlineStr" ph="1">)" + std::string(kItem) +
                           "</c></row>";
   const auto book = load_rows(0, 0, row);
   book->sheet().put_value(0, 0, Value::of_number(1), {});
@@ -67,8 +67,8 @@ TEST(PartialLoad, TextsOfTheOtherRowsKeepTheirRuns) {
 // The first cell of an array holds its formula, so a value in another one would be lost.
 TEST(PartialLoad, KnowsArraysThatReachIn) {
   const auto array = [](std::string_view range) {
-    return "<row r=\"1\"><c r=\"A1\"><f t=\"array\" ref=\"" + std::string(range) +
-           "\">B1:B3</f><v>1</v></c></row><row r=\"2\"><c r=\"A2\"><v>2</v></c></row>";
+    return R"(<row r="1"><c r="A1"><f t="array" ref=")" + std::string(range) +
+           R"(">B1:B3</f><v>1</v></c></row><row r="2"><c r="A2"><v>2</v></c></row>)";
   };
   EXPECT_NE(load_rows(1, 1, array("A1:A3"))->sheet().array_at({1, 0}), nullptr);
   EXPECT_EQ(load_rows(1, 1, array("A1:B1"))->sheet().array_at({0, 0}), nullptr);

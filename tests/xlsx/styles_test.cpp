@@ -361,8 +361,8 @@ TEST(StylesPart, MissingPiecesAreMade) {
 
 // Format 2 names a font and a border that the file lacks: what is appended there is not for it.
 TEST(StylesPart, NumbersBeyondTheirListsStayTheFirst) {
-  Book book(replaced(std::string(kSample), "fontId=\"77\" fillId=\"3\" borderId=\"77\" xfId=\"0\"",
-                     "fontId=\"3\" fillId=\"4\" borderId=\"2\" xfId=\"1\""));
+  Book book(replaced(std::string(kSample), R"(fontId="77" fillId="3" borderId="77" xfId="0")",
+                     R"(fontId="3" fillId="4" borderId="2" xfId="1")"));
   const FormatRecord before = book.styles.format(2);
   const std::uint32_t font = *book.styles.add_font();
   book.styles.change_font(font, kFontSize).size = 40;
