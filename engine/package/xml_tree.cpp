@@ -1,6 +1,8 @@
 #include "engine/package/xml_tree.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 
 #include "engine/package/block_reader.h"
 #include "engine/package/file_error.h"
@@ -9,6 +11,10 @@
 
 namespace engine::package {
 namespace {
+
+// A tree takes many times the room of a text of small elements, and a packed part of them next to
+// nothing. The biggest trees of real files stay far below this.
+constexpr std::ptrdiff_t kMostTags = 4'000'000;
 
 constexpr unsigned kParse =
     pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_comments | pugi::parse_pi;
@@ -152,6 +158,7 @@ pugi::xml_document parse_xml(std::string_view bytes, std::string_view part) {
   std::string text(bytes);
   if (!xml_to_utf8(text)) throw_damaged(part, "UTF-16 text is not well-formed");
   if (text.find('\0') != std::string::npos) throw_damaged(part, "holds a zero byte");
+  if (std::ranges::count(text, '<') > kMostTags) throw_damaged(part, "holds too many elements");
   check(text, part);
   pugi::xml_document document;
   const auto result = document.load_buffer(text.data(), text.size(), kParse, pugi::encoding_utf8);

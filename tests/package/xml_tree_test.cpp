@@ -49,6 +49,8 @@ TEST(XmlTree, ReadsOtherEncodings) {
 TEST(XmlTree, RefusesHostileText) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += "<a>";
+  std::string many = "<a>";
+  for (int i = 0; i < 4000000; ++i) many += "<b/>";
   const struct {
     std::string text;
     const char* error;
@@ -62,6 +64,7 @@ TEST(XmlTree, RefusesHostileText) {
       {"<a b=\"&b;\"/>", "unknown character"},
       {std::string("<a/>\0<b", 7), "zero byte"},
       {deep, "nests too deep"},
+      {many + "</a>", "holds too many elements"},
   };
   for (const auto& [text, error] : cases) {
     try {
