@@ -17,10 +17,14 @@ inline std::uint64_t hash(std::uint64_t k) { return k * 2654435761U % 4294967296
 inline double number(std::uint64_t k, int column) {
   const std::uint64_t h = hash(k);
   switch (column % 4) {
-    case 0: return static_cast<double>(h % 100000);
-    case 1: return static_cast<double>(h % 10000000) / 100;
-    case 2: return static_cast<double>(h % 1000000007) / 1000000;
-    default: return static_cast<double>(h) / 7;
+    case 0:
+      return static_cast<double>(h % 100000);
+    case 1:
+      return static_cast<double>(h % 10000000) / 100;
+    case 2:
+      return static_cast<double>(h % 1000000007) / 1000000;
+    default:
+      return static_cast<double>(h) / 7;
   }
 }
 
