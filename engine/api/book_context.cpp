@@ -65,6 +65,13 @@ SheetObject* BookContext::sheet_object(Sheet& sheet) {
   return place->second;
 }
 
+bool BookContext::change_default_font(FontChange change) {
+  return attempt(false, [&] {
+    engine::change_default_font(workbook(), document(), std::move(change));
+    return true;
+  });
+}
+
 void BookContext::exchange(BookContents contents) noexcept {
   for (FormatObject* format : formats_)
     if (format) format->detach();

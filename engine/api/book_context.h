@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/workbook/default_font.h"
 #include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
 
@@ -108,6 +109,10 @@ class BookContext {
   void prepare_format_object();
   void prepare_font_object();
   SheetObject* sheet_object(Sheet& sheet);
+
+  // Changes font 0, by which columns are measured; false, with the message set, when a sheet that
+  // has to follow is damaged.
+  bool change_default_font(FontChange change);
 
   // Replaces the contents and detaches every object of the former ones.
   void exchange(BookContents contents) noexcept;

@@ -9,7 +9,6 @@
 #include "engine/api/messages.h"
 #include "engine/workbook/color.h"
 #include "engine/workbook/dates.h"
-#include "engine/workbook/default_font.h"
 #include "engine/workbook/number_format.h"
 #include "engine/workbook/text.h"
 
@@ -142,10 +141,7 @@ void BookObject::setDefaultFont(const wchar_t* fontName, int fontSize) {
     return book_.refuse(messages::too_long("font name", length, kMaxFontName));
   if (fontSize < 1 || fontSize > kMaxFontSize)
     return book_.refuse(messages::out_of_range("font size", fontSize, 1, kMaxFontSize));
-  book_.attempt(false, [&] {
-    change_default_font(book_.workbook(), book_.document(), {std::move(name), fontSize});
-    return true;
-  });
+  book_.change_default_font({std::move(name), fontSize});
 }
 
 // Dates and colours. They and the colour mode work on a book of which only the information was

@@ -24,7 +24,7 @@ void FontObject::setSize(int size) {
   if (!enter()) return;
   if (size < 1 || size > kMaxFontSize)
     return book_.refuse(messages::out_of_range("font size", size, 1, kMaxFontSize));
-  if (index_ == 0) change_default({{}, size});
+  if (index_ == 0) book_.change_default_font({{}, size});
   else change(kFontSize).size = size;
 }
 
@@ -88,17 +88,9 @@ bool FontObject::setName(const wchar_t* name) {
   if (!enter()) return false;
   std::string text = to_utf8(name);
   if (text.empty() || utf16_length(text) > kMaxFontName) return false;
-  if (index_ == 0) return change_default({std::move(text), {}});
+  if (index_ == 0) return book_.change_default_font({std::move(text), {}});
   change(kFontName).name = std::move(text);
   return true;
-}
-
-// Columns are measured by font 0.
-bool FontObject::change_default(FontChange change) {
-  return book_.attempt(false, [&] {
-    change_default_font(book_.workbook(), book_.document(), std::move(change));
-    return true;
-  });
 }
 
 }  // namespace engine::api

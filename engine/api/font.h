@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "engine/api/book_context.h"
-#include "engine/workbook/default_font.h"
 #include "platform/libxl/libxl.h"
 
 namespace engine::api {
@@ -41,7 +40,6 @@ class FontObject final : public libxl::Font {
   FontRecord& change(unsigned aspects) {
     return book_.workbook().styles.change_font(index_, aspects);
   }
-  bool change_default(FontChange change);
 
   BookContext& book_;
   const std::uint32_t index_;

@@ -74,6 +74,13 @@ std::optional<std::string> change_tables_text(std::string_view text,
                 [&](const Formula& formula) { return with_tables(formula, changes); });
 }
 
+std::optional<std::string> change_tables_text(std::string_view text,
+                                              std::optional<std::string> changed,
+                                              std::span<const TableChange> changes) {
+  auto made = change_tables_text(changed ? *changed : text, changes);
+  return made ? made : changed;
+}
+
 std::vector<SheetRange> ranges_of_text(std::string_view text, const Grid& grid) {
   ParseOptions options;
   options.grid = grid;

@@ -32,6 +32,10 @@ std::optional<std::string> delete_sheet_text(std::string_view text,
                                              std::size_t index);
 std::optional<std::string> change_tables_text(std::string_view text,
                                               std::span<const TableChange> changes);
+// The same behind another change of the text, which `changed` holds if it made a new one.
+std::optional<std::string> change_tables_text(std::string_view text,
+                                              std::optional<std::string> changed,
+                                              std::span<const TableChange> changes);
 
 // A range together with the sheet its prefix names; `sheet` is empty without a prefix.
 struct SheetRange {

@@ -12,9 +12,10 @@ constexpr std::size_t kFirstBlock = 64;
 constexpr std::size_t kLargestBlock = std::size_t{1} << 16;
 constexpr std::size_t kLargestRun = 16384;
 
-Cell* first_from(std::span<Cell> cells, int column) {
-  return std::ranges::lower_bound(cells, column, {}, [](const Cell& cell) { return cell.column; })
-      .base();
+// AnyCell is a cell that may be changed or one that may not.
+template <class AnyCell>
+AnyCell* first_from(std::span<AnyCell> cells, int column) {
+  return std::ranges::lower_bound(cells, column, {}, &Cell::column).base();
 }
 
 }  // namespace
@@ -41,11 +42,10 @@ Row* CellStore::find_row(int row) {
 const Cell* CellStore::search(int row, int column) const {
   const Row* at = find_row(row);
   if (!at) return nullptr;
-  const auto cells = at->span();
-  const auto found = std::ranges::lower_bound(cells, column, {}, &Cell::column);
-  if (found == cells.end() || found->column != column) return nullptr;
-  cell_cursor_ = static_cast<std::size_t>(found - cells.begin());
-  return &*found;
+  const Cell* found = first_from(at->span(), column);
+  if (found == at->cells + at->count || found->column != column) return nullptr;
+  cell_cursor_ = static_cast<std::size_t>(found - at->cells);
+  return found;
 }
 
 Row& CellStore::row_at(int row) {

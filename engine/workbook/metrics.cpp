@@ -48,6 +48,8 @@ double restated_width(double width, int former_digit, int digit) {
   return width_of_pixels(pixels_of_characters(characters, digit), digit);
 }
 
+int pixels_of_points(double points) { return static_cast<int>(std::lround(points * 96 / 72)); }
+
 // Without a stated width there is room for the base width and the padding, and more until the
 // pixels are a multiple of eight.
 int default_column_pixels(const Sheet& sheet) {
@@ -69,8 +71,7 @@ int row_pixels(const Sheet& sheet, int row) {
   const RowProperties* its = found ? sheet.properties(*found) : nullptr;
   if (!its) return sheet.default_row_pixels;
   if (its->hidden) return 0;
-  return its->height ? static_cast<int>(std::lround(*its->height * 96 / 72))
-                     : sheet.default_row_pixels;
+  return its->height ? pixels_of_points(*its->height) : sheet.default_row_pixels;
 }
 
 Corner walk_columns(const Sheet& sheet, Corner from, int distance, int column_count) {

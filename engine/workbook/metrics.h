@@ -19,6 +19,9 @@ double characters_of_pixels(int pixels, int digit);  // to two decimals
 // The file's width of a column that stays as many characters wide while the digits change.
 double restated_width(double width, int former_digit, int digit);
 
+// Pixels of a height in points.
+int pixels_of_points(double points);
+
 // What a column without a width of its own takes up.
 int default_column_pixels(const Sheet& sheet);
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string_view>
 #include <utility>
 
@@ -12,13 +11,6 @@
 namespace engine {
 
 namespace {
-
-// The text after the references to tables have followed what became of these.
-std::optional<std::string> with_tables(std::string_view text, std::optional<std::string> made,
-                                       std::span<const formula::TableChange> tables) {
-  auto changed = formula::change_tables_text(made ? *made : text, tables);
-  return changed ? changed : made;
-}
 
 CellRecord copy_of(const CellRecord& record, const FormulaEdit& edit, const Sheet* sheet) {
   CellRecord copy;
@@ -131,7 +123,8 @@ NewSheet make_copy(Workbook& book, Document& document, const Sheet& original, st
   Sheet& copy = *made.sheet;
   const std::vector<formula::TableChange> tables = document.copy_sheet(book, original, copy);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
-    return with_tables(text, formula::retarget_sheet_text(text, original.name, copy.name), tables);
+    return formula::change_tables_text(
+        text, formula::retarget_sheet_text(text, original.name, copy.name), tables);
   };
   copy_cells(original, edit, copy);
   copy.row_properties = original.row_properties;
@@ -175,7 +168,8 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
   std::vector<formula::TableChange> tables;
   for (Table& table : document.tables(gone)) tables.push_back({std::move(table.name), {}});
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
-    return with_tables(text, formula::delete_sheet_text(text, order, position), tables);
+    return formula::change_tables_text(text, formula::delete_sheet_text(text, order, position),
+                                       tables);
   };
   FormulaEdits edits;
   edits.collect(book, edit, &gone);

@@ -149,10 +149,11 @@ void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
   if (!gone_relationship.empty()) parts.prune(main_, gone_relationship);
   for (const auto& sheet : book.sheets)
     if (SheetPart* remains = part_of(*sheet))
-      for (AddedPart& added : remains->added)
-        if (auto bytes =
-                added.kind == "table" ? edited_table(added.bytes, nullptr, edit) : std::nullopt)
+      for (AddedPart& added : remains->added) {
+        if (added.kind != "table") continue;
+        if (auto bytes = edited_table(added.bytes, nullptr, edit))
           records.texts.emplace_back(&added.bytes, *std::move(bytes));
+      }
 
   texts.apply();
   records.apply();

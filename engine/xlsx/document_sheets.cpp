@@ -91,12 +91,8 @@ class SheetLinks {
 
   // The relationships of a part that belongs to the sheet, their targets told from the root.
   std::vector<Relationship> links_of(std::string_view id) const {
-    if (!in_file()) {
-      const auto found = std::ranges::find(sheet_.added, id, &AddedPart::relationship);
-      return found == sheet_.added.end() ? std::vector<Relationship>() : found->links;
-    }
-    const Relationship* one = parts_.relationship(sheet_.part, id);
-    const Part* owner = one ? parts_.target(sheet_.part, *one) : nullptr;
+    if (const AddedPart* found = added(id)) return found->links;
+    const Part* owner = stored(id);
     if (!owner) return {};
     std::vector<Relationship> links = parts_.relationships(owner->name);
     for (Relationship& link : links)
@@ -106,17 +102,23 @@ class SheetLinks {
 
   // The bytes of a part that belongs to the sheet; empty when there is none.
   std::string part(std::string_view id) const {
-    if (in_file()) {
-      const Relationship* one = parts_.relationship(sheet_.part, id);
-      const Part* found = one ? parts_.target(sheet_.part, *one) : nullptr;
-      return found ? parts_.read(*found) : std::string();
-    }
-    const auto found = std::ranges::find(sheet_.added, id, &AddedPart::relationship);
-    return found == sheet_.added.end() ? std::string() : found->bytes;
+    if (const AddedPart* found = added(id)) return found->bytes;
+    const Part* found = stored(id);
+    return found ? parts_.read(*found) : std::string();
   }
 
  private:
   bool in_file() const { return !sheet_.part.empty(); }
+
+  // The part of that id, which is either the model's or the file's; else null.
+  const AddedPart* added(std::string_view id) const {
+    const auto found = std::ranges::find(sheet_.added, id, &AddedPart::relationship);
+    return found == sheet_.added.end() ? nullptr : &*found;
+  }
+  const Part* stored(std::string_view id) const {
+    const Relationship* one = in_file() ? parts_.relationship(sheet_.part, id) : nullptr;
+    return one ? parts_.target(sheet_.part, *one) : nullptr;
+  }
 
   const Parts& parts_;
   const SheetPart& sheet_;
@@ -243,17 +245,14 @@ std::vector<formula::TableChange> Document::copy_sheet(Workbook& book, const She
   remove_uncopied(root);
   const SheetLinks links(parts_, *from);
   copy_hyperlinks(root, links, *made);
-  copy_drawing(root, links, parts_, *made);
   auto tables = copy_tables(root, links, TableNames(book, parts_), *made);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
-    auto retargeted = formula::retarget_sheet_text(text, original.name, copy.name);
-    auto renamed = formula::change_tables_text(retargeted ? *retargeted : text, tables);
-    return renamed ? renamed : retargeted;
+    return formula::change_tables_text(
+        text, formula::retarget_sheet_text(text, original.name, copy.name), tables);
   };
-  for (AddedPart& added : made->added) {
-    if (added.kind != "table") continue;
-    if (auto edited = edited_table(added.bytes, nullptr, edit)) added.bytes = *std::move(edited);
-  }
+  for (AddedPart& table : made->added)
+    if (auto edited = edited_table(table.bytes, nullptr, edit)) table.bytes = *std::move(edited);
+  copy_drawing(root, links, parts_, *made);
   TextEdits texts;
   texts.collect_worksheet(root, &original, edit);
   texts.apply();

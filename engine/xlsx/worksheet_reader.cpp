@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstring>
 #include <map>
 #include <optional>
@@ -18,6 +17,7 @@
 #include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
 #include "engine/workbook/font_metrics.h"
+#include "engine/workbook/metrics.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/iso_date.h"
 #include "engine/xlsx/string_item.h"
@@ -603,7 +603,7 @@ void Reader::read_default_sizes(pugi::xml_node format) {
   sheet_.base_column_width = std::clamp(format.attribute("baseColWidth").as_int(8), 0, 255);
   const auto height = package::parse_number(format.attribute("defaultRowHeight").value());
   if (height && *height >= 0 && *height <= 409.5)
-    sheet_.default_row_pixels = static_cast<int>(std::lround(*height * 96 / 72));
+    sheet_.default_row_pixels = pixels_of_points(*height);
 }
 
 void Reader::read_columns(pugi::xml_node columns) {
