@@ -8,7 +8,7 @@
 #include "engine/api/messages.h"
 #include "engine/api/sheet_object.h"
 #include "engine/package/output.h"
-#include "engine/workbook/text.h"
+#include "engine/text/wide.h"
 
 namespace engine::api {
 

@@ -4,7 +4,8 @@
 #include "engine/api/book_object.h"
 #include "engine/api/messages.h"
 #include "engine/package/source.h"
-#include "engine/workbook/text.h"
+#include "engine/text/fold.h"
+#include "engine/text/wide.h"
 
 namespace engine::api {
 
@@ -41,7 +42,7 @@ bool BookObject::take_rows(int first, int last, std::optional<CellRange>* rows) 
   if (last < -1) return book_.refuse(false, messages::row(last, grid));
   const int end = last == -1 ? grid.rows - 1 : std::min(last, grid.rows - 1);
   if (first > end) return book_.refuse(false, messages::row_order(first, last));
-  *rows = CellRange{first, end, 0, grid.cols - 1};
+  *rows = CellRange{first, end, 0, grid.columns - 1};
   return true;
 }
 

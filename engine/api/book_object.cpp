@@ -7,10 +7,11 @@
 #include "engine/api/font.h"
 #include "engine/api/format.h"
 #include "engine/api/messages.h"
+#include "engine/text/utf8.h"
+#include "engine/text/wide.h"
 #include "engine/workbook/color.h"
 #include "engine/workbook/dates.h"
 #include "engine/workbook/number_format.h"
-#include "engine/workbook/text.h"
 
 namespace engine::api {
 

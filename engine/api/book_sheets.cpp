@@ -4,9 +4,11 @@
 #include "engine/api/book_object.h"
 #include "engine/api/messages.h"
 #include "engine/api/sheet_object.h"
+#include "engine/text/fold.h"
+#include "engine/text/utf8.h"
+#include "engine/text/wide.h"
 #include "engine/workbook/font_metrics.h"
 #include "engine/workbook/sheet_operations.h"
-#include "engine/workbook/text.h"
 
 namespace engine::api {
 

@@ -7,7 +7,8 @@
 #include <utility>
 
 #include "engine/api/messages.h"
-#include "engine/workbook/text.h"
+#include "engine/text/utf8.h"
+#include "engine/text/wide.h"
 
 namespace engine::api {
 

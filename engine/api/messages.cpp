@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "engine/formula/reference.h"
-#include "engine/package/number_text.h"
-#include "engine/workbook/text.h"
+#include "engine/text/number_text.h"
+#include "engine/text/utf8.h"
 
 namespace engine::api::messages {
 
@@ -14,11 +14,20 @@ namespace {
 
 std::string shown(double value) {
   std::string text;
-  package::append_number(text, value);
+  append_number(text, value);
   return text;
 }
 std::string shown(std::integral auto value) { return std::to_string(value); }
 std::string_view shown(std::string_view text) { return text; }
+
+// A text of the caller or of a file.
+std::string quoted(std::string_view text) {
+  constexpr std::size_t kShown = 64;
+  const std::string_view shown = first_characters(text, kShown);
+  std::string quoted = "\"";
+  quoted.append(shown).append(shown.size() < text.size() ? "...\"" : "\"");
+  return quoted;
+}
 
 std::string join(const auto&... parts) {
   std::string text;
@@ -29,7 +38,7 @@ std::string join(const auto&... parts) {
 std::string cell_text(CellAddress cell) { return formula::print_cell(cell.row, cell.column); }
 
 std::string last_cell(const Grid& grid) {
-  return formula::print_cell(grid.rows - 1, grid.cols - 1);
+  return formula::print_cell(grid.rows - 1, grid.columns - 1);
 }
 
 std::string padded(int value, std::size_t width) {
@@ -52,7 +61,7 @@ std::string sheet_name(std::string_view name, std::string_view predicate) {
 std::string row(int row, const Grid& grid) { return range_text("row", row, 0, grid.rows - 1); }
 
 std::string column(int column, const Grid& grid) {
-  return range_text("column", column, 0, grid.cols - 1);
+  return range_text("column", column, 0, grid.columns - 1);
 }
 
 std::string row_order(int first, int last) {

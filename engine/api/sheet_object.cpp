@@ -5,7 +5,7 @@
 #include "engine/api/format.h"
 #include "engine/api/messages.h"
 #include "engine/formula/reference.h"
-#include "engine/workbook/text.h"
+#include "engine/text/wide.h"
 
 namespace engine::api {
 
@@ -18,10 +18,11 @@ void give(T* out, T value) {
 
 }  // namespace
 
-bool SheetObject::check_cell(int row, int col) const {
+bool SheetObject::check_cell(int row, int column) const {
   const Grid& grid = book_.workbook().grid;
   if (row < 0 || row >= grid.rows) return book_.refuse(false, messages::row(row, grid));
-  if (col < 0 || col >= grid.cols) return book_.refuse(false, messages::column(col, grid));
+  if (column < 0 || column >= grid.columns)
+    return book_.refuse(false, messages::column(column, grid));
   return true;
 }
 
@@ -41,19 +42,20 @@ bool SheetObject::check_loaded(int row) const {
   return book_.refuse(false, messages::row_not_loaded(row, sheet_->name));
 }
 
-bool SheetObject::check_writable(int row, int col) const {
+bool SheetObject::check_writable(int row, int column) const {
   if (!check_loaded(row)) return false;
   if (sheet_->arrays.empty()) return true;
-  const CellRange* array = sheet_->array_at({row, col});
-  return !array || book_.refuse(false, messages::part_of_array({row, col}, *array));
+  const CellRange* array = sheet_->array_at({row, column});
+  return !array || book_.refuse(false, messages::part_of_array({row, column}, *array));
 }
 
-bool SheetObject::enter_cell(int row, int col) const {
-  return enter() && check_cell(row, col) && check_loaded(row);
+bool SheetObject::enter_cell(int row, int column) const {
+  return enter() && check_cell(row, column) && check_loaded(row);
 }
 
-bool SheetObject::check_write(int row, int col, const libxl::Format* format, Style* style) const {
-  return check_format(format, style) && check_writable(row, col);
+bool SheetObject::check_write(int row, int column, const libxl::Format* format,
+                              Style* style) const {
+  return check_format(format, style) && check_writable(row, column);
 }
 
 void SheetObject::refuse_unsupported(std::string_view operation) const {
@@ -85,14 +87,14 @@ SheetObject::Columns SheetObject::used_columns() const {
   if (!used_columns_) {
     CellRange range;
     const bool any = sheet_->cells.used_range(&range);
-    used_columns_ = any ? Columns{range.col_first, range.col_last} : Columns{};
+    used_columns_ = any ? Columns{range.column_first, range.column_last} : Columns{};
   }
   return *used_columns_;
 }
 
 const wchar_t* SheetObject::name() const { return enter() ? book_.give(sheet_->name) : nullptr; }
 
-void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* col, bool* rowRelative,
+void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,
                                bool* colRelative) {
   if (!enter()) return;
   to_utf8(addr, text_);
@@ -100,18 +102,18 @@ void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* col, bool* ro
   const auto cell = formula::parse_cell(text_);
   if (!cell) return book_.refuse(messages::invalid_address(text_));
   const Grid& grid = book_.workbook().grid;
-  if (cell->row >= grid.rows || cell->col >= grid.cols)
+  if (cell->row >= grid.rows || cell->column >= grid.columns)
     return book_.refuse(messages::address_beyond_grid(text_, grid));
   give(row, cell->row);
-  give(col, cell->col);
+  give(column, cell->column);
   give(rowRelative, !cell->row_absolute);
-  give(colRelative, !cell->col_absolute);
+  give(colRelative, !cell->column_absolute);
 }
 
-const wchar_t* SheetObject::rowColToAddr(int row, int col, bool rowRelative, bool colRelative) {
-  if (!enter() || !check_cell(row, col)) return nullptr;
+const wchar_t* SheetObject::rowColToAddr(int row, int column, bool rowRelative, bool colRelative) {
+  if (!enter() || !check_cell(row, column)) return nullptr;
   text_.clear();
-  formula::append_cell(text_, formula::CellAddress{row, col, !rowRelative, !colRelative});
+  formula::append_cell(text_, formula::CellReference{row, column, !rowRelative, !colRelative});
   return book_.give(text_);
 }
 

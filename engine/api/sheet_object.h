@@ -23,35 +23,35 @@ class SheetObject final : public UnsupportedSheet {
     std::string().swap(text_);
   }
 
-  libxl::CellType cellType(int row, int col) const override;
-  bool isFormula(int row, int col) const override;
-  libxl::Format* cellFormat(int row, int col) const override;
-  void setCellFormat(int row, int col, libxl::Format* format) override;
-  const wchar_t* readStr(int row, int col, libxl::Format** format) override;
-  bool writeStr(int row, int col, const wchar_t* value, libxl::Format* format,
+  libxl::CellType cellType(int row, int column) const override;
+  bool isFormula(int row, int column) const override;
+  libxl::Format* cellFormat(int row, int column) const override;
+  void setCellFormat(int row, int column, libxl::Format* format) override;
+  const wchar_t* readStr(int row, int column, libxl::Format** format) override;
+  bool writeStr(int row, int column, const wchar_t* value, libxl::Format* format,
                 libxl::CellType type) override;
-  double readNum(int row, int col, libxl::Format** format) const override;
-  bool writeNum(int row, int col, double value, libxl::Format* format) override;
-  bool readBool(int row, int col, libxl::Format** format) const override;
-  bool writeBool(int row, int col, bool value, libxl::Format* format,
+  double readNum(int row, int column, libxl::Format** format) const override;
+  bool writeNum(int row, int column, double value, libxl::Format* format) override;
+  bool readBool(int row, int column, libxl::Format** format) const override;
+  bool writeBool(int row, int column, bool value, libxl::Format* format,
                  libxl::ErrorType error) override;
-  bool readBlank(int row, int col, libxl::Format** format) const override;
-  bool writeBlank(int row, int col, libxl::Format* format) override;
-  const wchar_t* readFormula(int row, int col, libxl::Format** format) override;
-  bool writeFormula(int row, int col, const wchar_t* expr, libxl::Format* format) override;
-  bool writeFormulaNum(int row, int col, const wchar_t* expr, double value,
+  bool readBlank(int row, int column, libxl::Format** format) const override;
+  bool writeBlank(int row, int column, libxl::Format* format) override;
+  const wchar_t* readFormula(int row, int column, libxl::Format** format) override;
+  bool writeFormula(int row, int column, const wchar_t* expr, libxl::Format* format) override;
+  bool writeFormulaNum(int row, int column, const wchar_t* expr, double value,
                        libxl::Format* format) override;
-  bool writeFormulaStr(int row, int col, const wchar_t* expr, const wchar_t* value,
+  bool writeFormulaStr(int row, int column, const wchar_t* expr, const wchar_t* value,
                        libxl::Format* format) override;
-  bool writeFormulaBool(int row, int col, const wchar_t* expr, bool value,
+  bool writeFormulaBool(int row, int column, const wchar_t* expr, bool value,
                         libxl::Format* format) override;
-  const wchar_t* readComment(int row, int col) const override;
-  void writeComment(int row, int col, const wchar_t* value, const wchar_t* author, int width,
+  const wchar_t* readComment(int row, int column) const override;
+  void writeComment(int row, int column, const wchar_t* value, const wchar_t* author, int width,
                     int height) override;
-  void removeComment(int row, int col) override;
-  bool isDate(int row, int col) const override;
-  libxl::ErrorType readError(int row, int col) const override;
-  void writeError(int row, int col, libxl::ErrorType error, libxl::Format* format) override;
+  void removeComment(int row, int column) override;
+  bool isDate(int row, int column) const override;
+  libxl::ErrorType readError(int row, int column) const override;
+  void writeError(int row, int column, libxl::ErrorType error, libxl::Format* format) override;
 
   int firstRow() const override;
   int lastRow() const override;
@@ -59,9 +59,9 @@ class SheetObject final : public UnsupportedSheet {
   int lastCol() const override;
 
   const wchar_t* name() const override;
-  void addrToRowCol(const wchar_t* addr, int* row, int* col, bool* rowRelative,
+  void addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,
                     bool* colRelative) override;
-  const wchar_t* rowColToAddr(int row, int col, bool rowRelative, bool colRelative) override;
+  const wchar_t* rowColToAddr(int row, int column, bool rowRelative, bool colRelative) override;
 
  private:
   using Style = std::optional<std::uint32_t>;
@@ -74,34 +74,34 @@ class SheetObject final : public UnsupportedSheet {
 
   // Steps of an operation, in the order in which refusals are told. Each sets the message.
   bool enter() const { return book_.enter(!sheet_, "sheet"); }
-  bool check_cell(int row, int col) const;
+  bool check_cell(int row, int column) const;
   bool check_format(const libxl::Format* format, Style* style) const;
   bool check_loaded(int row) const;
   // What follows the arguments of a write: the row is loaded, the cell stands in no array.
-  bool check_writable(int row, int col) const;
+  bool check_writable(int row, int column) const;
   // The steps before an operation looks at a cell, and those before it writes one.
-  bool enter_cell(int row, int col) const;
-  bool check_write(int row, int col, const libxl::Format* format, Style* style) const;
+  bool enter_cell(int row, int column) const;
+  bool check_write(int row, int column, const libxl::Format* format, Style* style) const;
   bool check_error(int error) const;
   bool check_comments() const;
   bool check_pixels(std::string_view property, int pixels) const;
 
   void refuse_unsupported(std::string_view operation) const override;
-  void refuse_kind(int row, int col, ValueKind holds, ValueKind wanted) const;
+  void refuse_kind(int row, int column, ValueKind holds, ValueKind wanted) const;
 
-  void give_format(const Cell* cell, int row, int col, libxl::Format** format) const;
+  void give_format(const Cell* cell, int row, int column, libxl::Format** format) const;
   // The record with the formula that fills the cell, its own or that of its array; else null.
   // `anchor`, if given, becomes the cell that holds it.
   const CellRecord* formula_record(const Cell& cell, CellAddress at, CellAddress* anchor) const;
 
-  bool put(int row, int col, Value value, Style style);
-  bool put_formula(int row, int col, std::string formula, Value value, Style style);
-  void note_written(int col);
-  void note_cell(int col);
+  bool put(int row, int column, Value value, Style style);
+  bool put_formula(int row, int column, std::string formula, Value value, Style style);
+  void note_written(int column);
+  void note_cell(int column);
   // Takes a text into text_. False, with the message set, when it is too long.
   bool take_text(const wchar_t* value, std::string_view what, std::size_t limit);
   // The text of a formula as the model keeps it; nothing, with the message set, when it is none.
-  std::optional<std::string> take_formula(int row, int col, const wchar_t* expr);
+  std::optional<std::string> take_formula(int row, int column, const wchar_t* expr);
   std::string table_of(std::string_view formula, CellAddress at) const;
   Columns used_columns() const;
 

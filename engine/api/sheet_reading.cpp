@@ -6,7 +6,7 @@
 #include "engine/api/sheet_object.h"
 #include "engine/formula/file_text.h"
 #include "engine/formula/formula.h"
-#include "engine/package/number_text.h"
+#include "engine/text/number_text.h"
 
 namespace engine::api {
 
@@ -46,81 +46,81 @@ libxl::CellType type_of(ValueKind kind) {
 
 }  // namespace
 
-void SheetObject::refuse_kind(int row, int col, ValueKind holds, ValueKind wanted) const {
-  book_.refuse(messages::wrong_kind({row, col}, kind_text(holds), kind_text(wanted)));
+void SheetObject::refuse_kind(int row, int column, ValueKind holds, ValueKind wanted) const {
+  book_.refuse(messages::wrong_kind({row, column}, kind_text(holds), kind_text(wanted)));
 }
 
-void SheetObject::give_format(const Cell* cell, int row, int col, libxl::Format** format) const {
+void SheetObject::give_format(const Cell* cell, int row, int column, libxl::Format** format) const {
   if (!format) return;
-  *format = book_.format_object(cell ? cell->style : sheet_->style_at(row, col));
+  *format = book_.format_object(cell ? cell->style : sheet_->style_at(row, column));
 }
 
-libxl::CellType SheetObject::cellType(int row, int col) const {
-  if (!enter_cell(row, col)) return libxl::CellEmpty;
-  const Cell* cell = sheet_->cells.find(row, col);
+libxl::CellType SheetObject::cellType(int row, int column) const {
+  if (!enter_cell(row, column)) return libxl::CellEmpty;
+  const Cell* cell = sheet_->cells.find(row, column);
   return cell ? type_of(sheet_->value(*cell).kind) : libxl::CellEmpty;
 }
 
-libxl::Format* SheetObject::cellFormat(int row, int col) const {
-  if (!enter_cell(row, col)) return nullptr;
-  return book_.format_object(sheet_->style_at(row, col));
+libxl::Format* SheetObject::cellFormat(int row, int column) const {
+  if (!enter_cell(row, column)) return nullptr;
+  return book_.format_object(sheet_->style_at(row, column));
 }
 
-const wchar_t* SheetObject::readStr(int row, int col, libxl::Format** format) {
-  if (!enter_cell(row, col)) return nullptr;
-  const Cell* cell = sheet_->cells.find(row, col);
+const wchar_t* SheetObject::readStr(int row, int column, libxl::Format** format) {
+  if (!enter_cell(row, column)) return nullptr;
+  const Cell* cell = sheet_->cells.find(row, column);
   const Value value = cell ? sheet_->value(*cell) : Value();
   const wchar_t* text = nullptr;
   if (value.kind == ValueKind::kText) {
     text = book_.give(book_.workbook().strings[value.text()]);
   } else if (value.kind == ValueKind::kNumber) {
     // In the host a number is a text too, and a column of article numbers holds both kinds.
-    std::array<char, package::kMaxNumberText> digits{};
-    const char* end = package::write_number(digits.data(), value.number);
+    std::array<char, kMaxNumberText> digits{};
+    const char* end = write_number(digits.data(), value.number);
     text = book_.give({digits.data(), static_cast<std::size_t>(end - digits.data())});
   } else if (value.kind != ValueKind::kNone) {
-    refuse_kind(row, col, value.kind, ValueKind::kText);
+    refuse_kind(row, column, value.kind, ValueKind::kText);
     return nullptr;
   }
-  give_format(cell, row, col, format);
+  give_format(cell, row, column, format);
   return text;
 }
 
-double SheetObject::readNum(int row, int col, libxl::Format** format) const {
-  if (!enter_cell(row, col)) return 0;
-  const Cell* cell = sheet_->cells.find(row, col);
+double SheetObject::readNum(int row, int column, libxl::Format** format) const {
+  if (!enter_cell(row, column)) return 0;
+  const Cell* cell = sheet_->cells.find(row, column);
   const Value value = cell ? sheet_->value(*cell) : Value();
   if (value.kind != ValueKind::kNumber && value.kind != ValueKind::kNone) {
-    refuse_kind(row, col, value.kind, ValueKind::kNumber);
+    refuse_kind(row, column, value.kind, ValueKind::kNumber);
     return 0;
   }
-  give_format(cell, row, col, format);
+  give_format(cell, row, column, format);
   return value.number;
 }
 
-bool SheetObject::readBool(int row, int col, libxl::Format** format) const {
-  if (!enter_cell(row, col)) return false;
-  const Cell* cell = sheet_->cells.find(row, col);
+bool SheetObject::readBool(int row, int column, libxl::Format** format) const {
+  if (!enter_cell(row, column)) return false;
+  const Cell* cell = sheet_->cells.find(row, column);
   const Value value = cell ? sheet_->value(*cell) : Value();
   if (value.kind != ValueKind::kBoolean && value.kind != ValueKind::kNone) {
-    refuse_kind(row, col, value.kind, ValueKind::kBoolean);
+    refuse_kind(row, column, value.kind, ValueKind::kBoolean);
     return false;
   }
-  give_format(cell, row, col, format);
+  give_format(cell, row, column, format);
   return value.boolean();
 }
 
-bool SheetObject::readBlank(int row, int col, libxl::Format** format) const {
-  if (!enter_cell(row, col)) return false;
-  const Cell* cell = sheet_->cells.find(row, col);
-  give_format(cell, row, col, format);
+bool SheetObject::readBlank(int row, int column, libxl::Format** format) const {
+  if (!enter_cell(row, column)) return false;
+  const Cell* cell = sheet_->cells.find(row, column);
+  give_format(cell, row, column, format);
   return cell && sheet_->value(*cell).kind == ValueKind::kNone &&
-         !formula_record(*cell, {row, col}, nullptr);
+         !formula_record(*cell, {row, column}, nullptr);
 }
 
-libxl::ErrorType SheetObject::readError(int row, int col) const {
-  if (!enter_cell(row, col)) return libxl::ErrorNone;
-  const Cell* cell = sheet_->cells.find(row, col);
+libxl::ErrorType SheetObject::readError(int row, int column) const {
+  if (!enter_cell(row, column)) return libxl::ErrorNone;
+  const Cell* cell = sheet_->cells.find(row, column);
   const Value value = cell ? sheet_->value(*cell) : Value();
   if (value.kind != ValueKind::kError) return libxl::ErrorNone;
   // Errors younger than the interface read as a wrong value.
@@ -128,9 +128,9 @@ libxl::ErrorType SheetObject::readError(int row, int col) const {
   return static_cast<libxl::ErrorType>(value.error());
 }
 
-bool SheetObject::isDate(int row, int col) const {
-  if (!enter_cell(row, col)) return false;
-  const Cell* cell = sheet_->cells.find(row, col);
+bool SheetObject::isDate(int row, int column) const {
+  if (!enter_cell(row, column)) return false;
+  const Cell* cell = sheet_->cells.find(row, column);
   if (!cell) return false;
   const Value value = sheet_->value(*cell);
   return value.kind == ValueKind::kNumber &&
@@ -151,23 +151,23 @@ const CellRecord* SheetObject::formula_record(const Cell& cell, CellAddress at,
   if (sheet_->arrays.empty()) return nullptr;
   const CellRange* array = sheet_->array_at(at);
   if (!array) return nullptr;
-  if (anchor) *anchor = {array->row_first, array->col_first};
-  const Cell* first = sheet_->cells.find(array->row_first, array->col_first);
+  if (anchor) *anchor = {array->row_first, array->column_first};
+  const Cell* first = sheet_->cells.find(array->row_first, array->column_first);
   return first ? formula_of(*first) : nullptr;
 }
 
-bool SheetObject::isFormula(int row, int col) const {
-  if (!enter_cell(row, col)) return false;
-  const Cell* cell = sheet_->cells.find(row, col);
-  return cell && formula_record(*cell, {row, col}, nullptr);
+bool SheetObject::isFormula(int row, int column) const {
+  if (!enter_cell(row, column)) return false;
+  const Cell* cell = sheet_->cells.find(row, column);
+  return cell && formula_record(*cell, {row, column}, nullptr);
 }
 
-const wchar_t* SheetObject::readFormula(int row, int col, libxl::Format** format) {
-  if (!enter_cell(row, col)) return nullptr;
-  const Cell* cell = sheet_->cells.find(row, col);
+const wchar_t* SheetObject::readFormula(int row, int column, libxl::Format** format) {
+  if (!enter_cell(row, column)) return nullptr;
+  const Cell* cell = sheet_->cells.find(row, column);
   CellAddress anchor;
-  const CellRecord* record = cell ? formula_record(*cell, {row, col}, &anchor) : nullptr;
-  give_format(cell, row, col, format);
+  const CellRecord* record = cell ? formula_record(*cell, {row, column}, &anchor) : nullptr;
+  give_format(cell, row, column, format);
   if (!record) return nullptr;
   text_ = formula::from_file_text(record->formula).value_or(record->formula);
   if (book_.workbook().r1c1) {
@@ -181,9 +181,9 @@ const wchar_t* SheetObject::readFormula(int row, int col, libxl::Format** format
   return book_.give(text_);
 }
 
-const wchar_t* SheetObject::readComment(int row, int col) const {
-  if (!enter_cell(row, col)) return nullptr;
-  const auto found = sheet_->comments.find({row, col});
+const wchar_t* SheetObject::readComment(int row, int column) const {
+  if (!enter_cell(row, column)) return nullptr;
+  const auto found = sheet_->comments.find({row, column});
   return found == sheet_->comments.end() ? nullptr : book_.give(found->second.text);
 }
 

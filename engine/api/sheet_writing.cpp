@@ -5,7 +5,8 @@
 #include "engine/api/sheet_object.h"
 #include "engine/formula/file_text.h"
 #include "engine/formula/formula.h"
-#include "engine/workbook/text.h"
+#include "engine/text/utf8.h"
+#include "engine/text/wide.h"
 
 namespace engine::api {
 
@@ -19,33 +20,33 @@ constexpr int kMaxXlsArguments = 30;
 
 }  // namespace
 
-bool SheetObject::put(int row, int col, Value value, Style style) {
-  sheet_->put_value(row, col, value, style);
-  note_written(col);
+bool SheetObject::put(int row, int column, Value value, Style style) {
+  sheet_->put_value(row, column, value, style);
+  note_written(column);
   return true;
 }
 
-bool SheetObject::put_formula(int row, int col, std::string formula, Value value, Style style) {
+bool SheetObject::put_formula(int row, int column, std::string formula, Value value, Style style) {
   CellRecord record;
   record.value = value;
   record.formula = std::move(formula);
-  sheet_->put_record(row, col, std::move(record), style);
+  sheet_->put_record(row, column, std::move(record), style);
   book_.contents().formulas_possible = true;
   if (value.kind == ValueKind::kNone) book_.workbook().needs_calculation = true;
-  note_written(col);
+  note_written(column);
   return true;
 }
 
-void SheetObject::note_written(int col) {
+void SheetObject::note_written(int column) {
   book_.contents().values_changed = true;
-  note_cell(col);
+  note_cell(column);
 }
 
-void SheetObject::note_cell(int col) {
+void SheetObject::note_cell(int column) {
   if (!used_columns_) return;
-  if (used_columns_->last < 0) *used_columns_ = {col, col};
-  used_columns_->first = std::min(used_columns_->first, col);
-  used_columns_->last = std::max(used_columns_->last, col);
+  if (used_columns_->last < 0) *used_columns_ = {column, column};
+  used_columns_->first = std::min(used_columns_->first, column);
+  used_columns_->last = std::max(used_columns_->last, column);
 }
 
 bool SheetObject::take_text(const wchar_t* value, std::string_view what, std::size_t limit) {
@@ -56,64 +57,65 @@ bool SheetObject::take_text(const wchar_t* value, std::string_view what, std::si
   return length <= limit || book_.refuse(false, messages::too_long(what, length, limit));
 }
 
-void SheetObject::setCellFormat(int row, int col, libxl::Format* format) {
+void SheetObject::setCellFormat(int row, int column, libxl::Format* format) {
   Style style;
-  if (!enter() || !check_cell(row, col) || !check_format(format, &style)) return;
+  if (!enter() || !check_cell(row, column) || !check_format(format, &style)) return;
   if (!check_loaded(row)) return;
-  if (!style && !sheet_->cells.find(row, col)) return;
-  sheet_->put_style(row, col, style.value_or(0));
-  note_cell(col);
+  if (!style && !sheet_->cells.find(row, column)) return;
+  sheet_->put_style(row, column, style.value_or(0));
+  note_cell(column);
 }
 
-bool SheetObject::writeStr(int row, int col, const wchar_t* value, libxl::Format* format,
+bool SheetObject::writeStr(int row, int column, const wchar_t* value, libxl::Format* format,
                            libxl::CellType type) {
   Style style;
-  if (!enter() || !check_cell(row, col) || !take_text(value, "text", kMaxText)) return false;
+  if (!enter() || !check_cell(row, column) || !take_text(value, "text", kMaxText)) return false;
   if (!check_format(format, &style)) return false;
   if (type != libxl::CellText) return book_.refuse(false, messages::unknown("cell type", type));
-  if (!check_writable(row, col)) return false;
-  if (text_.empty()) return put(row, col, Value(), style);
-  return put(row, col, Value::of_text(book_.workbook().strings.add(text_)), style);
+  if (!check_writable(row, column)) return false;
+  if (text_.empty()) return put(row, column, Value(), style);
+  return put(row, column, Value::of_text(book_.workbook().strings.add(text_)), style);
 }
 
-bool SheetObject::writeNum(int row, int col, double value, libxl::Format* format) {
+bool SheetObject::writeNum(int row, int column, double value, libxl::Format* format) {
   Style style;
-  if (!enter() || !check_cell(row, col)) return false;
+  if (!enter() || !check_cell(row, column)) return false;
   if (!std::isfinite(value)) return book_.refuse(false, messages::not_finite("number"));
-  return check_write(row, col, format, &style) && put(row, col, Value::of_number(value), style);
+  return check_write(row, column, format, &style) &&
+         put(row, column, Value::of_number(value), style);
 }
 
-bool SheetObject::writeBool(int row, int col, bool value, libxl::Format* format,
+bool SheetObject::writeBool(int row, int column, bool value, libxl::Format* format,
                             libxl::ErrorType error) {
   Style style;
-  if (!enter() || !check_cell(row, col) || !check_format(format, &style)) return false;
+  if (!enter() || !check_cell(row, column) || !check_format(format, &style)) return false;
   Value written = Value::of_boolean(value);
   if (error != libxl::ErrorNone) {
     if (!check_error(error)) return false;
     written = Value::of_error(static_cast<std::uint32_t>(error));
   }
-  return check_writable(row, col) && put(row, col, written, style);
+  return check_writable(row, column) && put(row, column, written, style);
 }
 
 bool SheetObject::check_error(int error) const {
   return is_classic_error(error) || book_.refuse(false, messages::unknown("error code", error));
 }
 
-void SheetObject::writeError(int row, int col, libxl::ErrorType error, libxl::Format* format) {
+void SheetObject::writeError(int row, int column, libxl::ErrorType error, libxl::Format* format) {
   Style style;
-  if (!enter() || !check_cell(row, col) || !check_error(error)) return;
-  if (!check_write(row, col, format, &style)) return;
-  put(row, col, Value::of_error(static_cast<std::uint32_t>(error)), style);
+  if (!enter() || !check_cell(row, column) || !check_error(error)) return;
+  if (!check_write(row, column, format, &style)) return;
+  put(row, column, Value::of_error(static_cast<std::uint32_t>(error)), style);
 }
 
-bool SheetObject::writeBlank(int row, int col, libxl::Format* format) {
+bool SheetObject::writeBlank(int row, int column, libxl::Format* format) {
   Style style;
-  return enter() && check_cell(row, col) && check_write(row, col, format, &style) &&
-         put(row, col, Value(), style);
+  return enter() && check_cell(row, column) && check_write(row, column, format, &style) &&
+         put(row, column, Value(), style);
 }
 
 // Formulas. Those that are written have to parse, whatever was loaded.
-std::optional<std::string> SheetObject::take_formula(int row, int col, const wchar_t* expr) {
+std::optional<std::string> SheetObject::take_formula(int row, int column, const wchar_t* expr) {
   const auto refuse = [&](std::string text) {
     book_.refuse(std::move(text));
     return std::nullopt;
@@ -125,7 +127,7 @@ std::optional<std::string> SheetObject::take_formula(int row, int col, const wch
   if (text_.starts_with("{=")) return refuse(messages::array_braces());
   formula::ParseOptions options;
   options.notation = workbook.r1c1 ? formula::Notation::kR1C1 : formula::Notation::kA1;
-  options.base = {row, col};
+  options.base = {row, column};
   options.grid = workbook.grid;
   if (book_.kind() == BookKind::kXls) options.max_arguments = kMaxXlsArguments;
   formula::ParseError error;
@@ -134,7 +136,7 @@ std::optional<std::string> SheetObject::take_formula(int row, int col, const wch
   for (const std::string& sheet : formula::mentioned_sheets(*parsed))
     if (!workbook.find_sheet(sheet)) return refuse(messages::formula_unknown_sheet(text_, sheet));
   std::string text = formula::print(*parsed);
-  return formula::to_file_text(text, table_of(text, {row, col})).value_or(text);
+  return formula::to_file_text(text, table_of(text, {row, column})).value_or(text);
 }
 
 // The table around the cell of a formula that may leave its name out, as [@Net] does.
@@ -145,43 +147,43 @@ std::string SheetObject::table_of(std::string_view formula, CellAddress at) cons
   return {};
 }
 
-bool SheetObject::writeFormula(int row, int col, const wchar_t* expr, libxl::Format* format) {
+bool SheetObject::writeFormula(int row, int column, const wchar_t* expr, libxl::Format* format) {
   Style style;
-  if (!enter() || !check_cell(row, col)) return false;
-  auto formula = take_formula(row, col, expr);
-  return formula && check_write(row, col, format, &style) &&
-         put_formula(row, col, *std::move(formula), Value(), style);
+  if (!enter() || !check_cell(row, column)) return false;
+  auto formula = take_formula(row, column, expr);
+  return formula && check_write(row, column, format, &style) &&
+         put_formula(row, column, *std::move(formula), Value(), style);
 }
 
-bool SheetObject::writeFormulaNum(int row, int col, const wchar_t* expr, double value,
+bool SheetObject::writeFormulaNum(int row, int column, const wchar_t* expr, double value,
                                   libxl::Format* format) {
   Style style;
-  if (!enter() || !check_cell(row, col)) return false;
-  auto formula = take_formula(row, col, expr);
+  if (!enter() || !check_cell(row, column)) return false;
+  auto formula = take_formula(row, column, expr);
   if (!formula) return false;
   if (!std::isfinite(value)) return book_.refuse(false, messages::not_finite("number"));
-  return check_write(row, col, format, &style) &&
-         put_formula(row, col, *std::move(formula), Value::of_number(value), style);
+  return check_write(row, column, format, &style) &&
+         put_formula(row, column, *std::move(formula), Value::of_number(value), style);
 }
 
-bool SheetObject::writeFormulaStr(int row, int col, const wchar_t* expr, const wchar_t* value,
+bool SheetObject::writeFormulaStr(int row, int column, const wchar_t* expr, const wchar_t* value,
                                   libxl::Format* format) {
   Style style;
-  if (!enter() || !check_cell(row, col)) return false;
-  auto formula = take_formula(row, col, expr);
+  if (!enter() || !check_cell(row, column)) return false;
+  auto formula = take_formula(row, column, expr);
   if (!formula || !take_text(value, "text", kMaxText)) return false;
-  if (!check_write(row, col, format, &style)) return false;
+  if (!check_write(row, column, format, &style)) return false;
   const std::uint32_t text = book_.workbook().strings.add(text_);
-  return put_formula(row, col, *std::move(formula), Value::of_text(text), style);
+  return put_formula(row, column, *std::move(formula), Value::of_text(text), style);
 }
 
-bool SheetObject::writeFormulaBool(int row, int col, const wchar_t* expr, bool value,
+bool SheetObject::writeFormulaBool(int row, int column, const wchar_t* expr, bool value,
                                    libxl::Format* format) {
   Style style;
-  if (!enter() || !check_cell(row, col)) return false;
-  auto formula = take_formula(row, col, expr);
-  return formula && check_write(row, col, format, &style) &&
-         put_formula(row, col, *std::move(formula), Value::of_boolean(value), style);
+  if (!enter() || !check_cell(row, column)) return false;
+  auto formula = take_formula(row, column, expr);
+  return formula && check_write(row, column, format, &style) &&
+         put_formula(row, column, *std::move(formula), Value::of_boolean(value), style);
 }
 
 bool SheetObject::check_comments() const {
@@ -194,9 +196,9 @@ bool SheetObject::check_pixels(std::string_view property, int pixels) const {
          book_.refuse(false, messages::out_of_range(property, pixels, 1, kMaxPixels));
 }
 
-void SheetObject::writeComment(int row, int col, const wchar_t* value, const wchar_t* author,
+void SheetObject::writeComment(int row, int column, const wchar_t* value, const wchar_t* author,
                                int width, int height) {
-  if (!enter() || !check_cell(row, col) || !take_text(value, "text", kMaxText)) return;
+  if (!enter() || !check_cell(row, column) || !take_text(value, "text", kMaxText)) return;
   Comment comment;
   comment.text = text_;
   const bool is_xls = book_.kind() == BookKind::kXls;
@@ -207,13 +209,13 @@ void SheetObject::writeComment(int row, int col, const wchar_t* value, const wch
   comment.width = width;
   comment.height = height;
   comment.changed = true;
-  sheet_->comments.insert_or_assign({row, col}, std::move(comment));
+  sheet_->comments.insert_or_assign({row, column}, std::move(comment));
   sheet_->comments_changed = true;
 }
 
-void SheetObject::removeComment(int row, int col) {
-  if (!enter_cell(row, col) || !check_comments()) return;
-  if (sheet_->comments.erase({row, col}) != 0) sheet_->comments_changed = true;
+void SheetObject::removeComment(int row, int column) {
+  if (!enter_cell(row, column) || !check_comments()) return;
+  if (sheet_->comments.erase({row, column}) != 0) sheet_->comments_changed = true;
 }
 
 }  // namespace engine::api

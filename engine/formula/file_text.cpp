@@ -8,6 +8,7 @@
 #include "engine/formula/function_names.h"
 #include "engine/formula/scan.h"
 #include "engine/formula/sheet_name.h"
+#include "engine/text/fold.h"
 
 namespace engine::formula {
 namespace {
@@ -51,7 +52,7 @@ class Parameters {
     const std::string_view name = name_of(formula_, node);
     return std::any_of(declared_.begin(), declared_.end(), [&](const Declared& parameter) {
       return parameter.begin <= node.begin && node.end <= parameter.end &&
-             same_name(parameter.name, name);
+             equal_ignoring_case(parameter.name, name);
     });
   }
 

@@ -29,7 +29,7 @@ enum class Notation : std::uint8_t { kA1, kR1C1 };
 
 struct ParseOptions {
   Notation notation = Notation::kA1;
-  Cell base;  // the cell that R1C1 offsets count from
+  CellAddress base;  // the cell that R1C1 offsets count from
   Grid grid = kXlsxGrid;
   int max_arguments = 255;
 };
@@ -50,8 +50,8 @@ struct Reference {
   enum class Shape : std::uint8_t { kCell, kArea, kRows, kColumns };
 
   Shape shape = Shape::kCell;
-  CellAddress first;
-  CellAddress last;
+  CellReference first;
+  CellReference last;
 };
 
 enum class NodeKind : std::uint8_t {
@@ -115,7 +115,7 @@ struct Node {
 struct Formula {
   std::string text;
   Notation notation = Notation::kA1;
-  Cell base;
+  CellAddress base;
   Grid grid;
   std::vector<Node> nodes;  // postfix: the last one is the root
   std::vector<Reference> references;
@@ -132,7 +132,7 @@ std::optional<Formula> parse(std::string_view text, const ParseOptions& options 
                              ParseError* error = nullptr);
 
 // The formula in either notation, in R1C1 as it reads in cell `base`.
-std::string print(const Formula& formula, Notation notation = Notation::kA1, Cell base = {});
+std::string print(const Formula& formula, Notation notation = Notation::kA1, CellAddress base = {});
 
 // The functions below take a formula in A1 notation, in which formulas are kept, and give its
 // changed text, or nothing when it does not change. A reference that is lost becomes #REF! behind
@@ -140,7 +140,7 @@ std::string print(const Formula& formula, Notation notation = Notation::kA1, Cel
 
 // As copied to a cell that lies so many rows and columns away: relative parts move along, what
 // leaves the grid is lost.
-std::optional<std::string> shifted(const Formula& formula, int rows, int cols);
+std::optional<std::string> shifted(const Formula& formula, int rows, int columns);
 
 // After rows or columns of the sheet were inserted or removed. `own_sheet` tells whether the
 // formula stands on that sheet, so that references without prefix mean it.

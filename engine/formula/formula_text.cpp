@@ -23,19 +23,21 @@ std::optional<std::string> change(std::string_view text, const Grid& grid, const
 // A text without "!" names no sheet.
 bool has_prefix(std::string_view text) { return text.find('!') != std::string_view::npos; }
 
-Range range_of(const Reference& reference, const Grid& grid) {
+CellRange range_of(const Reference& reference, const Grid& grid) {
   const auto& [shape, first, last] = reference;
   const auto [row_first, row_last] = std::minmax(first.row, last.row);
-  const auto [col_first, col_last] = std::minmax(first.col, last.col);
-  if (shape == Reference::Shape::kRows) return {row_first, row_last, 0, grid.cols - 1};
-  if (shape == Reference::Shape::kColumns) return {0, grid.rows - 1, col_first, col_last};
-  return {row_first, row_last, col_first, col_last};
+  const auto [column_first, column_last] = std::minmax(first.column, last.column);
+  if (shape == Reference::Shape::kRows) return {row_first, row_last, 0, grid.columns - 1};
+  if (shape == Reference::Shape::kColumns) return {0, grid.rows - 1, column_first, column_last};
+  return {row_first, row_last, column_first, column_last};
 }
 
 }  // namespace
 
-std::optional<std::string> shift_text(std::string_view text, int rows, int cols, const Grid& grid) {
-  return change(text, grid, [&](const Formula& formula) { return shifted(formula, rows, cols); });
+std::optional<std::string> shift_text(std::string_view text, int rows, int columns,
+                                      const Grid& grid) {
+  return change(text, grid,
+                [&](const Formula& formula) { return shifted(formula, rows, columns); });
 }
 
 std::optional<std::string> adjust_text(std::string_view text, const Move& move,
@@ -101,13 +103,13 @@ std::vector<SheetRange> ranges_of_text(std::string_view text, const Grid& grid) 
   return ranges;
 }
 
-std::string absolute_range_text(std::string_view sheet, const Range& range) {
+std::string absolute_range_text(std::string_view sheet, const CellRange& range) {
   std::string out = quote_sheet_name(sheet) + '!';
-  const auto& [row_first, row_last, col_first, col_last] = range;
-  append_cell(out, {row_first, col_first, true, true});
-  if (row_first == row_last && col_first == col_last) return out;
+  const auto& [row_first, row_last, column_first, column_last] = range;
+  append_cell(out, {row_first, column_first, true, true});
+  if (row_first == row_last && column_first == column_last) return out;
   out += ':';
-  append_cell(out, {row_last, col_last, true, true});
+  append_cell(out, {row_last, column_last, true, true});
   return out;
 }
 

@@ -18,7 +18,7 @@
 
 namespace engine::formula {
 
-std::optional<std::string> shift_text(std::string_view text, int rows, int cols,
+std::optional<std::string> shift_text(std::string_view text, int rows, int columns,
                                       const Grid& grid = kXlsxGrid);
 std::optional<std::string> adjust_text(std::string_view text, const Move& move,
                                        std::string_view sheet, bool own_sheet,
@@ -40,7 +40,7 @@ std::optional<std::string> change_tables_text(std::string_view text,
 // A range together with the sheet its prefix names; `sheet` is empty without a prefix.
 struct SheetRange {
   std::string sheet;
-  Range range;
+  CellRange range;
 };
 
 // The ranges of a text that is nothing but references of single sheets joined by commas, with or
@@ -48,6 +48,6 @@ struct SheetRange {
 std::vector<SheetRange> ranges_of_text(std::string_view text, const Grid& grid = kXlsxGrid);
 
 // 'Sheet 1'!$A$1:$B$2, as defined names and chart series hold it; one cell as 'Sheet 1'!$A$1.
-std::string absolute_range_text(std::string_view sheet, const Range& range);
+std::string absolute_range_text(std::string_view sheet, const CellRange& range);
 
 }  // namespace engine::formula

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "engine/formula/scan.h"
+#include "engine/text/fold.h"
 
 namespace engine::formula {
 namespace {
@@ -100,7 +101,7 @@ class Capitals {
  public:
   explicit Capitals(std::string_view name) : size_(std::min(name.size(), kLongestName)) {
     std::transform(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(size_), text_.begin(),
-                   upper);
+                   upper_ascii);
   }
   std::string_view view() const { return {text_.data(), size_}; }
 

@@ -23,6 +23,7 @@ void append_prefix(std::string& out, const SheetPrefix& prefix);
 bool names_sheet(const Formula& formula, const Node& node, std::string_view sheet);
 
 // The address without its sheet prefix.
-void append_reference(std::string& out, const Reference& reference, Notation notation, Cell base);
+void append_reference(std::string& out, const Reference& reference, Notation notation,
+                      CellAddress base);
 
 }  // namespace engine::formula

@@ -12,6 +12,8 @@
 #include "engine/formula/leaf.h"
 #include "engine/formula/scan.h"
 #include "engine/formula/sheet_name.h"
+#include "engine/text/fold.h"
+#include "engine/text/utf8.h"
 
 namespace engine::formula {
 namespace {
@@ -51,14 +53,7 @@ struct Infix {
   Operator op = Operator::kEqual;
 };
 
-int utf16_length(std::string_view text) {
-  int units = 0;
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
-  }
-  return units;
-}
+int length_of(std::string_view text) { return static_cast<int>(utf16_length(text)); }
 
 bool is_reference_operator(std::uint16_t op) {
   return op >= static_cast<std::uint16_t>(Operator::kUnion);
@@ -76,10 +71,10 @@ const char* bad_character(const char* p, const char* end) {
       ++p;
       continue;
     }
-    utf8proc_int32_t c = -1;
-    const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(p), end - p, &c);
-    if (length <= 0) return p;
-    switch (utf8proc_category(c)) {
+    std::uint32_t code = 0;
+    const std::size_t length = decode_utf8(p, end, code);
+    if (length == 0) return p;
+    switch (utf8proc_category(static_cast<utf8proc_int32_t>(code))) {
       case UTF8PROC_CATEGORY_CN:
       case UTF8PROC_CATEGORY_CC:
       case UTF8PROC_CATEGORY_ZS:
@@ -113,7 +108,7 @@ class Parser {
 
   ParseError error() const {
     ParseError error{error_, 0, 0, error_address_};
-    error.position = utf16_length({text_, static_cast<std::size_t>(error_at_ - text_)});
+    error.position = length_of({text_, static_cast<std::size_t>(error_at_ - text_)});
     return error;
   }
 
@@ -155,7 +150,7 @@ class Parser {
   // Addresses and keywords are turned to capitals where they stand.
   void capitalise(const char* begin, const char* end) {
     for (const char* p = begin; p != end; ++p)
-      if (*p >= 'a' && *p <= 'z') formula_.text[offset(p)] = upper(*p);
+      if (*p >= 'a' && *p <= 'z') formula_.text[offset(p)] = upper_ascii(*p);
   }
 
   // Whether the last node may stand for cells, which the operators over references ask for.
@@ -217,7 +212,7 @@ class Parser {
   Found reference_a1(const char* begin, PrefixKind prefix);
   Found reference_r1c1(const char* begin, PrefixKind prefix);
   Found add_reference(const char* begin, const char* end, PrefixKind prefix, const Reference&);
-  const char* r1c1_end(const char* p, Reference::Shape& shape, CellAddress& cell) const;
+  const char* r1c1_end(const char* p, Reference::Shape& shape, CellReference& cell) const;
 
   // An address ends where no longer word, call, sheet or table name goes on.
   static bool ends_address(const char* p) {
@@ -404,7 +399,7 @@ bool Parser::skip_text() {
   const auto length = static_cast<std::size_t>(p_ - begin) - 1;
   ++p_;
   if (length - doubled > kMaxTextConstant &&
-      utf16_length({begin + 1, length}) - static_cast<int>(doubled) > kMaxTextConstant)
+      length_of({begin + 1, length}) - static_cast<int>(doubled) > kMaxTextConstant)
     return fail(begin, Kind::kLongText);
   return true;
 }
@@ -597,7 +592,7 @@ bool Parser::word(const char* begin, PrefixKind prefix) {
     capitalise(start, end);
     return add_leaf(NodeKind::kBoolean, begin, begin);
   }
-  CellAddress cell;
+  CellReference cell;
   if (options_.notation == Notation::kR1C1 && scan_cell(start, end, cell) == end)
     return fail(start);  // it would turn into an address in A1 notation
   return add_leaf(NodeKind::kName, begin, start, prefix);
@@ -672,11 +667,11 @@ Parser::Found Parser::reference(const char* begin, PrefixKind prefix) {
 Parser::Found Parser::reference_a1(const char* begin, PrefixKind prefix) {
   Reference reference;
   Reference::Shape& shape = reference.shape;
-  CellAddress& first = reference.first;
-  CellAddress& last = reference.last;
+  CellReference& first = reference.first;
+  CellReference& last = reference.last;
   const char* const start = p_;
   if (const char* const behind = scan_cell(start, end_, first); ends_address(behind)) {
-    if (first.col >= kXlsxGrid.cols) return Found::kNo;  // a name such as YTD2024
+    if (first.column >= kXlsxGrid.columns) return Found::kNo;  // a name such as YTD2024
     last = first;
     const char* const second = behind_colon(behind);
     const char* const area_end = second == nullptr ? nullptr : scan_cell(second, end_, last);
@@ -687,37 +682,38 @@ Parser::Found Parser::reference_a1(const char* begin, PrefixKind prefix) {
     shape = Reference::Shape::kArea;
     return add_reference(begin, area_end, prefix, reference);
   }
-  const auto whole = [&](auto* scan, int CellAddress::*position, bool CellAddress::*absolute) {
+  const auto whole = [&](auto* scan, int CellReference::*position, bool CellReference::*absolute) {
     first = last = {};
     const char* p = scan(start, end_, first.*position, first.*absolute);
     if (p != nullptr) p = behind_colon(p);
     return p == nullptr ? p : scan(p, end_, last.*position, last.*absolute);
   };
   shape = Reference::Shape::kColumns;
-  if (const char* const behind = whole(scan_column, &CellAddress::col, &CellAddress::col_absolute);
-      ends_address(behind) && std::max(first.col, last.col) <= kLastThreeLetters)
+  if (const char* const behind =
+          whole(scan_column, &CellReference::column, &CellReference::column_absolute);
+      ends_address(behind) && std::max(first.column, last.column) <= kLastThreeLetters)
     return add_reference(begin, behind, prefix, reference);
   shape = Reference::Shape::kRows;
-  if (const char* const behind = whole(scan_row, &CellAddress::row, &CellAddress::row_absolute);
+  if (const char* const behind = whole(scan_row, &CellReference::row, &CellReference::row_absolute);
       ends_address(behind))
     return add_reference(begin, behind, prefix, reference);
   return Found::kNo;
 }
 
 // One end of a reference in R1C1 notation: a cell, or R or C alone for whole rows and columns.
-const char* Parser::r1c1_end(const char* p, Reference::Shape& shape, CellAddress& cell) const {
+const char* Parser::r1c1_end(const char* p, Reference::Shape& shape, CellReference& cell) const {
   const auto& [notation, base, grid, max_arguments] = options_;
   const char* const behind_row =
       scan_r1c1_part(p, end_, 'R', base.row, grid.rows, cell.row, cell.row_absolute);
   if (behind_row != nullptr) p = behind_row;
-  const char* const behind_col =
-      scan_r1c1_part(p, end_, 'C', base.col, grid.cols, cell.col, cell.col_absolute);
-  if (behind_col == nullptr) {
+  const char* const behind_column =
+      scan_r1c1_part(p, end_, 'C', base.column, grid.columns, cell.column, cell.column_absolute);
+  if (behind_column == nullptr) {
     shape = Reference::Shape::kRows;
     return ends_address(behind_row) ? behind_row : nullptr;
   }
   shape = behind_row == nullptr ? Reference::Shape::kColumns : Reference::Shape::kCell;
-  return ends_address(behind_col) ? behind_col : nullptr;
+  return ends_address(behind_column) ? behind_column : nullptr;
 }
 
 Parser::Found Parser::reference_r1c1(const char* begin, PrefixKind prefix) {
@@ -726,7 +722,7 @@ Parser::Found Parser::reference_r1c1(const char* begin, PrefixKind prefix) {
   if (behind == nullptr) return Found::kNo;
   reference.last = reference.first;
   Reference::Shape shape = reference.shape;
-  CellAddress last;
+  CellReference last;
   const char* const second = behind_colon(behind);
   const char* const area_end = second == nullptr ? nullptr : r1c1_end(second, shape, last);
   if (area_end == nullptr || shape != reference.shape)
@@ -740,7 +736,7 @@ Parser::Found Parser::add_reference(const char* begin, const char* end, PrefixKi
                                     const Reference& reference) {
   const auto& [shape, first, last] = reference;
   const char* const start = p_;
-  if (!options_.grid.holds(std::max(first.row, last.row), std::max(first.col, last.col))) {
+  if (!options_.grid.holds(std::max(first.row, last.row), std::max(first.column, last.column))) {
     fail_beyond(start, reference);
     return Found::kRefused;
   }
@@ -760,7 +756,7 @@ std::optional<Formula> parse(std::string_view text, const ParseOptions& options,
   // No text of this length in UTF-16 has more bytes, so offsets fit their 16 bits.
   const bool many_bytes = text.size() > 3 * std::size_t{kMaxFormulaLength};
   if (text.size() > kMaxFormulaLength) {
-    const int length = utf16_length(text);
+    const int length = length_of(text);
     if (many_bytes || length > kMaxFormulaLength) {
       if (error != nullptr) *error = {ParseError::Kind::kTooLong, 0, length, {}};
       return std::nullopt;

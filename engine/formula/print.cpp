@@ -13,17 +13,18 @@ void append_r1c1_part(std::string& out, char letter, int position, bool absolute
   else if (position != base) out.append("[").append(std::to_string(position - base)).append("]");
 }
 
-void append_r1c1_end(std::string& out, Reference::Shape shape, const CellAddress& cell, Cell base) {
+void append_r1c1_end(std::string& out, Reference::Shape shape, const CellReference& cell,
+                     CellAddress base) {
   if (shape != Reference::Shape::kColumns)
     append_r1c1_part(out, 'R', cell.row, cell.row_absolute, base.row);
   if (shape != Reference::Shape::kRows)
-    append_r1c1_part(out, 'C', cell.col, cell.col_absolute, base.col);
+    append_r1c1_part(out, 'C', cell.column, cell.column_absolute, base.column);
 }
 
-void append_a1_end(std::string& out, Reference::Shape shape, const CellAddress& cell) {
+void append_a1_end(std::string& out, Reference::Shape shape, const CellReference& cell) {
   if (shape == Reference::Shape::kColumns) {
-    if (cell.col_absolute) out += '$';
-    append_column(out, cell.col);
+    if (cell.column_absolute) out += '$';
+    append_column(out, cell.column);
   } else if (shape == Reference::Shape::kRows) {
     if (cell.row_absolute) out += '$';
     out += std::to_string(cell.row + 1);
@@ -64,10 +65,10 @@ class Rewriting {
 };
 
 // Moves one end; false when it leaves the grid.
-bool shift(CellAddress& cell, Reference::Shape shape, int rows, int cols, const Grid& grid) {
+bool shift(CellReference& cell, Reference::Shape shape, int rows, int columns, const Grid& grid) {
   if (!cell.row_absolute && shape != Reference::Shape::kColumns) cell.row += rows;
-  if (!cell.col_absolute && shape != Reference::Shape::kRows) cell.col += cols;
-  return grid.holds(cell.row, cell.col);
+  if (!cell.column_absolute && shape != Reference::Shape::kRows) cell.column += columns;
+  return grid.holds(cell.row, cell.column);
 }
 
 // Applies the interval rule to the ends, which may stand in either order; false when nothing is
@@ -86,15 +87,16 @@ bool adjust(Reference& reference, const Move& move, const Grid& grid) {
   auto& [shape, first, last] = reference;
   if (move.axis == Axis::kRows)
     return shape == Reference::Shape::kColumns || adjust(first.row, last.row, move, grid.rows);
-  return shape == Reference::Shape::kRows || adjust(first.col, last.col, move, grid.cols);
+  return shape == Reference::Shape::kRows || adjust(first.column, last.column, move, grid.columns);
 }
 
 }  // namespace
 
-void append_reference(std::string& out, const Reference& reference, Notation notation, Cell base) {
+void append_reference(std::string& out, const Reference& reference, Notation notation,
+                      CellAddress base) {
   const Reference::Shape shape = reference.shape;
   const bool r1c1 = notation == Notation::kR1C1;
-  const auto append_end = [&](const CellAddress& cell) {
+  const auto append_end = [&](const CellReference& cell) {
     if (r1c1) append_r1c1_end(out, shape, cell, base);
     else append_a1_end(out, shape, cell);
   };
@@ -107,7 +109,7 @@ void append_reference(std::string& out, const Reference& reference, Notation not
   append_end(reference.last);
 }
 
-std::string print(const Formula& formula, Notation notation, Cell base) {
+std::string print(const Formula& formula, Notation notation, CellAddress base) {
   const bool same_base = notation == Notation::kA1 || base == formula.base;
   if (notation == formula.notation && same_base) return formula.text;
   Rewriting rewriting(formula);
@@ -119,15 +121,15 @@ std::string print(const Formula& formula, Notation notation, Cell base) {
   return std::move(rewriting).result().value_or(formula.text);
 }
 
-std::optional<std::string> shifted(const Formula& formula, int rows, int cols) {
+std::optional<std::string> shifted(const Formula& formula, int rows, int columns) {
   assert(formula.notation == Notation::kA1);
   Rewriting rewriting(formula);
   for (const Node& node : formula.nodes) {
     if (node.kind != NodeKind::kReference) continue;
     const Reference& old = formula.references[node.value];
     Reference reference = old;
-    const bool first_inside = shift(reference.first, old.shape, rows, cols, formula.grid);
-    const bool last_inside = shift(reference.last, old.shape, rows, cols, formula.grid);
+    const bool first_inside = shift(reference.first, old.shape, rows, columns, formula.grid);
+    const bool last_inside = shift(reference.last, old.shape, rows, columns, formula.grid);
     if (!first_inside || !last_inside) rewriting.lose(node);
     else if (reference.first != old.first || reference.last != old.last)
       append_reference(rewriting.replace(node.mark, node.end), reference, Notation::kA1, {});

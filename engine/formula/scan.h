@@ -33,16 +33,14 @@ inline bool is_digit(char c) { return (char_class(c) & kDigit) != 0; }
 inline bool is_blank(char c) { return (char_class(c) & kBlank) != 0; }
 inline bool is_word(char c) { return (char_class(c) & (kLetter | kDigit | kOtherWord)) != 0; }
 
-inline char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; }
-
 // Equal but for the case of ASCII letters; `upper_case` is written in capitals.
 bool equals_upper(std::string_view text, std::string_view upper_case);
 
 // $A, $1 and $A$1. Columns of up to four letters and rows of up to nine digits are read, so that
 // what lies past the grid can be told from what is no address.
-const char* scan_column(const char* p, const char* end, int& col, bool& absolute);
+const char* scan_column(const char* p, const char* end, int& column, bool& absolute);
 const char* scan_row(const char* p, const char* end, int& row, bool& absolute);
-const char* scan_cell(const char* p, const char* end, CellAddress& cell);
+const char* scan_cell(const char* p, const char* end, CellReference& cell);
 
 // R, R5 or R[-2] (`letter` is 'R' or 'C') as position and flag; offsets count from `base` and wrap
 // at `size`.

@@ -1,16 +1,10 @@
-// Names of sheets, names and tables as formulas write and compare them.
+// Names of sheets, names and tables as formulas write them.
 #pragma once
 
 #include <string>
 #include <string_view>
 
 namespace engine::formula {
-
-// Names are equal without regard to case, by Unicode's simple case folding.
-bool same_name(std::string_view a, std::string_view b);
-
-// The key under which names that are equal fall together.
-std::string folded_name(std::string_view name);
 
 // True for A1 and $C$5 and for R1C1, R, C and the like: no defined name may look like this.
 bool looks_like_address(std::string_view name);

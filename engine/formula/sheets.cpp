@@ -5,6 +5,7 @@
 #include "engine/formula/formula.h"
 #include "engine/formula/leaf.h"
 #include "engine/formula/sheet_name.h"
+#include "engine/text/fold.h"
 
 namespace engine::formula {
 namespace {
@@ -22,7 +23,7 @@ std::string print_prefix(const SheetPrefix& prefix) {
 std::optional<std::size_t> position_of(std::span<const std::string_view> sheets,
                                        std::string_view name) {
   for (std::size_t i = 0; i < sheets.size(); ++i)
-    if (same_name(sheets[i], name)) return i;
+    if (equal_ignoring_case(sheets[i], name)) return i;
   return std::nullopt;
 }
 
@@ -68,7 +69,7 @@ SheetPrefix read_prefix(const Formula& formula, const Node& node) {
 
 void append_prefix(std::string& out, const SheetPrefix& prefix) {
   const std::string first = quote_sheet_name(prefix.first);
-  if (same_name(prefix.first, prefix.last)) {
+  if (equal_ignoring_case(prefix.first, prefix.last)) {
     out.append(first).append("!");
     return;
   }
@@ -86,8 +87,8 @@ void append_prefix(std::string& out, const SheetPrefix& prefix) {
 
 bool names_sheet(const Formula& formula, const Node& node, std::string_view sheet) {
   const std::string_view text = prefix_text(formula, node);
-  if (text.front() != '\'') return same_name(text, sheet);
-  return same_name(unquoted(text.substr(1, text.size() - 2)), sheet);
+  if (text.front() != '\'') return equal_ignoring_case(text, sheet);
+  return equal_ignoring_case(unquoted(text.substr(1, text.size() - 2)), sheet);
 }
 
 std::optional<std::string> renamed(const Formula& formula, std::string_view from,
@@ -96,8 +97,8 @@ std::optional<std::string> renamed(const Formula& formula, std::string_view from
   for (const Node& node : formula.nodes) {
     if (!names_own_sheets(node)) continue;
     SheetPrefix prefix = read_prefix(formula, node);
-    const bool first = same_name(prefix.first, from);
-    const bool last = same_name(prefix.last, from);
+    const bool first = equal_ignoring_case(prefix.first, from);
+    const bool last = equal_ignoring_case(prefix.last, from);
     if (first) prefix.first = to;
     if (last) prefix.last = to;
     if (first || last) edits.replace(node.begin, node.mark, print_prefix(prefix));
@@ -122,7 +123,8 @@ std::optional<std::string> without_sheet(const Formula& formula,
     if (!names_own_sheets(node)) continue;
     SheetPrefix prefix = read_prefix(formula, node);
     const std::string_view deleted = sheets[index];
-    if (!same_name(prefix.first, deleted) && !same_name(prefix.last, deleted)) continue;
+    if (!equal_ignoring_case(prefix.first, deleted) && !equal_ignoring_case(prefix.last, deleted))
+      continue;
     if (node.prefix == PrefixKind::kSheets && shrink(prefix, sheets, index))
       edits.replace(node.begin, node.mark, print_prefix(prefix));
     else  // Sheet1!#REF! is lost already and becomes #REF!, not #REF!#REF!.
@@ -134,7 +136,7 @@ std::optional<std::string> without_sheet(const Formula& formula,
 std::vector<std::string> mentioned_sheets(const Formula& formula) {
   std::vector<std::string> names;
   const auto mention = [&](std::string& name) {
-    const auto same = [&](const std::string& other) { return same_name(name, other); };
+    const auto same = [&](const std::string& other) { return equal_ignoring_case(name, other); };
     if (std::none_of(names.begin(), names.end(), same)) names.push_back(std::move(name));
   };
   for (const Node& node : formula.nodes) {

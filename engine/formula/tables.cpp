@@ -4,6 +4,7 @@
 #include "engine/formula/edits.h"
 #include "engine/formula/formula.h"
 #include "engine/formula/sheet_name.h"
+#include "engine/text/fold.h"
 
 namespace engine::formula {
 namespace {
@@ -28,7 +29,7 @@ std::optional<std::string> with_tables(const Formula& formula,
     if (!end) continue;
     const auto name = std::string_view(formula.text).substr(node.begin, *end - node.begin);
     const auto change = std::find_if(changes.begin(), changes.end(), [&](const TableChange& one) {
-      return same_name(one.name, name);
+      return equal_ignoring_case(one.name, name);
     });
     if (change == changes.end()) continue;
     if (change->renamed) edits.replace(node.begin, *end, *change->renamed);

@@ -7,6 +7,7 @@
 #include "engine/package/file_error.h"
 #include "engine/package/part_stream.h"
 #include "engine/package/zip_format.h"
+#include "engine/text/fold.h"
 
 namespace engine::package {
 namespace {
@@ -21,14 +22,6 @@ constexpr std::uint64_t kDeflateExpansion = 1032;
 
 // From this size on a second thread pays for its start.
 constexpr std::uint64_t kAheadSize = 1024 * 1024;
-
-std::string lower(std::string_view name) {
-  std::string text(name);
-  for (char& c : text) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return text;
-}
 
 void check_sizes(const ArchiveEntry& entry) {
   const auto packed = entry.packed_size;
@@ -70,7 +63,7 @@ Archive::Archive(std::shared_ptr<const Source> source) : source_(std::move(sourc
 void Archive::join_duplicates(std::vector<ArchiveEntry> all) {
   entries_.reserve(all.size());
   for (auto& entry : all) {
-    const auto [known, is_new] = by_name_.try_emplace(lower(entry.name), entries_.size());
+    const auto [known, is_new] = by_name_.try_emplace(lower_ascii(entry.name), entries_.size());
     if (is_new) {
       entries_.push_back(std::move(entry));
     } else if (!same_content(entries_[known->second], entry)) {
@@ -88,7 +81,7 @@ bool Archive::same_content(const ArchiveEntry& a, const ArchiveEntry& b) const {
 
 const ArchiveEntry* Archive::find(std::string_view name) const {
   if (name.starts_with('/')) name.remove_prefix(1);
-  const auto found = by_name_.find(lower(name));
+  const auto found = by_name_.find(lower_ascii(name));
   return found == by_name_.end() ? nullptr : &entries_[found->second];
 }
 

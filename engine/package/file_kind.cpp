@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "engine/text/fold.h"
+
 namespace engine::package {
 namespace {
 
@@ -40,7 +42,7 @@ std::string as_text(std::string_view bytes) {
   for (const char c : bytes) {
     const bool blank = c == ' ' || c == '\t' || c == '\r' || c == '\n';
     if (c == '\0' || (blank && text.empty())) continue;
-    text += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    text += lower_ascii(c);
   }
   return text;
 }

@@ -4,6 +4,8 @@
 
 #include "engine/package/file_error.h"
 #include "engine/package/xml_text.h"
+#include "engine/text/fold.h"
+#include "engine/text/utf8.h"
 
 namespace engine::package {
 namespace {
@@ -13,14 +15,6 @@ constexpr std::string_view kCdata = "<![CDATA[";
 constexpr std::string_view kComment = "<!--";
 constexpr std::string_view kDoctype = "<!DOCTYPE";
 constexpr std::string_view kEncodings[] = {"utf-8", "utf8", "us-ascii", "ascii", "utf-16"};
-
-std::string lower(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
 
 }  // namespace
 
@@ -226,7 +220,7 @@ void XmlScanner::check_encoding() const {
   const auto encoding = XmlAttributes(raw().substr(5, raw().size() - 7)).find("encoding");
   if (encoding.empty()) return;
   const auto* const known =
-      std::find(std::begin(kEncodings), std::end(kEncodings), lower(encoding));
+      std::find(std::begin(kEncodings), std::end(kEncodings), lower_ascii(encoding));
   if (known == std::end(kEncodings)) {
     fail("is encoded as " + std::string(encoding.substr(0, 64)) + ", not as UTF-8 or UTF-16");
   }

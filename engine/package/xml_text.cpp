@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "engine/text/utf8.h"
+
 namespace engine::package {
 namespace {
 
@@ -31,27 +33,6 @@ std::uint64_t load_word(const char* at) {
   std::memcpy(&word, at, sizeof word);
   return word;
 }
-
-void append_utf8(std::string& out, std::uint32_t c) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-    return;
-  }
-  if (c < 0x800) {
-    out += static_cast<char>(0xC0 | c >> 6);
-  } else {
-    if (c < 0x10000) {
-      out += static_cast<char>(0xE0 | c >> 12);
-    } else {
-      out += static_cast<char>(0xF0 | c >> 18);
-      out += static_cast<char>(0x80 | (c >> 12 & 0x3F));
-    }
-    out += static_cast<char>(0x80 | (c >> 6 & 0x3F));
-  }
-  out += static_cast<char>(0x80 | (c & 0x3F));
-}
-
-bool is_surrogate(std::uint32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
 
 // `digits` is what stands between "&#" and ";".
 bool append_numbered(std::string& out, std::string_view digits) {
@@ -100,33 +81,6 @@ bool decode(std::string_view raw, std::string_view special, char line_end, std::
   return true;
 }
 
-// Length of the sequence that `lead` begins and the least character it may stand for.
-struct Sequence {
-  std::size_t size;
-  std::uint32_t least;
-  std::uint32_t bits;
-};
-
-Sequence sequence_of(unsigned char lead) {
-  if (lead >= 0xF0 && lead < 0xF8) return {4, 0x10000, lead & 0x07U};
-  if (lead >= 0xE0 && lead < 0xF0) return {3, 0x800, lead & 0x0FU};
-  if (lead >= 0xC0 && lead < 0xE0) return {2, 0x80, lead & 0x1FU};
-  return {0, 0, 0};
-}
-
-// The size of the character of several bytes at `at`, 0 when it is none.
-std::size_t checked_sequence(const char* at, std::size_t left) {
-  const auto [size, least, bits] = sequence_of(static_cast<unsigned char>(*at));
-  if (size == 0 || size > left) return 0;
-  std::uint32_t c = bits;
-  for (std::size_t i = 1; i < size; ++i) {
-    const auto next = static_cast<unsigned char>(at[i]);
-    if ((next & 0xC0U) != 0x80U) return 0;
-    c = c << 6 | (next & 0x3FU);
-  }
-  return c < least || c > 0x10FFFF || is_surrogate(c) ? 0 : size;
-}
-
 using Escapes = std::array<const char*, 256>;
 
 constexpr Escapes make_escapes(bool attribute) {
@@ -170,10 +124,10 @@ bool utf16_to_utf8(std::string_view bytes, bool big_endian, std::string& out) {
     std::uint32_t c = unit(at);
     if (is_surrogate(c)) {
       at += 2;
-      if (c >= 0xDC00 || at >= bytes.size()) return false;
+      if (is_low_surrogate(c) || at >= bytes.size()) return false;
       const auto low = unit(at);
-      if (low < 0xDC00 || low > 0xDFFF) return false;
-      c = 0x10000 + ((c - 0xD800) << 10 | (low - 0xDC00));
+      if (!is_low_surrogate(low)) return false;
+      c = join_surrogates(c, low);
     }
     append_utf8(out, c);
   }
@@ -198,23 +152,6 @@ bool is_plain_xml(std::string_view raw) {
   }
   const auto rest = raw.substr(at);
   return rest.find_first_of("&\r") == std::string_view::npos && is_utf8(rest);
-}
-
-bool is_utf8(std::string_view text) {
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  while (at != end) {
-    if (end - at >= 8 && (load_word(at) & kHighBits) == 0) {
-      at += 8;
-    } else if (static_cast<unsigned char>(*at) < 0x80) {
-      ++at;
-    } else {
-      const auto size = checked_sequence(at, static_cast<std::size_t>(end - at));
-      if (size == 0) return false;
-      at += size;
-    }
-  }
-  return true;
 }
 
 void append_xml_text(std::string& out, std::string_view text) {

@@ -14,8 +14,6 @@ bool decode_xml_attribute(std::string_view raw, std::string& out);
 // Whether a raw text means just what it says and can be used as it lies.
 bool is_plain_xml(std::string_view raw);
 
-bool is_utf8(std::string_view text);
-
 // Appends UTF-8 text with what XML needs escaped. Line feed, carriage return and tab in an
 // attribute, and a carriage return in a text, become references, as a reader would change them.
 // Characters that XML cannot hold (below the blank, save those three) are the caller's concern.

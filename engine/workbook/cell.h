@@ -14,18 +14,6 @@
 
 namespace engine {
 
-// A cell's place, counted from zero.
-struct CellAddress {
-  int row = 0;
-  int column = 0;
-
-  friend auto operator<=>(const CellAddress&, const CellAddress&) = default;
-};
-
-// A rectangle of cells, inclusive at both ends, and the size of a sheet, as formulas know them.
-using CellRange = formula::Range;
-using Grid = formula::Grid;
-
 enum class ValueKind : std::uint8_t { kNone, kNumber, kText, kBoolean, kError };
 
 // What a cell shows: nothing, a number, a text of the string pool, true or false, an error.

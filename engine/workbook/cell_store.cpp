@@ -136,8 +136,8 @@ bool CellStore::used_range(CellRange* range) const {
     const int last = row.cells[row.count - 1].column;
     if (!any) *range = {number, number, first, last};
     range->row_last = number;
-    range->col_first = std::min(range->col_first, first);
-    range->col_last = std::max(range->col_last, last);
+    range->column_first = std::min(range->column_first, first);
+    range->column_last = std::max(range->column_last, last);
     any = true;
   }
   return any;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cassert>
 
-#include "engine/workbook/text.h"
+#include "engine/text/fold.h"
 
 namespace engine {
 

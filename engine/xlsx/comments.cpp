@@ -22,7 +22,7 @@ constexpr std::string_view kEmptyPart =
 std::optional<CellAddress> cell_of(pugi::xml_node comment) {
   const auto cell = formula::parse_cell(comment.attribute("ref").value());
   if (!cell) return std::nullopt;
-  return CellAddress{cell->row, cell->col};
+  return CellAddress{cell->row, cell->column};
 }
 
 // The text of a rich string: its direct text, or the texts of its runs, without phonetic ones.

@@ -7,6 +7,7 @@
 #include "engine/formula/formula_text.h"
 #include "engine/formula/sheet_name.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/fold.h"
 #include "engine/xlsx/copied_drawing.h"
 #include "engine/xlsx/document.h"
 #include "engine/xlsx/escapes.h"
@@ -134,14 +135,14 @@ class TableNames {
       if (const SheetPart* remains = part_of(std::as_const(*sheet)))
         for (const AddedPart& added : remains->added)
           if (added.kind == "table") enter(added.bytes);
-    for (const DefinedName& name : book.names) used_.insert(formula::folded_name(name.name));
+    for (const DefinedName& name : book.names) used_.insert(fold_case(name.name));
   }
 
   // The name with the first number behind it that nobody has.
   std::string free(const std::string& name) {
     for (int number = 1;; ++number) {
       std::string made = name + "_" + std::to_string(number);
-      if (used_.insert(formula::folded_name(made)).second) return made;
+      if (used_.insert(fold_case(made)).second) return made;
     }
   }
   unsigned next_id() { return ++last_id_; }
@@ -152,7 +153,7 @@ class TableNames {
     const pugi::xml_node root = tree.document_element();
     last_id_ = std::max(last_id_, root.attribute("id").as_uint());
     for (const char* name : {"name", "displayName"})
-      used_.insert(formula::folded_name(unescape(root.attribute(name).value())));
+      used_.insert(fold_case(unescape(root.attribute(name).value())));
   }
 
   std::set<std::string> used_;

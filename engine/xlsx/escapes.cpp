@@ -3,12 +3,13 @@
 #include <cstdint>
 #include <optional>
 
+#include "engine/text/utf8.h"
+
 namespace engine::xlsx {
 
 namespace {
 
 constexpr std::size_t kEscapeSize = 7;  // _xHHHH_
-constexpr std::uint32_t kReplacement = 0xFFFD;
 
 int hex_digit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
@@ -35,23 +36,6 @@ void append_escaped(std::string& out, std::uint32_t unit) {
   out.append("_x");
   for (int shift = 12; shift >= 0; shift -= 4) out.push_back(kDigits[(unit >> shift) & 15]);
   out.push_back('_');
-}
-
-void append_utf8(std::string& out, std::uint32_t code) {
-  const auto put = [&](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
-  if (code < 0x80) return put(code);
-  if (code < 0x800) {
-    put(0xC0 | (code >> 6));
-  } else {
-    if (code < 0x10000) {
-      put(0xE0 | (code >> 12));
-    } else {
-      put(0xF0 | (code >> 18));
-      put(0x80 | ((code >> 12) & 0x3F));
-    }
-    put(0x80 | ((code >> 6) & 0x3F));
-  }
-  put(0x80 | (code & 0x3F));
 }
 
 // The unit that has to be escaped at the beginning of the text: a control character, an underscore
@@ -107,10 +91,10 @@ std::string unescape(std::string_view text) {
     }
     text.remove_prefix(kEscapeSize);
     std::uint32_t code = *unit;
-    if (code >= 0xD800 && code < 0xE000) {
-      const auto low = code < 0xDC00 ? escaped_unit(text) : std::nullopt;
-      const bool paired = low && *low >= 0xDC00 && *low < 0xE000;
-      code = paired ? 0x10000 + ((code - 0xD800) << 10) + (*low - 0xDC00) : kReplacement;
+    if (is_surrogate(code)) {
+      const auto low = is_high_surrogate(code) ? escaped_unit(text) : std::nullopt;
+      const bool paired = low && is_low_surrogate(*low);
+      code = paired ? join_surrogates(code, *low) : kReplacementCharacter;
       if (paired) text.remove_prefix(kEscapeSize);
     }
     append_utf8(out, code);

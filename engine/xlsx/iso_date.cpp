@@ -5,7 +5,7 @@
 #include <chrono>
 #include <string>
 
-#include "engine/package/number_text.h"
+#include "engine/text/number_text.h"
 
 namespace engine::xlsx {
 
@@ -61,7 +61,7 @@ std::optional<double> take_time(std::string_view& text) {
     if (!take_digits(text, 2, second)) return std::nullopt;
     if (text.starts_with('.')) {
       const std::size_t end = std::min(text.find_first_not_of("0123456789", 1), text.size());
-      const auto part = package::parse_number("0" + std::string(text.substr(0, end)));
+      const auto part = parse_number("0" + std::string(text.substr(0, end)));
       if (!part) return std::nullopt;
       fraction = *part;
       text.remove_prefix(end);

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/package/number_text.h"
+#include "engine/text/number_text.h"
 #include "engine/workbook/metrics.h"
 
 namespace engine::xlsx {
@@ -102,7 +102,7 @@ int style_pixels(std::string_view shape, std::string_view name) {
     const std::string_view value = tag.substr(at + name.size() + 1);
     const std::string_view number = value.substr(0, value.find_first_not_of("0123456789."));
     const std::string_view unit = value.substr(number.size(), 2);
-    const double length = package::parse_number(number).value_or(0);
+    const double length = parse_number(number).value_or(0);
     const double pixels = unit == "pt" ? length * 4 / 3 : unit == "px" ? length : 0;
     return static_cast<int>(std::lround(std::min(pixels, double{kLargestBox})));
   }
@@ -168,9 +168,9 @@ std::string box(const Sheet& sheet, const Grid& grid, CellAddress cell, const Co
                 int z_index) {
   const int width = note.width > 0 ? note.width : kDefaultWidth;
   const int height = note.height > 0 ? note.height : kDefaultHeight;
-  const Corner left{std::min(cell.column + 1, grid.cols - 1), kInsetX};
+  const Corner left{std::min(cell.column + 1, grid.columns - 1), kInsetX};
   const Corner top{std::max(cell.row - 1, 0), cell.row == 0 ? kInsetYInFirstRow : kInsetY};
-  const Corner right = walk_columns(sheet, left, width, grid.cols);
+  const Corner right = walk_columns(sheet, left, width, grid.columns);
   const Corner bottom = walk_rows(sheet, top, height, grid.rows);
   int x = left.offset;
   for (int column = 0; column < left.index; ++column) x += column_pixels(sheet, column);

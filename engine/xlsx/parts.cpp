@@ -5,6 +5,7 @@
 
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/fold.h"
 
 namespace engine::xlsx {
 
@@ -18,16 +19,9 @@ constexpr std::string_view kEmptyTypes =
     "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
     "<Default Extension=\"xml\" ContentType=\"application/xml\"/></Types>";
 
-std::string lower(std::string_view name) {
-  std::string key(name);
-  for (char& c : key)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return key;
-}
-
 std::string extension_of(std::string_view name) {
   const std::size_t dot = name.find_last_of("./");
-  return dot == std::string_view::npos || name[dot] == '/' ? "" : lower(name.substr(dot + 1));
+  return dot == std::string_view::npos || name[dot] == '/' ? "" : lower_ascii(name.substr(dot + 1));
 }
 
 bool is_relationships_part(std::string_view key) {
@@ -38,7 +32,7 @@ bool is_relationships_part(std::string_view key) {
 
 std::string part_name_of(pugi::xml_node override_node) {
   const std::string_view name = override_node.attribute("PartName").value();
-  return lower(name.starts_with('/') ? name.substr(1) : name);
+  return lower_ascii(name.starts_with('/') ? name.substr(1) : name);
 }
 
 }  // namespace
@@ -49,8 +43,8 @@ Parts::Parts(std::shared_ptr<const package::Source> source)
     : archive_(std::make_shared<package::Archive>(std::move(source))) {
   read_types();
   for (const package::ArchiveEntry& entry : archive_->entries()) {
-    std::string key = lower(entry.name);
-    if (key == lower(kTypesName) || is_relationships_part(key)) continue;
+    std::string key = lower_ascii(entry.name);
+    if (key == lower_ascii(kTypesName) || is_relationships_part(key)) continue;
     Part part;
     part.name = entry.name;
     part.type = type_of(key);
@@ -66,21 +60,21 @@ void Parts::read_types() {
   for (const pugi::xml_node node : document.document_element().children()) {
     const char* type = node.attribute("ContentType").value();
     if (package::local_name(node) == "Default")
-      default_types_.try_emplace(lower(node.attribute("Extension").value()), type);
+      default_types_.try_emplace(lower_ascii(node.attribute("Extension").value()), type);
     else if (package::local_name(node) == "Override")
       override_types_.try_emplace(part_name_of(node), type);
   }
 }
 
 std::string Parts::type_of(std::string_view name) const {
-  const auto own = override_types_.find(lower(name));
+  const auto own = override_types_.find(lower_ascii(name));
   if (own != override_types_.end()) return own->second;
   const auto usual = default_types_.find(extension_of(name));
   return usual == default_types_.end() ? "" : usual->second;
 }
 
 const Part* Parts::find(std::string_view name) const {
-  const auto found = parts_.find(lower(name));
+  const auto found = parts_.find(lower_ascii(name));
   return found == parts_.end() ? nullptr : &found->second;
 }
 
@@ -95,7 +89,7 @@ std::unique_ptr<package::BlockReader> Parts::open(const Part& part) const {
 }
 
 Part& Parts::make(std::string_view name, std::string_view type) {
-  Part& part = parts_.try_emplace(lower(name)).first->second;
+  Part& part = parts_.try_emplace(lower_ascii(name)).first->second;
   if (part.name.empty()) part.name = name;
   if (!type.empty()) part.type = type;
   part.bytes.reset();
@@ -113,12 +107,12 @@ void Parts::put_blocks(std::string_view name, std::string_view type, PartBlocks 
 }
 
 void Parts::set_type(std::string_view name, std::string_view type) {
-  const auto found = parts_.find(lower(name));
+  const auto found = parts_.find(lower_ascii(name));
   if (found != parts_.end()) found->second.type = type;
 }
 
 void Parts::remove(std::string_view name) {
-  const std::string key = lower(name);
+  const std::string key = lower_ascii(name);
   parts_.erase(key);
   lists_[key] = {{}, true};
 }
@@ -133,7 +127,7 @@ std::string Parts::free_name(std::string_view pattern) const {
 }
 
 Parts::List& Parts::list(std::string_view owner) const {
-  const std::string key = lower(owner);
+  const std::string key = lower_ascii(owner);
   const auto known = lists_.find(key);
   if (known != lists_.end()) return known->second;
   List made;
@@ -203,7 +197,7 @@ std::vector<std::string> Parts::reachable() const {
   std::set<std::string> seen;
   std::vector<std::string> open{""};
   for (const std::string& held : held_)
-    if (seen.insert(lower(held)).second) open.push_back(held);
+    if (seen.insert(lower_ascii(held)).second) open.push_back(held);
   while (!open.empty()) {
     const std::string owner = std::move(open.back());
     open.pop_back();
@@ -215,7 +209,7 @@ std::vector<std::string> Parts::reachable() const {
     }
     for (const Relationship& one : *items)
       if (const Part* part = target(owner, one))
-        if (seen.insert(lower(part->name)).second) open.push_back(part->name);
+        if (seen.insert(lower_ascii(part->name)).second) open.push_back(part->name);
   }
   return {seen.begin(), seen.end()};
 }
@@ -276,7 +270,7 @@ std::string Parts::written_types() const {
 
 void Parts::write_relationships_of(std::string_view owner, package::ArchiveWriter& archive) const {
   const std::string name = relationships_name(owner);
-  const auto known = lists_.find(lower(owner));
+  const auto known = lists_.find(lower_ascii(owner));
   const package::ArchiveEntry* entry = archive_ ? archive_->find(name) : nullptr;
   if (known != lists_.end() && known->second.changed) {
     if (!known->second.items.empty()) archive.add(name, write_relationships(known->second.items));

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string>
 
-#include "engine/package/number_text.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/styles_read.h"
 #include "engine/xlsx/styles_tokens.h"
@@ -27,7 +27,7 @@ constexpr std::string_view kBorderOrder[] = {"start",  "left",     "end",      "
 
 void set_number(pugi::xml_node element, const char* name, double value) {
   std::string text;
-  package::append_number(text, value);
+  append_number(text, value);
   set_attribute(element, name, text);
 }
 

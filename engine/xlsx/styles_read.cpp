@@ -5,8 +5,8 @@
 #include <string>
 
 #include "engine/package/file_error.h"
-#include "engine/package/number_text.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/styles_tokens.h"
 
@@ -24,7 +24,7 @@ constexpr unsigned kStacked = 255;
 constexpr unsigned kMaxIndent = 250;
 
 std::optional<double> number_of(pugi::xml_attribute attribute) {
-  return package::parse_number(attribute.value());
+  return parse_number(attribute.value());
 }
 
 // An element that switches something on by being there: <b/>.

@@ -12,10 +12,10 @@
 #include "engine/formula/formula_text.h"
 #include "engine/formula/reference.h"
 #include "engine/package/file_error.h"
-#include "engine/package/number_text.h"
 #include "engine/package/xml_scanner.h"
 #include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/number_text.h"
 #include "engine/workbook/font_metrics.h"
 #include "engine/workbook/metrics.h"
 #include "engine/xlsx/escapes.h"
@@ -294,7 +294,7 @@ bool Reader::read_row_attribute(const XmlAttribute& attribute, RowProperties& pr
   } else if (name == "customFormat") {
     custom_format = is_true(value);
   } else if (name == "ht") {
-    properties.height = package::parse_number(value);
+    properties.height = parse_number(value);
     any = true;
   } else if (name == "customHeight") {
     any |= properties.custom_height = is_true(value);
@@ -336,7 +336,7 @@ const char* Reader::take_address(const char* at) {
     row = row * 10 + static_cast<std::uint32_t>(*at - '0');
     if (at - begin > 6) return nullptr;
   }
-  const bool here = static_cast<int>(row) == row_ + 1 && static_cast<int>(column) <= grid_.cols;
+  const bool here = static_cast<int>(row) == row_ + 1 && static_cast<int>(column) <= grid_.columns;
   if (at == begin || *at != '"' || !here) return nullptr;
   column_ = static_cast<int>(column) - 1;
   return at + 1;
@@ -377,10 +377,9 @@ bool Reader::take_plain_cell() {
     if (!at) {
       // More digits than fit the short way; the same bytes by the long one.
       const auto* end = static_cast<const char*>(std::memchr(begin, '<', 40));
-      const auto parsed =
-          end && !text && *begin > ' ' && end[-1] > ' '
-              ? package::parse_number({begin, static_cast<std::size_t>(end - begin)})
-              : std::nullopt;
+      const auto parsed = end && !text && *begin > ' ' && end[-1] > ' '
+                              ? parse_number({begin, static_cast<std::size_t>(end - begin)})
+                              : std::nullopt;
       if (!parsed) return give_up();
       number = *parsed;
       at = end;
@@ -438,7 +437,7 @@ void Reader::read_cell_attributes() {
       if (!address)
         package::throw_damaged(
             part_, "cell address \"" + std::string(one.value.substr(0, 64)) + "\" is not one");
-      cell_.at = CellAddress{address->row, address->col};
+      cell_.at = CellAddress{address->row, address->column};
     } else if (one.name == "s") {
       cell_.style = format(parse_whole<std::uint32_t>(one.value).value_or(0));
     } else if (one.name == "t") {
@@ -454,7 +453,7 @@ void Reader::place_cell() {
   if (!cell_.at) cell_.at = CellAddress{row_, column_ + 1};
   row_ = cell_.at->row;
   column_ = cell_.at->column;
-  if (row_ >= grid_.rows || column_ >= grid_.cols) fail("is beyond the last cell");
+  if (row_ >= grid_.rows || column_ >= grid_.columns) fail("is beyond the last cell");
   keeps_row_ = filter_.keeps(row_);
 }
 
@@ -496,8 +495,8 @@ void Reader::read_formula() {
   if (kind == "array") cell_.extra.form = FormulaForm::kArray;
   else if (kind == "dataTable") cell_.extra.form = FormulaForm::kDataTable;
   else if (kind == "shared") read_shared_formula(shared);
-  const auto& [row_first, row_last, col_first, col_last] = cell_.extra.range;
-  const bool many = row_first != row_last || col_first != col_last;
+  const auto& [row_first, row_last, column_first, column_last] = cell_.extra.range;
+  const bool many = row_first != row_last || column_first != column_last;
   // One that begins outside of the rows that are read may fill cells of them all the same.
   const bool reaches_in =
       keeps_row_ || (!filter_.others && row_first <= filter_.last && row_last >= filter_.first);
@@ -558,7 +557,7 @@ void Reader::keep_date_text() {
 Value Reader::number_value() {
   const std::string_view text = trimmed(cell_.value);
   if (text.empty()) return {};
-  const auto number = package::parse_number(text);
+  const auto number = parse_number(text);
   if (!number) fail("\"" + std::string(text.substr(0, 64)) + "\" is not a number");
   return Value::of_number(*number);
 }
@@ -598,10 +597,10 @@ void Reader::parse_tree(const std::string& head_and_tail) {
 
 void Reader::read_default_sizes(pugi::xml_node format) {
   sheet_.digit_pixels = digit_pixels(context_.workbook.styles.font(0));
-  const auto width = package::parse_number(format.attribute("defaultColWidth").value());
+  const auto width = parse_number(format.attribute("defaultColWidth").value());
   if (width && *width >= 0 && *width <= 255) sheet_.default_column_width = *width;
   sheet_.base_column_width = std::clamp(format.attribute("baseColWidth").as_int(8), 0, 255);
-  const auto height = package::parse_number(format.attribute("defaultRowHeight").value());
+  const auto height = parse_number(format.attribute("defaultRowHeight").value());
   if (height && *height >= 0 && *height <= 409.5)
     sheet_.default_row_pixels = pixels_of_points(*height);
 }
@@ -610,12 +609,11 @@ void Reader::read_columns(pugi::xml_node columns) {
   for (const pugi::xml_node node : package::children(columns, Family::Main, "col")) {
     ColumnProperties one;
     one.first = node.attribute("min").as_int() - 1;
-    one.last = std::min(node.attribute("max").as_int(), grid_.cols) - 1;
+    one.last = std::min(node.attribute("max").as_int(), grid_.columns) - 1;
     const int from = sheet_.columns.empty() ? 0 : sheet_.columns.back().last + 1;
     one.first = std::max(one.first, from);
     if (one.first > one.last) continue;
-    if (const auto width = package::parse_number(node.attribute("width").value()))
-      one.width = *width;
+    if (const auto width = parse_number(node.attribute("width").value())) one.width = *width;
     one.style = format(node.attribute("style").as_uint());
     one.custom_width = node.attribute("customWidth").as_bool();
     one.hidden = node.attribute("hidden").as_bool();

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "engine/formula/reference.h"
-#include "engine/package/number_text.h"
 #include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
 
 namespace engine::xlsx {
@@ -68,7 +68,7 @@ char* put(char* at, const Piece& piece) {
 }
 
 char* put_count(char* at, std::uint32_t number) {
-  return package::write_integer(at, static_cast<long long>(number));
+  return write_integer(at, static_cast<long long>(number));
 }
 
 void append_escaped(std::string& out, std::string_view text) {
@@ -307,7 +307,7 @@ char* WorksheetText::write_properties(char* at, const RowProperties& properties)
   }
   if (properties.height) {
     at = put(at, " ht=\"");
-    at = put(package::write_number(at, *properties.height), "\"");
+    at = put(write_number(at, *properties.height), "\"");
   }
   if (properties.hidden) at = put(at, " hidden=\"1\"");
   if (properties.custom_height) at = put(at, " customHeight=\"1\"");
@@ -337,7 +337,7 @@ void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const Piece& 
       break;
     case CellKind::kNumber:
       at = put(at, "><v>");
-      at = put(package::write_number(at, cell.number), "</v></c>");
+      at = put(write_number(at, cell.number), "</v></c>");
       break;
     case CellKind::kBoolean:
       at = put(at, " t=\"b\"><v>");
@@ -416,7 +416,7 @@ void WorksheetText::write_value(std::string& out, const RowRun& run, const Value
     case ValueKind::kNone:
       break;
     case ValueKind::kNumber:
-      package::append_number(out, value.number);
+      append_number(out, value.number);
       break;
     case ValueKind::kText:
       append_escaped(out, text_of(run, value.text()));
@@ -444,7 +444,7 @@ void set_or_remove(pugi::xml_node node, const char* name, bool present, const st
 
 std::string number_text(double number) {
   std::string text;
-  package::append_number(text, number);
+  append_number(text, number);
   return text;
 }
 
@@ -487,8 +487,8 @@ std::string used_range_text(const Sheet& sheet, const OutsideRows* outside) {
   if (outside && outside->sheet.cells.used_range(&others)) {
     if (!any) range = others;
     range = {std::min(range.row_first, others.row_first), std::max(range.row_last, others.row_last),
-             std::min(range.col_first, others.col_first),
-             std::max(range.col_last, others.col_last)};
+             std::min(range.column_first, others.column_first),
+             std::max(range.column_last, others.column_last)};
     any = true;
   }
   if (!any) return "A1";

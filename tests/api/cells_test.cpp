@@ -93,7 +93,8 @@ TEST(Cells, AreDatesByTheirFormat) {
   stage.sheet->writeNum(0, 2, 45000);
   stage.sheet->writeFormulaNum(0, 3, L"TODAY()", 45000, date);
   const bool expected[] = {true, false, false, true, false};
-  for (int col = 0; col < 5; ++col) EXPECT_EQ(stage.sheet->isDate(0, col), expected[col]) << col;
+  for (int column = 0; column < 5; ++column)
+    EXPECT_EQ(stage.sheet->isDate(0, column), expected[column]) << column;
 }
 
 TEST(Cells, UsedRangeFollowsWrites) {
@@ -135,12 +136,12 @@ TEST(Cells, Comments) {
 TEST(Cells, Addresses) {
   Stage stage;
   int row = 0;
-  int col = 0;
+  int column = 0;
   bool row_relative = false;
   bool col_relative = true;
-  stage.sheet->addrToRowCol(L"$xfd1048576", &row, &col, &row_relative, &col_relative);
+  stage.sheet->addrToRowCol(L"$xfd1048576", &row, &column, &row_relative, &col_relative);
   EXPECT_EQ(row, 1048575);
-  EXPECT_EQ(col, 16383);
+  EXPECT_EQ(column, 16383);
   EXPECT_TRUE(row_relative);
   EXPECT_FALSE(col_relative);
   EXPECT_STREQ(stage.sheet->rowColToAddr(4, 2), L"C5");

@@ -77,10 +77,10 @@ TEST(Formulas, HaveTheTypeOfTheirCachedValue) {
   for (const char* pass : {"written", "loaded"}) {
     SCOPED_TRACE(pass);
     sheet = stage.sheet;
-    for (int col = 0; col < 5; ++col) {
-      EXPECT_EQ(sheet->cellType(0, col), types[col]) << col;
-      EXPECT_TRUE(sheet->isFormula(0, col)) << col;
-      EXPECT_FALSE(sheet->readBlank(0, col)) << col;
+    for (int column = 0; column < 5; ++column) {
+      EXPECT_EQ(sheet->cellType(0, column), types[column]) << column;
+      EXPECT_TRUE(sheet->isFormula(0, column)) << column;
+      EXPECT_FALSE(sheet->readBlank(0, column)) << column;
     }
     EXPECT_EQ(sheet->readNum(0, 0), 0);
     EXPECT_EQ(stage.message(), "ok");

@@ -53,13 +53,13 @@ std::wstring contents(libxl::Book& book) {
     all.append(L"\n").append(book.getSheetName(i));
     libxl::Sheet& sheet = *book.getSheet(i);
     for (int row = 0; row < sheet.lastRow(); ++row) {
-      for (int col = 0; col < sheet.lastCol(); ++col) {
-        all.append(L" ").append(std::to_wstring(sheet.cellType(row, col)));
-        const wchar_t* formula = sheet.readFormula(row, col);
+      for (int column = 0; column < sheet.lastCol(); ++column) {
+        all.append(L" ").append(std::to_wstring(sheet.cellType(row, column)));
+        const wchar_t* formula = sheet.readFormula(row, column);
         all.append(formula ? formula : L"");
-        const wchar_t* text = sheet.readStr(row, col);
+        const wchar_t* text = sheet.readStr(row, column);
         all.append(text ? text : L"");
-        const wchar_t* comment = sheet.readComment(row, col);
+        const wchar_t* comment = sheet.readComment(row, column);
         all.append(comment ? comment : L"");
       }
     }

@@ -216,7 +216,7 @@ TEST(Parse, RefusesReferencesBeyondTheGrid) {
       SCOPED_TRACE(std::string(formula) + (is_xls ? " in .xls" : ""));
       const char* const address = is_xls ? xls : xlsx;
       ParseOptions options;
-      if (is_xls) options.grid = kXlsGrid;
+      if (is_xls) options.grid = Grid{65536, 256};
       ParseError error;
       EXPECT_EQ(parse(formula, options, &error).has_value(), address == nullptr);
       if (address == nullptr) continue;
@@ -291,7 +291,7 @@ constexpr R1C1Case kR1C1[] = {
     {"A1#:INDEX(D:D,3)", "R[-10]C[-3]#:INDEX(C,3)"},
 };
 
-constexpr Cell kD11{10, 3};
+constexpr CellAddress kD11{10, 3};
 
 ParseOptions r1c1_options() {
   ParseOptions options;

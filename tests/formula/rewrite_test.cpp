@@ -82,8 +82,8 @@ TEST(Adjust, RemovesColumnsFromAnotherSheet) {
 
 TEST(Adjust, KeepsToTheGridOfXls) {
   const Move insert{Axis::kRows, Move::Kind::kInsert, 0, 1};
-  EXPECT_EQ(adjust_text("A65536", insert, "S", true, kXlsGrid), "#REF!");
-  EXPECT_EQ(adjust_text("A1:A65536", insert, "S", true, kXlsGrid), "A2:A65536");
+  EXPECT_EQ(adjust_text("A65536", insert, "S", true, Grid{65536, 256}), "#REF!");
+  EXPECT_EQ(adjust_text("A1:A65536", insert, "S", true, Grid{65536, 256}), "A2:A65536");
 }
 
 TEST(Sheets, Rename) {

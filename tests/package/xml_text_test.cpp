@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/text/utf8.h"
+
 namespace engine::package {
 namespace {
 

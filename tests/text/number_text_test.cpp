@@ -1,4 +1,4 @@
-#include "engine/package/number_text.h"
+#include "engine/text/number_text.h"
 
 #include <gtest/gtest.h>
 

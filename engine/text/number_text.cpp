@@ -1,4 +1,4 @@
-#include "engine/package/number_text.h"
+#include "engine/text/number_text.h"
 
 #include <array>
 #include <charconv>
@@ -7,7 +7,7 @@
 #include <cstring>
 #include <limits>
 
-namespace engine::package {
+namespace engine {
 namespace {
 
 // Most numbers in workbooks have few decimals. One with at most six is a whole number of
@@ -125,4 +125,4 @@ std::optional<double> parse_number(std::string_view text) {
   return value;
 }
 
-}  // namespace engine::package
+}  // namespace engine

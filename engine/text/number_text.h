@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace engine::package {
+namespace engine {
 
 constexpr std::size_t kMaxNumberText = 32;
 
@@ -22,4 +22,4 @@ void append_integer(std::string& out, long long value);
 // beyond what a double holds.
 std::optional<double> parse_number(std::string_view text);
 
-}  // namespace engine::package
+}  // namespace engine

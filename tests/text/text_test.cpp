@@ -1,6 +1,8 @@
-#include "engine/workbook/text.h"
-
 #include <gtest/gtest.h>
+
+#include "engine/text/fold.h"
+#include "engine/text/utf8.h"
+#include "engine/text/wide.h"
 
 namespace {
 
@@ -48,12 +50,10 @@ TEST(Text, MakesLineFeedsOfAllLineEnds) {
   EXPECT_EQ(text, "a\nb\nc\nd\n\n");
 }
 
-TEST(Text, CutsLongTextsForMessages) {
-  EXPECT_EQ(engine::quoted("ab"), "\"ab\"");
-  EXPECT_EQ(engine::quoted(std::string(64, 'x')), "\"" + std::string(64, 'x') + "\"");
-  std::string umlauts;
-  for (int i = 0; i < 70; ++i) umlauts.append("ü");
-  EXPECT_EQ(engine::quoted(umlauts), "\"" + umlauts.substr(0, 128) + "...\"");
+TEST(Text, CutsBetweenCharacters) {
+  EXPECT_EQ(engine::first_characters("ab", 64), "ab");
+  EXPECT_EQ(engine::first_characters("aüb", 2), "aü");
+  EXPECT_EQ(engine::first_characters("😀😀", 1), "😀");
 }
 
 struct Names {
@@ -66,12 +66,15 @@ constexpr Names kNames[] = {
     {"ÄÖÜ", "äöü", true},       {"ΣΑΣ", "σας", true},
     {"данные", "ДАННЫЕ", true}, {"Data", "Data ", false},
     {"İstanbul", "x", false},   {"", "", true},
+    {"Sheet", "Sheet1", false}, {"a", "ä", false},
+    {"\xC3", "\xC4", false},    {"ı", "i", false},
 };
 
 TEST(Text, ComparesNamesIgnoringCase) {
   for (const auto& [a, b, equal] : kNames) {
     SCOPED_TRACE(a);
     EXPECT_EQ(engine::equal_ignoring_case(a, b), equal);
+    EXPECT_EQ(engine::fold_case(a) == engine::fold_case(b), equal);
   }
 }
 

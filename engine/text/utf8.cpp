@@ -1,0 +1,114 @@
+#include "engine/text/utf8.h"
+
+#include <cstring>
+
+namespace engine {
+
+namespace {
+
+constexpr std::uint64_t kHighBits = 0x8080808080808080;
+
+// Length of the sequence that `lead` begins, the bits that the lead gives, and the least character
+// that needs so many bytes.
+struct Sequence {
+  std::size_t size;
+  std::uint32_t bits;
+  std::uint32_t least;
+};
+
+Sequence sequence_of(unsigned char lead) {
+  if (lead >= 0xE0 && lead < 0xF0) return {3, lead & 0x0FU, 0x800};
+  if (lead >= 0xC0 && lead < 0xE0) return {2, lead & 0x1FU, 0x80};
+  if (lead >= 0xF0 && lead < 0xF8) return {4, lead & 0x07U, 0x10000};
+  return {0, 0, 0};
+}
+
+}  // namespace
+
+void append_utf8(std::string& out, std::uint32_t code) {
+  const auto put = [&](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
+  if (code < 0x80) return put(code);
+  if (code < 0x800) {
+    put(0xC0 | (code >> 6));
+  } else {
+    if (code < 0x10000) {
+      put(0xE0 | (code >> 12));
+    } else {
+      put(0xF0 | (code >> 18));
+      put(0x80 | ((code >> 12) & 0x3F));
+    }
+    put(0x80 | ((code >> 6) & 0x3F));
+  }
+  put(0x80 | (code & 0x3F));
+}
+
+std::size_t decode_utf8(const char* at, const char* end, std::uint32_t& code) {
+  const auto lead = static_cast<unsigned char>(*at);
+  if (lead < 0x80) {
+    code = lead;
+    return 1;
+  }
+  const auto [size, bits, least] = sequence_of(lead);
+  if (size == 0 || size > static_cast<std::size_t>(end - at)) return 0;
+  code = bits;
+  for (std::size_t i = 1; i < size; ++i) {
+    const auto next = static_cast<unsigned char>(at[i]);
+    if ((next & 0xC0U) != 0x80U) return 0;
+    code = code << 6 | (next & 0x3FU);
+  }
+  return code < least || code > 0x10FFFF || is_surrogate(code) ? 0 : size;
+}
+
+std::uint32_t take_character(std::string_view& utf8) {
+  std::uint32_t code = 0;
+  const std::size_t size = decode_utf8(utf8.data(), utf8.data() + utf8.size(), code);
+  utf8.remove_prefix(size == 0 ? 1 : size);
+  return size == 0 ? kReplacementCharacter : code;
+}
+
+bool is_utf8(std::string_view text) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at != end) {
+    std::uint64_t word = kHighBits;
+    if (end - at >= 8) std::memcpy(&word, at, sizeof word);
+    if ((word & kHighBits) == 0) {
+      at += sizeof word;
+      continue;
+    }
+    std::uint32_t code = 0;
+    const std::size_t size = decode_utf8(at, end, code);
+    if (size == 0) return false;
+    at += size;
+  }
+  return true;
+}
+
+std::size_t utf16_length(std::string_view utf8) {
+  std::size_t units = 0;
+  for (const char byte : utf8) {
+    const auto lead = static_cast<unsigned char>(byte);
+    if ((lead & 0xC0) != 0x80) ++units;  // not a continuation byte
+    if (lead >= 0xF0) ++units;           // a character of four bytes takes two units
+  }
+  return units;
+}
+
+std::string_view first_characters(std::string_view utf8, std::size_t count) {
+  std::string_view rest = utf8;
+  for (; count != 0 && !rest.empty(); --count) take_character(rest);
+  return utf8.substr(0, utf8.size() - rest.size());
+}
+
+void normalize_line_ends(std::string& text) {
+  if (text.find('\r') == std::string::npos) return;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool before_line_feed = i + 1 < text.size() && text[i + 1] == '\n';
+    if (text[i] == '\r' && before_line_feed) continue;
+    text[kept++] = text[i] == '\r' ? '\n' : text[i];
+  }
+  text.resize(kept);
+}
+
+}  // namespace engine
