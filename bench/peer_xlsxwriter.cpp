@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/stopwatch.h"
 #include "bench/workload_data.h"
 
 namespace {
@@ -94,6 +95,62 @@ void write_formats(const char* path) {
   workbook_close(book);
 }
 
+void write_formulas(const char* path) {
+  lxw_workbook* book = workbook_new(path);
+  lxw_worksheet* sheet = workbook_add_worksheet(book, nullptr);
+  workbook_add_worksheet(book, "Sheet2");
+  workbook_add_worksheet(book, "Data");
+  const std::vector<std::string> texts = bench::repeated_texts();
+  char formula[bench::kFormulaSize];
+  for (int row = 0; row < 50000; ++row)
+    for (int column = 0; column < 10; ++column) {
+      const auto k = static_cast<std::uint64_t>(row) * 10 + static_cast<std::uint64_t>(column);
+      bench::write_formula(row, column, formula);
+      const auto entry = static_cast<std::size_t>(bench::repeated_entry(k));
+      if (column < 6)
+        worksheet_write_formula_num(sheet, row_of(row), column_of(column), formula, nullptr,
+                                    bench::number(k, column));
+      else
+        worksheet_write_formula_str(sheet, row_of(row), column_of(column), formula, nullptr,
+                                    texts[entry].c_str());
+    }
+  workbook_close(book);
+}
+
+void write_in_any_order(const char* path) {
+  const std::vector<std::uint32_t> cells = bench::shuffled_cells(500000, 100000 * 20);
+  lxw_workbook* book = workbook_new(path);
+  lxw_worksheet* shuffled = workbook_add_worksheet(book, nullptr);
+  lxw_worksheet* from_last_row = workbook_add_worksheet(book, nullptr);
+  bench::Stopwatch stopwatch;
+  for (const std::uint32_t k : cells) {
+    const int column = static_cast<int>(k % 20);
+    worksheet_write_number(shuffled, k / 20, column_of(column), bench::number(k, column), nullptr);
+  }
+  const double random = stopwatch.lap();
+  for (int row = 99999; row >= 0; --row)
+    for (int column = 0; column < 5; ++column)
+      worksheet_write_number(from_last_row, row_of(row), column_of(column),
+                             bench::number(static_cast<unsigned>(row * 5 + column), column),
+                             nullptr);
+  const double upwards = stopwatch.lap();
+  workbook_close(book);
+  std::printf("random %.1f ms, upwards %.1f ms, saving %.1f ms\n", random, upwards,
+              stopwatch.lap());
+}
+
+void write_long_texts(const char* path) {
+  lxw_workbook* book = workbook_new(path);
+  lxw_worksheet* sheet = workbook_add_worksheet(book, nullptr);
+  const std::vector<std::string> phrases = bench::phrases();
+  std::string text;
+  for (int row = 0; row < 100000; ++row) {
+    bench::make_long_text(row, phrases, text);
+    worksheet_write_string(sheet, row_of(row), 0, text.c_str(), nullptr);
+  }
+  workbook_close(book);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -102,8 +159,11 @@ int main(int argc, char** argv) {
   else if (workload == "w2") write_mixed(argv[2]);
   else if (workload == "w6") write_small_books(argv[2]);
   else if (workload == "w7") write_formats(argv[2]);
+  else if (workload == "w8") write_formulas(argv[2]);
+  else if (workload == "w9") write_in_any_order(argv[2]);
+  else if (workload == "w10") write_long_texts(argv[2]);
   else {
-    std::fputs("usage: peer_xlsxwriter w1|w2|w7 OUT | w6 FOLDER\n", stderr);
+    std::fputs("usage: peer_xlsxwriter w1|w2|w7|w8|w9|w10 OUT | w6 FOLDER\n", stderr);
     return 2;
   }
   return 0;

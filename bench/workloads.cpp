@@ -2,14 +2,17 @@
 //
 // It uses the engine as any program would, through platform/libxl/libxl.h, and takes the arguments
 // that the programs it is compared with take.
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
+#include <cwchar>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "bench/stopwatch.h"
 #include "bench/workload_data.h"
 #include "platform/libxl/libxl.h"
 
@@ -27,14 +30,24 @@ using BookPointer = std::unique_ptr<Book, Release>;
 BookPointer new_book() { return BookPointer(xlCreateXMLBookW()); }
 
 std::wstring wide(const std::string& utf8) {
-  // Texts of the workloads stay inside two UTF-8 bytes a character.
+  // Texts of the workloads stay inside three UTF-8 bytes a character.
   std::wstring text;
+  text.reserve(utf8.size());
   for (std::size_t i = 0; i < utf8.size(); ++i) {
     const auto byte = static_cast<unsigned char>(utf8[i]);
-    if (byte < 0x80) text.push_back(byte);
-    else text.push_back(static_cast<wchar_t>((byte & 0x1F) << 6 | (utf8[++i] & 0x3F)));
+    const int more = byte >= 0xE0 ? 2 : byte >= 0xC0 ? 1 : 0;
+    int character = more == 0 ? byte : byte & (0x3F >> more);
+    for (int next = 0; next < more; ++next) character = character << 6 | (utf8[++i] & 0x3F);
+    text.push_back(static_cast<wchar_t>(character));
   }
   return text;
+}
+
+std::vector<std::wstring> wide(const std::vector<std::string>& utf8) {
+  std::vector<std::wstring> texts;
+  texts.reserve(utf8.size());
+  for (const std::string& text : utf8) texts.push_back(wide(text));
+  return texts;
 }
 
 std::wstring wide_path(const char* path) { return std::filesystem::path(path).wstring(); }
@@ -59,18 +72,12 @@ void write_numbers(const char* path) {
   save(*book, path);
 }
 
-std::vector<std::wstring> repeated_texts() {
-  std::vector<std::wstring> texts;
-  for (const std::string& text : bench::repeated_texts()) texts.push_back(wide(text));
-  return texts;
-}
-
 void write_mixed(const char* path) {
   const BookPointer book = new_book();
   Sheet* sheet = book->addSheet(L"Sheet1");
   Format* date_format = book->addFormat();
   date_format->setNumFormat(book->addCustomNumFormat(L"yyyy-mm-dd"));
-  const std::vector<std::wstring> texts = repeated_texts();
+  const std::vector<std::wstring> texts = wide(bench::repeated_texts());
   for (int row = 0; row < 100000; ++row)
     for (int column = 0; column < 10; ++column) {
       const auto k = static_cast<std::uint64_t>(row) * 10 + static_cast<std::uint64_t>(column);
@@ -88,35 +95,48 @@ void write_mixed(const char* path) {
   save(*book, path);
 }
 
-// Touches every cell and prints what a right reading adds up to.
-void read_cells(const char* path) {
-  const BookPointer book = new_book();
-  if (!book->load(wide_path(path).c_str())) fail(*book);
+// What the cells add up to when they are read right.
+struct Totals {
   std::uint64_t numbers = 0;
   std::uint64_t strings = 0;
   std::uint64_t characters = 0;
   double sum = 0;
-  for (int index = 0; index < book->sheetCount(); ++index) {
-    Sheet* sheet = book->getSheet(index);
-    if (!sheet) fail(*book);
-    const int last_row = sheet->lastRow();
-    const int last_column = sheet->lastCol();
-    for (int row = sheet->firstRow(); row < last_row; ++row)
+
+  // Touches every cell of a sheet.
+  void add(Sheet& sheet) {
+    const int last_row = sheet.lastRow();
+    const int last_column = sheet.lastCol();
+    for (int row = sheet.firstRow(); row < last_row; ++row)
       for (int column = 0; column < last_column; ++column) {
-        const libxl::CellType type = sheet->cellType(row, column);
+        const libxl::CellType type = sheet.cellType(row, column);
         if (type == libxl::CellNumber) {
           ++numbers;
-          sum += sheet->readNum(row, column);
+          sum += sheet.readNum(row, column);
         } else if (type == libxl::CellText) {
           ++strings;
-          characters += std::wcslen(sheet->readStr(row, column));
+          characters += std::wcslen(sheet.readStr(row, column));
         }
       }
   }
-  std::printf("numbers %llu sum %.2f strings %llu characters %llu\n",
-              static_cast<unsigned long long>(numbers), sum,
-              static_cast<unsigned long long>(strings),
-              static_cast<unsigned long long>(characters));
+
+  void print() const {
+    std::printf("numbers %llu sum %.2f strings %llu characters %llu\n",
+                static_cast<unsigned long long>(numbers), sum,
+                static_cast<unsigned long long>(strings),
+                static_cast<unsigned long long>(characters));
+  }
+};
+
+void read_cells(const char* path) {
+  const BookPointer book = new_book();
+  if (!book->load(wide_path(path).c_str())) fail(*book);
+  Totals totals;
+  for (int index = 0; index < book->sheetCount(); ++index) {
+    Sheet* sheet = book->getSheet(index);
+    if (!sheet) fail(*book);
+    totals.add(*sheet);
+  }
+  totals.print();
 }
 
 void change_cells(const char* from, const char* to) {
@@ -135,7 +155,7 @@ void change_cells(const char* from, const char* to) {
 
 // Two hundred small books: into files of a folder, or into memory when there is none.
 void write_small_books(const char* folder) {
-  const std::vector<std::wstring> texts = repeated_texts();
+  const std::vector<std::wstring> texts = wide(bench::repeated_texts());
   for (int file = 0; file < 200; ++file) {
     const BookPointer book = new_book();
     Sheet* sheet = book->addSheet(L"Sheet1");
@@ -185,24 +205,151 @@ void write_formats(const char* path) {
   save(*book, path);
 }
 
+void write_formulas(const char* path) {
+  const BookPointer book = new_book();
+  Sheet* sheet = book->addSheet(L"Sheet1");
+  // The formulas refer to these.
+  book->addSheet(L"Sheet2");
+  book->addSheet(L"Data");
+  const std::vector<std::wstring> texts = wide(bench::repeated_texts());
+  wchar_t formula[bench::kFormulaSize];
+  for (int row = 0; row < 50000; ++row)
+    for (int column = 0; column < 10; ++column) {
+      const auto k = static_cast<std::uint64_t>(row) * 10 + static_cast<std::uint64_t>(column);
+      bench::write_formula(row, column, formula);
+      const auto entry = static_cast<std::size_t>(bench::repeated_entry(k));
+      const bool written =
+          column < 6 ? sheet->writeFormulaNum(row, column, formula, bench::number(k, column))
+                     : sheet->writeFormulaStr(row, column, formula, texts[entry].c_str());
+      if (!written) fail(*book);
+    }
+  save(*book, path);
+}
+
+// Reads the text of every formula of the first sheet.
+void read_formulas(const char* path) {
+  const BookPointer book = new_book();
+  if (!book->load(wide_path(path).c_str())) fail(*book);
+  Sheet* sheet = book->getSheet(0);
+  if (!sheet) fail(*book);
+  std::uint64_t formulas = 0;
+  std::uint64_t characters = 0;
+  const int last_row = sheet->lastRow();
+  const int last_column = sheet->lastCol();
+  for (int row = sheet->firstRow(); row < last_row; ++row)
+    for (int column = 0; column < last_column; ++column)
+      if (const wchar_t* formula = sheet->readFormula(row, column)) {
+        ++formulas;
+        characters += std::wcslen(formula);
+      }
+  std::printf("formulas %llu characters %llu\n", static_cast<unsigned long long>(formulas),
+              static_cast<unsigned long long>(characters));
+}
+
+// A fill ends with reading a cell, so that work which is put off until then counts as well.
+
+void fill_at_random(Sheet& sheet, const std::vector<std::uint32_t>& cells) {
+  for (const std::uint32_t k : cells) {
+    const int column = static_cast<int>(k % 20);
+    sheet.writeNum(static_cast<int>(k / 20), column, bench::number(k, column));
+  }
+  sheet.readNum(0, 0);
+}
+
+enum class Direction { kDownwards, kUpwards };
+
+void fill_rows(Sheet& sheet, Direction direction) {
+  constexpr int kRows = 100000;
+  for (int i = 0; i < kRows; ++i) {
+    const int row = direction == Direction::kDownwards ? i : kRows - 1 - i;
+    for (int column = 0; column < 5; ++column)
+      sheet.writeNum(row, column, bench::number(static_cast<unsigned>(row * 5 + column), column));
+  }
+  sheet.readNum(0, 0);
+}
+
+void write_in_any_order(const char* path) {
+  const std::vector<std::uint32_t> cells = bench::shuffled_cells(500000, 100000 * 20);
+  const BookPointer book = new_book();
+  Sheet* shuffled = book->addSheet(L"Sheet1");
+  Sheet* from_last_row = book->addSheet(L"Sheet2");
+  bench::Stopwatch stopwatch;
+  fill_at_random(*shuffled, cells);
+  const double random = stopwatch.lap();
+  fill_rows(*from_last_row, Direction::kUpwards);
+  const double upwards = stopwatch.lap();
+  save(*book, path);
+  std::printf("random %.1f ms, upwards %.1f ms, saving %.1f ms\n", random, upwards,
+              stopwatch.lap());
+}
+
+// The same rows downwards and upwards, by turns in books of their own; the best of five each.
+void compare_directions() {
+  double best[] = {1e9, 1e9};
+  for (int round = 0; round < 5; ++round)
+    for (const Direction direction : {Direction::kDownwards, Direction::kUpwards}) {
+      const BookPointer book = new_book();
+      Sheet* sheet = book->addSheet(L"Sheet1");
+      bench::Stopwatch stopwatch;
+      fill_rows(*sheet, direction);
+      double& time = best[direction == Direction::kUpwards];
+      time = std::min(time, stopwatch.lap());
+    }
+  std::printf("downwards %.1f ms, upwards %.1f ms\n", best[0], best[1]);
+}
+
+void write_long_texts(const char* path) {
+  const BookPointer book = new_book();
+  Sheet* sheet = book->addSheet(L"Sheet1");
+  const std::vector<std::wstring> phrases = wide(bench::phrases());
+  std::wstring text;
+  for (int row = 0; row < 100000; ++row) {
+    bench::make_long_text(row, phrases, text);
+    sheet->writeStr(row, 0, text.c_str());
+  }
+  save(*book, path);
+}
+
+void read_first_rows(const char* path) {
+  bench::Stopwatch stopwatch;
+  const BookPointer book = new_book();
+  if (!book->loadInfo(wide_path(path).c_str())) fail(*book);
+  const double info = stopwatch.lap();
+  if (!book->loadPartially(wide_path(path).c_str(), 0, 0, 99)) fail(*book);
+  const double partial = stopwatch.lap();
+  Totals totals;
+  totals.add(*book->getSheet(0));
+  totals.print();
+  std::printf("info %.1f ms, partial %.1f ms\n", info, partial);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   const std::string workload = argc > 1 ? argv[1] : "";
   if (workload == "w1" && argc == 3) write_numbers(argv[2]);
   else if (workload == "w2" && argc == 3) write_mixed(argv[2]);
-  else if (workload == "w3" && argc == 3) read_cells(argv[2]);
+  else if ((workload == "w3" || workload == "w10r") && argc == 3) read_cells(argv[2]);
   else if (workload == "w4" && argc == 4) change_cells(argv[2], argv[3]);
   else if (workload == "w6" && argc == 3) write_small_books(argv[2]);
   else if (workload == "w6raw" && argc == 2) write_small_books(nullptr);
   else if (workload == "w7" && argc == 3) write_formats(argv[2]);
+  else if (workload == "w8" && argc == 3) write_formulas(argv[2]);
+  else if (workload == "w8r" && argc == 3) read_formulas(argv[2]);
+  else if (workload == "w9" && argc == 3) write_in_any_order(argv[2]);
+  else if (workload == "w9rows" && argc == 2) compare_directions();
+  else if (workload == "w10" && argc == 3) write_long_texts(argv[2]);
+  else if (workload == "w11" && argc == 3) read_first_rows(argv[2]);
   else {
     std::fputs(
-        "usage: workloads w1|w2|w7 OUT   write a book\n"
-        "       workloads w3 IN          read every cell of a book\n"
-        "       workloads w4 IN OUT      change a hundred cells of a book\n"
-        "       workloads w6 FOLDER      write two hundred small books\n"
-        "       workloads w6raw          the same into memory\n",
+        "usage: workloads w1|w2|w7|w8|w9|w10 OUT   write a book\n"
+        "       workloads w3|w10r IN               read every cell of a book\n"
+        "       workloads w4 IN OUT                change a hundred cells of a book\n"
+        "       workloads w6 FOLDER                write two hundred small books\n"
+        "       workloads w6raw                    the same into memory\n"
+        "       workloads w8r IN                   read every formula of a book\n"
+        "       workloads w9rows                   fill rows downwards and upwards\n"
+        "       workloads w11 IN                   read the first hundred rows of a book\n",
         stderr);
     return 2;
   }
