@@ -28,8 +28,8 @@ Object* object_at(std::vector<Object*>& present, std::vector<std::unique_ptr<Obj
 
 }  // namespace
 
-BookContext::BookContext(BookKind kind, BookContents contents)
-    : kind_(kind), contents_(std::move(contents)) {}
+BookContext::BookContext(const Codec& codec, BookContents contents)
+    : codec_(codec), contents_(std::move(contents)) {}
 
 BookContext::~BookContext() = default;
 

@@ -18,6 +18,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/workbook/codec.h"
 #include "engine/workbook/default_font.h"
 #include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
@@ -27,9 +28,6 @@ namespace engine::api {
 class FontObject;
 class FormatObject;
 class SheetObject;
-
-// The two file formats of the interface's factories.
-enum class BookKind { kXlsx, kXls };
 
 // A workbook with the file behind it. A load makes a new one and exchanges it.
 struct BookContents {
@@ -44,7 +42,7 @@ struct BookContents {
 
 class BookContext {
  public:
-  BookContext(BookKind kind, BookContents contents);
+  BookContext(const Codec& codec, BookContents contents);
   ~BookContext();
   BookContext(const BookContext&) = delete;
   BookContext& operator=(const BookContext&) = delete;
@@ -85,7 +83,8 @@ class BookContext {
     }
   }
 
-  BookKind kind() const { return kind_; }
+  // What all books of this one's kind have in common.
+  const Codec& codec() const { return codec_; }
   BookContents& contents() { return contents_; }
   Workbook& workbook() { return *contents_.workbook; }
   Document& document() { return *contents_.document; }
@@ -124,7 +123,7 @@ class BookContext {
   void refuse_exception(std::string_view target);
   FormatObject* make_format_object(std::uint32_t index);
 
-  const BookKind kind_;
+  const Codec& codec_;
   BookContents contents_;
   std::string message_;
   bool refused_ = false;

@@ -3,36 +3,32 @@
 #include <vector>
 
 #include "engine/api/messages.h"
+#include "engine/package/compound_file.h"
+#include "engine/package/file_error.h"
+#include "engine/package/file_kind.h"
 #include "engine/package/source.h"
-#include "engine/xlsx/document.h"
+#include "engine/xls/codec.h"
+#include "engine/xlsx/codec.h"
 
 namespace engine::api {
 
 namespace {
 
-// Stands behind a book that no file is behind: it has nothing to read and nothing to carry.
-class NoDocument final : public Document {
- public:
-  void read_sheet(Workbook&, Sheet&) override {}
-  std::vector<Table> tables(const Sheet&) const override { return {}; }
-  std::vector<formula::TableChange> copy_sheet(Workbook&, const Sheet&, Sheet&) override {
-    return {};
-  }
-  void remove_sheet(Workbook&, Sheet&, const FormulaEdit&) override {}
-  void edit_formulas(Workbook&, const FormulaEdit&) override {}
-  void save(const Workbook&, const SaveOptions&, package::Output&) override {}
-};
+// Every kind of file that books come from.
+constexpr const Codec* kCodecs[] = {&xlsx::kCodec, &xls::kCodec};
 
-BookContents new_xls_contents() {
-  BookContents contents;
-  contents.workbook = std::make_unique<Workbook>(Grid{65536, 256});
-  FontRecord font;
-  font.name = "Arial";
-  font.size = 10;
-  contents.workbook->styles = Styles(std::move(font));
-  contents.workbook->styles.limits = {382, 210, 15};
-  contents.document = std::make_unique<NoDocument>();
-  return contents;
+// Refuses a file that is no book of the kind, as the predicate of a sentence about it.
+[[noreturn]] void refuse_kind(const package::Source& source, const Codec& wanted) {
+  for (const Codec* other : kCodecs)
+    if (other->recognise(source))
+      throw package::FileError(
+          std::string("is an ").append(other->name).append(" workbook, not ").append(wanted.name));
+  const package::FileKind kind = package::file_kind(source);
+  const bool is_old =
+      kind == package::FileKind::OldBiff ||
+      (kind == package::FileKind::CompoundFile && package::has_stream(source, "Book"));
+  if (is_old) throw package::FileError("is an Excel 5.0/95 or older workbook");
+  throw package::FileError(std::string("is not an ").append(wanted.name).append(" workbook"));
 }
 
 std::shared_ptr<const package::Source> open_source(const LoadRequest& request) {
@@ -44,11 +40,10 @@ std::shared_ptr<const package::Source> open_source(const LoadRequest& request) {
 
 }  // namespace
 
-BookContents new_contents(BookKind kind) {
-  if (kind == BookKind::kXls) return new_xls_contents();
+BookContents new_contents(const Codec& codec) {
   BookContents contents;
-  contents.workbook = std::make_unique<Workbook>(Grid());
-  contents.document = xlsx::Document::make_new(*contents.workbook);
+  contents.workbook = std::make_unique<Workbook>(codec.limits);
+  contents.document = codec.begin(*contents.workbook);
   return contents;
 }
 
@@ -56,12 +51,14 @@ std::string source_name(const LoadRequest& request) {
   return request.path.empty() ? "the workbook data " : messages::file(request.path);
 }
 
-BookContents load_contents(const LoadRequest& request) {
+BookContents load_contents(const Codec& codec, const LoadRequest& request) {
   BookContents contents;
   contents.source = source_name(request);
-  contents.workbook = std::make_unique<Workbook>(Grid());
-  const auto scope = request.info_only ? xlsx::LoadScope::kInfo : xlsx::LoadScope::kEverything;
-  contents.document = xlsx::Document::load(open_source(request), *contents.workbook, scope);
+  contents.workbook = std::make_unique<Workbook>(codec.limits);
+  auto source = open_source(request);
+  if (!codec.recognise(*source)) refuse_kind(*source, codec);
+  const auto scope = request.info_only ? LoadScope::kInfo : LoadScope::kEverything;
+  contents.document = codec.load(std::move(source), *contents.workbook, scope);
   contents.info_only = request.info_only;
   contents.formulas_possible = true;
   contents.template_from_file = contents.workbook->is_template;

@@ -19,12 +19,12 @@ struct LoadRequest {
   std::optional<CellRange> rows;  // its only rows
 };
 
-BookContents new_contents(BookKind kind);
+BookContents new_contents(const Codec& codec);
 
 // How messages call the file of a request.
 std::string source_name(const LoadRequest& request);
 
-// The contents of an .xlsx file, no sheet read yet. Throws FileError.
-BookContents load_contents(const LoadRequest& request);
+// The contents of a file of the codec's kind, no sheet read yet. Throws FileError.
+BookContents load_contents(const Codec& codec, const LoadRequest& request);
 
 }  // namespace engine::api

@@ -16,28 +16,20 @@ bool ends_with_any(std::string_view path, std::span<const std::string_view> endi
   return std::ranges::any_of(endings, [&](std::string_view end) { return folded.ends_with(end); });
 }
 
-// Whether a path asks for a workbook rather than for a template.
-bool names_workbook(std::string_view path, BookKind kind) {
-  constexpr std::string_view kXlsxEndings[] = {".xlsx", ".xlsm"};
-  constexpr std::string_view kXlsEndings[] = {".xls"};
-  if (kind == BookKind::kXls) return ends_with_any(path, kXlsEndings);
-  return ends_with_any(path, kXlsxEndings);
-}
-
 // A sheet that is not in memory whole may hold any.
 bool may_hold_formula(const Sheet& sheet) {
   if (sheet.kind != SheetKind::kWorksheet) return false;
   if (sheet.loading != Loading::kRead) return true;
-  for (const Row& row : sheet.cells.rows())
+  for (const Row& row : sheet.contents().cells.rows())
     for (const Cell& cell : row.span())
-      if (sheet.is_formula(cell)) return true;
+      if (sheet.contents().is_formula(cell)) return true;
   return false;
 }
 
 }  // namespace
 
 bool BookObject::take_rows(int first, int last, std::optional<CellRange>* rows) const {
-  const Grid& grid = book_.workbook().grid;
+  const Grid& grid = book_.workbook().limits.grid;
   if (first < 0 || first >= grid.rows) return book_.refuse(false, messages::row(first, grid));
   if (last < -1) return book_.refuse(false, messages::row(last, grid));
   const int end = last == -1 ? grid.rows - 1 : std::min(last, grid.rows - 1);
@@ -47,14 +39,13 @@ bool BookObject::take_rows(int first, int last, std::optional<CellRange>* rows) 
 }
 
 bool BookObject::load_with(std::string_view operation, const LoadRequest& request) {
-  if (book_.kind() == BookKind::kXls)
-    return book_.refuse(false, messages::not_supported(operation));
+  if (!book_.codec().load) return book_.refuse(false, messages::not_supported(operation));
   return book_.attempt(
       false,
       [&] {
         BookContents contents;
         try {
-          contents = load_contents(request);
+          contents = load_contents(book_.codec(), request);
           if (!choose_sheet(request, contents)) return false;
         } catch (const package::FileTargetError&) {
           throw;
@@ -141,8 +132,7 @@ bool BookObject::loadInfo(const wchar_t* path) {
 // Saving.
 
 bool BookObject::check_savable(std::string_view operation) const {
-  if (book_.kind() == BookKind::kXls)
-    return book_.refuse(false, messages::not_supported(operation));
+  if (!book_.codec().load) return book_.refuse(false, messages::not_supported(operation));
   const auto& sheets = book_.workbook().sheets;
   if (sheets.empty()) return book_.refuse(false, messages::no_sheets());
   const bool any_visible = std::ranges::any_of(
@@ -167,7 +157,9 @@ bool BookObject::save(const wchar_t* path, bool) {
   if (target.empty()) return book_.refuse(false, messages::empty("file name"));
   if (!check_savable("save")) return false;
   settle_calculation();
-  const bool dropped = book_.contents().template_from_file && names_workbook(target, book_.kind());
+  // A file that was filled from a template and is saved as a workbook is one.
+  const bool dropped =
+      book_.contents().template_from_file && ends_with_any(target, book_.codec().book_endings);
   SaveOptions options;
   options.as_template = book_.workbook().is_template && !dropped;
   return book_.attempt(

@@ -6,12 +6,15 @@
 
 #include "engine/api/font.h"
 #include "engine/api/format.h"
+#include "engine/api/locale.h"
 #include "engine/api/messages.h"
 #include "engine/text/utf8.h"
 #include "engine/text/wide.h"
 #include "engine/workbook/color.h"
 #include "engine/workbook/dates.h"
 #include "engine/workbook/number_format.h"
+#include "engine/xls/codec.h"
+#include "engine/xlsx/codec.h"
 
 namespace engine::api {
 
@@ -61,7 +64,7 @@ libxl::Format* BookObject::addFormat(libxl::Format* init) {
                 ? styles.add_format(model.index())
                 : styles.add_format(model.book().workbook().styles, model.index());
   }
-  if (!added) return book_.refuse(nullptr, messages::too_many("formats", Styles::kMaxFormats));
+  if (!added) return book_.refuse(nullptr, messages::too_many("formats", styles.limits.formats));
   return book_.format_object(*added);
 }
 
@@ -79,7 +82,7 @@ libxl::Font* BookObject::addFont(libxl::Font* init) {
                 ? styles.add_font(model.index())
                 : styles.add_font(model.book().workbook().styles, model.index());
   }
-  if (!added) return book_.refuse(nullptr, messages::too_many("fonts", Styles::kMaxFonts));
+  if (!added) return book_.refuse(nullptr, messages::too_many("fonts", styles.limits.fonts));
   return book_.font_object(*added);
 }
 
@@ -224,7 +227,7 @@ void BookObject::setRefR1C1(bool refR1C1) {
 
 int BookObject::biffVersion() const {
   book_.begin();
-  return book_.kind() == BookKind::kXls ? 0x0600 : 0;
+  return book_.codec().biff_version;
 }
 
 bool BookObject::isDate1904() const {
@@ -249,18 +252,16 @@ void BookObject::setTemplate(bool tmpl) {
 
 bool BookObject::setLocale(const char* locale) {
   book_.begin();
-  const NumberSigns* signs = locale ? find_number_signs(locale) : nullptr;
-  if (signs) signs_ = signs;
-  return signs != nullptr;
+  return locale && find_number_signs(locale);
 }
 
 }  // namespace engine::api
 
 namespace {
 
-libxl::Book* create_book(engine::api::BookKind kind) {
+libxl::Book* create_book(const engine::Codec& codec) {
   try {
-    return new engine::api::BookObject(kind);
+    return new engine::api::BookObject(codec);
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
@@ -269,9 +270,9 @@ libxl::Book* create_book(engine::api::BookKind kind) {
 }  // namespace
 
 [[gnu::visibility("default")]] libxl::Book* xlCreateBookW() {
-  return create_book(engine::api::BookKind::kXls);
+  return create_book(engine::xls::kCodec);
 }
 
 [[gnu::visibility("default")]] libxl::Book* xlCreateXMLBookW() {
-  return create_book(engine::api::BookKind::kXlsx);
+  return create_book(engine::xlsx::kCodec);
 }

@@ -6,7 +6,6 @@
 
 #include "engine/api/book_context.h"
 #include "engine/api/book_files.h"
-#include "engine/api/locale.h"
 #include "engine/package/output.h"
 #include "platform/libxl/libxl.h"
 
@@ -14,7 +13,7 @@ namespace engine::api {
 
 class BookObject final : public libxl::Book {
  public:
-  explicit BookObject(BookKind kind) : book_(kind, new_contents(kind)) {}
+  explicit BookObject(const Codec& codec) : book_(codec, new_contents(codec)) {}
 
   bool load(const wchar_t* path, const wchar_t* tempFile) override;
   bool loadRaw(const char* data, unsigned size, int sheetIndex, int firstRow, int lastRow) override;
@@ -107,7 +106,6 @@ class BookObject final : public libxl::Book {
   // Operations that only ask are const in the interface but set the message and may read a sheet.
   mutable BookContext book_;
   std::unique_ptr<package::MemoryOutput> saved_;
-  const NumberSigns* signs_ = find_number_signs("C");
 };
 
 }  // namespace engine::api

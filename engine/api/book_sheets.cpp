@@ -7,16 +7,11 @@
 #include "engine/text/fold.h"
 #include "engine/text/utf8.h"
 #include "engine/text/wide.h"
-#include "engine/workbook/font_metrics.h"
 #include "engine/workbook/sheet_operations.h"
 
 namespace engine::api {
 
 namespace {
-
-constexpr std::size_t kMaxSheetName = 31;
-constexpr std::size_t kMaxSheets = 65534;
-constexpr int kXlsRowPixels = 17;
 
 libxl::SheetType type_of(SheetKind kind) {
   switch (kind) {
@@ -52,8 +47,8 @@ bool BookObject::check_sheet_index(int index) const {
 bool BookObject::check_sheet_name(const std::string& name) const {
   if (name.empty()) return book_.refuse(false, messages::empty("sheet name"));
   const std::size_t length = utf16_length(name);
-  if (length > kMaxSheetName)
-    return book_.refuse(false, messages::too_long("sheet name", length, kMaxSheetName));
+  const std::size_t limit = book_.workbook().limits.sheet_name;
+  if (length > limit) return book_.refuse(false, messages::too_long("sheet name", length, limit));
   const std::string forbidden = forbidden_character(name);
   if (!forbidden.empty())
     return book_.refuse(false, messages::sheet_name_character(name, forbidden));
@@ -98,13 +93,11 @@ libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
   if (!check_sheet_name(text) || !check_original(original, &model)) return nullptr;
   if (model && model->loading == Loading::kPartly)
     return book_.refuse(nullptr, messages::sheet_partly_loaded(model->name));
-  if (workbook.sheets.size() >= kMaxSheets)
-    return book_.refuse(nullptr, messages::too_many("sheets", kMaxSheets));
+  if (workbook.sheets.size() >= workbook.limits.sheets)
+    return book_.refuse(nullptr, messages::too_many("sheets", workbook.limits.sheets));
   return book_.attempt<libxl::Sheet*>(nullptr, [&] {
     NewSheet made = model ? make_copy(workbook, book_.document(), *model, std::move(text))
-                          : make_sheet(std::move(text));
-    if (!model) made.sheet->digit_pixels = digit_pixels(workbook.styles.font(0));
-    if (!model && book_.kind() == BookKind::kXls) made.sheet->default_row_pixels = kXlsRowPixels;
+                          : make_sheet(workbook, std::move(text));
     make_room(workbook, made);
     SheetObject* object = book_.sheet_object(*made.sheet);
     place_sheet(workbook, position, std::move(made));

@@ -19,7 +19,7 @@ void give(T* out, T value) {
 }  // namespace
 
 bool SheetObject::check_cell(int row, int column) const {
-  const Grid& grid = book_.workbook().grid;
+  const Grid& grid = limits().grid;
   if (row < 0 || row >= grid.rows) return book_.refuse(false, messages::row(row, grid));
   if (column < 0 || column >= grid.columns)
     return book_.refuse(false, messages::column(column, grid));
@@ -44,8 +44,8 @@ bool SheetObject::check_loaded(int row) const {
 
 bool SheetObject::check_writable(int row, int column) const {
   if (!check_loaded(row)) return false;
-  if (sheet_->arrays.empty()) return true;
-  const CellRange* array = sheet_->array_at({row, column});
+  if (contents().arrays.empty()) return true;
+  const CellRange* array = contents().array_at({row, column});
   return !array || book_.refuse(false, messages::part_of_array({row, column}, *array));
 }
 
@@ -65,14 +65,14 @@ void SheetObject::refuse_unsupported(std::string_view operation) const {
 // The used range. Rows may be kept for their properties alone: only those with cells count.
 int SheetObject::firstRow() const {
   if (!enter()) return 0;
-  const auto rows = std::as_const(sheet_->cells).rows();
+  const auto rows = contents().cells.rows();
   const auto first = std::ranges::find_if(rows, [](const Row& row) { return row.count != 0; });
   return first == rows.end() ? 0 : static_cast<int>(first->number);
 }
 
 int SheetObject::lastRow() const {
   if (!enter()) return 0;
-  const auto rows = std::as_const(sheet_->cells).rows();
+  const auto rows = contents().cells.rows();
   const auto last =
       std::find_if(rows.rbegin(), rows.rend(), [](const Row& row) { return row.count != 0; });
   return last == rows.rend() ? 0 : static_cast<int>(last->number) + 1;
@@ -86,7 +86,7 @@ int SheetObject::lastCol() const { return enter() ? used_columns().last + 1 : 0;
 SheetObject::Columns SheetObject::used_columns() const {
   if (!used_columns_) {
     CellRange range;
-    const bool any = sheet_->cells.used_range(&range);
+    const bool any = contents().cells.used_range(&range);
     used_columns_ = any ? Columns{range.column_first, range.column_last} : Columns{};
   }
   return *used_columns_;
@@ -101,7 +101,7 @@ void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* column, bool*
   if (text_.empty()) return book_.refuse(messages::empty("address"));
   const auto cell = formula::parse_cell(text_);
   if (!cell) return book_.refuse(messages::invalid_address(text_));
-  const Grid& grid = book_.workbook().grid;
+  const Grid& grid = limits().grid;
   if (cell->row >= grid.rows || cell->column >= grid.columns)
     return book_.refuse(messages::address_beyond_grid(text_, grid));
   give(row, cell->row);

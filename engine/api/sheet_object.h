@@ -72,6 +72,9 @@ class SheetObject final : public UnsupportedSheet {
     int last = -1;
   };
 
+  const SheetContents& contents() const { return sheet_->contents(); }
+  const Limits& limits() const { return book_.workbook().limits; }
+
   // Steps of an operation, in the order in which refusals are told. Each sets the message.
   bool enter() const { return book_.enter(!sheet_, "sheet"); }
   bool check_cell(int row, int column) const;

@@ -52,24 +52,24 @@ void SheetObject::refuse_kind(int row, int column, ValueKind holds, ValueKind wa
 
 void SheetObject::give_format(const Cell* cell, int row, int column, libxl::Format** format) const {
   if (!format) return;
-  *format = book_.format_object(cell ? cell->style : sheet_->style_at(row, column));
+  *format = book_.format_object(cell ? cell->style : contents().style_at(row, column));
 }
 
 libxl::CellType SheetObject::cellType(int row, int column) const {
   if (!enter_cell(row, column)) return libxl::CellEmpty;
-  const Cell* cell = sheet_->cells.find(row, column);
-  return cell ? type_of(sheet_->value(*cell).kind) : libxl::CellEmpty;
+  const Cell* cell = contents().cells.find(row, column);
+  return cell ? type_of(contents().value(*cell).kind) : libxl::CellEmpty;
 }
 
 libxl::Format* SheetObject::cellFormat(int row, int column) const {
   if (!enter_cell(row, column)) return nullptr;
-  return book_.format_object(sheet_->style_at(row, column));
+  return book_.format_object(contents().style_at(row, column));
 }
 
 const wchar_t* SheetObject::readStr(int row, int column, libxl::Format** format) {
   if (!enter_cell(row, column)) return nullptr;
-  const Cell* cell = sheet_->cells.find(row, column);
-  const Value value = cell ? sheet_->value(*cell) : Value();
+  const Cell* cell = contents().cells.find(row, column);
+  const Value value = cell ? contents().value(*cell) : Value();
   const wchar_t* text = nullptr;
   if (value.kind == ValueKind::kText) {
     text = book_.give(book_.workbook().strings[value.text()]);
@@ -88,8 +88,8 @@ const wchar_t* SheetObject::readStr(int row, int column, libxl::Format** format)
 
 double SheetObject::readNum(int row, int column, libxl::Format** format) const {
   if (!enter_cell(row, column)) return 0;
-  const Cell* cell = sheet_->cells.find(row, column);
-  const Value value = cell ? sheet_->value(*cell) : Value();
+  const Cell* cell = contents().cells.find(row, column);
+  const Value value = cell ? contents().value(*cell) : Value();
   if (value.kind != ValueKind::kNumber && value.kind != ValueKind::kNone) {
     refuse_kind(row, column, value.kind, ValueKind::kNumber);
     return 0;
@@ -100,8 +100,8 @@ double SheetObject::readNum(int row, int column, libxl::Format** format) const {
 
 bool SheetObject::readBool(int row, int column, libxl::Format** format) const {
   if (!enter_cell(row, column)) return false;
-  const Cell* cell = sheet_->cells.find(row, column);
-  const Value value = cell ? sheet_->value(*cell) : Value();
+  const Cell* cell = contents().cells.find(row, column);
+  const Value value = cell ? contents().value(*cell) : Value();
   if (value.kind != ValueKind::kBoolean && value.kind != ValueKind::kNone) {
     refuse_kind(row, column, value.kind, ValueKind::kBoolean);
     return false;
@@ -112,16 +112,16 @@ bool SheetObject::readBool(int row, int column, libxl::Format** format) const {
 
 bool SheetObject::readBlank(int row, int column, libxl::Format** format) const {
   if (!enter_cell(row, column)) return false;
-  const Cell* cell = sheet_->cells.find(row, column);
+  const Cell* cell = contents().cells.find(row, column);
   give_format(cell, row, column, format);
-  return cell && sheet_->value(*cell).kind == ValueKind::kNone &&
+  return cell && contents().value(*cell).kind == ValueKind::kNone &&
          !formula_record(*cell, {row, column}, nullptr);
 }
 
 libxl::ErrorType SheetObject::readError(int row, int column) const {
   if (!enter_cell(row, column)) return libxl::ErrorNone;
-  const Cell* cell = sheet_->cells.find(row, column);
-  const Value value = cell ? sheet_->value(*cell) : Value();
+  const Cell* cell = contents().cells.find(row, column);
+  const Value value = cell ? contents().value(*cell) : Value();
   if (value.kind != ValueKind::kError) return libxl::ErrorNone;
   // Errors younger than the interface read as a wrong value.
   if (value.error() >= kNewError) return libxl::ErrorValue;
@@ -130,9 +130,9 @@ libxl::ErrorType SheetObject::readError(int row, int column) const {
 
 bool SheetObject::isDate(int row, int column) const {
   if (!enter_cell(row, column)) return false;
-  const Cell* cell = sheet_->cells.find(row, column);
+  const Cell* cell = contents().cells.find(row, column);
   if (!cell) return false;
-  const Value value = sheet_->value(*cell);
+  const Value value = contents().value(*cell);
   return value.kind == ValueKind::kNumber &&
          book_.workbook().styles.is_date(cell->style, value.number);
 }
@@ -142,29 +142,29 @@ bool SheetObject::isDate(int row, int column) const {
 const CellRecord* SheetObject::formula_record(const Cell& cell, CellAddress at,
                                               CellAddress* anchor) const {
   const auto formula_of = [&](const Cell& holder) -> const CellRecord* {
-    const CellRecord* record = sheet_->record(holder);
+    const CellRecord* record = contents().record(holder);
     if (!record || record->formula.empty()) return nullptr;
     return record->extra && record->extra->form == FormulaForm::kDataTable ? nullptr : record;
   };
   if (anchor) *anchor = at;
   if (const CellRecord* own = formula_of(cell)) return own;
-  if (sheet_->arrays.empty()) return nullptr;
-  const CellRange* array = sheet_->array_at(at);
+  if (contents().arrays.empty()) return nullptr;
+  const CellRange* array = contents().array_at(at);
   if (!array) return nullptr;
   if (anchor) *anchor = {array->row_first, array->column_first};
-  const Cell* first = sheet_->cells.find(array->row_first, array->column_first);
+  const Cell* first = contents().cells.find(array->row_first, array->column_first);
   return first ? formula_of(*first) : nullptr;
 }
 
 bool SheetObject::isFormula(int row, int column) const {
   if (!enter_cell(row, column)) return false;
-  const Cell* cell = sheet_->cells.find(row, column);
+  const Cell* cell = contents().cells.find(row, column);
   return cell && formula_record(*cell, {row, column}, nullptr);
 }
 
 const wchar_t* SheetObject::readFormula(int row, int column, libxl::Format** format) {
   if (!enter_cell(row, column)) return nullptr;
-  const Cell* cell = sheet_->cells.find(row, column);
+  const Cell* cell = contents().cells.find(row, column);
   CellAddress anchor;
   const CellRecord* record = cell ? formula_record(*cell, {row, column}, &anchor) : nullptr;
   give_format(cell, row, column, format);
@@ -173,7 +173,7 @@ const wchar_t* SheetObject::readFormula(int row, int column, libxl::Format** for
   if (book_.workbook().r1c1) {
     // What a file brought and does not parse is given as it stands.
     formula::ParseOptions options;
-    options.grid = book_.workbook().grid;
+    options.grid = book_.workbook().limits.grid;
     const auto parsed = formula::parse(text_, options);
     if (parsed)
       text_ = formula::print(*parsed, formula::Notation::kR1C1, {anchor.row, anchor.column});
@@ -183,8 +183,8 @@ const wchar_t* SheetObject::readFormula(int row, int column, libxl::Format** for
 
 const wchar_t* SheetObject::readComment(int row, int column) const {
   if (!enter_cell(row, column)) return nullptr;
-  const auto found = sheet_->comments.find({row, column});
-  return found == sheet_->comments.end() ? nullptr : book_.give(found->second.text);
+  const auto found = contents().comments.find({row, column});
+  return found == contents().comments.end() ? nullptr : book_.give(found->second.text);
 }
 
 }  // namespace engine::api

@@ -12,16 +12,12 @@ namespace engine::api {
 
 namespace {
 
-constexpr std::size_t kMaxText = 32767;
-constexpr std::size_t kMaxAuthor = 255;
-constexpr std::size_t kMaxXlsAuthor = 54;
 constexpr int kMaxPixels = 32767;
-constexpr int kMaxXlsArguments = 30;
 
 }  // namespace
 
 bool SheetObject::put(int row, int column, Value value, Style style) {
-  sheet_->put_value(row, column, value, style);
+  sheet_->change().put_value(row, column, value, style);
   note_written(column);
   return true;
 }
@@ -30,7 +26,7 @@ bool SheetObject::put_formula(int row, int column, std::string formula, Value va
   CellRecord record;
   record.value = value;
   record.formula = std::move(formula);
-  sheet_->put_record(row, column, std::move(record), style);
+  sheet_->change().put_record(row, column, std::move(record), style);
   book_.contents().formulas_possible = true;
   if (value.kind == ValueKind::kNone) book_.workbook().needs_calculation = true;
   note_written(column);
@@ -61,15 +57,16 @@ void SheetObject::setCellFormat(int row, int column, libxl::Format* format) {
   Style style;
   if (!enter() || !check_cell(row, column) || !check_format(format, &style)) return;
   if (!check_loaded(row)) return;
-  if (!style && !sheet_->cells.find(row, column)) return;
-  sheet_->put_style(row, column, style.value_or(0));
+  if (!style && !contents().cells.find(row, column)) return;
+  sheet_->change().put_style(row, column, style.value_or(0));
   note_cell(column);
 }
 
 bool SheetObject::writeStr(int row, int column, const wchar_t* value, libxl::Format* format,
                            libxl::CellType type) {
   Style style;
-  if (!enter() || !check_cell(row, column) || !take_text(value, "text", kMaxText)) return false;
+  if (!enter() || !check_cell(row, column) || !take_text(value, "text", limits().text))
+    return false;
   if (!check_format(format, &style)) return false;
   if (type != libxl::CellText) return book_.refuse(false, messages::unknown("cell type", type));
   if (!check_writable(row, column)) return false;
@@ -128,11 +125,11 @@ std::optional<std::string> SheetObject::take_formula(int row, int column, const 
   formula::ParseOptions options;
   options.notation = workbook.r1c1 ? formula::Notation::kR1C1 : formula::Notation::kA1;
   options.base = {row, column};
-  options.grid = workbook.grid;
-  if (book_.kind() == BookKind::kXls) options.max_arguments = kMaxXlsArguments;
+  options.grid = workbook.limits.grid;
+  options.max_arguments = workbook.limits.arguments;
   formula::ParseError error;
   const auto parsed = formula::parse(text_, options, &error);
-  if (!parsed) return refuse(messages::formula_error(text_, error, workbook.grid));
+  if (!parsed) return refuse(messages::formula_error(text_, error, workbook.limits.grid));
   for (const std::string& sheet : formula::mentioned_sheets(*parsed))
     if (!workbook.find_sheet(sheet)) return refuse(messages::formula_unknown_sheet(text_, sheet));
   std::string text = formula::print(*parsed);
@@ -171,7 +168,7 @@ bool SheetObject::writeFormulaStr(int row, int column, const wchar_t* expr, cons
   Style style;
   if (!enter() || !check_cell(row, column)) return false;
   auto formula = take_formula(row, column, expr);
-  if (!formula || !take_text(value, "text", kMaxText)) return false;
+  if (!formula || !take_text(value, "text", limits().text)) return false;
   if (!check_write(row, column, format, &style)) return false;
   const std::uint32_t text = book_.workbook().strings.add(text_);
   return put_formula(row, column, *std::move(formula), Value::of_text(text), style);
@@ -198,24 +195,21 @@ bool SheetObject::check_pixels(std::string_view property, int pixels) const {
 
 void SheetObject::writeComment(int row, int column, const wchar_t* value, const wchar_t* author,
                                int width, int height) {
-  if (!enter() || !check_cell(row, column) || !take_text(value, "text", kMaxText)) return;
+  if (!enter() || !check_cell(row, column) || !take_text(value, "text", limits().text)) return;
   Comment comment;
   comment.text = text_;
-  const bool is_xls = book_.kind() == BookKind::kXls;
-  if (!take_text(author, "author", is_xls ? kMaxXlsAuthor : kMaxAuthor)) return;
+  if (!take_text(author, "author", limits().author)) return;
   comment.author = text_;
   if (!check_pixels("comment width", width) || !check_pixels("comment height", height)) return;
   if (!check_loaded(row) || !check_comments()) return;
   comment.width = width;
   comment.height = height;
-  comment.changed = true;
-  sheet_->comments.insert_or_assign({row, column}, std::move(comment));
-  sheet_->comments_changed = true;
+  sheet_->change().comments.insert_or_assign({row, column}, std::move(comment));
 }
 
 void SheetObject::removeComment(int row, int column) {
   if (!enter_cell(row, column) || !check_comments()) return;
-  if (sheet_->comments.erase({row, column}) != 0) sheet_->comments_changed = true;
+  if (contents().comments.contains({row, column})) sheet_->change().comments.erase({row, column});
 }
 
 }  // namespace engine::api

@@ -78,6 +78,16 @@ struct CellRecord {
   Value value;          // a formula's cached value: kNone when it has none
   std::string formula;  // text without "=", function names as the file spells them; empty: none
   std::unique_ptr<CellExtra> extra;
+
+  CellRecord() = default;
+  CellRecord(CellRecord&&) noexcept = default;
+  CellRecord& operator=(CellRecord&&) noexcept = default;
+  CellRecord(const CellRecord& other)
+      : value(other.value),
+        formula(other.formula),
+        extra(other.extra ? std::make_unique<CellExtra>(*other.extra) : nullptr) {}
+  CellRecord& operator=(const CellRecord& other) { return *this = CellRecord(other); }
+  ~CellRecord() = default;
 };
 
 }  // namespace engine

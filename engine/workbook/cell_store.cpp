@@ -20,6 +20,14 @@ AnyCell* first_from(std::span<AnyCell> cells, int column) {
 
 }  // namespace
 
+CellStore::CellStore(const CellStore& other) {
+  for (const Row& row : other.rows_) {
+    Row& made = row_at(static_cast<int>(row.number));
+    made.properties = row.properties;
+    for (const Cell& cell : row.span()) at(made, cell.column) = cell;
+  }
+}
+
 std::size_t CellStore::lower_bound(std::uint32_t row) const {
   if (rows_.empty() || rows_.back().number < row) return rows_.size();
   for (std::size_t near = cursor_; near < std::min(cursor_ + 2, rows_.size()); ++near)

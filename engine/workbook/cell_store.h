@@ -33,8 +33,9 @@ class CellStore {
   CellStore() = default;
   CellStore(CellStore&&) noexcept = default;
   CellStore& operator=(CellStore&&) noexcept = default;
-  CellStore(const CellStore&) = delete;
-  CellStore& operator=(const CellStore&) = delete;
+  CellStore(const CellStore& other);
+  CellStore& operator=(const CellStore& other) { return *this = CellStore(other); }
+  ~CellStore() = default;
 
   // The rows that hold cells or have properties, ascending. Some may hold no cell.
   std::span<const Row> rows() const { return rows_; }

@@ -11,21 +11,26 @@ namespace engine {
 
 namespace {
 
-bool states_widths(const Sheet& sheet) {
+bool states_widths(const SheetContents& sheet) {
   return sheet.default_column_width ||
          std::ranges::any_of(sheet.columns, [](const auto& one) { return one.width.has_value(); });
 }
 
 // Needs no memory: what is stated anew takes the place of what it was.
 void restate_widths(Sheet& sheet, int digit) noexcept {
-  const int former = std::exchange(sheet.digit_pixels, digit);
-  if (former == digit || !states_widths(sheet)) return;
-  sheet.changed = true;
+  const int former = sheet.contents().digit_pixels;
+  if (former == digit) return;
+  if (!states_widths(sheet.contents())) {
+    sheet.set_digit_pixels(digit);
+    return;
+  }
+  SheetContents& contents = sheet.change();
+  contents.digit_pixels = digit;
   const auto restate = [&](std::optional<double>& width) {
     if (width) width = restated_width(*width, former, digit);
   };
-  restate(sheet.default_column_width);
-  for (ColumnProperties& one : sheet.columns) restate(one.width);
+  restate(contents.default_column_width);
+  for (ColumnProperties& one : contents.columns) restate(one.width);
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 // The file behind a workbook, as the workbook's operations see it.
 //
 // A codec makes one when it loads a book or when a new book is begun. It reads sheets on demand,
-// carries what the engine has no model of, and writes the book.
+// carries what the engine has no model of, and writes the book. A book that
+// lives in memory only has nothing to read and nothing to carry, which is what most duties do here.
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +21,7 @@ namespace package {
 class Output;
 }
 
+struct OutsideRows;
 class Sheet;
 class Workbook;
 
@@ -39,27 +42,36 @@ struct SaveOptions {
 
 class Document {
  public:
+  Document() = default;
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
   virtual ~Document() = default;
 
-  // Reads a sheet that is not read yet. Throws FileError and leaves it as it was when the file
-  // turns out to be damaged there.
-  virtual void read_sheet(Workbook& book, Sheet& sheet) = 0;
+  // Reads a sheet that is not read yet; of one that is marked as partly loaded only its
+  // `loaded_rows`. One that is excluded may be read behind the scenes and stays excluded. Throws
+  // FileError and leaves the sheet as it was when the file turns out to be damaged there.
+  virtual void read_sheet(Workbook& /*book*/, Sheet& /*sheet*/) {}
+
+  // Reads the rows that a partial load of the sheet left out. Throws FileError.
+  virtual std::unique_ptr<OutsideRows> read_outside(const Workbook& book, const Sheet& sheet) const;
 
   // The tables of a sheet, read or not.
-  virtual std::vector<Table> tables(const Sheet& sheet) const = 0;
+  virtual std::vector<Table> tables(const Sheet& /*sheet*/) const { return {}; }
 
   // Makes the carried things of a new sheet that is a copy of another, and tells the names that
   // the copies of its tables got.
-  virtual std::vector<formula::TableChange> copy_sheet(Workbook& book, const Sheet& original,
-                                                       Sheet& copy) = 0;
+  virtual std::vector<formula::TableChange> copy_sheet(Workbook& /*book*/,
+                                                       const Sheet& /*original*/, Sheet& /*copy*/) {
+    return {};
+  }
 
   // Drops what belongs to a sheet that leaves the book and applies an edit as below: both are done
   // or, when memory is short, neither.
-  virtual void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) = 0;
+  virtual void remove_sheet(Workbook& /*book*/, Sheet& /*sheet*/, const FormulaEdit& /*edit*/) {}
 
   // Applies an edit to the formulas of carried things: conditional formats, validations, charts,
   // pivot sources. Sheets must have been read before.
-  virtual void edit_formulas(Workbook& book, const FormulaEdit& edit) = 0;
+  virtual void edit_formulas(Workbook& /*book*/, const FormulaEdit& /*edit*/) {}
 
   // Writes the whole book. Neither book nor document changes: saving again gives the same bytes.
   virtual void save(const Workbook& book, const SaveOptions& options, package::Output& output) = 0;

@@ -52,13 +52,13 @@ int pixels_of_points(double points) { return static_cast<int>(std::lround(points
 
 // Without a stated width there is room for the base width and the padding, and more until the
 // pixels are a multiple of eight.
-int default_column_pixels(const Sheet& sheet) {
+int default_column_pixels(const SheetContents& sheet) {
   if (sheet.default_column_width)
     return pixels_of_width(*sheet.default_column_width, sheet.digit_pixels);
   return (sheet.base_column_width * sheet.digit_pixels + kPadding + 7) / 8 * 8;
 }
 
-int column_pixels(const Sheet& sheet, int column) {
+int column_pixels(const SheetContents& sheet, int column) {
   const auto found = std::ranges::lower_bound(sheet.columns, column, {}, &ColumnProperties::last);
   if (found == sheet.columns.end() || found->first > column) return default_column_pixels(sheet);
   if (found->hidden) return 0;
@@ -66,7 +66,7 @@ int column_pixels(const Sheet& sheet, int column) {
                       : default_column_pixels(sheet);
 }
 
-int row_pixels(const Sheet& sheet, int row) {
+int row_pixels(const SheetContents& sheet, int row) {
   const Row* found = sheet.cells.find_row(row);
   const RowProperties* its = found ? sheet.properties(*found) : nullptr;
   if (!its) return sheet.default_row_pixels;
@@ -74,12 +74,12 @@ int row_pixels(const Sheet& sheet, int row) {
   return its->height ? pixels_of_points(*its->height) : sheet.default_row_pixels;
 }
 
-Corner walk_columns(const Sheet& sheet, Corner from, int distance, int column_count) {
+Corner walk_columns(const SheetContents& sheet, Corner from, int distance, int column_count) {
   return walk(from, distance, column_count,
               [&](int column) { return column_pixels(sheet, column); });
 }
 
-Corner walk_rows(const Sheet& sheet, Corner from, int distance, int row_count) {
+Corner walk_rows(const SheetContents& sheet, Corner from, int distance, int row_count) {
   return walk(from, distance, row_count, [&](int row) { return row_pixels(sheet, row); });
 }
 

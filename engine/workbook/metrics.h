@@ -23,18 +23,18 @@ double restated_width(double width, int former_digit, int digit);
 int pixels_of_points(double points);
 
 // What a column without a width of its own takes up.
-int default_column_pixels(const Sheet& sheet);
+int default_column_pixels(const SheetContents& sheet);
 
 // What a column or row takes up on the screen; nothing when it is hidden.
-int column_pixels(const Sheet& sheet, int column);
-int row_pixels(const Sheet& sheet, int row);
+int column_pixels(const SheetContents& sheet, int column);
+int row_pixels(const SheetContents& sheet, int row);
 
 // Where a distance to the right of a column's left edge ends: the column and the rest inside it.
 struct Corner {
   int index = 0;
   int offset = 0;
 };
-Corner walk_columns(const Sheet& sheet, Corner from, int distance, int column_count);
-Corner walk_rows(const Sheet& sheet, Corner from, int distance, int row_count);
+Corner walk_columns(const SheetContents& sheet, Corner from, int distance, int column_count);
+Corner walk_rows(const SheetContents& sheet, Corner from, int distance, int row_count);
 
 }  // namespace engine

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/workbook/workbook.h"
+
 namespace engine {
 
-Value Sheet::value(const Cell& cell) const {
+Value SheetContents::value(const Cell& cell) const {
   Value value;
   switch (cell.kind) {
     case CellKind::kBlank:
@@ -29,20 +31,20 @@ Value Sheet::value(const Cell& cell) const {
   return value;
 }
 
-const CellRecord* Sheet::record(const Cell& cell) const {
+const CellRecord* SheetContents::record(const Cell& cell) const {
   return cell.kind == CellKind::kRecord ? &records_[cell.index()] : nullptr;
 }
 
-CellRecord* Sheet::record(const Cell& cell) {
+CellRecord* SheetContents::record(const Cell& cell) {
   return cell.kind == CellKind::kRecord ? &records_[cell.index()] : nullptr;
 }
 
-bool Sheet::is_formula(const Cell& cell) const {
+bool SheetContents::is_formula(const Cell& cell) const {
   const CellRecord* found = record(cell);
   return found && !found->formula.empty();
 }
 
-std::uint32_t Sheet::style_at(int row, int column) const {
+std::uint32_t SheetContents::style_at(int row, int column) const {
   const Row* at = cells.find_row(row);
   if (at) {
     if (const Cell* cell = cells.find(row, column)) return cell->style;
@@ -53,7 +55,7 @@ std::uint32_t Sheet::style_at(int row, int column) const {
   return beyond != columns.end() && beyond->first <= column ? beyond->style : 0;
 }
 
-Cell Sheet::make_cell(int column, Value value, std::uint32_t style) {
+Cell SheetContents::make_cell(int column, Value value, std::uint32_t style) {
   constexpr CellKind kKinds[] = {CellKind::kBlank, CellKind::kNumber, CellKind::kText,
                                  CellKind::kBoolean, CellKind::kError};
   Cell cell;
@@ -64,14 +66,15 @@ Cell Sheet::make_cell(int column, Value value, std::uint32_t style) {
   return cell;
 }
 
-void Sheet::put_value(int row, int column, Value value, std::optional<std::uint32_t> style) {
+void SheetContents::put_value(int row, int column, Value value,
+                              std::optional<std::uint32_t> style) {
   Cell& cell = place(row, column, style);
   forget_record(cell);
   cell = make_cell(column, value, cell.style);
-  changed = true;
 }
 
-void Sheet::put_record(int row, int column, CellRecord record, std::optional<std::uint32_t> style) {
+void SheetContents::put_record(int row, int column, CellRecord record,
+                               std::optional<std::uint32_t> style) {
   Cell* found = cells.find(row, column);
   if (found && found->kind == CellKind::kRecord) {
     records_[found->index()] = std::move(record);
@@ -82,15 +85,13 @@ void Sheet::put_record(int row, int column, CellRecord record, std::optional<std
     cell.kind = CellKind::kRecord;
     cell.bits = index;
   }
-  changed = true;
 }
 
-void Sheet::put_style(int row, int column, std::uint32_t style) {
+void SheetContents::put_style(int row, int column, std::uint32_t style) {
   cells.at(row, column).style = style;
-  changed = true;
 }
 
-Cell& Sheet::place(int row, int column, std::optional<std::uint32_t> style) {
+Cell& SheetContents::place(int row, int column, std::optional<std::uint32_t> style) {
   Row& at = cells.row_at(row);
   const std::uint16_t before = at.count;
   Cell& cell = cells.at(at, column);
@@ -105,7 +106,7 @@ Cell& Sheet::place(int row, int column, std::optional<std::uint32_t> style) {
   return cell;
 }
 
-std::uint32_t Sheet::keep_record(CellRecord record) {
+std::uint32_t SheetContents::keep_record(CellRecord record) {
   if (!free_records_.empty()) {
     const std::uint32_t index = free_records_.back();
     free_records_.pop_back();
@@ -118,17 +119,17 @@ std::uint32_t Sheet::keep_record(CellRecord record) {
   return static_cast<std::uint32_t>(records_.size() - 1);
 }
 
-void Sheet::forget_record(const Cell& cell) {
+void SheetContents::forget_record(const Cell& cell) {
   if (cell.kind != CellKind::kRecord) return;
   records_[cell.index()] = CellRecord();
   free_records_.push_back(cell.index());
 }
 
-const RowProperties* Sheet::properties(const Row& row) const {
+const RowProperties* SheetContents::properties(const Row& row) const {
   return row.properties == 0 ? nullptr : &row_properties[row.properties - 1];
 }
 
-RowProperties& Sheet::properties_at(int row) {
+RowProperties& SheetContents::properties_at(int row) {
   Row& at = cells.row_at(row);
   if (at.properties == 0) {
     row_properties.emplace_back();
@@ -137,10 +138,21 @@ RowProperties& Sheet::properties_at(int row) {
   return row_properties[at.properties - 1];
 }
 
-const CellRange* Sheet::array_at(CellAddress at) const {
+const CellRange* SheetContents::array_at(CellAddress at) const {
   for (const CellRange& range : arrays)
     if (range.contains(at.row, at.column)) return &range;
   return nullptr;
 }
+
+Sheet::Sheet() = default;
+
+Sheet::~Sheet() = default;
+
+void Sheet::take(SheetContents contents) noexcept {
+  contents_ = std::move(contents);
+  changed_ = false;
+}
+
+bool Sheet::changed() const { return changed_ || (outside && outside->rows.changed()); }
 
 }  // namespace engine

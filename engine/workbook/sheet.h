@@ -1,7 +1,10 @@
-// One sheet of a book: cells, rows, columns, comments, and where they came from.
+// One sheet of a book: its name and kind, what it holds, and what a codec keeps with it.
 //
 // A sheet of a loaded book is read when it is first needed. Until then it has a name, a kind and a
 // place in the book and nothing else, and it is saved as the file stored it.
+//
+// What a sheet holds is one value, SheetContents: to copy a sheet is to copy that. It is changed
+// through Sheet::change() alone, which is how a save knows which sheets differ from their file.
 #pragma once
 
 #include <cstdint>
@@ -16,12 +19,6 @@
 #include "engine/workbook/cell_store.h"
 
 namespace engine {
-
-// What a codec keeps with a sheet: everything the engine carries through without a model of it.
-class SheetRemains {
- public:
-  virtual ~SheetRemains() = default;
-};
 
 // What a row has besides its cells. Heights are in points.
 struct RowProperties {
@@ -54,8 +51,11 @@ struct Comment {
   std::string author;
   int width = 0;
   int height = 0;
-  bool changed = false;  // made or replaced since the sheet was read
+
+  friend bool operator==(const Comment&, const Comment&) = default;
 };
+
+using Comments = std::map<CellAddress, Comment>;
 
 enum class SheetKind : std::uint8_t { kWorksheet, kChart, kOther };
 enum class SheetVisibility : std::uint8_t { kVisible, kHidden, kVeryHidden };
@@ -67,14 +67,9 @@ enum class Loading : std::uint8_t {
   kExcluded,  // left out by the caller of a partial load
 };
 
-class Sheet {
+// Everything that a caller can set or ask for in a sheet.
+class SheetContents {
  public:
-  std::string name;
-  SheetKind kind = SheetKind::kWorksheet;
-  SheetVisibility visibility = SheetVisibility::kVisible;
-  Loading loading = Loading::kRead;
-  CellRange loaded_rows;  // rows only; for kPartly
-
   CellStore cells;
   std::deque<RowProperties> row_properties;
   std::vector<ColumnProperties> columns;       // ascending, without overlap
@@ -83,14 +78,7 @@ class Sheet {
   int base_column_width = 8;  // characters, which count where there is no default width
   int default_row_pixels = 20;
   std::vector<CellRange> arrays;  // filled by array formulas or data tables of many cells
-  std::map<CellAddress, Comment> comments;
-  std::string comments_damage;  // why the file's comments cannot be read or rewritten; else empty
-  bool selected = false;        // one of the tabs that are selected together
-
-  bool changed = false;  // anything below the name differs from the file
-  bool comments_changed = false;
-  bool selection_changed = false;
-  std::unique_ptr<SheetRemains> remains;
+  Comments comments;
 
   // What the cell shows, through its record if it has one.
   Value value(const Cell& cell) const;
@@ -116,6 +104,10 @@ class Sheet {
   static Cell make_cell(int column, Value value, std::uint32_t style);
   std::uint32_t keep_record(CellRecord record);
 
+  // By number. Those that no cell names any more are empty.
+  std::deque<CellRecord>& records() { return records_; }
+  const std::deque<CellRecord>& records() const { return records_; }
+
   const RowProperties* properties(const Row& row) const;
   RowProperties& properties_at(int row);
 
@@ -128,6 +120,52 @@ class Sheet {
 
   std::deque<CellRecord> records_;
   std::vector<std::uint32_t> free_records_;
+};
+
+// What a codec keeps with a sheet: everything the engine carries through without a model of it.
+class SheetRemains {
+ public:
+  virtual ~SheetRemains() = default;
+};
+
+struct OutsideRows;
+
+class Sheet {
+ public:
+  Sheet();
+  Sheet(const Sheet&) = delete;
+  Sheet& operator=(const Sheet&) = delete;
+  ~Sheet();
+
+  std::string name;
+  SheetKind kind = SheetKind::kWorksheet;
+  SheetVisibility visibility = SheetVisibility::kVisible;
+  Loading loading = Loading::kRead;
+  CellRange loaded_rows;        // rows only; for kPartly
+  bool selected = false;        // one of the tabs that are selected together
+  std::string comments_damage;  // why the file's comments cannot be read or rewritten; else empty
+  std::unique_ptr<SheetRemains> remains;
+
+  // For kPartly: the other rows, while an operation needs them and once it has changed one.
+  std::unique_ptr<OutsideRows> outside;
+
+  const SheetContents& contents() const { return contents_; }
+  // The contents, to be changed.
+  SheetContents& change() noexcept {
+    changed_ = true;
+    return contents_;
+  }
+  // Restates the unit of column widths in a sheet that states none, which changes nothing in it.
+  void set_digit_pixels(int digit) noexcept { contents_.digit_pixels = digit; }
+  // Takes what a file holds, which is no change.
+  void take(SheetContents contents) noexcept;
+
+  // Whether the contents, or the rows outside of those that are loaded, were changed.
+  bool changed() const;
+
+ private:
+  SheetContents contents_;
+  bool changed_ = false;
 };
 
 }  // namespace engine

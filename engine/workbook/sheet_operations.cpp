@@ -7,36 +7,17 @@
 #include <utility>
 
 #include "engine/formula/formula_text.h"
+#include "engine/workbook/font_metrics.h"
 
 namespace engine {
 
 namespace {
 
-CellRecord copy_of(const CellRecord& record, const FormulaEdit& edit, const Sheet* sheet) {
-  CellRecord copy;
-  copy.value = record.value;
-  copy.formula = edit(sheet, record.formula).value_or(record.formula);
-  if (record.extra) copy.extra = std::make_unique<CellExtra>(*record.extra);
-  return copy;
-}
-
-void copy_cells(const Sheet& original, const FormulaEdit& edit, Sheet& copy) {
-  for (const Row& row : original.cells.rows()) {
-    Row& made = copy.cells.row_at(static_cast<int>(row.number));
-    made.properties = row.properties;
-    for (const Cell& cell : row.span()) {
-      Cell copied = cell;
-      if (const CellRecord* record = original.record(cell))
-        copied.bits = copy.keep_record(copy_of(*record, edit, &original));
-      copy.cells.at(made, cell.column) = copied;
-    }
-  }
-}
-
-void copy_comments(const Sheet& original, Sheet& copy) {
-  copy.comments = original.comments;
-  for (auto& [at, comment] : copy.comments) comment.changed = true;
-  copy.comments_changed = !copy.comments.empty();
+// Edits the formulas of a copy; `original` is the sheet that they stood on.
+void edit_copy(SheetContents& copy, const FormulaEdit& edit, const Sheet* original) {
+  for (CellRecord& record : copy.records())
+    if (!record.formula.empty())
+      if (auto text = edit(original, record.formula)) record.formula = *std::move(text);
 }
 
 std::vector<DefinedName> copies_of_names(const Workbook& book, const FormulaEdit& edit,
@@ -49,12 +30,6 @@ std::vector<DefinedName> copies_of_names(const Workbook& book, const FormulaEdit
     if (auto text = edit(&original, name.definition)) copies.back().definition = *std::move(text);
   }
   return copies;
-}
-
-void set_selected(Sheet& sheet, bool selected) {
-  if (sheet.selected == selected) return;
-  sheet.selected = selected;
-  sheet.selection_changed = true;
 }
 
 bool is_visible(const std::unique_ptr<Sheet>& sheet) {
@@ -78,14 +53,8 @@ std::size_t heir_of_active(const Workbook& book, std::size_t position) {
 void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet* except) {
   for (const auto& sheet : book.sheets) {
     if (sheet.get() == except) continue;
-    for (const Row& row : std::as_const(sheet->cells).rows()) {
-      for (const Cell& cell : row.span()) {
-        CellRecord* record = sheet->record(cell);
-        if (!record || record->formula.empty()) continue;
-        if (auto text = edit(sheet.get(), record->formula))
-          cells_.push_back({sheet.get(), record, *std::move(text)});
-      }
-    }
+    collect_cells(*sheet, *sheet, edit);
+    if (sheet->outside) collect_cells(sheet->outside->rows, *sheet, edit);
   }
   for (DefinedName& name : book.names) {
     if (except && name.scope == except) continue;
@@ -93,10 +62,19 @@ void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet*
   }
 }
 
+void FormulaEdits::collect_cells(Sheet& rows, const Sheet& sheet, const FormulaEdit& edit) {
+  const auto& records = rows.contents().records();
+  for (std::uint32_t number = 0; const CellRecord& record : records) {
+    if (!record.formula.empty())
+      if (auto text = edit(&sheet, record.formula))
+        cells_.push_back({&rows, number, *std::move(text)});
+    ++number;
+  }
+}
+
 void FormulaEdits::apply(Workbook& book) noexcept {
   for (CellEdit& edit : cells_) {
-    edit.record->formula.swap(edit.formula);
-    edit.sheet->changed = true;
+    edit.sheet->change().records()[edit.record].formula.swap(edit.formula);
   }
   for (NameEdit& edit : names_) edit.name->definition.swap(edit.definition);
   if (!cells_.empty() || !names_.empty()) book.needs_calculation = true;
@@ -110,31 +88,40 @@ void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {
   }
 }
 
-NewSheet make_sheet(std::string name) {
+AllRows::AllRows(Workbook& book, const Document& document, const Sheet* except) {
+  for (const auto& sheet : book.sheets) {
+    if (sheet.get() == except || sheet->loading != Loading::kPartly || sheet->outside) continue;
+    auto rows = document.read_outside(book, *sheet);
+    read_.push_back(sheet.get());
+    sheet->outside = std::move(rows);
+  }
+}
+
+AllRows::~AllRows() {
+  for (Sheet* sheet : read_)
+    if (!sheet->outside->rows.changed()) sheet->outside.reset();
+}
+
+NewSheet make_sheet(const Workbook& book, std::string name) {
   NewSheet made;
   made.sheet = std::make_unique<Sheet>();
   made.sheet->name = std::move(name);
-  made.sheet->changed = true;
+  SheetContents& contents = made.sheet->change();
+  contents.digit_pixels = digit_pixels(book.styles.font(0));
+  contents.default_row_pixels = book.new_row_pixels;
   return made;
 }
 
 NewSheet make_copy(Workbook& book, Document& document, const Sheet& original, std::string name) {
-  NewSheet made = make_sheet(std::move(name));
+  NewSheet made = make_sheet(book, std::move(name));
   Sheet& copy = *made.sheet;
   const std::vector<formula::TableChange> tables = document.copy_sheet(book, original, copy);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::change_tables_text(
         text, formula::retarget_sheet_text(text, original.name, copy.name), tables);
   };
-  copy_cells(original, edit, copy);
-  copy.row_properties = original.row_properties;
-  copy.columns = original.columns;
-  copy.digit_pixels = original.digit_pixels;
-  copy.default_column_width = original.default_column_width;
-  copy.base_column_width = original.base_column_width;
-  copy.default_row_pixels = original.default_row_pixels;
-  copy.arrays = original.arrays;
-  copy_comments(original, copy);
+  copy.take(original.contents());
+  edit_copy(copy.change(), edit, &original);
   made.names = copies_of_names(book, edit, original, copy);
   return made;
 }
@@ -163,6 +150,7 @@ void move_sheet(Workbook& book, std::size_t from, std::size_t to) noexcept {
 std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::size_t position) {
   Sheet& gone = *book.sheets[position];
   read_all_sheets(book, document, &gone);
+  const AllRows all_rows(book, document, &gone);
   std::vector<std::string_view> order;
   for (const auto& sheet : book.sheets) order.push_back(sheet->name);
   std::vector<formula::TableChange> tables;
@@ -184,7 +172,7 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
     --book.active_sheet;
   } else if (position == book.active_sheet) {
     book.active_sheet = heir_of_active(book, position);
-    if (!book.sheets.empty()) set_selected(*book.sheets[book.active_sheet], true);
+    if (!book.sheets.empty()) book.sheets[book.active_sheet]->selected = true;
   }
   return removed;
 }
@@ -192,7 +180,7 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
 void activate_sheet(Workbook& book, Document& document, std::size_t position) {
   read_all_sheets(book, document);
   const Sheet* active = book.sheets[position].get();
-  for (const auto& sheet : book.sheets) set_selected(*sheet, sheet.get() == active);
+  for (const auto& sheet : book.sheets) sheet->selected = sheet.get() == active;
   book.active_sheet = position;
 }
 

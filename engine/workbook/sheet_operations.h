@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,9 +25,12 @@ class FormulaEdits {
   void apply(Workbook& book) noexcept;
 
  private:
+  // Those of the cells of `rows`, which belong to a sheet of the book.
+  void collect_cells(Sheet& rows, const Sheet& sheet, const FormulaEdit& edit);
+
   struct CellEdit {
     Sheet* sheet;
-    CellRecord* record;
+    std::uint32_t record;
     std::string formula;
   };
   struct NameEdit {
@@ -42,13 +46,26 @@ class FormulaEdits {
 // that a partial load left out stay closed.
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except = nullptr);
 
+// Rows that partial loads left out, in memory as long as this lives and afterwards where one was
+// changed.
+class AllRows {
+ public:
+  AllRows(Workbook& book, const Document& document, const Sheet* except = nullptr);
+  AllRows(const AllRows&) = delete;
+  AllRows& operator=(const AllRows&) = delete;
+  ~AllRows();
+
+ private:
+  std::vector<Sheet*> read_;  // those whose rows were read for this
+};
+
 // A sheet with its names, made but not in the book yet.
 struct NewSheet {
   std::unique_ptr<Sheet> sheet;
   std::vector<DefinedName> names;
 };
 
-NewSheet make_sheet(std::string name);
+NewSheet make_sheet(const Workbook& book, std::string name);
 
 // One with the contents of another sheet, which must have been read whole. Formulas and names that
 // mean the original sheet mean the copy there.

@@ -44,14 +44,14 @@ FontRecord& Styles::change_font(std::uint32_t index, unsigned aspects) {
 }
 
 std::optional<std::uint32_t> Styles::add_format() {
-  if (formats_.size() >= kMaxFormats) return std::nullopt;
+  if (formats_.size() >= limits.formats) return std::nullopt;
   formats_.emplace_back();
   changed_ = true;
   return format_count() - 1;
 }
 
 std::optional<std::uint32_t> Styles::add_format(std::uint32_t init) {
-  if (formats_.size() >= kMaxFormats) return std::nullopt;
+  if (formats_.size() >= limits.formats) return std::nullopt;
   const FormatRecord copy = format(init);
   formats_.push_back(copy);
   changed_ = true;
@@ -60,7 +60,7 @@ std::optional<std::uint32_t> Styles::add_format(std::uint32_t init) {
 
 // Short memory must leave the lists as they were: room for all is there before the first grows.
 std::optional<std::uint32_t> Styles::add_format(const Styles& other, std::uint32_t init) {
-  if (formats_.size() >= kMaxFormats || fonts_.size() >= kMaxFonts) return std::nullopt;
+  if (formats_.size() >= limits.formats || fonts_.size() >= limits.fonts) return std::nullopt;
   make_room(formats_);
   make_room(fonts_);
   FontRecord font = imported(other.font(other.font_of(init)), other);
@@ -76,7 +76,7 @@ std::optional<std::uint32_t> Styles::add_format(const Styles& other, std::uint32
 }
 
 std::optional<std::uint32_t> Styles::add_font(std::uint32_t init) {
-  if (fonts_.size() >= kMaxFonts) return std::nullopt;
+  if (fonts_.size() >= limits.fonts) return std::nullopt;
   FontRecord copy = font(init);
   fonts_.push_back(std::move(copy));
   changed_ = true;
@@ -84,7 +84,7 @@ std::optional<std::uint32_t> Styles::add_font(std::uint32_t init) {
 }
 
 std::optional<std::uint32_t> Styles::add_font(const Styles& other, std::uint32_t init) {
-  if (fonts_.size() >= kMaxFonts) return std::nullopt;
+  if (fonts_.size() >= limits.fonts) return std::nullopt;
   fonts_.push_back(imported(other.font(init), other));
   changed_ = true;
   return font_count() - 1;

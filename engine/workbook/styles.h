@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "engine/workbook/color.h"
+#include "engine/workbook/limits.h"
 
 namespace engine {
 
@@ -112,17 +113,8 @@ struct FormatRecord {
   std::uint32_t model = kNoModel;
 };
 
-// What the book's file format allows.
-struct StyleLimits {
-  std::uint32_t last_number_format = 65535;
-  std::uint32_t number_formats = 65372;  // custom ones
-  int indent = 250;
-};
-
 class Styles {
  public:
-  static constexpr std::uint32_t kMaxFormats = 65430;
-  static constexpr std::uint32_t kMaxFonts = 65490;
   static constexpr std::uint32_t kFirstCustomNumber = 164;
 
   // A new book's: font 0 and format 0, which uses it.

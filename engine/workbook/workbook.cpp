@@ -20,6 +20,10 @@ constexpr ClassicError kClassicErrors[] = {
 
 }  // namespace
 
+Workbook::Workbook(const Limits& format_limits) : limits(format_limits) {
+  styles.limits = limits.styles;
+}
+
 Sheet* Workbook::find_sheet(std::string_view name) const {
   for (const auto& sheet : sheets)
     if (equal_ignoring_case(sheet->name, name)) return sheet.get();

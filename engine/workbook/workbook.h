@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "engine/workbook/cell.h"
+#include "engine/workbook/limits.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/string_pool.h"
 #include "engine/workbook/styles.h"
@@ -26,9 +27,9 @@ struct DefinedName {
 
 class Workbook {
  public:
-  explicit Workbook(Grid size) : grid(size) {}
+  explicit Workbook(const Limits& format_limits);
 
-  const Grid grid;
+  const Limits limits;
   std::vector<std::unique_ptr<Sheet>> sheets;  // in the order of their tabs
   StringPool strings;
   Styles styles;
@@ -38,6 +39,7 @@ class Workbook {
   bool r1c1 = false;  // formulas are shown and taken in R1C1 notation
   bool is_template = false;
   bool has_macros = false;
+  int new_row_pixels = 20;  // of the rows of a new sheet
 
   // Cached values of formulas may be old: who opens the saved book is asked to calculate anew.
   bool needs_calculation = false;
@@ -49,6 +51,15 @@ class Workbook {
   Sheet* find_sheet(std::string_view name) const;
   // The place of a sheet of this book among its tabs.
   std::size_t position(const Sheet& sheet) const;
+};
+
+// Rows that a partial load left out. They have texts and errors of their own; only numbers of
+// formats, and of texts that the file shares, are the book's.
+struct OutsideRows {
+  explicit OutsideRows(const Workbook& book) : texts(book.limits) {}
+
+  Workbook texts;
+  Sheet rows;
 };
 
 // Numbers of errors in cells: the classic ones as every file format knows them, then the others.

@@ -98,7 +98,13 @@ void append_comment(pugi::xml_node list, CellAddress cell, const Comment& note,
 
 }  // namespace
 
-void read_comments(std::string_view xml, std::string_view part, Sheet& sheet) {
+bool is_as_read(const Comments& comments, const Comments& as_read, CellAddress cell) {
+  const auto now = comments.find(cell);
+  const auto then = as_read.find(cell);
+  return now != comments.end() && then != as_read.end() && now->second == then->second;
+}
+
+void read_comments(std::string_view xml, std::string_view part, Comments& comments) {
   const pugi::xml_document document = package::parse_xml(xml, part);
   const pugi::xml_node root = root_of(document, part);
   const std::vector<std::string> authors = authors_of(root);
@@ -110,11 +116,12 @@ void read_comments(std::string_view xml, std::string_view part, Sheet& sheet) {
     note.text = plain_text(package::child(node, Family::Main, "text"));
     const unsigned author = node.attribute("authorId").as_uint();
     if (author < authors.size()) note.author = authors[author];
-    sheet.comments.insert_or_assign(*cell, std::move(note));
+    comments.insert_or_assign(*cell, std::move(note));
   }
 }
 
-std::string write_comments(std::string_view stored, std::string_view part, const Sheet& sheet) {
+std::string write_comments(std::string_view stored, std::string_view part, const Comments& comments,
+                           const Comments& as_read) {
   const pugi::xml_document document =
       package::parse_xml(stored.empty() ? kEmptyPart : stored, part);
   const pugi::xml_node root = root_of(document, part);
@@ -124,24 +131,22 @@ std::string write_comments(std::string_view stored, std::string_view part, const
   std::set<CellAddress> kept;
   for (const pugi::xml_node node : package::children(list, Family::Main, "comment")) {
     const auto cell = cell_of(node);
-    const auto note = cell ? sheet.comments.find(*cell) : sheet.comments.end();
-    if (note == sheet.comments.end() || note->second.changed) list.remove_child(node);
-    else kept.insert(*cell);
+    if (cell && is_as_read(comments, as_read, *cell)) kept.insert(*cell);
+    else list.remove_child(node);
   }
-  for (const auto& [cell, note] : sheet.comments)
+  for (const auto& [cell, note] : comments)
     if (!kept.contains(cell)) append_comment(list, cell, note, authors.number(note.author));
   return package::serialize_xml(document);
 }
 
-std::string write_threads(std::string_view stored, std::string_view part, const Sheet& sheet) {
+std::string write_threads(std::string_view stored, std::string_view part, const Comments& comments,
+                          const Comments& as_read) {
   const pugi::xml_document document = package::parse_xml(stored, part);
   pugi::xml_node root = document.document_element();
   for (pugi::xml_node node = root.first_child(); node;) {
     const pugi::xml_node next = node.next_sibling();
     const auto cell = cell_of(node);
-    const auto note = cell ? sheet.comments.find(*cell) : sheet.comments.end();
-    const bool gone = cell && (note == sheet.comments.end() || note->second.changed);
-    if (gone) root.remove_child(node);
+    if (cell && !is_as_read(comments, as_read, *cell)) root.remove_child(node);
     node = next;
   }
   return package::serialize_xml(document);

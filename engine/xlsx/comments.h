@@ -12,15 +12,20 @@
 
 namespace engine::xlsx {
 
-// Reads the texts into the sheet; `part` names the part in errors. Throws FileError.
-void read_comments(std::string_view xml, std::string_view part, Sheet& sheet);
+// Whether a cell has the comment that was read for it, so that what the file says of it holds.
+bool is_as_read(const Comments& comments, const Comments& as_read, CellAddress cell);
 
-// The comments part of the sheet as it is now, made from the stored one; that is empty when the
+// Reads the texts into the sheet; `part` names the part in errors. Throws FileError.
+void read_comments(std::string_view xml, std::string_view part, Comments& comments);
+
+// The comments part as it is now, made from the stored one; that is empty when the
 // sheet had none. Throws FileError when the stored one is damaged.
-std::string write_comments(std::string_view stored, std::string_view part, const Sheet& sheet);
+std::string write_comments(std::string_view stored, std::string_view part, const Comments& comments,
+                           const Comments& as_read);
 
 // The stored threaded comments without those of cells whose note went or was replaced: a thread
 // would be shown in the note's place.
-std::string write_threads(std::string_view stored, std::string_view part, const Sheet& sheet);
+std::string write_threads(std::string_view stored, std::string_view part, const Comments& comments,
+                          const Comments& as_read);
 
 }  // namespace engine::xlsx

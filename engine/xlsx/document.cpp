@@ -19,44 +19,6 @@ namespace {
 
 using package::Family;
 using package::FileError;
-using package::FileKind;
-
-// Whether a compound file has an entry of that name. Directory entries are 128 bytes and begin with
-// their name in UTF-16; where the directory lies does not matter for that.
-bool has_entry(const package::Source& source, std::string_view name) {
-  constexpr std::size_t kEntry = 128;
-  std::string wanted;
-  for (const char c : name) wanted.append({c, '\0'});
-  wanted.append(2, '\0');
-  std::vector<char> block(512 * kEntry);
-  for (std::uint64_t offset = 0; offset < source.size(); offset += block.size()) {
-    const std::size_t size = std::min<std::uint64_t>(block.size(), source.size() - offset);
-    source.read(offset, std::span(block).first(size));
-    for (std::size_t at = 0; at + kEntry <= size; at += kEntry)
-      if (std::string_view(&block[at], wanted.size()) == wanted) return true;
-  }
-  return false;
-}
-
-void check_kind(const package::Source& source) {
-  switch (package::file_kind(source)) {
-    case FileKind::Zip:
-      return;
-    case FileKind::CompoundFile:
-      if (has_entry(source, "EncryptedPackage")) throw FileError("is protected by a password");
-      if (has_entry(source, "Workbook")) throw FileError("is an .xls workbook, not .xlsx");
-      if (has_entry(source, "Book")) throw FileError("is an Excel 5.0/95 or older workbook");
-      break;
-    case FileKind::OldBiff:
-      throw FileError("is an Excel 5.0/95 or older workbook");
-    case FileKind::Xml:
-    case FileKind::Html:
-    case FileKind::Other:
-    case FileKind::Empty:
-      break;
-  }
-  throw FileError("is not an .xlsx workbook");
-}
 
 // The relationship of the package that leads to its main part.
 const Relationship& main_relationship(const Parts& parts) {
@@ -101,7 +63,8 @@ std::unique_ptr<Document> Document::make_new(Workbook& book) {
 
 std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> source,
                                          Workbook& book, LoadScope scope) {
-  check_kind(*source);
+  if (package::file_kind(*source) != package::FileKind::Zip)
+    throw FileError("is protected by a password");
   std::unique_ptr<Document> made(new Document);
   Parts& parts = made->parts_ = Parts(std::move(source));
   const Relationship& to_main = main_relationship(parts);
@@ -138,9 +101,9 @@ void Document::read_tab(Sheet& sheet) const {
     const pugi::xml_node views =
         package::child(tree.document_element(), Family::Main, "sheetViews");
     const pugi::xml_node view = package::child(views, Family::Main, "sheetView");
-    sheet.selected = view.attribute("tabSelected").as_bool();
+    sheet.selected = part_of(sheet)->selected = view.attribute("tabSelected").as_bool();
   } catch (const FileError&) {
-    sheet.selected = false;
+    return;
   }
 }
 
@@ -155,12 +118,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   const Part* part = parts_.find(known->part);
   if (!part) package::throw_damaged(known->part.empty() ? main_ : known->part, "is missing");
 
-  Sheet made;
-  made.name = sheet.name;
-  made.kind = sheet.kind;
-  made.visibility = sheet.visibility;
-  made.loading = sheet.loading == Loading::kUnread ? Loading::kRead : sheet.loading;
-  made.loaded_rows = sheet.loaded_rows;
+  SheetContents contents;
   auto remains = std::make_unique<SheetPart>();
   remains->part = known->part;
   remains->relationship = known->relationship;
@@ -168,41 +126,50 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   RowFilter filter;
   if (sheet.loading == Loading::kPartly)
     filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false};
-  read_worksheet(*parts_.open(*part), part->name, context(book, book), filter, made, *remains);
-  if (has_calculation_chain_) remains->formulas = formulas_of(made);
+  read_worksheet(*parts_.open(*part), part->name, context(book, book), filter, contents, *remains);
+  if (has_calculation_chain_) remains->formulas = formulas_of(contents);
+  std::string damage = read_notes(*remains, contents);
+  remains->comments = contents.comments;
   remains->read = true;
-  made.remains = std::move(remains);
-  read_notes(made);
-  sheet = std::move(made);
+
+  sheet.take(std::move(contents));
+  sheet.selected = remains->selected;
+  sheet.comments_damage = std::move(damage);
+  sheet.remains = std::move(remains);
+  if (sheet.loading == Loading::kUnread) sheet.loading = Loading::kRead;
 }
 
 std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
                                                     const Sheet& sheet) const {
   auto outside = std::make_unique<OutsideRows>(book);
   auto remains = std::make_unique<SheetPart>();
+  SheetContents contents;
   const Part* part = parts_.find(part_of(sheet)->part);
   const RowFilter filter{sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, true};
-  read_worksheet(*parts_.open(*part), part->name, context(outside->workbook, book), filter,
-                 outside->sheet, *remains);
-  outside->sheet.remains = std::move(remains);
+  read_worksheet(*parts_.open(*part), part->name, context(outside->texts, book), filter, contents,
+                 *remains);
+  outside->rows.take(std::move(contents));
+  outside->rows.remains = std::move(remains);
   return outside;
 }
 
 // Comments that cannot be read are carried; what is wrong is told when one is to be changed.
-void Document::read_notes(Sheet& sheet) const {
+std::string Document::read_notes(const SheetPart& sheet, SheetContents& contents) const {
+  std::string damage;
   try {
-    const Part* part = parts_.related(part_of(sheet)->part, "comments");
-    if (part) read_comments(parts_.read(*part), part->name, sheet);
+    const Part* part = parts_.related(sheet.part, "comments");
+    if (part) read_comments(parts_.read(*part), part->name, contents.comments);
   } catch (const FileError& error) {
-    sheet.comments.clear();
-    sheet.comments_damage = error.what();
+    contents.comments.clear();
+    damage = error.what();
   }
   try {
-    const Part* boxes = notes_drawing_of(parts_, *part_of(sheet));
-    if (boxes) read_note_sizes(parts_.read(*boxes), sheet);
+    const Part* boxes = notes_drawing_of(parts_, sheet);
+    if (boxes) read_note_sizes(parts_.read(*boxes), contents.comments);
   } catch (const FileError& error) {
-    sheet.comments_damage = error.what();
+    damage = error.what();
   }
+  return damage;
 }
 
 }  // namespace engine::xlsx

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "engine/package/source.h"
+#include "engine/workbook/codec.h"
 #include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/parts.h"
@@ -21,11 +22,6 @@
 
 namespace engine::xlsx {
 
-enum class LoadScope : std::uint8_t {
-  kEverything,
-  kInfo,  // the list of sheets and the book's settings, no texts and no styles
-};
-
 class Document : public engine::Document {
  public:
   static std::unique_ptr<Document> make_new(Workbook& book);
@@ -34,9 +30,9 @@ class Document : public engine::Document {
   static std::unique_ptr<Document> load(std::shared_ptr<const package::Source> source,
                                         Workbook& book, LoadScope scope = LoadScope::kEverything);
 
-  // Of a sheet that is marked as partly loaded, only its `loaded_rows` are read. One that is
-  // excluded may be read behind the scenes and stays excluded.
   void read_sheet(Workbook& book, Sheet& sheet) override;
+  std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
+                                            const Sheet& sheet) const override;
   std::vector<Table> tables(const Sheet& sheet) const override;
   std::vector<formula::TableChange> copy_sheet(Workbook& book, const Sheet& original,
                                                Sheet& copy) override;
@@ -50,8 +46,8 @@ class Document : public engine::Document {
   Document() = default;
 
   SheetContext context(Workbook& texts, const Workbook& book) const;
-  std::unique_ptr<OutsideRows> read_outside(const Workbook& book, const Sheet& sheet) const;
-  void read_notes(Sheet& sheet) const;
+  // Gives why the comments cannot be read or rewritten; empty when they can.
+  std::string read_notes(const SheetPart& sheet, SheetContents& contents) const;
   void read_tab(Sheet& sheet) const;
   void edit_carried(Workbook& book, const FormulaEdit& edit, std::string_view gone_relationship);
 

@@ -25,12 +25,21 @@ constexpr std::string_view kPivotCacheType =
 
 // New texts of formulas of cells that the model does not look at, held until all are made.
 struct RecordEdits {
+  struct Input {
+    Sheet* rows;
+    std::uint32_t record;
+    std::string details;
+  };
+
+  std::vector<Input> inputs;
   std::vector<std::pair<std::string*, std::string>> texts;
   std::vector<Sheet*> changed;
 
   void apply() noexcept {
+    for (auto& [rows, record, details] : inputs)
+      rows->change().records()[record].extra->formula_details.swap(details);
     for (auto& [target, text] : texts) target->swap(text);
-    for (Sheet* sheet : changed) sheet->changed = true;
+    for (Sheet* sheet : changed) sheet->change();
   }
 };
 
@@ -52,25 +61,15 @@ std::optional<std::string> edited_inputs(const Sheet& sheet, const std::string& 
   return changed ? std::optional<std::string>(std::move(made)) : std::nullopt;
 }
 
-// `formulas` tells whether the texts of the cells are edited too: those of rows that are loaded are
-// the model's concern.
-void collect_records(Sheet& sheet, const Sheet& owner, const FormulaEdit& edit, bool formulas,
-                     RecordEdits& edits) {
-  const std::size_t before = edits.texts.size();
-  for (const Row& row : std::as_const(sheet.cells).rows()) {
-    for (const Cell& cell : row.span()) {
-      CellRecord* record = sheet.record(cell);
-      if (!record) continue;
-      if (formulas && !record->formula.empty())
-        if (auto text = edit(&owner, record->formula))
-          edits.texts.emplace_back(&record->formula, *std::move(text));
-      if (!record->extra || record->extra->form != FormulaForm::kDataTable) continue;
-      std::string& details = record->extra->formula_details;
-      if (auto text = edited_inputs(owner, details, edit))
-        edits.texts.emplace_back(&details, *std::move(text));
-    }
+// `owner` is the sheet that the rows belong to.
+void collect_records(Sheet& rows, const Sheet& owner, const FormulaEdit& edit, RecordEdits& edits) {
+  for (std::uint32_t number = 0;
+       const CellRecord& record : std::as_const(rows).contents().records()) {
+    if (record.extra && record.extra->form == FormulaForm::kDataTable)
+      if (auto text = edited_inputs(owner, record.extra->formula_details, edit))
+        edits.inputs.push_back({&rows, number, *std::move(text)});
+    ++number;
   }
-  if (edits.texts.size() != before) edits.changed.push_back(&sheet);
 }
 
 // The range that a pivot table's data comes from, as sheet and range or as a formula of both.
@@ -126,21 +125,13 @@ void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
                             std::string_view gone_relationship) {
   RecordEdits records;
   TextEdits texts;
-  std::vector<std::pair<SheetPart*, std::unique_ptr<OutsideRows>>> outside;
   for (const auto& sheet : book.sheets) {
     SheetPart* remains = part_of(*sheet);
     if (!remains || !remains->read) continue;
     if (texts.collect_worksheet(remains->tree.document_element(), sheet.get(), edit))
       records.changed.push_back(sheet.get());
-    collect_records(*sheet, *sheet, edit, false, records);
-    if (sheet->loading != Loading::kPartly) continue;
-    std::unique_ptr<OutsideRows> read_now;
-    if (!remains->outside) read_now = read_outside(book, *sheet);
-    Sheet& others = remains->outside ? remains->outside->sheet : read_now->sheet;
-    const std::size_t before = records.texts.size();
-    collect_records(others, *sheet, edit, true, records);
-    if (read_now && records.texts.size() != before)
-      outside.emplace_back(remains, std::move(read_now));
+    collect_records(*sheet, *sheet, edit, records);
+    if (sheet->outside) collect_records(sheet->outside->rows, *sheet, edit, records);
   }
   Parts parts = parts_;
   for (const auto& [key, part] : parts_.all())
@@ -157,7 +148,6 @@ void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
 
   texts.apply();
   records.apply();
-  for (auto& [remains, rows] : outside) remains->outside = std::move(rows);
   parts_ = std::move(parts);
 }
 

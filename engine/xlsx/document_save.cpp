@@ -28,14 +28,19 @@ struct SavedSheet {
   std::string part;
   bool rewritten = false;
   std::unique_ptr<OutsideRows> read_now;
-  const OutsideRows* outside = nullptr;
+  const OutsideRows* outside = nullptr;  // of a partly loaded sheet
 };
 
 bool differs_from_file(const Sheet& sheet) {
   const SheetPart* remains = part_of(sheet);
   if (!remains || remains->relationship.empty()) return true;
-  return remains->read &&
-         (sheet.changed || sheet.comments_changed || sheet.selection_changed || remains->outside);
+  return remains->read && (sheet.changed() || sheet.selected != remains->selected);
+}
+
+// The comments that the file has for the sheet.
+const Comments& comments_as_read(const SavedSheet& saved) {
+  static const Comments kNone;
+  return saved.remains ? saved.remains->comments : kNone;
 }
 
 // Gives a sheet that no file has its part, its parts' names and its ids.
@@ -70,9 +75,11 @@ class NotesWriter {
   void write_texts(const SavedSheet& saved) {
     const Part* stored = parts_.related(saved.part, "comments");
     const std::string name = stored ? stored->name : parts_.free_name("xl/comments#.xml");
-    if (!stored && saved.sheet->comments.empty()) return;
+    if (!stored && saved.sheet->contents().comments.empty()) return;
     const std::string bytes = stored ? parts_.read(*stored) : std::string();
-    parts_.put(name, kCommentsType, write_comments(bytes, name, *saved.sheet));
+    parts_.put(
+        name, kCommentsType,
+        write_comments(bytes, name, saved.sheet->contents().comments, comments_as_read(saved)));
     if (bytes.empty()) parts_.relate(saved.part, "comments", name);
   }
 
@@ -80,7 +87,9 @@ class NotesWriter {
     const Part* stored = parts_.related(saved.part, "threadedComment");
     if (!stored) return;
     const std::string name = stored->name;
-    parts_.put(name, stored->type, write_threads(parts_.read(*stored), name, *saved.sheet));
+    parts_.put(name, stored->type,
+               write_threads(parts_.read(*stored), name, saved.sheet->contents().comments,
+                             comments_as_read(saved)));
   }
 
   void write_boxes(const SavedSheet& saved, pugi::xml_node root) {
@@ -89,11 +98,13 @@ class NotesWriter {
     const std::string_view id = package::attribute(link, Family::Relationships, "id").value();
     const Relationship* relationship = link ? parts_.relationship(saved.part, id) : nullptr;
     const Part* stored = relationship ? parts_.target(saved.part, *relationship) : nullptr;
-    if (!stored && saved.sheet->comments.empty()) return;
+    if (!stored && saved.sheet->contents().comments.empty()) return;
     const std::string name =
         stored ? stored->name : parts_.free_name("xl/drawings/vmlDrawing#.vml");
     const std::string bytes = stored ? parts_.read(*stored) : std::string();
-    parts_.put(name, kNotesDrawingType, write_notes_drawing(bytes, *saved.sheet, grid_, clusters_));
+    parts_.put(name, kNotesDrawingType,
+               write_notes_drawing(bytes, saved.sheet->contents(), comments_as_read(saved), grid_,
+                                   clusters_));
     if (stored) return;
     if (!link) link = worksheet_child(root, "legacyDrawing");
     package::set_attribute(link, Family::Relationships, "id",
@@ -211,7 +222,7 @@ class Document::Saving {
       enter_new_sheet(parts_, main_, document_.workbook_part_.last_sheet_id() + earlier + 1, saved);
     }
     if (sheet.kind != SheetKind::kWorksheet) {
-      if (sheet.selection_changed) write_tab(parts_, saved);
+      if (saved.remains && sheet.selected != saved.remains->selected) write_tab(parts_, saved);
     } else if (differs_from_file(sheet)) {
       saved.rewritten = true;
       enter_cells(saved);
@@ -221,21 +232,22 @@ class Document::Saving {
   // Rows outside of a partial load are read for the save when no edit has kept them.
   void enter_cells(SavedSheet& saved) {
     if (saved.sheet->loading == Loading::kPartly) {
-      saved.outside = saved.remains->outside.get();
-      formulas_moved_ |= saved.outside != nullptr;
+      saved.outside = saved.sheet->outside.get();
+      formulas_moved_ |= saved.outside && saved.outside->rows.changed();
       if (!saved.outside) {
         saved.read_now = document_.read_outside(book_, *saved.sheet);
         saved.outside = saved.read_now.get();
       }
     }
-    texts_.enter(*saved.sheet);
+    texts_.enter(saved.sheet->contents());
     text_cells_ -= std::min(text_cells_, saved.remains ? saved.remains->text_cells : 0);
     if (document_.has_calculation_chain_)
-      formulas_moved_ |= formulas_of(*saved.sheet) != (saved.remains ? saved.remains->formulas : 0);
+      formulas_moved_ |=
+          formulas_of(saved.sheet->contents()) != (saved.remains ? saved.remains->formulas : 0);
   }
 
   void replace_sheets() {
-    NotesWriter notes(parts_, book_.grid);
+    NotesWriter notes(parts_, book_.limits.grid);
     const pugi::xml_node workbook = document_.workbook_part_.tree().document_element();
     for (const SavedSheet& saved : sheets_) {
       if (!saved.rewritten) continue;
@@ -244,8 +256,8 @@ class Document::Saving {
       else tree = new_worksheet();
       const pugi::xml_node root = tree.document_element();
       if (!saved.remains) take_over_namespaces(workbook, root);
-      patch_worksheet(root, *saved.sheet, saved.outside, styles_, saved.sheet->selected);
-      if (saved.sheet->comments_changed) notes.write(saved, root);
+      patch_worksheet(root, *saved.sheet, saved.outside, styles_);
+      if (saved.sheet->contents().comments != comments_as_read(saved)) notes.write(saved, root);
       parts_.put_blocks(
           saved.part, {},
           write_worksheet(tree, *saved.sheet, saved.outside, WriteContext{book_, styles_, texts_}));

@@ -9,6 +9,7 @@
 
 #include "engine/text/number_text.h"
 #include "engine/workbook/metrics.h"
+#include "engine/xlsx/comments.h"
 
 namespace engine::xlsx {
 
@@ -164,8 +165,8 @@ std::string anchor(Corner left, Corner top, Corner right, Corner bottom) {
   return text;
 }
 
-std::string box(const Sheet& sheet, const Grid& grid, CellAddress cell, const Comment& note, int id,
-                int z_index) {
+std::string box(const SheetContents& sheet, const Grid& grid, CellAddress cell, const Comment& note,
+                int id, int z_index) {
   const int width = note.width > 0 ? note.width : kDefaultWidth;
   const int height = note.height > 0 ? note.height : kDefaultHeight;
   const Corner left{std::min(cell.column + 1, grid.columns - 1), kInsetX};
@@ -230,17 +231,18 @@ int ShapeClusters::take() {
   return free;
 }
 
-void read_note_sizes(std::string_view drawing, Sheet& sheet) {
+void read_note_sizes(std::string_view drawing, Comments& comments) {
   for (const Shape& shape : shapes_of(drawing)) {
-    const auto note = shape.note ? sheet.comments.find(*shape.note) : sheet.comments.end();
-    if (note == sheet.comments.end()) continue;
+    const auto note = shape.note ? comments.find(*shape.note) : comments.end();
+    if (note == comments.end()) continue;
     const std::string_view text = drawing.substr(shape.begin, shape.end - shape.begin);
     note->second.width = style_pixels(text, "width");
     note->second.height = style_pixels(text, "height");
   }
 }
 
-std::string write_notes_drawing(std::string_view stored, const Sheet& sheet, const Grid& grid,
+std::string write_notes_drawing(std::string_view stored, const SheetContents& sheet,
+                                const Comments& as_read, const Grid& grid,
                                 ShapeClusters& clusters) {
   const std::string_view source = stored.empty() ? kEmptyDrawing : stored;
   std::string drawing;
@@ -250,8 +252,7 @@ std::string write_notes_drawing(std::string_view stored, const Sheet& sheet, con
     drawing.append(source.substr(copied, shape.begin - copied));
     copied = shape.end;
     if (shape.note) {
-      const auto note = sheet.comments.find(*shape.note);
-      if (note == sheet.comments.end() || note->second.changed) continue;
+      if (!is_as_read(sheet.comments, as_read, *shape.note)) continue;
       shown.insert(*shape.note);
     }
     drawing.append(source.substr(shape.begin, shape.end - shape.begin));

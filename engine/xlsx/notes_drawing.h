@@ -30,11 +30,11 @@ class ShapeClusters {
 };
 
 // Gives the notes of a sheet the sizes of their boxes, as far as the drawing tells them.
-void read_note_sizes(std::string_view drawing, Sheet& sheet);
+void read_note_sizes(std::string_view drawing, Comments& comments);
 
 // The drawing with one box for each note of the sheet: boxes of notes that went or were replaced
 // are taken out, those of new ones put in behind. `stored` is empty when the sheet had no drawing.
-std::string write_notes_drawing(std::string_view stored, const Sheet& sheet, const Grid& grid,
-                                ShapeClusters& clusters);
+std::string write_notes_drawing(std::string_view stored, const SheetContents& sheet,
+                                const Comments& as_read, const Grid& grid, ShapeClusters& clusters);
 
 }  // namespace engine::xlsx

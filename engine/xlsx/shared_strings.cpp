@@ -140,7 +140,7 @@ std::uint64_t read_shared_strings(package::BlockReader& reader, std::string_view
   return count;
 }
 
-void WrittenTexts::enter(const Sheet& sheet) {
+void WrittenTexts::enter(const SheetContents& sheet) {
   const auto note = [&](std::uint64_t index) {
     ++cells_;
     if (index >= from_file_) numbers_[index - from_file_] = 1;

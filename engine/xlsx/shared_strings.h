@@ -29,7 +29,7 @@ class WrittenTexts {
       : pool_(pool), from_file_(pool.count_from_file()), numbers_(pool.size() - from_file_) {}
 
   // Notes the texts that the cells of a sheet show.
-  void enter(const Sheet& sheet);
+  void enter(const SheetContents& sheet);
   // Gives out numbers; afterwards number() may be asked.
   void settle();
 

@@ -103,7 +103,7 @@ bool has_formula_element(const CellRecord& record) {
                                                       !record.extra->formula_details.empty()));
 }
 
-std::uint64_t formulas_of(const Sheet& sheet) {
+std::uint64_t formulas_of(const SheetContents& sheet) {
   std::uint64_t sum = 0;
   for (const Row& row : sheet.cells.rows()) {
     for (const Cell& cell : row.span()) {

@@ -25,15 +25,6 @@ inline constexpr char kDetailsEnd = '\x01';
 // Begins the details of a cell whose value is a date in ISO notation; its children hold that value.
 inline constexpr std::string_view kDateKind = " t=\"d\"";
 
-// Rows that a partial load left out, read behind the scenes. They have texts and errors of their
-// own; only numbers of shared texts are the book's.
-struct OutsideRows {
-  explicit OutsideRows(const Workbook& book) : workbook(book.grid) {}
-
-  Workbook workbook;
-  Sheet sheet;
-};
-
 // A part that belongs to a sheet which no file has yet. It gets its name when the book is saved.
 struct AddedPart {
   std::string relationship;  // id at the sheet
@@ -55,13 +46,14 @@ class SheetPart : public SheetRemains {
   std::vector<std::string> row_details;  // RowProperties::details is an index into this, plus one
   std::uint64_t text_cells = 0;          // cells that name a shared text in the file
   std::uint64_t formulas = 0;            // what formulas_of() gave when the sheet was read
+  bool selected = false;                 // the tab, in the file
+
+  // As they were read: those that the sheet still has are written as the file has them.
+  Comments comments;
 
   // Of a sheet that no file has yet: what it refers to.
   std::vector<AddedPart> added;
   std::vector<Relationship> links;
-
-  // The rows outside `loaded_rows` when an edit has changed one of them.
-  std::unique_ptr<OutsideRows> outside;
 };
 
 // What the codec keeps with the sheet; null for a new one.
@@ -72,7 +64,7 @@ const SheetPart* part_of(const Sheet& sheet);
 bool has_formula_element(const CellRecord& record);
 
 // A number that tells the sheet's formulas with their places from others; 0 without formulas.
-std::uint64_t formulas_of(const Sheet& sheet);
+std::uint64_t formulas_of(const SheetContents& sheet);
 
 // The tree of a new worksheet.
 pugi::xml_document new_worksheet();

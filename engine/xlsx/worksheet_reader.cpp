@@ -127,11 +127,11 @@ void append_attribute(std::string& out, const XmlAttribute& attribute) {
 class Reader {
  public:
   Reader(package::BlockReader& reader, std::string_view part, const SheetContext& context,
-         const RowFilter& filter, Sheet& sheet, SheetPart& remains)
+         const RowFilter& filter, SheetContents& sheet, SheetPart& remains)
       : scanner_(reader, part),
         part_(part),
         context_(context),
-        grid_(context.workbook.grid),
+        grid_(context.workbook.limits.grid),
         filter_(filter),
         sheet_(sheet),
         remains_(remains) {}
@@ -177,7 +177,7 @@ class Reader {
   const SheetContext& context_;
   const Grid grid_;
   const RowFilter& filter_;
-  Sheet& sheet_;
+  SheetContents& sheet_;
   SheetPart& remains_;
 
   bool prefixed_ = false;
@@ -396,7 +396,7 @@ bool Reader::take_plain_cell() {
   } else if (text || !take("/>")) {
     return give_up();
   }
-  store(Sheet::make_cell(column_, value, format(style)));
+  store(SheetContents::make_cell(column_, value, format(style)));
   scanner_.consume(static_cast<std::size_t>(at - ahead.data()));
   return true;
 }
@@ -416,7 +416,7 @@ void Reader::read_cell() {
   const Value value = value_of_cell();
   const bool has_formula = !cell_.formula.empty();
   if (!has_formula && !cell_.has_extra())
-    return store(Sheet::make_cell(column_, value, cell_.style));
+    return store(SheetContents::make_cell(column_, value, cell_.style));
   CellRecord record;
   record.value = value;
   record.formula = cell_.formula;
@@ -591,7 +591,7 @@ void Reader::parse_tree(const std::string& head_and_tail) {
   read_columns(package::child(root, Family::Main, "cols"));
   const pugi::xml_node views = package::child(root, Family::Main, "sheetViews");
   const pugi::xml_node view = package::child(views, Family::Main, "sheetView");
-  sheet_.selected = view.attribute("tabSelected").as_bool();
+  remains_.selected = view.attribute("tabSelected").as_bool();
   read_default_sizes(package::child(root, Family::Main, "sheetFormatPr"));
 }
 
@@ -628,7 +628,7 @@ void Reader::read_columns(pugi::xml_node columns) {
 }  // namespace
 
 void read_worksheet(package::BlockReader& reader, std::string_view part,
-                    const SheetContext& context, const RowFilter& filter, Sheet& sheet,
+                    const SheetContext& context, const RowFilter& filter, SheetContents& sheet,
                     SheetPart& remains) {
   Reader(reader, part, context, filter, sheet, remains).read();
 }

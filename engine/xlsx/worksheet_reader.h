@@ -34,9 +34,9 @@ struct SheetContext {
   bool date1904 = false;
 };
 
-// Fills a sheet that is empty but for its name and kind, and its remains. Throws FileError.
+// Fills the empty contents of a sheet, and its remains. Throws FileError.
 void read_worksheet(package::BlockReader& reader, std::string_view part,
-                    const SheetContext& context, const RowFilter& filter, Sheet& sheet,
+                    const SheetContext& context, const RowFilter& filter, SheetContents& sheet,
                     SheetPart& remains);
 
 }  // namespace engine::xlsx

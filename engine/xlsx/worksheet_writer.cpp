@@ -105,7 +105,7 @@ void write_formula(std::string& out, const CellRecord& record) {
 // counted from `first_text` in the pool.
 struct RowRun {
   std::span<const Row> rows;
-  const Sheet* sheet = nullptr;
+  const SheetContents* sheet = nullptr;
   const Workbook* workbook = nullptr;
   const SheetPart* part = nullptr;
   std::uint32_t first_text = 0;
@@ -163,16 +163,16 @@ class WorksheetText {
 WorksheetText::WorksheetText(const pugi::xml_document& tree, const Sheet& sheet,
                              const OutsideRows* outside, const WriteContext& context)
     : context_(context) {
-  const std::span<const Row> rows = sheet.cells.rows();
+  const std::span<const Row> rows = sheet.contents().cells.rows();
   if (outside) {
-    const std::span<const Row> others = outside->sheet.cells.rows();
+    const std::span<const Row> others = outside->rows.contents().cells.rows();
     const auto split = std::ranges::lower_bound(
         others, static_cast<std::uint32_t>(sheet.loaded_rows.row_first), {}, &Row::number);
     const auto before = static_cast<std::size_t>(split - others.begin());
     const std::uint32_t first_text = context.workbook.strings.count_from_file();
-    add_run(others.first(before), outside->sheet, outside->workbook, first_text);
+    add_run(others.first(before), outside->rows, outside->texts, first_text);
     add_run(rows, sheet, context.workbook, 0);
-    add_run(others.subspan(before), outside->sheet, outside->workbook, first_text);
+    add_run(others.subspan(before), outside->rows, outside->texts, first_text);
   } else {
     add_run(rows, sheet, context.workbook, 0);
   }
@@ -183,7 +183,7 @@ WorksheetText::WorksheetText(const pugi::xml_document& tree, const Sheet& sheet,
 
 void WorksheetText::add_run(std::span<const Row> rows, const Sheet& sheet, const Workbook& workbook,
                             std::uint32_t first_text) {
-  runs_.push_back({rows, &sheet, &workbook, part_of(sheet), first_text});
+  runs_.push_back({rows, &sheet.contents(), &workbook, part_of(sheet), first_text});
 }
 
 void WorksheetText::cut_into_blocks() {
@@ -450,7 +450,7 @@ std::string number_text(double number) {
 
 // Columns are written anew; one that begins inside a column element of the file takes over what
 // that says beyond the model.
-void patch_columns(pugi::xml_node root, const Sheet& sheet, const WrittenStyles& styles) {
+void patch_columns(pugi::xml_node root, const SheetContents& sheet, const WrittenStyles& styles) {
   const pugi::xml_node old = package::child(root, Family::Main, "cols");
   if (sheet.columns.empty()) {
     root.remove_child(old);
@@ -480,11 +480,11 @@ void patch_columns(pugi::xml_node root, const Sheet& sheet, const WrittenStyles&
   root.remove_child(old);
 }
 
-std::string used_range_text(const Sheet& sheet, const OutsideRows* outside) {
+std::string used_range_text(const SheetContents& sheet, const OutsideRows* outside) {
   CellRange range;
   bool any = sheet.cells.used_range(&range);
   CellRange others;
-  if (outside && outside->sheet.cells.used_range(&others)) {
+  if (outside && outside->rows.contents().cells.used_range(&others)) {
     if (!any) range = others;
     range = {std::min(range.row_first, others.row_first), std::max(range.row_last, others.row_last),
              std::min(range.column_first, others.column_first),
@@ -495,15 +495,16 @@ std::string used_range_text(const Sheet& sheet, const OutsideRows* outside) {
   return formula::print_range(range);
 }
 
-void patch_format_defaults(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside) {
+void patch_format_defaults(pugi::xml_node root, const SheetContents& sheet,
+                           const OutsideRows* outside) {
   unsigned rows = 0;
   unsigned columns = 0;
-  const auto note = [&](const Sheet& one) {
+  const auto note = [&](const SheetContents& one) {
     for (const RowProperties& row : one.row_properties)
       rows = std::max<unsigned>(rows, row.outline_level);
   };
   note(sheet);
-  if (outside) note(outside->sheet);
+  if (outside) note(outside->rows.contents());
   for (const ColumnProperties& column : sheet.columns)
     columns = std::max<unsigned>(columns, column.outline_level);
   pugi::xml_node format = package::child(root, Family::Main, "sheetFormatPr");
@@ -521,8 +522,9 @@ void patch_format_defaults(pugi::xml_node root, const Sheet& sheet, const Outsid
 }  // namespace
 
 void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside,
-                     const WrittenStyles& styles, bool selected) {
-  const std::string range = used_range_text(sheet, outside);
+                     const WrittenStyles& styles) {
+  const bool selected = sheet.selected;
+  const std::string range = used_range_text(sheet.contents(), outside);
   set_or_remove(worksheet_child(root, "dimension"), "ref", true, range);
   const pugi::xml_node views = package::child(root, Family::Main, "sheetViews");
   for (const pugi::xml_node view : package::children(views, Family::Main, "sheetView"))
@@ -533,8 +535,8 @@ void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows*
     view.append_attribute("tabSelected") = "1";
     view.append_attribute("workbookViewId") = "0";
   }
-  patch_format_defaults(root, sheet, outside);
-  patch_columns(root, sheet, styles);
+  patch_format_defaults(root, sheet.contents(), outside);
+  patch_columns(root, sheet.contents(), styles);
 }
 
 PartBlocks write_worksheet(const pugi::xml_document& tree, const Sheet& sheet,

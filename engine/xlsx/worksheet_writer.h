@@ -28,7 +28,7 @@ struct WriteContext {
 // Patches a sheet's tree: dimension, columns, whether its tab is selected, outline levels.
 // `outside` are the rows that a partial load left out; null without.
 void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside,
-                     const WrittenStyles& styles, bool selected);
+                     const WrittenStyles& styles);
 
 // The part of a sheet whose tree is patched. Sheet and outside rows must outlive the blocks.
 PartBlocks write_worksheet(const pugi::xml_document& tree, const Sheet& sheet,

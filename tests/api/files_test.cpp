@@ -36,6 +36,29 @@ TEST(Files, ObjectsOfFormerContentsRefuse) {
   EXPECT_EQ(stage.message(), "the sheet is no longer in the book");
 }
 
+TEST(Files, OfOtherKindsAreRefusedByName) {
+  const std::string compound = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(1016, '\0');
+  const auto with_entry = [&](std::string_view name) {
+    std::string file = compound;
+    for (std::size_t i = 0; i < name.size(); ++i) file[512 + 128 + 2 * i] = name[i];
+    return file;
+  };
+  const std::pair<std::string, const char*> kCases[] = {
+      {"a;b;c\n1;2;3\n", "is not an .xlsx workbook"},
+      {"<html><body>", "is not an .xlsx workbook"},
+      {with_entry("Workbook"), "is an .xls workbook, not .xlsx"},
+      {with_entry("WORKBOOK"), "is an .xls workbook, not .xlsx"},
+      {with_entry("Book"), "is an Excel 5.0/95 or older workbook"},
+      {with_entry("EncryptedPackage"), "is protected by a password"},
+      {compound, "is not an .xlsx workbook"},
+  };
+  Stage stage;
+  for (const auto& [bytes, text] : kCases) {
+    EXPECT_FALSE(load(*stage.book, bytes));
+    EXPECT_EQ(stage.message(), std::string("the workbook data ") + text);
+  }
+}
+
 TEST(Files, FailedLoadsLeaveTheBookAsItWas) {
   Stage stage;
   stage.sheet->writeNum(0, 0, 5);

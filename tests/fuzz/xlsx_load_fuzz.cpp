@@ -20,7 +20,7 @@ void read_all(engine::xlsx::Document& document, engine::Workbook& book) {
   for (const auto& sheet : book.sheets) {
     try {
       document.read_sheet(book, *sheet);
-      sheet->changed = sheet->kind == engine::SheetKind::kWorksheet;
+      if (sheet->kind == engine::SheetKind::kWorksheet) sheet->change();
     } catch (const engine::package::FileError&) {
       continue;
     }

@@ -10,7 +10,7 @@ namespace {
 
 using engine::ColumnProperties;
 using engine::Corner;
-using engine::Sheet;
+using engine::SheetContents;
 
 TEST(Metrics, TurnsFileWidthsIntoPixels) {
   const struct {
@@ -79,7 +79,7 @@ TEST(Metrics, DigitsOfFonts) {
 }
 
 TEST(Metrics, ColumnsWithoutAWidthFollowTheDefaultFont) {
-  Sheet sheet;
+  SheetContents sheet;
   EXPECT_EQ(engine::default_column_pixels(sheet), 64);
   sheet.digit_pixels = 15;
   EXPECT_EQ(engine::default_column_pixels(sheet), 128);
@@ -90,7 +90,7 @@ TEST(Metrics, ColumnsWithoutAWidthFollowTheDefaultFont) {
 }
 
 TEST(Metrics, WalksOverWideAndHiddenColumns) {
-  Sheet sheet;
+  SheetContents sheet;
   ColumnProperties wide;
   wide.first = wide.last = 1;
   wide.width = 10.7109375;
@@ -112,7 +112,7 @@ TEST(Metrics, WalksOverWideAndHiddenColumns) {
 }
 
 TEST(Metrics, MeasuresRowsInPixelsOfPoints) {
-  Sheet sheet;
+  SheetContents sheet;
   sheet.properties_at(2).height = 30;
   sheet.properties_at(3).hidden = true;
   EXPECT_EQ(engine::row_pixels(sheet, 0), 20);

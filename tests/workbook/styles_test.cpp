@@ -83,12 +83,12 @@ TEST(Styles, CopiesOfAnotherBookBringWhatTheyNeed) {
 
 TEST(Styles, FullListsAddNothing) {
   Styles styles;
-  while (styles.format_count() < Styles::kMaxFormats) ASSERT_TRUE(styles.add_format());
+  while (styles.format_count() < styles.limits.formats) ASSERT_TRUE(styles.add_format());
   EXPECT_EQ(styles.add_format(), std::nullopt);
   EXPECT_EQ(styles.add_format(0), std::nullopt);
-  while (styles.font_count() < Styles::kMaxFonts) ASSERT_TRUE(styles.add_font());
+  while (styles.font_count() < styles.limits.fonts) ASSERT_TRUE(styles.add_font());
   EXPECT_EQ(styles.add_font(), std::nullopt);
-  EXPECT_EQ(styles.format_count(), Styles::kMaxFormats);
+  EXPECT_EQ(styles.format_count(), styles.limits.formats);
 }
 
 TEST(Styles, FontsBeyondTheirListAreTheFirst) {

@@ -9,7 +9,7 @@
 namespace {
 
 using engine::Comment;
-using engine::Sheet;
+using engine::SheetContents;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -21,7 +21,6 @@ Comment note(std::string text, std::string author) {
   made.author = std::move(author);
   made.width = 129;
   made.height = 75;
-  made.changed = true;
   return made;
 }
 
@@ -36,8 +35,8 @@ constexpr std::string_view kStored =
     "</x:commentList><x:extLst><x:ext uri=\"u\"/></x:extLst></x:comments>";
 
 TEST(Comments, ReadsRichTextAsPlainText) {
-  Sheet sheet;
-  engine::xlsx::read_comments(kStored, kPart, sheet);
+  SheetContents sheet;
+  engine::xlsx::read_comments(kStored, kPart, sheet.comments);
   ASSERT_EQ(sheet.comments.size(), 2U);
   const Comment& rich = sheet.comments.at({0, 0});
   EXPECT_EQ(rich.text, "BoldA");
@@ -46,12 +45,13 @@ TEST(Comments, ReadsRichTextAsPlainText) {
 }
 
 TEST(Comments, WritesWhatItReads) {
-  Sheet sheet;
+  SheetContents sheet;
   sheet.comments[{0, 0}] = note("hello <&> 😀\n_x000D_", "me");
   sheet.comments[{5, 2}] = note("", "me");
   sheet.comments[{1, 1}] = note(" other ", "");
-  Sheet again;
-  engine::xlsx::read_comments(engine::xlsx::write_comments("", kPart, sheet), kPart, again);
+  SheetContents again;
+  engine::xlsx::read_comments(engine::xlsx::write_comments("", kPart, sheet.comments, {}), kPart,
+                              again.comments);
   ASSERT_EQ(again.comments.size(), 3U);
   for (const auto& [cell, written] : sheet.comments) {
     EXPECT_EQ(again.comments.at(cell).text, written.text);
@@ -60,11 +60,12 @@ TEST(Comments, WritesWhatItReads) {
 }
 
 TEST(Comments, LeavesTheLookOfUnchangedOnes) {
-  Sheet sheet;
-  engine::xlsx::read_comments(kStored, kPart, sheet);
+  SheetContents sheet;
+  engine::xlsx::read_comments(kStored, kPart, sheet.comments);
+  const engine::Comments as_read = sheet.comments;
   sheet.comments.erase({3, 2});
   sheet.comments[{8, 8}] = note("new", "Bob");
-  const std::string written = engine::xlsx::write_comments(kStored, kPart, sheet);
+  const std::string written = engine::xlsx::write_comments(kStored, kPart, sheet.comments, as_read);
   EXPECT_THAT(written, HasSubstr("<x:comment ref=\"A1\" authorId=\"0\" shapeId=\"7\"><x:text><x:r>"
                                  "<x:rPr><x:b/></x:rPr>"));
   EXPECT_THAT(written, Not(HasSubstr("C4")));
@@ -74,13 +75,14 @@ TEST(Comments, LeavesTheLookOfUnchangedOnes) {
 }
 
 TEST(Comments, RefusesWhatIsNoList) {
-  Sheet sheet;
-  EXPECT_THROW(engine::xlsx::read_comments("<a/>", kPart, sheet), engine::package::FileError);
+  SheetContents sheet;
+  EXPECT_THROW(engine::xlsx::read_comments("<a/>", kPart, sheet.comments),
+               engine::package::FileError);
   EXPECT_THROW(
       engine::xlsx::read_comments("<comments xmlns=\"http://schemas.openxmlformats.org/"
                                   "spreadsheetml/2006/main\"><commentList><comment ref=\"?\"/>"
                                   "</commentList></comments>",
-                                  kPart, sheet),
+                                  kPart, sheet.comments),
       engine::package::FileError);
 }
 
@@ -95,13 +97,14 @@ constexpr std::string_view kDrawing =
     "<v:shape id=\"_x0000_s3074\"><br><x:ClientData ObjectType=\"Button\"/></v:shape></xml>";
 
 TEST(NotesDrawing, ExchangesOnlyBoxesOfChangedNotes) {
-  Sheet sheet;
+  SheetContents sheet;
   sheet.comments[{0, 0}].text = "as it was";
+  const engine::Comments as_read = sheet.comments;
   sheet.comments[{4, 1}] = note("new", "");
   engine::xlsx::ShapeClusters clusters;
   clusters.enter(kDrawing);
   const std::string written =
-      engine::xlsx::write_notes_drawing(kDrawing, sheet, engine::Grid(), clusters);
+      engine::xlsx::write_notes_drawing(kDrawing, sheet, as_read, engine::Grid(), clusters);
   EXPECT_THAT(written, HasSubstr("_x0000_s1025"));
   EXPECT_THAT(written, Not(HasSubstr("_x0000_s3073")));
   EXPECT_THAT(written, HasSubstr("<br><x:ClientData ObjectType=\"Button\"/></v:shape>"));
@@ -114,10 +117,12 @@ TEST(NotesDrawing, ExchangesOnlyBoxesOfChangedNotes) {
 TEST(NotesDrawing, GivesEveryShapeOfTheBookItsOwnId) {
   engine::xlsx::ShapeClusters clusters;
   clusters.enter(kDrawing);
-  Sheet sheet;
+  SheetContents sheet;
   for (int row = 0; row < 1100; ++row) sheet.comments[{row, 0}] = note("n", "");
-  const std::string first = engine::xlsx::write_notes_drawing("", sheet, engine::Grid(), clusters);
-  const std::string second = engine::xlsx::write_notes_drawing("", sheet, engine::Grid(), clusters);
+  const std::string first =
+      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Grid(), clusters);
+  const std::string second =
+      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Grid(), clusters);
   EXPECT_THAT(first, HasSubstr("data=\"2,4\""));
   EXPECT_THAT(first, HasSubstr("\"_x0000_s2049\""));
   EXPECT_THAT(first, HasSubstr("\"_x0000_s3071\""));
@@ -140,26 +145,26 @@ TEST(NotesDrawing, TellsTheSizesOfItsBoxes) {
   };
   for (const auto& [style, width, height] : cases) {
     SCOPED_TRACE(style);
-    Sheet sheet;
+    SheetContents sheet;
     sheet.comments[{3, 1}] = {};
     engine::xlsx::read_note_sizes(
         "<xml><v:shape style=\"" + std::string(style) +
             "\"><x:ClientData ObjectType=\"Note\"><x:Row>3</x:Row><x:Column>1</x:Column>"
             "</x:ClientData></v:shape></xml>",
-        sheet);
+        sheet.comments);
     EXPECT_EQ(sheet.comments.at({3, 1}).width, width);
     EXPECT_EQ(sheet.comments.at({3, 1}).height, height);
   }
 }
 
 TEST(NotesDrawing, PlacesTheBoxBesideItsCell) {
-  Sheet sheet;
+  SheetContents sheet;
   sheet.comments[{0, 0}] = note("first", "");
   sheet.comments[{9, 3}] = note("inner", "");
   sheet.comments[{1048575, 16383}] = note("last", "");
   engine::xlsx::ShapeClusters clusters;
   const std::string written =
-      engine::xlsx::write_notes_drawing("", sheet, engine::Grid(), clusters);
+      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Grid(), clusters);
   EXPECT_THAT(written, HasSubstr("<x:Anchor>1, 15, 0, 2, 3, 16, 3, 17</x:Anchor>"));
   EXPECT_THAT(written, HasSubstr("<x:Anchor>4, 15, 8, 10, 6, 16, 12, 5</x:Anchor>"));
   EXPECT_THAT(written, HasSubstr("16383, 15, 1048574, 10, 16383, 63, 1048575, 19"));

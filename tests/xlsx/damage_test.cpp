@@ -51,7 +51,7 @@ TEST(Damage, OfOneSheetLeavesTheBookUsable) {
   EXPECT_EQ(unzip(book->save()), unzip(zip(parts)));
 }
 
-TEST(Damage, FilesThatAreNoWorkbook) {
+TEST(Damage, PackagesThatAreNoWorkbook) {
   const PartTexts good = book_of(worksheet(""));
   PartTexts no_main = good;
   no_main.erase("xl/workbook.xml");
@@ -62,25 +62,12 @@ TEST(Damage, FilesThatAreNoWorkbook) {
       types({{"xl/workbook.xml", "vnd.ms-excel.sheet.binary.macroEnabled.main"}});
   PartTexts no_sheet = good;
   no_sheet.erase("xl/worksheets/sheet1.xml");
-  std::string compound = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + std::string(1016, '\0');
-  const auto with_entry = [&](std::string_view name) {
-    std::string file = compound;
-    for (std::size_t i = 0; i < name.size(); ++i) file[512 + 128 + 2 * i] = name[i];
-    return file;
-  };
   const std::pair<std::string, const char*> kCases[] = {
-      {"", "is not an .xlsx workbook"},
-      {"a;b;c\n1;2;3\n", "is not an .xlsx workbook"},
-      {"<html><body>", "is not an .xlsx workbook"},
       {zip({{"a.txt", "x"}}), "is not an .xlsx workbook"},
       {zip(document), "is not an .xlsx workbook"},
       {zip(binary), "is a binary .xlsb workbook"},
       {zip(no_main), "is damaged: xl/workbook.xml, is missing"},
       {zip(no_sheet), "is damaged: xl/worksheets/sheet1.xml, is missing"},
-      {with_entry("Workbook"), "is an .xls workbook, not .xlsx"},
-      {with_entry("Book"), "is an Excel 5.0/95 or older workbook"},
-      {with_entry("EncryptedPackage"), "is protected by a password"},
-      {compound, "is not an .xlsx workbook"},
   };
   for (const auto& [bytes, text] : kCases) EXPECT_EQ(refusal(bytes), text);
 }
@@ -95,7 +82,7 @@ TEST(Damage, OptionalPartsStopNothing) {
                                                    {"calcChain", "NULL"}});
   parts["xl/worksheets/_rels/sheet1.xml.rels"] = relations({{"comments", "../comments1.xml"}});
   const auto book = load(parts);
-  EXPECT_EQ(book->read().cells.cell_count(), 1u);
+  EXPECT_EQ(book->read().contents().cells.cell_count(), 1u);
   EXPECT_THAT(book->sheet().comments_damage, StartsWith("is damaged: xl/comments1.xml"));
   EXPECT_EQ(unzip(book->save()).at("xl/comments1.xml"), "<broken");
 }
@@ -114,11 +101,10 @@ TEST(Damage, DrawingsThatDoNotUnpackStopNothing) {
   bytes[bytes.find("xl/boxes.vml") + std::string_view("xl/boxes.vml").size()] ^= 0x7F;
   const auto book = load(bytes);
   book->read();
-  EXPECT_EQ(book->sheet().comments.size(), 1u);
+  EXPECT_EQ(book->sheet().contents().comments.size(), 1u);
   EXPECT_THAT(book->sheet().comments_damage, StartsWith("is damaged: xl/boxes.vml"));
   Sheet& other = book->add_sheet("Other");
-  other.comments[{0, 0}].text = "new";
-  other.comments_changed = other.changed = true;
+  other.change().comments[{0, 0}].text = "new";
   EXPECT_NO_THROW(book->save());
 }
 

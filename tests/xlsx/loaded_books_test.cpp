@@ -66,25 +66,25 @@ TEST(LoadedBook, ChangesTouchOnlyWhatTheyConcern) {
   };
   const Case kCases[] = {
       {"number",
-       [](Book& b) { b.read().put_value(8, 0, Value::of_number(1), {}); },
+       [](Book& b) { b.read().change().put_value(8, 0, Value::of_number(1), {}); },
        {"xl/worksheets/sheet1.xml"}},
       {"known text",
        [](Book& b) {
-         b.read().put_value(8, 0, Value::of_text(b.workbook.strings.add("zero")), {});
+         b.read().change().put_value(8, 0, Value::of_text(b.workbook.strings.add("zero")), {});
        },
        {"xl/worksheets/sheet1.xml"}},
       {"new text",
-       [](Book& b) { b.read().put_value(8, 0, Value::of_text(b.workbook.strings.add("new")), {}); },
+       [](Book& b) {
+         b.read().change().put_value(8, 0, Value::of_text(b.workbook.strings.add("new")), {});
+       },
        {"xl/sharedStrings.xml", "xl/worksheets/sheet1.xml"}},
       {"formula removed",
-       [](Book& b) { b.read().put_value(0, 1, Value::of_number(1), {}); },
+       [](Book& b) { b.read().change().put_value(0, 1, Value::of_number(1), {}); },
        {"[Content_Types].xml", "xl/_rels/workbook.xml.rels", "xl/calcChain.xml",
         "xl/worksheets/sheet1.xml"}},
       {"sheet renamed", [](Book& b) { b.sheet().name = "New"; }, {"xl/workbook.xml"}},
       {"name", [](Book& b) { b.workbook.names[0].definition = "2"; }, {"xl/workbook.xml"}},
-      {"tab",
-       [](Book& b) { b.sheet(1).selected = b.sheet(1).selection_changed = true; },
-       {"xl/chartsheets/sheet1.xml"}},
+      {"tab", [](Book& b) { b.sheet(1).selected = true; }, {"xl/chartsheets/sheet1.xml"}},
   };
   PartTexts parts = rich_book();
   parts["[Content_Types].xml"] =
@@ -107,7 +107,7 @@ TEST(LoadedBook, WorkbookPartKeepsWhatItHas) {
   workbook.names[0].name = "M";
   workbook.names.push_back({"L", "One!$B$2", &book->sheet(1), false, ""});
   std::swap(workbook.sheets[0], workbook.sheets[1]);
-  book->add_sheet("Third").changed = true;
+  book->add_sheet("Third");
   workbook.active_sheet = 2;
   const PartTexts saved = unzip(book->save());
   const std::string& text = saved.at("xl/workbook.xml");
@@ -149,7 +149,7 @@ TEST(LoadedBook, SharedTextsAreAppendedTo) {
     PartTexts parts = book_of(worksheet(""));
     parts["xl/sharedStrings.xml"] = with_namespace(stored);
     const auto book = load(parts);
-    book->read().put_value(0, 0, Value::of_text(book->workbook.strings.add("new")), {});
+    book->read().change().put_value(0, 0, Value::of_text(book->workbook.strings.add("new")), {});
     std::string expected = with_namespace(saved);
     if (const std::size_t item = expected.find("si xmlns=\"M\""); item != std::string::npos)
       expected.replace(item + 10, 1, kMainNamespace);
@@ -186,18 +186,16 @@ TEST(LoadedBook, SignaturesGo) {
 TEST(LoadedBook, CommentsAreWrittenWithTheirBoxes) {
   const auto book = load(book_of(worksheet("<row><c><v>1</v></c></row>", "", "<pageMargins/>")));
   Sheet& sheet = book->read();
-  sheet.comments[{0, 0}] = {"hello", "me", 0, 0, true};
-  sheet.comments_changed = true;
+  sheet.change().comments[{0, 0}] = {"hello", "me", 0, 0};
   const std::string bytes = book->save();
   const PartTexts saved = unzip(bytes);
   EXPECT_THAT(saved.at("xl/worksheets/sheet1.xml"),
               HasSubstr("<pageMargins/><legacyDrawing r:id=\"rId2\"/>"));
   EXPECT_TRUE(saved.contains("xl/comments1.xml") && saved.contains("xl/drawings/vmlDrawing1.vml"));
   const auto again = load(bytes);
-  EXPECT_EQ(again->read().comments.at({0, 0}).text, "hello");
-  again->sheet().comments.clear();
-  again->sheet().comments_changed = true;
-  EXPECT_TRUE(load(again->save())->read().comments.empty());
+  EXPECT_EQ(again->read().contents().comments.at({0, 0}).text, "hello");
+  again->sheet().change().comments.clear();
+  EXPECT_TRUE(load(again->save())->read().contents().comments.empty());
 }
 
 }  // namespace

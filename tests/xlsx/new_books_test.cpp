@@ -24,18 +24,17 @@ TEST(NewBook, ComesBackAsItWas) {
                     {"_xlnm.Print_Area", "Hidden!$A$1:$B$2", &hidden, true, ""}};
   const auto text = [&](const char* value) { return Value::of_text(workbook.strings.add(value)); };
   const std::string odd = " \x01 _x0041_ <&>\"'\r\n\t";
-  sheet.put_value(0, 0, text(odd.c_str()), {});
-  sheet.put_value(0, 1, text(""), {});
-  sheet.put_value(0, 16383, Value::of_number(1e300), {});
-  sheet.put_value(1048575, 0, Value::of_boolean(true), {});
-  sheet.put_value(5, 5, Value::of_error(error_number(workbook, "#SPILL!")), {});
-  sheet.put_blank(6, 6, {});
+  sheet.change().put_value(0, 0, text(odd.c_str()), {});
+  sheet.change().put_value(0, 1, text(""), {});
+  sheet.change().put_value(0, 16383, Value::of_number(1e300), {});
+  sheet.change().put_value(1048575, 0, Value::of_boolean(true), {});
+  sheet.change().put_value(5, 5, Value::of_error(error_number(workbook, "#SPILL!")), {});
+  sheet.change().put_blank(6, 6, {});
   CellRecord record;
   record.formula = "A1&\"<>\"";
   record.value = text("of \x02 formula");
-  sheet.put_record(3, 3, std::move(record), {});
-  sheet.comments[{2, 2}] = {"note", "author", 0, 0, true};
-  sheet.comments_changed = true;
+  sheet.change().put_record(3, 3, std::move(record), {});
+  sheet.change().comments[{2, 2}] = {"note", "author", 0, 0};
 
   const auto again = load(book->save());
   const Workbook& read = again->workbook;
@@ -51,21 +50,20 @@ TEST(NewBook, ComesBackAsItWas) {
   EXPECT_TRUE(read.names[1].hidden);
   EXPECT_EQ(again->show(0, 0), "\"" + odd + "\"");
   EXPECT_EQ(again->show(0, 1), "\"\"");
-  EXPECT_EQ(again->sheet().cells.find(0, 16383)->number, 1e300);
+  EXPECT_EQ(again->sheet().contents().cells.find(0, 16383)->number, 1e300);
   EXPECT_EQ(again->show(1048575, 0), "TRUE");
   EXPECT_EQ(again->show(5, 5), "#SPILL!");
   EXPECT_EQ(again->show(6, 6), "-");
   EXPECT_EQ(again->show(3, 3), "=A1&\"<>\": \"of \x02 formula\"");
-  EXPECT_EQ(again->sheet().comments.at({2, 2}).text, "note");
+  EXPECT_EQ(again->sheet().contents().comments.at({2, 2}).text, "note");
   EXPECT_THAT(unzip(book->save()).at("xl/workbook.xml"), HasSubstr("fullCalcOnLoad=\"1\""));
 }
 
 TEST(NewBook, SavingAgainGivesTheSameBytes) {
   const auto book = new_book();
   Sheet& sheet = book->add_sheet("One");
-  sheet.put_value(0, 0, Value::of_text(book->workbook.strings.add("text")), {});
-  sheet.comments[{2, 2}] = {"note", "author", 0, 0, true};
-  sheet.comments_changed = true;
+  sheet.change().put_value(0, 0, Value::of_text(book->workbook.strings.add("text")), {});
+  sheet.change().comments[{2, 2}] = {"note", "author", 0, 0};
   const std::string first = book->save();
   EXPECT_EQ(book->save(), first);
 }
@@ -75,9 +73,9 @@ TEST(NewBook, HoldsOnlyTextsThatCellsShow) {
   Sheet& sheet = book->add_sheet("One");
   StringPool& strings = book->workbook.strings;
   strings.add("of nobody");
-  sheet.put_value(0, 0, Value::of_text(strings.add("b")), {});
-  sheet.put_value(1, 0, Value::of_text(strings.add("a\nb")), {});
-  sheet.put_value(2, 0, Value::of_text(strings.add("b")), {});
+  sheet.change().put_value(0, 0, Value::of_text(strings.add("b")), {});
+  sheet.change().put_value(1, 0, Value::of_text(strings.add("a\nb")), {});
+  sheet.change().put_value(2, 0, Value::of_text(strings.add("b")), {});
   const PartTexts parts = unzip(book->save());
   EXPECT_THAT(parts.at("xl/sharedStrings.xml"),
               HasSubstr("count=\"3\" uniqueCount=\"2\"><si><t>b</t></si><si><t "

@@ -96,7 +96,7 @@ inline PartTexts book_of(std::string sheet) {
 
 // A book with the document behind it.
 struct Book {
-  Workbook workbook{Grid()};
+  Workbook workbook{Limits()};
   std::unique_ptr<Document> document;
 
   Sheet& sheet(std::size_t index = 0) { return *workbook.sheets[index]; }
@@ -118,10 +118,10 @@ struct Book {
   // What a cell holds, readable: "1.5", "\"text\"", "TRUE", "#N/A", "-" for a blank one, "" for
   // none; a formula in front of its value: "=A1+1: 3".
   std::string show(const Sheet& at, int row, int column) const {
-    const Cell* cell = at.cells.find(row, column);
+    const Cell* cell = at.contents().cells.find(row, column);
     if (!cell) return "";
-    const CellRecord* record = at.record(*cell);
-    const Value value = at.value(*cell);
+    const CellRecord* record = at.contents().record(*cell);
+    const Value value = at.contents().value(*cell);
     std::string text;
     if (record && !record->formula.empty()) text = "=" + record->formula + ": ";
     switch (value.kind) {

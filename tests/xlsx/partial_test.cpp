@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "engine/workbook/sheet_operations.h"
 #include "tests/xlsx/packages.h"
 
 namespace engine::xlsx {
@@ -30,16 +31,16 @@ TEST(PartialLoad, ReadsOnlyItsRows) {
   EXPECT_EQ(book->sheet().loading, Loading::kPartly);
   EXPECT_EQ(book->show(1, 0), "=B2: 2.");
   CellRange used;
-  ASSERT_TRUE(book->sheet().cells.used_range(&used));
+  ASSERT_TRUE(book->sheet().contents().cells.used_range(&used));
   EXPECT_EQ(used, (CellRange{1, 1, 0, 1}));
-  EXPECT_EQ(book->sheet().cells.rows().size(), 1u);
+  EXPECT_EQ(book->sheet().contents().cells.rows().size(), 1u);
 }
 
 TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
   const auto book = load_rows(1, 2);
   StringPool& strings = book->workbook.strings;
-  book->sheet().put_value(1, 1, Value::of_text(strings.add("new")), {});
-  book->sheet().put_value(2, 5, Value::of_text(strings.add("newer")), {});
+  book->sheet().change().put_value(1, 1, Value::of_text(strings.add("new")), {});
+  book->sheet().change().put_value(2, 5, Value::of_text(strings.add("newer")), {});
   const std::string first = book->save();
   EXPECT_EQ(book->save(), first);
   const auto again = load(first);
@@ -51,7 +52,7 @@ TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
       {{3, 1}, "#SPILL!"},   {{3, 2}, "=One!B4: \"result\""}};
   for (const auto& [at, shown] : kCells)
     EXPECT_EQ(again->show(at.row, at.column), shown) << at.row << " " << at.column;
-  EXPECT_EQ(again->sheet().properties_at(0).height, 9);
+  EXPECT_EQ(again->sheet().change().properties_at(0).height, 9);
 }
 
 TEST(PartialLoad, TextsOfTheOtherRowsKeepTheirRuns) {
@@ -60,7 +61,7 @@ TEST(PartialLoad, TextsOfTheOtherRowsKeepTheirRuns) {
                           R"(</c><c r="B2" t="inlineStr" ph="1">)" + std::string(kItem) +
                           "</c></row>";
   const auto book = load_rows(0, 0, row);
-  book->sheet().put_value(0, 0, Value::of_number(1), {});
+  book->sheet().change().put_value(0, 0, Value::of_number(1), {});
   EXPECT_THAT(unzip(book->save()).at("xl/worksheets/sheet1.xml"), testing::HasSubstr(row));
 }
 
@@ -70,15 +71,20 @@ TEST(PartialLoad, KnowsArraysThatReachIn) {
     return R"(<row r="1"><c r="A1"><f t="array" ref=")" + std::string(range) +
            R"(">B1:B3</f><v>1</v></c></row><row r="2"><c r="A2"><v>2</v></c></row>)";
   };
-  EXPECT_NE(load_rows(1, 1, array("A1:A3"))->sheet().array_at({1, 0}), nullptr);
-  EXPECT_EQ(load_rows(1, 1, array("A1:B1"))->sheet().array_at({0, 0}), nullptr);
+  EXPECT_NE(load_rows(1, 1, array("A1:A3"))->sheet().contents().array_at({1, 0}), nullptr);
+  EXPECT_EQ(load_rows(1, 1, array("A1:B1"))->sheet().contents().array_at({0, 0}), nullptr);
 }
 
 TEST(PartialLoad, FormulasOfTheOtherRowsFollow) {
   const auto book = load_rows(1, 1);
-  book->document->edit_formulas(book->workbook, [](const Sheet*, std::string_view formula) {
-    return formula == "One!B4" ? std::optional<std::string>("Two!B4") : std::nullopt;
-  });
+  {
+    const AllRows rows(book->workbook, *book->document);
+    FormulaEdits edits;
+    edits.collect(book->workbook, [](const Sheet*, std::string_view formula) {
+      return formula == "One!B4" ? std::optional<std::string>("Two!B4") : std::nullopt;
+    });
+    edits.apply(book->workbook);
+  }
   const auto again = load(book->save());
   again->read();
   EXPECT_EQ(again->show(3, 2), "=Two!B4: \"result\"");

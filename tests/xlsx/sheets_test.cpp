@@ -142,7 +142,7 @@ TEST(Sheets, ARemovedSheetTakesItsPartsAlong) {
   EXPECT_THAT(saved.at("xl/worksheets/sheet2.xml"), HasSubstr("<f>SUM(#REF!)</f>"));
   EXPECT_THAT(saved.at("xl/workbook.xml"),
               HasSubstr("<sheets><sheet name=\"Two\" sheetId=\"5\" r:id=\"rId3\"/></sheets>"));
-  book->add_sheet("Next").changed = true;
+  book->add_sheet("Next");
   EXPECT_THAT(unzip(book->save()).at("xl/workbook.xml"),
               HasSubstr("<sheet name=\"Next\" sheetId=\"6\""));
 }

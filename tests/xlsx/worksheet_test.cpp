@@ -50,7 +50,7 @@ TEST(Worksheet, ReadsEveryKindOfCell) {
     const auto book = load(book_of(worksheet(R"(<row r="1">)" + std::string(cell) + "</row>")));
     book->read();
     EXPECT_EQ(book->show(0, 0), shown);
-    book->sheet().changed = true;
+    book->sheet().change();
     const auto again = load(book->save());
     again->read();
     EXPECT_EQ(again->show(0, 0), shown);
@@ -87,14 +87,14 @@ TEST(Worksheet, ReadsPrefixesAndStrictNamespaces) {
               R"(<x:mergeCell ref="A1:B1"/></x:mergeCells></x:worksheet>)");
   const auto book = load(prefixed);
   book->read();
-  ASSERT_EQ(book->sheet().columns.size(), 1u);
-  book->sheet().put_value(0, 2, Value::of_number(4), {});
+  ASSERT_EQ(book->sheet().contents().columns.size(), 1u);
+  book->sheet().change().put_value(0, 2, Value::of_number(4), {});
   const auto again = load(book->save());
   again->read();
   EXPECT_EQ(again->show(0, 0), R"("one")");
   EXPECT_EQ(again->show(0, 1), R"("rich")");
   EXPECT_EQ(again->show(0, 2), "4.");
-  EXPECT_EQ(again->sheet().columns.size(), 1u);
+  EXPECT_EQ(again->sheet().contents().columns.size(), 1u);
   EXPECT_THAT(unzip(book->save()).at("xl/sharedStrings.xml"),
               HasSubstr("<si><r><t>rich</t></r></si>"));
 
@@ -125,7 +125,7 @@ TEST(Worksheet, ExpandsSharedFormulas) {
   EXPECT_EQ(book->show(1, 2), "=B1+$A$1+B2: 2.");
   EXPECT_EQ(book->show(2, 1), "=A2+$A$1+A3: -");
   EXPECT_EQ(book->show(3, 2), "=C2*2: -");
-  book->sheet().changed = true;
+  book->sheet().change();
   const std::string sheet = unzip(book->save()).at("xl/worksheets/sheet1.xml");
   EXPECT_THAT(sheet, HasSubstr(R"(<c r="B2"><f ca="1">A1+$A$1+A2</f><v>1</v></c>)"));
   EXPECT_EQ(sheet.find("shared"), std::string::npos);
@@ -154,8 +154,8 @@ TEST(Worksheet, WritesBackWhatItDoesNotKnow) {
   sheet.insert(sheet.find(" xmlns:r="), R"( xmlns:x="urn:x")");
   const auto book = load(book_of(sheet));
   book->read();
-  EXPECT_EQ(book->sheet().arrays.size(), 2u);
-  book->sheet().put_value(5, 0, Value::of_number(1), {});
+  EXPECT_EQ(book->sheet().contents().arrays.size(), 2u);
+  book->sheet().change().put_value(5, 0, Value::of_number(1), {});
   const std::string saved = unzip(book->save()).at("xl/worksheets/sheet1.xml");
   for (const char* text : kPieces) EXPECT_THAT(saved, HasSubstr(text));
   EXPECT_THAT(saved, HasSubstr(R"(xmlns:x="urn:x")"));
@@ -169,16 +169,15 @@ TEST(Worksheet, ColumnsAndRowsFollowTheModel) {
                 R"(<col min="1" max="1" width="20" customWidth="1" hidden="1"/>)"
                 R"(<col min="4" max="16384" width="3" outlineLevel="1"/></cols>)")));
   Sheet& sheet = book->read();
-  EXPECT_EQ(sheet.default_row_pixels, 24);
-  EXPECT_EQ(engine::default_column_pixels(sheet), 80);
-  const RowProperties& row = sheet.properties_at(1);
+  EXPECT_EQ(sheet.change().default_row_pixels, 24);
+  EXPECT_EQ(engine::default_column_pixels(sheet.contents()), 80);
+  const RowProperties& row = sheet.change().properties_at(1);
   EXPECT_TRUE(row.hidden && row.collapsed && row.outline_level == 2 && !row.style);
-  ASSERT_EQ(sheet.columns.size(), 2u);
-  EXPECT_EQ(sheet.columns[1].last, 16383);
-  sheet.columns[1].last = 9;
-  sheet.columns[0].hidden = false;
-  sheet.properties_at(7).height = 33;
-  sheet.changed = true;
+  ASSERT_EQ(sheet.change().columns.size(), 2u);
+  EXPECT_EQ(sheet.change().columns[1].last, 16383);
+  sheet.change().columns[1].last = 9;
+  sheet.change().columns[0].hidden = false;
+  sheet.change().properties_at(7).height = 33;
   const std::string saved = unzip(book->save()).at("xl/worksheets/sheet1.xml");
   EXPECT_THAT(saved, HasSubstr(R"(<col min="1" max="1" width="20" customWidth="1"/>)"
                                R"(<col min="4" max="10" width="3" outlineLevel="1"/>)"));
@@ -193,13 +192,13 @@ TEST(Worksheet, ManyRowsComeBack) {
   Sheet& sheet = book->add_sheet("Many");
   for (int row = 0; row < 5000; ++row)
     for (int column = 0; column < 7; ++column)
-      sheet.put_value(row * 3, column * 5, Value::of_number(row * 1.1 / (column + 1)), {});
+      sheet.change().put_value(row * 3, column * 5, Value::of_number(row * 1.1 / (column + 1)), {});
   const auto again = load(book->save());
   Sheet& read = again->read();
-  ASSERT_EQ(read.cells.cell_count(), 35000u);
-  for (const Row& row : sheet.cells.rows())
+  ASSERT_EQ(read.contents().cells.cell_count(), 35000u);
+  for (const Row& row : sheet.contents().cells.rows())
     for (const Cell& cell : row.span()) {
-      const Cell* found = read.cells.find(static_cast<int>(row.number), cell.column);
+      const Cell* found = read.contents().cells.find(static_cast<int>(row.number), cell.column);
       ASSERT_TRUE(found && found->number == cell.number) << row.number;
     }
 }

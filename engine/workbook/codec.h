@@ -1,0 +1,41 @@
+// A codec: one file format, as a row of what a book of its kind is, begins with and comes from.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "engine/workbook/document.h"
+#include "engine/workbook/limits.h"
+
+namespace engine {
+
+namespace package {
+class Source;
+}
+
+enum class LoadScope : std::uint8_t {
+  kEverything,
+  kInfo,  // the list of sheets and the book's settings, no texts and no styles
+};
+
+struct Codec {
+  std::string_view name;                           // as messages call its files: ".xlsx"
+  std::span<const std::string_view> book_endings;  // of files that are workbooks, not templates
+  int biff_version;                                // of the binary format; 0 for others
+  Limits limits;
+
+  // Makes an empty workbook of this kind a new book.
+  std::unique_ptr<Document> (*begin)(Workbook& book);
+
+  // Whether the bytes are a book of this kind, whatever state it is in.
+  bool (*recognise)(const package::Source& source);
+
+  // Reads a file into an empty workbook. Throws FileError. Null as long as books of this kind live
+  // in memory only, neither loaded nor saved.
+  std::unique_ptr<Document> (*load)(std::shared_ptr<const package::Source> source, Workbook& book,
+                                    LoadScope scope);
+};
+
+}  // namespace engine
