@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <type_traits>
 
 #include "engine/package/block_reader.h"
 #include "engine/package/file_error.h"
@@ -12,9 +15,11 @@
 namespace engine::package {
 namespace {
 
-// A tree takes many times the room of a text of small elements, and a packed part of them next to
-// nothing. The biggest trees of real files stay far below this.
-constexpr std::ptrdiff_t kMostTags = 4'000'000;
+// A tree takes many times the room of a text of small elements or attributes, and a packed part of
+// them next to nothing. This is a part with every cell format and cell style that a book can have.
+constexpr std::size_t kMostMemory = 100'000'000;
+constexpr std::size_t kNodeSize = 64;
+constexpr std::size_t kAttributeSize = 40;
 
 constexpr unsigned kParse =
     pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_comments | pugi::parse_pi;
@@ -22,23 +27,55 @@ constexpr unsigned kFormat = pugi::format_raw | pugi::format_no_declaration;
 constexpr std::string_view kDeclaration =
     "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
 
-// The tree's parser lets much pass: unknown entities, document types, any depth. The scanner does
-// not.
-void check(std::string_view text, std::string_view part) {
+// Failed allocations of trees so far on this thread. Without the model the first use in a thread
+// may have to allocate the variable, and failing there would end the process.
+#ifdef __ELF__
+[[gnu::tls_model("initial-exec")]]
+#endif
+constinit thread_local std::uint64_t g_failures = 0;
+
+void* allocate(std::size_t size) {
+  void* const block = std::malloc(size);
+  if (block == nullptr) ++g_failures;
+  return block;
+}
+
+[[maybe_unused]] const bool g_is_counting = [] {
+  pugi::set_memory_management_functions(allocate, std::free);
+  return true;
+}();
+
+// Elements, comments and processing instructions, each of which begins with its own "<".
+std::size_t count_nodes(std::string_view text) {
+  std::size_t nodes = 0;
+  for (auto at = text.find('<'); at != std::string_view::npos; at = text.find('<', at + 1)) {
+    if (!text.substr(at + 1).starts_with('/')) ++nodes;
+  }
+  return nodes;
+}
+
+// The tree's parser lets much pass: unknown entities, document types, any depth and size. The
+// scanner does not.
+void check_text(std::string_view text, std::string_view part) {
+  if (text.find('\0') != std::string_view::npos) throw_damaged(part, "holds a zero byte");
   MemoryReader reader(text);
   XmlScanner scanner(reader, part);
   std::string scratch;
+  std::size_t memory = kNodeSize * count_nodes(text);
   for (;;) {
+    if (memory > kMostMemory) throw_damaged(part, "holds too many elements or attributes");
     switch (scanner.next()) {
       case XmlScanner::Token::Start: {
         auto attributes = scanner.attributes();
         for (XmlAttribute attribute; attributes.next(attribute);) {
           scanner.value(attribute.value, scratch);
+          memory += kAttributeSize;
         }
         break;
       }
       case XmlScanner::Token::Text:
         scanner.text(scratch);
+        memory += kNodeSize;
         break;
       case XmlScanner::Token::End:
         break;
@@ -48,15 +85,25 @@ void check(std::string_view text, std::string_view part) {
   }
 }
 
+// Nothing may be thrown through the library, so what goes wrong is told at the end.
 class StringWriter : public pugi::xml_writer {
  public:
-  explicit StringWriter(std::string& out) : out_(out) {}
-  void write(const void* data, std::size_t size) override {
-    out_.append(static_cast<const char*>(data), size);
+  explicit StringWriter(std::string_view begin) : text_(begin) {}
+
+  void write(const void* data, std::size_t size) override try {
+    if (!failed_) text_.append(static_cast<const char*>(data), size);
+  } catch (const std::bad_alloc&) {
+    failed_ = true;
+  }
+
+  std::string take() {
+    if (failed_) throw std::bad_alloc();
+    return std::move(text_);
   }
 
  private:
-  std::string& out_;
+  std::string text_;
+  bool failed_ = false;
 };
 
 struct Verbatim {
@@ -154,33 +201,58 @@ std::string name_in(pugi::xml_node parent, std::string_view local) {
 
 }  // namespace
 
-pugi::xml_document parse_xml(std::string_view bytes, std::string_view part) {
-  std::string text(bytes);
-  if (!xml_to_utf8(text)) throw_damaged(part, "UTF-16 text is not well-formed");
-  if (text.find('\0') != std::string::npos) throw_damaged(part, "holds a zero byte");
-  if (std::ranges::count(text, '<') > kMostTags) throw_damaged(part, "holds too many elements");
-  check(text, part);
-  pugi::xml_document document;
-  const auto result = document.load_buffer(text.data(), text.size(), kParse, pugi::encoding_utf8);
+static_assert(std::is_nothrow_move_assignable_v<XmlTree>,
+              "prepared trees are exchanged at the end");
+
+XmlTree XmlTree::parse(std::string_view bytes, std::string_view part) {
+  std::string decoded;
+  if (looks_like_utf16(bytes)) {
+    decoded = bytes;
+    if (!xml_to_utf8(decoded)) throw_damaged(part, "UTF-16 text is not well-formed");
+    bytes = decoded;
+  }
+  check_text(bytes, part);
+  XmlTree made;
+  made.failures_before_ = g_failures;
+  const auto result =
+      made.document_.load_buffer(bytes.data(), bytes.size(), kParse, pugi::encoding_utf8);
+  made.check();
   if (!result) {
     throw_damaged(std::string(part) + ", byte " + std::to_string(result.offset),
                   "is not well-formed XML");
   }
-  return document;
+  return made;
 }
 
-std::string serialize_xml(const pugi::xml_document& document) {
-  std::string text(kDeclaration);
-  StringWriter writer(text);
-  document.save(writer, "", kFormat, pugi::encoding_utf8);
-  return refer_to_returns(std::move(text));
+XmlTree XmlTree::copy() const {
+  check();
+  XmlTree made;
+  made.failures_before_ = g_failures;
+  made.document_.reset(document_);
+  made.check();
+  return made;
+}
+
+void XmlTree::check() const {
+  if (failures_before_ && *failures_before_ != g_failures) throw std::bad_alloc();
+}
+
+void XmlTree::settle() {
+  check();
+  failures_before_.reset();
+}
+
+std::string XmlTree::serialize() const {
+  check();
+  StringWriter writer(kDeclaration);
+  document_.save(writer, "", kFormat, pugi::encoding_utf8);
+  return refer_to_returns(writer.take());
 }
 
 std::string serialize_xml(pugi::xml_node node) {
-  std::string text;
-  StringWriter writer(text);
+  StringWriter writer({});
   node.print(writer, "", kFormat, pugi::encoding_utf8);
-  return refer_to_returns(std::move(text));
+  return refer_to_returns(writer.take());
 }
 
 std::string_view local_name(pugi::xml_node node) {

@@ -3,8 +3,14 @@
 // A tree keeps the order, the prefixes, comments and white space of what it read, so that what we
 // do not know survives being written again. Names are matched by namespace and local name, as the
 // prefix is the writer's choice.
+//
+// The library below tells nobody that memory was short: a node is missing, a value is the old one,
+// a copy is shorter. So its allocator counts failures, and a tree throws std::bad_alloc before
+// anybody takes for whole what was made or edited while one happened.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
@@ -14,13 +20,39 @@
 
 namespace engine::package {
 
-// UTF-8 or UTF-16, with or without a byte order mark. `part` names the part in errors. Throws
-// FileError when the text is not well-formed, declares a document type or nests too deep.
-pugi::xml_document parse_xml(std::string_view bytes, std::string_view part);
+// The owner of one tree. It is open to edits when it was parsed or copied; once settled it only is
+// read and copied, so that what goes wrong elsewhere later on is no concern of it.
+class XmlTree {
+ public:
+  // Without a root.
+  XmlTree() = default;
 
-// UTF-8 with an XML declaration. A carriage return in a text becomes a character reference: it came
-// from one, as reading turns plain ones into line feeds.
-std::string serialize_xml(const pugi::xml_document& document);
+  // UTF-8 or UTF-16, with or without a byte order mark. `part` names the part in errors. Throws
+  // FileError when the text is not well-formed, declares a document type, nests too deep or would
+  // make too big a tree.
+  static XmlTree parse(std::string_view bytes, std::string_view part);
+
+  // A tree of its own, open to edits.
+  XmlTree copy() const;
+
+  // The outermost element; null without one. Edits go through it.
+  pugi::xml_node root() const { return document_.document_element(); }
+
+  // Ends the edits; called before the tree is kept. Throws std::bad_alloc when memory was short for
+  // one of them.
+  void settle();
+
+  // UTF-8 with an XML declaration. A carriage return in a text becomes a character reference: it
+  // came from one, as reading turns plain ones into line feeds. Throws as settle() does.
+  std::string serialize() const;
+
+ private:
+  void check() const;
+
+  pugi::xml_document document_;
+  std::optional<std::uint64_t> failures_before_;  // while it is open to edits
+};
+
 // One element with all it holds, without a declaration.
 std::string serialize_xml(pugi::xml_node node);
 

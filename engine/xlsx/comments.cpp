@@ -44,8 +44,8 @@ std::vector<std::string> authors_of(pugi::xml_node root) {
   return authors;
 }
 
-pugi::xml_node root_of(const pugi::xml_document& document, std::string_view part) {
-  const pugi::xml_node root = document.document_element();
+pugi::xml_node root_of(const package::XmlTree& document, std::string_view part) {
+  const pugi::xml_node root = document.root();
   if (!package::is(root, Family::Main, "comments"))
     package::throw_damaged(part, "not a list of comments");
   return root;
@@ -105,7 +105,7 @@ bool is_as_read(const Comments& comments, const Comments& as_read, CellAddress c
 }
 
 void read_comments(std::string_view xml, std::string_view part, Comments& comments) {
-  const pugi::xml_document document = package::parse_xml(xml, part);
+  const auto document = package::XmlTree::parse(xml, part);
   const pugi::xml_node root = root_of(document, part);
   const std::vector<std::string> authors = authors_of(root);
   const pugi::xml_node list = package::child(root, Family::Main, "commentList");
@@ -122,8 +122,7 @@ void read_comments(std::string_view xml, std::string_view part, Comments& commen
 
 std::string write_comments(std::string_view stored, std::string_view part, const Comments& comments,
                            const Comments& as_read) {
-  const pugi::xml_document document =
-      package::parse_xml(stored.empty() ? kEmptyPart : stored, part);
+  const auto document = package::XmlTree::parse(stored.empty() ? kEmptyPart : stored, part);
   const pugi::xml_node root = root_of(document, part);
   pugi::xml_node list = child_or_new(root, "commentList", root.last_child());
   Authors authors(root, child_or_new(root, "authors", root.first_child()));
@@ -136,20 +135,20 @@ std::string write_comments(std::string_view stored, std::string_view part, const
   }
   for (const auto& [cell, note] : comments)
     if (!kept.contains(cell)) append_comment(list, cell, note, authors.number(note.author));
-  return package::serialize_xml(document);
+  return document.serialize();
 }
 
 std::string write_threads(std::string_view stored, std::string_view part, const Comments& comments,
                           const Comments& as_read) {
-  const pugi::xml_document document = package::parse_xml(stored, part);
-  pugi::xml_node root = document.document_element();
+  const auto document = package::XmlTree::parse(stored, part);
+  pugi::xml_node root = document.root();
   for (pugi::xml_node node = root.first_child(); node;) {
     const pugi::xml_node next = node.next_sibling();
     const auto cell = cell_of(node);
     if (cell && !is_as_read(comments, as_read, *cell)) root.remove_child(node);
     node = next;
   }
-  return package::serialize_xml(document);
+  return document.serialize();
 }
 
 }  // namespace engine::xlsx

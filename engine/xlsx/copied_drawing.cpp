@@ -24,15 +24,15 @@ bool mentions(pugi::xml_node node, std::string_view id) {
 
 std::optional<CopiedDrawing> copy_pictures(std::string_view bytes, std::string_view part,
                                            const std::vector<Relationship>& links) {
-  const pugi::xml_document document = package::parse_xml(bytes, part);
-  pugi::xml_node root = document.document_element();
+  const auto document = package::XmlTree::parse(bytes, part);
+  pugi::xml_node root = document.root();
   for (pugi::xml_node anchor = root.first_child(); anchor;) {
     const pugi::xml_node next = anchor.next_sibling();
     if (!package::child(anchor, Family::SpreadsheetDrawing, "pic")) root.remove_child(anchor);
     anchor = next;
   }
   if (!root.first_child()) return std::nullopt;
-  CopiedDrawing made{package::serialize_xml(document), {}};
+  CopiedDrawing made{document.serialize(), {}};
   for (const Relationship& link : links)
     if (mentions(root, link.id)) made.links.push_back(link);
   return made;

@@ -44,8 +44,7 @@ std::string read_theme(const Parts& parts, std::string_view main) {
 
 // The part with the boxes of a sheet's notes; null when there is none.
 const Part* notes_drawing_of(const Parts& parts, const SheetPart& sheet) {
-  const pugi::xml_node link =
-      package::child(sheet.tree.document_element(), Family::Main, "legacyDrawing");
+  const pugi::xml_node link = package::child(sheet.tree.root(), Family::Main, "legacyDrawing");
   const std::string_view id = package::attribute(link, Family::Relationships, "id").value();
   const Relationship* relationship = link ? parts.relationship(sheet.part, id) : nullptr;
   return relationship ? parts.target(sheet.part, *relationship) : nullptr;
@@ -97,9 +96,8 @@ void Document::read_tab(Sheet& sheet) const {
   const Part* part = parts_.find(part_of(sheet)->part);
   if (!part) return;
   try {
-    const pugi::xml_document tree = package::parse_xml(parts_.read(*part), part->name);
-    const pugi::xml_node views =
-        package::child(tree.document_element(), Family::Main, "sheetViews");
+    const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
+    const pugi::xml_node views = package::child(tree.root(), Family::Main, "sheetViews");
     const pugi::xml_node view = package::child(views, Family::Main, "sheetView");
     sheet.selected = part_of(sheet)->selected = view.attribute("tabSelected").as_bool();
   } catch (const FileError&) {

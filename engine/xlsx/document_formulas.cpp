@@ -87,11 +87,23 @@ bool edit_source(pugi::xml_node source, const FormulaEdit& edit) {
   return true;
 }
 
+// A copy of a read sheet's tree with its formulas edited; nothing when it stays as it is.
+std::optional<package::XmlTree> edited_tree(const package::XmlTree& tree, const Sheet& sheet,
+                                            const FormulaEdit& edit) {
+  if (!TextEdits().collect_worksheet(tree.root(), &sheet, edit)) return std::nullopt;
+  package::XmlTree copy = tree.copy();
+  TextEdits texts;
+  texts.collect_worksheet(copy.root(), &sheet, edit);
+  texts.apply();
+  copy.settle();
+  return copy;
+}
+
 // The part with its formulas edited; nothing when it stays as it is. One that is damaged stays.
 std::optional<std::string> edited_part(const Parts& parts, const Part& part,
                                        const FormulaEdit& edit) try {
-  const pugi::xml_document tree = package::parse_xml(parts.read(part), part.name);
-  const pugi::xml_node root = tree.document_element();
+  const auto tree = package::XmlTree::parse(parts.read(part), part.name);
+  const pugi::xml_node root = tree.root();
   bool changed = false;
   if (part.type == kPivotCacheType) {
     const pugi::xml_node source = package::child(root, Family::Main, "cacheSource");
@@ -104,7 +116,7 @@ std::optional<std::string> edited_part(const Parts& parts, const Part& part,
     edits.apply();
   }
   if (!changed) return std::nullopt;
-  return package::serialize_xml(tree);
+  return tree.serialize();
 } catch (const package::FileError&) {
   return std::nullopt;
 }
@@ -124,12 +136,14 @@ void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
 void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
                             std::string_view gone_relationship) {
   RecordEdits records;
-  TextEdits texts;
+  std::vector<std::pair<SheetPart*, package::XmlTree>> trees;
   for (const auto& sheet : book.sheets) {
     SheetPart* remains = part_of(*sheet);
     if (!remains || !remains->read) continue;
-    if (texts.collect_worksheet(remains->tree.document_element(), sheet.get(), edit))
+    if (auto tree = edited_tree(remains->tree, *sheet, edit)) {
+      trees.emplace_back(remains, *std::move(tree));
       records.changed.push_back(sheet.get());
+    }
     collect_records(*sheet, *sheet, edit, records);
     if (sheet->outside) collect_records(sheet->outside->rows, *sheet, edit, records);
   }
@@ -146,8 +160,8 @@ void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
           records.texts.emplace_back(&added.bytes, *std::move(bytes));
       }
 
-  texts.apply();
   records.apply();
+  for (auto& [remains, tree] : trees) remains->tree = std::move(tree);
   parts_ = std::move(parts);
 }
 

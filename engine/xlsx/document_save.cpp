@@ -143,13 +143,13 @@ void take_over_namespaces(pugi::xml_node from, pugi::xml_node root) {
 void write_tab(Parts& parts, const SavedSheet& saved) {
   const Part* part = parts.find(saved.part);
   if (!part) return;
-  const pugi::xml_document tree = package::parse_xml(parts.read(*part), part->name);
-  const pugi::xml_node views = package::child(tree.document_element(), Family::Main, "sheetViews");
+  const auto tree = package::XmlTree::parse(parts.read(*part), part->name);
+  const pugi::xml_node views = package::child(tree.root(), Family::Main, "sheetViews");
   for (pugi::xml_node view : package::children(views, Family::Main, "sheetView")) {
     view.remove_attribute("tabSelected");
     if (saved.sheet->selected) view.append_attribute("tabSelected") = "1";
   }
-  parts.put(part->name, part->type, package::serialize_xml(tree));
+  parts.put(part->name, part->type, tree.serialize());
 }
 
 // The name that a part of the book has or gets; it is made, still empty, when there is none.
@@ -248,19 +248,17 @@ class Document::Saving {
 
   void replace_sheets() {
     NotesWriter notes(parts_, book_.limits.grid);
-    const pugi::xml_node workbook = document_.workbook_part_.tree().document_element();
+    const pugi::xml_node workbook = document_.workbook_part_.tree().root();
     for (const SavedSheet& saved : sheets_) {
       if (!saved.rewritten) continue;
-      pugi::xml_document tree;
-      if (saved.remains) tree.reset(saved.remains->tree);
-      else tree = new_worksheet();
-      const pugi::xml_node root = tree.document_element();
+      package::XmlTree tree = saved.remains ? saved.remains->tree.copy() : new_worksheet();
+      const pugi::xml_node root = tree.root();
       if (!saved.remains) take_over_namespaces(workbook, root);
       patch_worksheet(root, *saved.sheet, saved.outside, styles_);
       if (saved.sheet->contents().comments != comments_as_read(saved)) notes.write(saved, root);
-      parts_.put_blocks(
-          saved.part, {},
-          write_worksheet(tree, *saved.sheet, saved.outside, WriteContext{book_, styles_, texts_}));
+      parts_.put_blocks(saved.part, {},
+                        write_worksheet(std::move(tree), *saved.sheet, saved.outside,
+                                        WriteContext{book_, styles_, texts_}));
     }
   }
 
@@ -278,9 +276,8 @@ class Document::Saving {
     std::vector<SheetEntry> entries;
     for (const SavedSheet& saved : sheets_) entries.push_back(saved.entry);
     const WorkbookPart& part = document_.workbook_part_;
-    std::string bytes = package::serialize_xml(part.patched(book_, entries));
-    if (is_new_ || bytes != package::serialize_xml(part.tree()))
-      parts_.put(main_, {}, std::move(bytes));
+    std::string bytes = part.patched(book_, entries).serialize();
+    if (is_new_ || bytes != part.tree().serialize()) parts_.put(main_, {}, std::move(bytes));
     const std::string_view type = parts_.find(main_)->type;
     if (type.empty() || is_workbook_type(type))
       parts_.set_type(main_, workbook_type(book_.has_macros, options.as_template));

@@ -149,8 +149,8 @@ class TableNames {
 
  private:
   void enter(const std::string& bytes) {
-    const pugi::xml_document tree = package::parse_xml(bytes, "table");
-    const pugi::xml_node root = tree.document_element();
+    const auto tree = package::XmlTree::parse(bytes, "table");
+    const pugi::xml_node root = tree.root();
     last_id_ = std::max(last_id_, root.attribute("id").as_uint());
     for (const char* name : {"name", "displayName"})
       used_.insert(fold_case(unescape(root.attribute(name).value())));
@@ -162,8 +162,8 @@ class TableNames {
 
 std::string copy_of_table(const std::string& bytes, TableNames& names,
                           std::vector<formula::TableChange>& copies) {
-  const pugi::xml_document tree = package::parse_xml(bytes, "table");
-  pugi::xml_node root = tree.document_element();
+  const auto tree = package::XmlTree::parse(bytes, "table");
+  pugi::xml_node root = tree.root();
   formula::TableChange& change = copies.emplace_back();
   change.name = unescape(root.attribute("displayName").value());
   const std::string& name = change.renamed.emplace(names.free(change.name));
@@ -176,7 +176,7 @@ std::string copy_of_table(const std::string& bytes, TableNames& names,
       break;
     }
   root.remove_attribute("tableType");
-  return package::serialize_xml(tree);
+  return tree.serialize();
 }
 
 void copy_hyperlinks(pugi::xml_node root, const SheetLinks& links, SheetPart& made) {
@@ -240,9 +240,9 @@ std::vector<formula::TableChange> Document::copy_sheet(Workbook& book, const She
   if (!from) return {};  // a new sheet that nothing is carried for
   auto made = std::make_unique<SheetPart>();
   made->read = true;
-  made->tree.reset(from->tree);
+  made->tree = from->tree.copy();
   made->row_details = from->row_details;
-  const pugi::xml_node root = made->tree.document_element();
+  const pugi::xml_node root = made->tree.root();
   remove_uncopied(root);
   const SheetLinks links(parts_, *from);
   copy_hyperlinks(root, links, *made);
@@ -257,6 +257,7 @@ std::vector<formula::TableChange> Document::copy_sheet(Workbook& book, const She
   TextEdits texts;
   texts.collect_worksheet(root, &original, edit);
   texts.apply();
+  made->tree.settle();
   copy.remains = std::move(made);
   return tables;
 }
@@ -276,8 +277,8 @@ std::vector<Table> Document::tables(const Sheet& sheet) const {
   const SheetLinks links(parts_, *remains);
   for (const std::string& id : links.tables()) {
     try {
-      const pugi::xml_document tree = package::parse_xml(links.part(id), "table");
-      const pugi::xml_node root = tree.document_element();
+      const auto tree = package::XmlTree::parse(links.part(id), "table");
+      const pugi::xml_node root = tree.root();
       const auto cells = formula::parse_range(root.attribute("ref").value());
       if (cells) all.push_back({unescape(root.attribute("displayName").value()), *cells});
     } catch (const package::FileError&) {

@@ -89,12 +89,12 @@ void TextEdits::apply() {
 
 std::optional<std::string> edited_table(std::string_view bytes, const Sheet* sheet,
                                         const FormulaEdit& edit) {
-  const pugi::xml_document tree = package::parse_xml(bytes, "table");
+  const auto tree = package::XmlTree::parse(bytes, "table");
   TextEdits edits;
-  edits.collect_table(tree.document_element(), sheet, edit);
+  edits.collect_table(tree.root(), sheet, edit);
   if (edits.empty()) return std::nullopt;
   edits.apply();
-  return package::serialize_xml(tree);
+  return tree.serialize();
 }
 
 }  // namespace engine::xlsx

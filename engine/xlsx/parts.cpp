@@ -56,8 +56,8 @@ Parts::Parts(std::shared_ptr<const package::Source> source)
 void Parts::read_types() {
   const package::ArchiveEntry* entry = archive_->find(kTypesName);
   if (!entry) return;
-  const pugi::xml_document document = package::parse_xml(archive_->read(*entry), kTypesName);
-  for (const pugi::xml_node node : document.document_element().children()) {
+  const auto document = package::XmlTree::parse(archive_->read(*entry), kTypesName);
+  for (const pugi::xml_node node : document.root().children()) {
     const char* type = node.attribute("ContentType").value();
     if (package::local_name(node) == "Default")
       default_types_.try_emplace(lower_ascii(node.attribute("Extension").value()), type);
@@ -237,8 +237,8 @@ void Parts::remove_signatures() {
 std::string Parts::written_types() const {
   const package::ArchiveEntry* entry = archive_ ? archive_->find(kTypesName) : nullptr;
   const std::string stored = entry ? archive_->read(*entry) : std::string(kEmptyTypes);
-  const pugi::xml_document document = package::parse_xml(stored, kTypesName);
-  pugi::xml_node root = document.document_element();
+  const auto document = package::XmlTree::parse(stored, kTypesName);
+  pugi::xml_node root = document.root();
   bool changed = false;
   std::set<std::string> settled;
   for (pugi::xml_node node = root.first_child(); node;) {
@@ -265,7 +265,7 @@ std::string Parts::written_types() const {
     node.append_attribute("ContentType") = part.type.c_str();
     changed = true;
   }
-  return changed || !archive_ ? package::serialize_xml(document) : std::string();
+  return changed || !archive_ ? document.serialize() : std::string();
 }
 
 void Parts::write_relationships_of(std::string_view owner, package::ArchiveWriter& archive) const {

@@ -34,9 +34,9 @@ std::string relationships_name(std::string_view part) {
 }
 
 std::vector<Relationship> parse_relationships(std::string_view xml, std::string_view name) {
-  const pugi::xml_document document = package::parse_xml(xml, name);
+  const auto document = package::XmlTree::parse(xml, name);
   std::vector<Relationship> found;
-  for (const pugi::xml_node node : document.document_element().children()) {
+  for (const pugi::xml_node node : document.root().children()) {
     if (!package::is(node, Family::PackageRelationships, "Relationship")) continue;
     Relationship one;
     one.id = node.attribute("Id").value();

@@ -117,7 +117,7 @@ std::uint64_t formulas_of(const SheetContents& sheet) {
   return sum;
 }
 
-pugi::xml_document new_worksheet() { return package::parse_xml(kNewWorksheet, "new worksheet"); }
+package::XmlTree new_worksheet() { return package::XmlTree::parse(kNewWorksheet, "new worksheet"); }
 
 pugi::xml_node worksheet_child(pugi::xml_node root, std::string_view local) {
   return child_in_order(root, local, kWorksheetOrder);

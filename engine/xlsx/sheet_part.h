@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/package/xml_tree.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/relationships.h"
@@ -42,7 +43,7 @@ class SheetPart : public SheetRemains {
   std::uint32_t id = 0;      // sheetId
 
   bool read = false;
-  pugi::xml_document tree;
+  package::XmlTree tree;
   std::vector<std::string> row_details;  // RowProperties::details is an index into this, plus one
   std::uint64_t text_cells = 0;          // cells that name a shared text in the file
   std::uint64_t formulas = 0;            // what formulas_of() gave when the sheet was read
@@ -67,7 +68,7 @@ bool has_formula_element(const CellRecord& record);
 std::uint64_t formulas_of(const SheetContents& sheet);
 
 // The tree of a new worksheet.
-pugi::xml_document new_worksheet();
+package::XmlTree new_worksheet();
 
 // The child of that name, made at its place in the order of a worksheet's or workbook's children.
 pugi::xml_node worksheet_child(pugi::xml_node root, std::string_view local);

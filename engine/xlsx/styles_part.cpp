@@ -26,12 +26,13 @@ constexpr std::string_view kNewPart =
 
 void StylesPart::read(std::string_view bytes, std::string_view part, std::string_view theme,
                       Styles& styles) {
-  pugi::xml_document document = package::parse_xml(bytes.empty() ? kNewPart : bytes, part);
-  const auto sheet = document.document_element();
+  auto document = package::XmlTree::parse(bytes.empty() ? kNewPart : bytes, part);
+  const auto sheet = document.root();
   if (!package::is(sheet, package::Family::Main, "styleSheet"))
     package::throw_damaged(part, "not a style sheet");
   read_style_sheet(sheet, part, styles);
   styles.colors.theme = read_theme(theme);
+  document.settle();
   document_ = std::move(document);
   stored_ = !bytes.empty();
 }

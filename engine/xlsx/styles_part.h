@@ -6,11 +6,11 @@
 #pragma once
 
 #include <cstdint>
-#include <pugixml.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "engine/package/xml_tree.h"
 #include "engine/workbook/styles.h"
 
 namespace engine::xlsx {
@@ -44,7 +44,7 @@ class StylesPart {
   WrittenStyles write(const Styles& styles) const;
 
  private:
-  pugi::xml_document document_;
+  package::XmlTree document_;
   bool stored_ = false;
 };
 

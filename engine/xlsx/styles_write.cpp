@@ -147,15 +147,15 @@ void patch_format(pugi::xml_node xf, const FormatRecord& record, const FormatNum
 
 class StylesWriter {
  public:
-  StylesWriter(const pugi::xml_document& original, pugi::xml_document& copy, const Styles& styles)
+  StylesWriter(const package::XmlTree& original, const package::XmlTree& copy, const Styles& styles)
       : styles_(styles),
-        sheet_(copy.document_element()),
-        numbers_(original.document_element(), sheet_, "numFmts", "numFmt"),
-        fonts_(original.document_element(), sheet_, "fonts", "font"),
-        fills_(original.document_element(), sheet_, "fills", "fill"),
-        borders_(original.document_element(), sheet_, "borders", "border"),
-        style_formats_(original.document_element(), sheet_, "cellStyleXfs", "xf"),
-        formats_(original.document_element(), sheet_, "cellXfs", "xf") {}
+        sheet_(copy.root()),
+        numbers_(original.root(), sheet_, "numFmts", "numFmt"),
+        fonts_(original.root(), sheet_, "fonts", "font"),
+        fills_(original.root(), sheet_, "fills", "fill"),
+        borders_(original.root(), sheet_, "borders", "border"),
+        style_formats_(original.root(), sheet_, "cellStyleXfs", "xf"),
+        formats_(original.root(), sheet_, "cellXfs", "xf") {}
 
   // The numbers of the book's formats.
   std::vector<std::uint32_t> write() {
@@ -362,11 +362,10 @@ std::uint32_t StylesWriter::add_fill(const Fill& fill) {
 }  // namespace
 
 WrittenStyles StylesPart::write(const Styles& styles) const {
-  pugi::xml_document copy;
-  copy.reset(document_);
+  const package::XmlTree copy = document_.copy();
   WrittenStyles made;
   made.format_numbers = StylesWriter(document_, copy, styles).write();
-  made.bytes = package::serialize_xml(copy);
+  made.bytes = copy.serialize();
   return made;
 }
 

@@ -32,9 +32,8 @@ ThemeColors read_theme(std::string_view bytes) {
   ThemeColors colors = kDefaultTheme;
   if (bytes.empty()) return colors;
   try {
-    const pugi::xml_document document = package::parse_xml(bytes, "theme");
-    const auto elements =
-        package::child(document.document_element(), Family::Drawing, "themeElements");
+    const auto document = package::XmlTree::parse(bytes, "theme");
+    const auto elements = package::child(document.root(), Family::Drawing, "themeElements");
     const auto scheme = package::child(elements, Family::Drawing, "clrScheme");
     for (std::size_t number = 0; number < colors.size(); ++number) {
       const auto entry = package::child(scheme, Family::Drawing, kNames[number]);

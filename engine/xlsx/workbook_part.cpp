@@ -200,12 +200,15 @@ void read_names(pugi::xml_node root, Workbook& book) {
 
 }  // namespace
 
-WorkbookPart::WorkbookPart() : document_(package::parse_xml(kNewWorkbook, "new workbook")) {}
+WorkbookPart::WorkbookPart() : document_(package::XmlTree::parse(kNewWorkbook, "new workbook")) {
+  document_.settle();
+}
 
 void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_view part,
                         Workbook& book) {
-  document_ = package::parse_xml(bytes, part);
-  const pugi::xml_node root = document_.document_element();
+  document_ = package::XmlTree::parse(bytes, part);
+  document_.settle();
+  const pugi::xml_node root = document_.root();
   if (!package::is(root, Family::Main, "workbook"))
     throw package::FileError("is not an .xlsx workbook");
   read_sheets(root, parts, part, book);
@@ -242,11 +245,10 @@ void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::str
   }
 }
 
-pugi::xml_document WorkbookPart::patched(const Workbook& book,
-                                         const std::vector<SheetEntry>& sheets) const {
-  pugi::xml_document copy;
-  copy.reset(document_);
-  const pugi::xml_node root = copy.document_element();
+package::XmlTree WorkbookPart::patched(const Workbook& book,
+                                       const std::vector<SheetEntry>& sheets) const {
+  package::XmlTree copy = document_.copy();
+  const pugi::xml_node root = copy.root();
   patch_names(root, book, sheet_nodes(root).size());
   patch_sheets(root, sheets);
   patch_views(root, book);

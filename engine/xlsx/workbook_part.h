@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/package/xml_tree.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/parts.h"
 
@@ -30,10 +31,10 @@ class WorkbookPart {
   void read(std::string_view bytes, const Parts& parts, std::string_view part, Workbook& book);
 
   // The tree with all that the book says.
-  pugi::xml_document patched(const Workbook& book, const std::vector<SheetEntry>& sheets) const;
+  package::XmlTree patched(const Workbook& book, const std::vector<SheetEntry>& sheets) const;
 
   // The formulas of the part belong to the model, all of them: names.
-  const pugi::xml_document& tree() const { return document_; }
+  const package::XmlTree& tree() const { return document_; }
 
   // The highest sheet id that the file has given out.
   std::uint32_t last_sheet_id() const { return last_sheet_id_; }
@@ -41,7 +42,7 @@ class WorkbookPart {
  private:
   void read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part, Workbook& book);
 
-  pugi::xml_document document_;
+  package::XmlTree document_;
   std::uint32_t last_sheet_id_ = 0;
 };
 

@@ -586,8 +586,9 @@ void Reader::fail(std::string_view what) const {
 }
 
 void Reader::parse_tree(const std::string& head_and_tail) {
-  remains_.tree = package::parse_xml(head_and_tail, part_);
-  const pugi::xml_node root = remains_.tree.document_element();
+  remains_.tree = package::XmlTree::parse(head_and_tail, part_);
+  remains_.tree.settle();
+  const pugi::xml_node root = remains_.tree.root();
   read_columns(package::child(root, Family::Main, "cols"));
   const pugi::xml_node views = package::child(root, Family::Main, "sheetViews");
   const pugi::xml_node view = package::child(views, Family::Main, "sheetView");

@@ -119,7 +119,7 @@ struct Block {
 
 class WorksheetText {
  public:
-  WorksheetText(const pugi::xml_document& tree, const Sheet& sheet, const OutsideRows* outside,
+  WorksheetText(const package::XmlTree& tree, const Sheet& sheet, const OutsideRows* outside,
                 const WriteContext& context);
 
   std::size_t block_count() const { return blocks_.size(); }
@@ -130,7 +130,7 @@ class WorksheetText {
                std::uint32_t first_text);
   void cut_into_blocks();
   void make_pieces();
-  void render_ends(const pugi::xml_document& tree);
+  void render_ends(const package::XmlTree& tree);
 
   void write_row(TextBuffer& out, const RowRun& run, const Row& row) const;
   char* write_properties(char* at, const RowProperties& properties) const;
@@ -160,7 +160,7 @@ class WorksheetText {
   std::string tail_;
 };
 
-WorksheetText::WorksheetText(const pugi::xml_document& tree, const Sheet& sheet,
+WorksheetText::WorksheetText(const package::XmlTree& tree, const Sheet& sheet,
                              const OutsideRows* outside, const WriteContext& context)
     : context_(context) {
   const std::span<const Row> rows = sheet.contents().cells.rows();
@@ -232,8 +232,8 @@ void WorksheetText::make_pieces() {
 }
 
 // The text in front of the first row and behind the last.
-void WorksheetText::render_ends(const pugi::xml_document& tree) {
-  const pugi::xml_node root = tree.document_element();
+void WorksheetText::render_ends(const package::XmlTree& tree) {
+  const pugi::xml_node root = tree.root();
   const std::string name = root.name();
   head_ = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<" + name;
   for (const pugi::xml_attribute attribute : root.attributes()) {
@@ -539,8 +539,9 @@ void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows*
   patch_columns(root, sheet.contents(), styles);
 }
 
-PartBlocks write_worksheet(const pugi::xml_document& tree, const Sheet& sheet,
-                           const OutsideRows* outside, const WriteContext& context) {
+PartBlocks write_worksheet(package::XmlTree tree, const Sheet& sheet, const OutsideRows* outside,
+                           const WriteContext& context) {
+  tree.settle();
   auto text = std::make_shared<const WorksheetText>(tree, sheet, outside, context);
   const std::size_t count = text->block_count();
   return {count, [text = std::move(text)](std::size_t block, std::string& out) {

@@ -31,7 +31,7 @@ void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows*
                      const WrittenStyles& styles);
 
 // The part of a sheet whose tree is patched. Sheet and outside rows must outlive the blocks.
-PartBlocks write_worksheet(const pugi::xml_document& tree, const Sheet& sheet,
-                           const OutsideRows* outside, const WriteContext& context);
+PartBlocks write_worksheet(package::XmlTree tree, const Sheet& sheet, const OutsideRows* outside,
+                           const WriteContext& context);
 
 }  // namespace engine::xlsx

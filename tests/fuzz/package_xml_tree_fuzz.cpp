@@ -5,8 +5,7 @@
 #include "tests/fuzz/package_entry.h"
 
 void fuzz::decode(std::string_view bytes) {
-  using engine::package::parse_xml;
-  using engine::package::serialize_xml;
-  const auto text = serialize_xml(parse_xml(bytes, "part"));
-  if (serialize_xml(parse_xml(text, "part")) != text) std::abort();
+  using engine::package::XmlTree;
+  const auto text = XmlTree::parse(bytes, "part").serialize();
+  if (XmlTree::parse(text, "part").serialize() != text) std::abort();
 }
