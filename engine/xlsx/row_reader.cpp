@@ -1,0 +1,567 @@
+#include "engine/xlsx/row_reader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "engine/formula/formula_text.h"
+#include "engine/formula/reference.h"
+#include "engine/package/file_error.h"
+#include "engine/package/xml_scanner.h"
+#include "engine/package/xml_text.h"
+#include "engine/text/number_text.h"
+#include "engine/xlsx/escapes.h"
+#include "engine/xlsx/iso_date.h"
+#include "engine/xlsx/string_item.h"
+
+namespace engine::xlsx {
+
+namespace {
+
+using package::Family;
+using package::XmlAttribute;
+using package::XmlAttributes;
+using package::XmlScanner;
+using Token = XmlScanner::Token;
+
+constexpr std::size_t kMaxPlainCell = 192;  // bytes of the longest cell that is taken as one piece
+
+bool is_true(std::string_view value) { return value == "1" || value == "true"; }
+
+template <class T>
+std::optional<T> parse_whole(std::string_view text) {
+  T number = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && stop == end ? std::optional<T>(number) : std::nullopt;
+}
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
+}
+
+// A number of usual length at `at`, up to the next "<"; null when it is none of that kind. Up to 15
+// digits and powers of ten up to 22 are exact as doubles, so their quotient is rounded once.
+const char* plain_number(const char* at, double& number) {
+  constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  const bool negative = *at == '-';
+  if (negative) ++at;
+  std::uint64_t digits = 0;
+  const char* begin = at;
+  for (; *at >= '0' && *at <= '9'; ++at) {
+    digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
+    if (at - begin > 15) return nullptr;
+  }
+  if (at == begin) return nullptr;
+  std::ptrdiff_t count = at - begin;
+  std::ptrdiff_t decimals = 0;
+  if (*at == '.') {
+    const char* point = at++;
+    for (; *at >= '0' && *at <= '9'; ++at) {
+      digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
+      if (at - begin > 16) return nullptr;
+    }
+    decimals = at - point - 1;
+    count += decimals;
+  }
+  if (*at != '<' || count > 15) return nullptr;
+  number = static_cast<double>(digits);
+  if (decimals != 0) number /= kPowers[decimals];
+  if (negative && digits != 0) number = -number;
+  return at;
+}
+
+// A formula that other cells share, as its first cell has it.
+struct SharedFormula {
+  std::string text;
+  CellAddress at;
+};
+
+// What the file says of one cell. The texts are reused from cell to cell.
+struct CellText {
+  std::optional<CellAddress> at;
+  std::uint32_t style = 0;
+  std::string kind;
+  std::string value;
+  bool has_value = false;
+  bool has_formula = false;
+  std::string formula;
+  std::string inline_item;
+  CellExtra extra;
+
+  void clear() {
+    at.reset();
+    style = 0;
+    kind.clear();
+    value.clear();
+    has_value = false;
+    has_formula = false;
+    formula.clear();
+    inline_item.clear();
+    extra = {};
+  }
+  bool has_extra() const {
+    return extra.form != FormulaForm::kNormal || !extra.details.empty() ||
+           !extra.formula_details.empty() || !extra.children.empty();
+  }
+};
+
+void append_attribute(std::string& out, const XmlAttribute& attribute) {
+  const char quote = attribute.value.find('"') == std::string_view::npos ? '"' : '\'';
+  out.append(" ").append(attribute.name).append("=").append(1, quote);
+  out.append(attribute.value).push_back(quote);
+}
+
+}  // namespace
+
+// What the reader is made of.
+class RowReader::Machine {
+ public:
+  Machine(XmlScanner& scanner, std::string_view part, const SheetContext& context,
+          const RowFilter& filter, SheetContents& sheet, SheetPart& remains)
+      : scanner_(scanner),
+        part_(part),
+        context_(context),
+        grid_(context.workbook.limits.grid),
+        filter_(filter),
+        sheet_(sheet),
+        remains_(remains),
+        prefixed_(scanner.qualified_name() != scanner.name()) {}
+
+  void read_rows();
+
+ private:
+  void read_row();
+  std::uint32_t read_row_attributes();
+  bool read_row_attribute(const XmlAttribute& attribute, RowProperties& properties, bool& any,
+                          bool& custom_format, std::optional<std::uint32_t>& style);
+  void keep_row_children(const std::string& children);
+  std::uint32_t number_of_details(const std::string& details);
+
+  bool take_plain_cell();
+  const char* take_address(const char* at);
+  void read_cell();
+  void read_cell_attributes();
+  void read_cell_children();
+  void read_formula();
+  void read_shared_formula(std::string_view index);
+  void place_cell();
+  Value value_of_cell();
+  void keep_date_text();
+  Value number_value();
+  Value text_value();
+  Value inline_value();
+  void store(const Cell& cell);
+
+  Value own_text(std::string_view text) {
+    return Value::of_text(context_.first_text + context_.workbook.strings.add(text));
+  }
+  [[noreturn]] void fail(std::string_view what) const;
+
+  XmlScanner& scanner_;
+  const std::string part_;
+  const SheetContext& context_;
+  const Grid grid_;
+  const RowFilter& filter_;
+  SheetContents& sheet_;
+  SheetPart& remains_;
+  const bool prefixed_;
+
+  int row_ = -1;
+  int column_ = -1;
+  bool keeps_row_ = true;
+  Row* target_ = nullptr;  // the row that cells are put into; null until it has one
+  CellText cell_;
+  std::string scratch_;
+  std::unordered_map<std::uint32_t, SharedFormula> shared_;
+  std::map<std::string, std::uint32_t> details_;
+};
+
+void RowReader::Machine::read_rows() {
+  while (scanner_.next() != Token::End) {
+    if (scanner_.token() != Token::Start) continue;
+    if (scanner_.name() == "row") read_row();
+    else scanner_.skip_element();
+  }
+}
+
+void RowReader::Machine::read_row() {
+  ++row_;
+  column_ = -1;
+  const std::uint32_t properties = read_row_attributes();
+  keeps_row_ = filter_.keeps(row_);
+  target_ = nullptr;
+  if (properties != 0 && keeps_row_) sheet_.cells.row_at(row_).properties = properties;
+  const int row = row_;
+  std::string children;
+  if (!prefixed_ && keeps_row_)
+    while (take_plain_cell()) continue;
+  while (scanner_.next() != Token::End) {
+    if (scanner_.token() != Token::Start) continue;
+    if (scanner_.name() != "c") {
+      scanner_.append_element(children);
+      continue;
+    }
+    read_cell();
+    row_ = row;
+    keeps_row_ = filter_.keeps(row_);
+    if (!prefixed_ && keeps_row_)
+      while (take_plain_cell()) continue;
+  }
+  if (!children.empty() && keeps_row_) keep_row_children(children);
+}
+
+void RowReader::Machine::keep_row_children(const std::string& children) {
+  RowProperties& properties = sheet_.properties_at(row_);
+  std::string details;
+  if (properties.details != 0) details = remains_.row_details[properties.details - 1];
+  details.append(1, kDetailsEnd).append(children);
+  properties.details = number_of_details(details);
+}
+
+// The number of the row's properties, plus one; 0 when it has none worth an entry.
+std::uint32_t RowReader::Machine::read_row_attributes() {
+  RowProperties properties;
+  bool any = false;
+  bool custom_format = false;
+  std::optional<std::uint32_t> style;
+  scratch_.clear();
+  XmlAttributes attributes = scanner_.attributes();
+  for (XmlAttribute one; attributes.next(one);)
+    if (!read_row_attribute(one, properties, any, custom_format, style))
+      append_attribute(scratch_, one);
+  if (style && custom_format) properties.style = context_.format(*style);
+  if (!scratch_.empty()) properties.details = number_of_details(scratch_);
+  if (!any && !properties.style && properties.details == 0) return 0;
+  if (!filter_.keeps(row_)) return 0;
+  sheet_.row_properties.push_back(properties);
+  return static_cast<std::uint32_t>(sheet_.row_properties.size());
+}
+
+bool RowReader::Machine::read_row_attribute(const XmlAttribute& attribute,
+                                            RowProperties& properties, bool& any,
+                                            bool& custom_format,
+                                            std::optional<std::uint32_t>& style) {
+  const auto [name, value] = attribute;
+  if (name == "r") {
+    const auto number = parse_whole<int>(trimmed(value));
+    if (!number || *number < 1 || *number > grid_.rows)
+      package::throw_damaged(
+          part_, "row " + std::string(value.substr(0, 64)) + " of " + std::to_string(grid_.rows));
+    row_ = *number - 1;
+  } else if (name == "spans") {
+    // Only a hint, and wrong as soon as a cell is added.
+  } else if (name == "s") {
+    style = parse_whole<std::uint32_t>(value);
+  } else if (name == "customFormat") {
+    custom_format = is_true(value);
+  } else if (name == "ht") {
+    properties.height = parse_number(value);
+    any = true;
+  } else if (name == "customHeight") {
+    any |= properties.custom_height = is_true(value);
+  } else if (name == "hidden") {
+    any |= properties.hidden = is_true(value);
+  } else if (name == "collapsed") {
+    any |= properties.collapsed = is_true(value);
+  } else if (name == "outlineLevel") {
+    properties.outline_level =
+        std::min<std::uint8_t>(parse_whole<std::uint8_t>(value).value_or(0), 7);
+    any |= properties.outline_level != 0;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+std::uint32_t RowReader::Machine::number_of_details(const std::string& details) {
+  const auto [entry, is_new] = details_.try_emplace(details, 0);
+  if (is_new) {
+    remains_.row_details.push_back(details);
+    entry->second = static_cast<std::uint32_t>(remains_.row_details.size());
+  }
+  return entry->second;
+}
+
+// Takes the letters and digits of a cell in the present row, with the quote behind.
+const char* RowReader::Machine::take_address(const char* at) {
+  std::uint32_t column = 0;
+  const char* begin = at;
+  for (; *at >= 'A' && *at <= 'Z'; ++at) {
+    column = column * 26 + static_cast<std::uint32_t>(*at - 'A') + 1;
+    if (at - begin > 2) return nullptr;
+  }
+  if (at == begin) return nullptr;
+  std::uint32_t row = 0;
+  begin = at;
+  for (; *at >= '0' && *at <= '9'; ++at) {
+    row = row * 10 + static_cast<std::uint32_t>(*at - '0');
+    if (at - begin > 6) return nullptr;
+  }
+  const bool here = static_cast<int>(row) == row_ + 1 && static_cast<int>(column) <= grid_.columns;
+  if (at == begin || *at != '"' || !here) return nullptr;
+  column_ = static_cast<int>(column) - 1;
+  return at + 1;
+}
+
+// A cell of a number, a shared text or nothing in the form that nearly all have. False when the
+// next one is of another form; then nothing is taken.
+bool RowReader::Machine::take_plain_cell() {
+  const std::string_view ahead = scanner_.ahead();
+  if (ahead.size() < kMaxPlainCell) return false;
+  const char* at = ahead.data();
+  const auto take = [&](std::string_view text) {
+    if (std::memcmp(at, text.data(), text.size()) != 0) return false;
+    at += text.size();
+    return true;
+  };
+  if (!take("<c r=\"")) return false;
+  const int column = column_;
+  const auto give_up = [&] {
+    column_ = column;
+    return false;
+  };
+  at = take_address(at);
+  if (!at) return give_up();
+  std::uint32_t style = 0;
+  if (take(" s=\"")) {
+    const char* begin = at;
+    for (; *at >= '0' && *at <= '9' && at - begin < 7; ++at)
+      style = style * 10 + static_cast<std::uint32_t>(*at - '0');
+    if (at == begin || *at++ != '"') return give_up();
+  }
+  const bool text = take(" t=\"s\"");
+  Value value;
+  if (take("><v>")) {
+    double number = 0;
+    const char* begin = at;
+    at = plain_number(at, number);
+    if (!at) {
+      // More digits than fit the short way; the same bytes by the long one.
+      const auto* end = static_cast<const char*>(std::memchr(begin, '<', 40));
+      const auto parsed = end && !text && *begin > ' ' && end[-1] > ' '
+                              ? parse_number({begin, static_cast<std::size_t>(end - begin)})
+                              : std::nullopt;
+      if (!parsed) return give_up();
+      number = *parsed;
+      at = end;
+    }
+    if (!take("</v></c>")) return give_up();
+    if (text) {
+      const bool known = number >= 0 && number < context_.shared_texts;
+      if (!known || number != static_cast<std::uint32_t>(number)) return give_up();
+      value = Value::of_text(static_cast<std::uint32_t>(number));
+      ++remains_.text_cells;
+    } else {
+      value = Value::of_number(number);
+    }
+  } else if (text || !take("/>")) {
+    return give_up();
+  }
+  store(SheetContents::make_cell(column_, value, context_.format(style)));
+  scanner_.consume(static_cast<std::size_t>(at - ahead.data()));
+  return true;
+}
+
+void RowReader::Machine::store(const Cell& cell) {
+  if (!target_ || target_->number != static_cast<std::uint32_t>(row_))
+    target_ = &sheet_.cells.row_at(row_);
+  sheet_.cells.at(*target_, cell.column) = cell;
+}
+
+void RowReader::Machine::read_cell() {
+  cell_.clear();
+  read_cell_attributes();
+  place_cell();
+  read_cell_children();
+  if (!keeps_row_) return;
+  const Value value = value_of_cell();
+  const bool has_formula = !cell_.formula.empty();
+  if (!has_formula && !cell_.has_extra())
+    return store(SheetContents::make_cell(column_, value, cell_.style));
+  CellRecord record;
+  record.value = value;
+  record.formula = cell_.formula;
+  if (cell_.has_extra()) record.extra = std::make_unique<CellExtra>(std::move(cell_.extra));
+  Cell cell;
+  cell.bits = sheet_.keep_record(std::move(record));
+  cell.style = cell_.style;
+  cell.column = static_cast<std::uint16_t>(column_);
+  cell.kind = CellKind::kRecord;
+  store(cell);
+}
+
+void RowReader::Machine::read_cell_attributes() {
+  XmlAttributes attributes = scanner_.attributes();
+  for (XmlAttribute one; attributes.next(one);) {
+    if (one.name == "r") {
+      const auto address = formula::parse_cell(trimmed(one.value));
+      if (!address)
+        package::throw_damaged(
+            part_, "cell address \"" + std::string(one.value.substr(0, 64)) + "\" is not one");
+      cell_.at = CellAddress{address->row, address->column};
+    } else if (one.name == "s") {
+      cell_.style = context_.format(parse_whole<std::uint32_t>(one.value).value_or(0));
+    } else if (one.name == "t") {
+      cell_.kind = one.value;
+    } else {
+      append_attribute(cell_.extra.details, one);
+    }
+  }
+}
+
+// A cell without an address follows the one before; its own address counts, whatever row it is in.
+void RowReader::Machine::place_cell() {
+  if (!cell_.at) cell_.at = CellAddress{row_, column_ + 1};
+  row_ = cell_.at->row;
+  column_ = cell_.at->column;
+  if (row_ >= grid_.rows || column_ >= grid_.columns) fail("is beyond the last cell");
+  keeps_row_ = filter_.keeps(row_);
+}
+
+void RowReader::Machine::read_cell_children() {
+  while (scanner_.next() != Token::End) {
+    if (scanner_.token() != Token::Start) continue;
+    if (scanner_.name() == "v") {
+      scanner_.append_text(cell_.value);
+      cell_.has_value = true;
+    } else if (scanner_.name() == "f") {
+      read_formula();
+    } else if (scanner_.name() == "is") {
+      scanner_.append_element(cell_.inline_item);
+    } else {
+      scanner_.append_element(cell_.extra.children);
+    }
+  }
+}
+
+void RowReader::Machine::read_formula() {
+  std::string kind;
+  std::string shared;
+  cell_.has_formula = true;
+  XmlAttributes attributes = scanner_.attributes();
+  for (XmlAttribute one; attributes.next(one);) {
+    if (one.name == "t") {
+      kind = one.value;
+    } else if (one.name == "si") {
+      shared = one.value;
+    } else if (one.name == "ref") {
+      // Of a shared formula it is only a hint.
+      const auto range = formula::parse_range(one.value);
+      if (range) cell_.extra.range = *range;
+    } else {
+      append_attribute(cell_.extra.formula_details, one);
+    }
+  }
+  scanner_.append_text(cell_.formula);
+  if (kind == "array") cell_.extra.form = FormulaForm::kArray;
+  else if (kind == "dataTable") cell_.extra.form = FormulaForm::kDataTable;
+  else if (kind == "shared") read_shared_formula(shared);
+  const auto& [row_first, row_last, column_first, column_last] = cell_.extra.range;
+  const bool many = row_first != row_last || column_first != column_last;
+  // One that begins outside of the rows that are read may fill cells of them all the same.
+  const bool reaches_in =
+      keeps_row_ || (!filter_.others && row_first <= filter_.last && row_last >= filter_.first);
+  if (many && cell_.extra.form != FormulaForm::kNormal && reaches_in)
+    sheet_.arrays.push_back(cell_.extra.range);
+}
+
+// The text stands at the first cell of the group; the others have it moved by their distance. A
+// later text with the same number holds for what follows.
+void RowReader::Machine::read_shared_formula(std::string_view index) {
+  const auto number = parse_whole<std::uint32_t>(index);
+  if (!number) return;
+  if (!cell_.formula.empty()) {
+    shared_.insert_or_assign(*number, SharedFormula{cell_.formula, *cell_.at});
+    return;
+  }
+  const auto master = shared_.find(*number);
+  if (master == shared_.end()) fail("shared formula " + std::string(index) + " is missing");
+  if (!keeps_row_) return;
+  const auto& [text, at] = master->second;
+  const auto moved = formula::shift_text(text, row_ - at.row, column_ - at.column);
+  cell_.formula = moved ? *moved : text;
+}
+
+Value RowReader::Machine::value_of_cell() {
+  const std::string_view kind = cell_.kind;
+  if (!cell_.inline_item.empty()) return inline_value();
+  if (!cell_.has_value) return {};
+  if (kind.empty() || kind == "n") return number_value();
+  if (kind == "s") return text_value();
+  if (kind == "str" || kind == "inlineStr") {
+    if (cell_.value.find("_x") != std::string::npos) return own_text(unescape(cell_.value));
+    return own_text(cell_.value);
+  }
+  const std::string_view value = trimmed(cell_.value);
+  if (value.empty()) return {};
+  if (kind == "b") {
+    if (is_true(value)) return Value::of_boolean(true);
+    if (value == "0" || value == "false") return Value::of_boolean(false);
+    fail("\"" + std::string(value.substr(0, 64)) + "\" is not a true/false value");
+  }
+  if (kind == "e") return Value::of_error(error_number(context_.workbook, value));
+  if (kind != "d") fail("type \"" + std::string(kind.substr(0, 64)) + "\" is not known");
+  const auto date = parse_iso_date(value, context_.date1904);
+  if (!date) fail("\"" + std::string(value.substr(0, 64)) + "\" is not a date");
+  keep_date_text();
+  return Value::of_number(*date);
+}
+
+// What shows that the number is a date is its notation alone, so the cell keeps that.
+void RowReader::Machine::keep_date_text() {
+  std::string text = "<v>";
+  package::append_xml_text(text, cell_.value);
+  cell_.extra.children.insert(0, text.append("</v>"));
+  cell_.extra.details.insert(0, kDateKind);
+}
+
+Value RowReader::Machine::number_value() {
+  const std::string_view text = trimmed(cell_.value);
+  if (text.empty()) return {};
+  const auto number = parse_number(text);
+  if (!number) fail("\"" + std::string(text.substr(0, 64)) + "\" is not a number");
+  return Value::of_number(*number);
+}
+
+Value RowReader::Machine::text_value() {
+  const std::string_view text = trimmed(cell_.value);
+  if (text.empty()) return {};
+  const auto index = parse_whole<std::uint32_t>(text);
+  if (!index || *index >= context_.shared_texts)
+    fail("text " + std::string(text.substr(0, 64)) + " of " +
+         std::to_string(context_.shared_texts));
+  ++remains_.text_cells;
+  return Value::of_text(*index);
+}
+
+Value RowReader::Machine::inline_value() {
+  std::string content;
+  const StringItem item = parse_string_item(cell_.inline_item, part_, content);
+  if (!item.rich) return own_text(item.text);
+  const std::uint32_t index = context_.workbook.strings.append_rich(item.text, std::move(content));
+  return Value::of_text(context_.first_text + index);
+}
+
+void RowReader::Machine::fail(std::string_view what) const {
+  package::throw_damaged(part_ + ", cell " + formula::print_cell(row_, column_), what);
+}
+
+RowReader::RowReader(XmlScanner& scanner, std::string_view part, const SheetContext& context,
+                     const RowFilter& filter, SheetContents& sheet, SheetPart& remains)
+    : machine_(std::make_unique<Machine>(scanner, part, context, filter, sheet, remains)) {}
+
+RowReader::~RowReader() = default;
+
+void RowReader::read() { machine_->read_rows(); }
+
+}  // namespace engine::xlsx
