@@ -107,22 +107,23 @@ Cell& SheetContents::place(int row, int column, std::optional<std::uint32_t> sty
 }
 
 std::uint32_t SheetContents::keep_record(CellRecord record) {
-  if (!free_records_.empty()) {
-    const std::uint32_t index = free_records_.back();
-    free_records_.pop_back();
-    records_[index] = std::move(record);
-    return index;
+  if (free_record_ == kNoRecord) {
+    records_.push_back(std::move(record));
+    return static_cast<std::uint32_t>(records_.size() - 1);
   }
-  // Room for every record to be forgotten: forgetting one then never has to allocate.
-  free_records_.reserve(records_.size() + 1);
-  records_.push_back(std::move(record));
-  return static_cast<std::uint32_t>(records_.size() - 1);
+  const std::uint32_t index = free_record_;
+  free_record_ = static_cast<std::uint32_t>(records_[index].value.bits);
+  records_[index] = std::move(record);
+  return index;
 }
 
+// Never allocates: free records are a chain through the words of their values.
 void SheetContents::forget_record(const Cell& cell) {
   if (cell.kind != CellKind::kRecord) return;
-  records_[cell.index()] = CellRecord();
-  free_records_.push_back(cell.index());
+  CellRecord& record = records_[cell.index()];
+  record = CellRecord();
+  record.value.bits = free_record_;
+  free_record_ = cell.index();
 }
 
 const RowProperties* SheetContents::properties(const Row& row) const {

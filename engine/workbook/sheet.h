@@ -115,11 +115,13 @@ class SheetContents {
   const CellRange* array_at(CellAddress at) const;
 
  private:
+  static constexpr std::uint32_t kNoRecord = 0xFFFFFFFF;
+
   Cell& place(int row, int column, std::optional<std::uint32_t> style);
   void forget_record(const Cell& cell);
 
   std::deque<CellRecord> records_;
-  std::vector<std::uint32_t> free_records_;
+  std::uint32_t free_record_ = kNoRecord;  // the first of a chain; its value's word names the next
 };
 
 // What a codec keeps with a sheet: everything the engine carries through without a model of it.
