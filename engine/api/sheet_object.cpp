@@ -1,7 +1,5 @@
 #include "engine/api/sheet_object.h"
 
-#include <algorithm>
-
 #include "engine/api/format.h"
 #include "engine/api/messages.h"
 #include "engine/formula/reference.h"
@@ -63,34 +61,16 @@ void SheetObject::refuse_unsupported(std::string_view operation) const {
 }
 
 // The used range. Rows may be kept for their properties alone: only those with cells count.
-int SheetObject::firstRow() const {
-  if (!enter()) return 0;
-  const auto rows = contents().cells.rows();
-  const auto first = std::ranges::find_if(rows, [](const Row& row) { return row.count != 0; });
-  return first == rows.end() ? 0 : static_cast<int>(first->number);
+CellRange SheetObject::used_range() const {
+  CellRange range{0, -1, 0, -1};
+  if (enter()) contents().cells.used_range(&range);
+  return range;
 }
 
-int SheetObject::lastRow() const {
-  if (!enter()) return 0;
-  const auto rows = contents().cells.rows();
-  const auto last =
-      std::find_if(rows.rbegin(), rows.rend(), [](const Row& row) { return row.count != 0; });
-  return last == rows.rend() ? 0 : static_cast<int>(last->number) + 1;
-}
-
-int SheetObject::firstCol() const { return enter() ? used_columns().first : 0; }
-
-int SheetObject::lastCol() const { return enter() ? used_columns().last + 1 : 0; }
-
-// Every row has to be looked at, and callers ask again in each turn of a loop.
-SheetObject::Columns SheetObject::used_columns() const {
-  if (!used_columns_) {
-    CellRange range;
-    const bool any = contents().cells.used_range(&range);
-    used_columns_ = any ? Columns{range.column_first, range.column_last} : Columns{};
-  }
-  return *used_columns_;
-}
+int SheetObject::firstRow() const { return used_range().row_first; }
+int SheetObject::lastRow() const { return used_range().row_last + 1; }
+int SheetObject::firstCol() const { return used_range().column_first; }
+int SheetObject::lastCol() const { return used_range().column_last + 1; }
 
 const wchar_t* SheetObject::name() const { return enter() ? book_.give(sheet_->name) : nullptr; }
 

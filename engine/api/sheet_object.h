@@ -66,12 +66,6 @@ class SheetObject final : public UnsupportedSheet {
  private:
   using Style = std::optional<std::uint32_t>;
 
-  // First and last column that hold a cell.
-  struct Columns {
-    int first = 0;
-    int last = -1;
-  };
-
   const SheetContents& contents() const { return sheet_->contents(); }
   const Limits& limits() const { return book_.workbook().limits; }
 
@@ -99,19 +93,17 @@ class SheetObject final : public UnsupportedSheet {
 
   bool put(int row, int column, Value value, Style style);
   bool put_formula(int row, int column, std::string formula, Value value, Style style);
-  void note_written(int column);
-  void note_cell(int column);
   // Takes a text into text_. False, with the message set, when it is too long.
   bool take_text(const wchar_t* value, std::string_view what, std::size_t limit);
   // The text of a formula as the model keeps it; nothing, with the message set, when it is none.
   std::optional<std::string> take_formula(int row, int column, const wchar_t* expr);
   std::string table_of(std::string_view formula, CellAddress at) const;
-  Columns used_columns() const;
+  // First row and column 0 and last ones -1 without cells.
+  CellRange used_range() const;
 
   BookContext& book_;
   engine::Sheet* sheet_;
-  std::string text_;                             // reused by every text that is taken
-  mutable std::optional<Columns> used_columns_;  // known until cells are removed
+  std::string text_;  // reused by every text that is taken
 };
 
 }  // namespace engine::api

@@ -18,7 +18,7 @@ constexpr int kMaxPixels = 32767;
 
 bool SheetObject::put(int row, int column, Value value, Style style) {
   sheet_->change().put_value(row, column, value, style);
-  note_written(column);
+  book_.contents().values_changed = true;
   return true;
 }
 
@@ -29,20 +29,8 @@ bool SheetObject::put_formula(int row, int column, std::string formula, Value va
   sheet_->change().put_record(row, column, std::move(record), style);
   book_.contents().formulas_possible = true;
   if (value.kind == ValueKind::kNone) book_.workbook().needs_calculation = true;
-  note_written(column);
-  return true;
-}
-
-void SheetObject::note_written(int column) {
   book_.contents().values_changed = true;
-  note_cell(column);
-}
-
-void SheetObject::note_cell(int column) {
-  if (!used_columns_) return;
-  if (used_columns_->last < 0) *used_columns_ = {column, column};
-  used_columns_->first = std::min(used_columns_->first, column);
-  used_columns_->last = std::max(used_columns_->last, column);
+  return true;
 }
 
 bool SheetObject::take_text(const wchar_t* value, std::string_view what, std::size_t limit) {
@@ -59,7 +47,6 @@ void SheetObject::setCellFormat(int row, int column, libxl::Format* format) {
   if (!check_loaded(row)) return;
   if (!style && !contents().cells.find(row, column)) return;
   sheet_->change().put_style(row, column, style.value_or(0));
-  note_cell(column);
 }
 
 bool SheetObject::writeStr(int row, int column, const wchar_t* value, libxl::Format* format,

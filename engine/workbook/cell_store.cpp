@@ -1,8 +1,6 @@
 #include "engine/workbook/cell_store.h"
 
-#include <algorithm>
 #include <cassert>
-#include <cstring>
 
 namespace engine {
 
@@ -11,8 +9,9 @@ namespace {
 constexpr std::size_t kFirstBlock = 64;
 constexpr std::size_t kLargestBlock = std::size_t{1} << 16;
 constexpr std::size_t kLargestRun = 16384;
+constexpr std::size_t kLeastGrowth = 4;
 
-// AnyCell is a cell that may be changed or one that may not.
+// The first cell from the column on. AnyCell is a cell that may be changed or one that may not.
 template <class AnyCell>
 AnyCell* first_from(std::span<AnyCell> cells, int column) {
   return std::ranges::lower_bound(cells, column, {}, &Cell::column).base();
@@ -20,31 +19,16 @@ AnyCell* first_from(std::span<AnyCell> cells, int column) {
 
 }  // namespace
 
-CellStore::CellStore(const CellStore& other) {
-  for (const Row& row : other.rows_) {
-    Row& made = row_at(static_cast<int>(row.number));
-    made.properties = row.properties;
-    for (const Cell& cell : row.span()) at(made, cell.column) = cell;
+CellStore::CellStore(const CellStore& other) : used_(other.used_) {
+  pages_.resize(other.pages_.size());
+  for (const Row& row : other.rows()) {
+    Row& copy = make_row(row.number);
+    copy.properties = row.properties;
+    if (row.count == 0) continue;
+    copy.cells = allocate(row.count);
+    std::copy_n(row.cells, row.count, copy.cells);
+    copy.count = copy.capacity = row.count;
   }
-}
-
-std::size_t CellStore::lower_bound(std::uint32_t row) const {
-  if (rows_.empty() || rows_.back().number < row) return rows_.size();
-  for (std::size_t near = cursor_; near < std::min(cursor_ + 2, rows_.size()); ++near)
-    if (rows_[near].number == row) return cursor_ = near;
-  const auto found = std::ranges::lower_bound(rows_, row, {}, &Row::number);
-  return cursor_ = static_cast<std::size_t>(found - rows_.begin());
-}
-
-const Row* CellStore::find_row(int row) const {
-  const std::size_t position = lower_bound(static_cast<std::uint32_t>(row));
-  const bool found =
-      position < rows_.size() && rows_[position].number == static_cast<std::uint32_t>(row);
-  return found ? &rows_[position] : nullptr;
-}
-
-Row* CellStore::find_row(int row) {
-  return const_cast<Row*>(static_cast<const CellStore*>(this)->find_row(row));
 }
 
 const Cell* CellStore::search(int row, int column) const {
@@ -52,26 +36,20 @@ const Cell* CellStore::search(int row, int column) const {
   if (!at) return nullptr;
   const Cell* found = first_from(at->span(), column);
   if (found == at->cells + at->count || found->column != column) return nullptr;
-  cell_cursor_ = static_cast<std::size_t>(found - at->cells);
+  cursor_ = static_cast<std::size_t>(found - at->cells);
   return found;
 }
 
-Row& CellStore::row_at(int row) {
-  const auto number = static_cast<std::uint32_t>(row);
-  const std::size_t position = lower_bound(number);
-  if (position < rows_.size() && rows_[position].number == number) return rows_[position];
-  // The row before is complete as far as its writer knows: what it did not use is free again.
-  if (position == rows_.size() && !rows_.empty() && is_newest(rows_.back())) {
-    free_ -= rows_.back().capacity - rows_.back().count;
-    rows_.back().capacity = rows_.back().count;
-  }
-  Row made;
+Row& CellStore::make_row(std::uint32_t number) {
+  const std::size_t position = number / kPageRows;
+  if (position >= pages_.size()) pages_.resize(position + 1);
+  if (!pages_[position]) pages_[position] = std::make_unique<Page>();
+  Page& page = *pages_[position];
+  page.present |= std::uint64_t{1} << number % kPageRows;
+  Row& made = page.rows[number % kPageRows];
   made.number = number;
-  cursor_ = position;
-  return *rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(position), made);
+  return made;
 }
-
-Cell& CellStore::at(int row, int column) { return at(row_at(row), column); }
 
 Cell& CellStore::at(Row& row, int column) {
   Cell* place = row.cells + row.count;
@@ -88,6 +66,7 @@ Cell& CellStore::at(Row& row, int column) {
   *place = Cell();
   place->column = static_cast<std::uint16_t>(column);
   ++row.count;
+  used_.enter(row.number, place->column);
   return *place;
 }
 
@@ -97,27 +76,34 @@ void CellStore::erase(int row, int column) {
   Cell* end = at->cells + at->count;
   Cell* cell = first_from(at->span(), column);
   if (cell == end || cell->column != column) return;
+  if (used_.is_edge(at->number, cell->column)) used_.known = false;
   std::copy(cell + 1, end, cell);
   --at->count;
 }
 
 void CellStore::grow(Row& row) {
-  std::size_t wanted = std::max<std::size_t>(4, std::size_t{row.capacity} * 2);
-  const auto position = static_cast<std::size_t>(&row - rows_.data());
-  if (row.capacity == 0 && position > 0)
-    wanted = std::max<std::size_t>(1, rows_[position - 1].count);
-  wanted = std::min(wanted, kLargestRun);
-  if (row.capacity != 0 && is_newest(row)) {
+  std::size_t wanted = std::min(std::max(kLeastGrowth, std::size_t{row.capacity} * 2), kLargestRun);
+  const bool first = row.capacity == 0;
+  const bool in_place = newest_ == &row;
+  if (in_place) {
     const auto room = static_cast<std::size_t>(block_end_ - free_);
     const std::size_t more = std::min(wanted - row.capacity, room);
     free_ += more;
     row.capacity = static_cast<std::uint16_t>(row.capacity + more);
     if (more != 0) return;
+  } else if (newest_) {
+    if (first) wanted = std::max<std::size_t>(1, newest_->count);
+    // That row is complete as far as its writer knows: what it did not use is free again.
+    free_ -= newest_->capacity - newest_->count;
+    newest_->capacity = newest_->count;
+    newest_ = nullptr;
   }
   Cell* moved = allocate(wanted);
   std::copy_n(row.cells, row.count, moved);
   row.cells = moved;
   row.capacity = static_cast<std::uint16_t>(wanted);
+  // A row that others overtook grows by doubling alone: cutting it again would cost a move each.
+  if (first || in_place) newest_ = &row;
 }
 
 Cell* CellStore::allocate(std::size_t count) {
@@ -125,7 +111,6 @@ Cell* CellStore::allocate(std::size_t count) {
   if (static_cast<std::size_t>(block_end_ - free_) < count) {
     const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 10);
     const std::size_t size = std::max(count, std::min(doubled, kLargestBlock));
-    blocks_.reserve(blocks_.size() + 1);
     blocks_.push_back(std::make_unique_for_overwrite<Cell[]>(size));
     free_ = blocks_.back().get();
     block_end_ = free_ + size;
@@ -136,24 +121,23 @@ Cell* CellStore::allocate(std::size_t count) {
 }
 
 bool CellStore::used_range(CellRange* range) const {
-  bool any = false;
-  for (const Row& row : rows_) {
-    if (row.count == 0) continue;
-    const int number = static_cast<int>(row.number);
-    const int first = row.cells[0].column;
-    const int last = row.cells[row.count - 1].column;
-    if (!any) *range = {number, number, first, last};
-    range->row_last = number;
-    range->column_first = std::min(range->column_first, first);
-    range->column_last = std::max(range->column_last, last);
-    any = true;
+  if (!used_.known) {
+    used_ = {};
+    for (const Row& row : rows()) {
+      if (row.count == 0) continue;
+      used_.enter(row.number, row.cells[0].column);
+      used_.enter(row.number, row.cells[row.count - 1].column);
+    }
   }
-  return any;
+  if (used_.row_first > used_.row_last) return false;
+  *range = {static_cast<int>(used_.row_first), static_cast<int>(used_.row_last), used_.column_first,
+            used_.column_last};
+  return true;
 }
 
 std::size_t CellStore::cell_count() const {
   std::size_t count = 0;
-  for (const Row& row : rows_) count += row.count;
+  for (const Row& row : rows()) count += row.count;
   return count;
 }
 

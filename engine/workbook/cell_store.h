@@ -1,13 +1,21 @@
-// The cells of one sheet: rows in order, each a run of cells in column order.
+// The cells of one sheet: rows by number, each a run of cells in column order.
 //
-// Cells lie in blocks that a row takes its run from; a run that grows moves to twice the room. Rows
-// written one after the other get the width of the row before, and the newest run grows and
-// shrinks in place, so that a table filled row by row wastes nothing. Appending is constant time,
-// any other access is a binary search over rows and one over the row's cells.
+// Rows lie in pages of 64, found by the row's number, so that a row is made and found in constant
+// time wherever it stands, and stays where it is. Pages hold at most 24 MiB, whatever the sheet.
+//
+// Cells lie in blocks that a row takes its run from; a run that grows moves to twice the room. The
+// newest run grows and shrinks in place, and a new one begins as wide as the one before, so that a
+// table filled row by row, in either direction, wastes nothing. Appending to a row is constant
+// time, any other access a binary search in it.
 #pragma once
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <limits>
 #include <memory>
 #include <span>
 #include <vector>
@@ -29,20 +37,81 @@ struct Row {
 };
 
 class CellStore {
+  static constexpr std::uint32_t kPageRows = 64;
+  struct Page {
+    std::uint64_t present = 0;  // a bit for each row that is there
+    std::array<Row, kPageRows> rows;
+  };
+  using Pages = std::vector<std::unique_ptr<Page>>;
+
  public:
+  // Goes through rows that are there, ascending. Rows must not be made meanwhile.
+  class RowIterator {
+   public:
+    using value_type = Row;
+    using difference_type = std::ptrdiff_t;
+
+    RowIterator() = default;
+    // At the first row from `row` on.
+    RowIterator(const Pages& pages, std::uint32_t row)
+        : pages_(&pages), page_(row / kPageRows), left_(~std::uint64_t{0} << row % kPageRows) {
+      if (page_ < pages.size() && pages[page_]) left_ &= pages[page_]->present;
+      else left_ = 0;
+      leave_empty_pages();
+    }
+
+    const Row& operator*() const {
+      return (*pages_)[page_]->rows[static_cast<std::size_t>(std::countr_zero(left_))];
+    }
+    const Row* operator->() const { return &**this; }
+    RowIterator& operator++() {
+      left_ &= left_ - 1;
+      leave_empty_pages();
+      return *this;
+    }
+    RowIterator operator++(int) {
+      RowIterator before = *this;
+      ++*this;
+      return before;
+    }
+    bool operator==(const RowIterator&) const = default;
+
+   private:
+    void leave_empty_pages() {
+      while (left_ == 0 && ++page_ < pages_->size())
+        if (const Page* page = (*pages_)[page_].get()) left_ = page->present;
+      if (left_ == 0) page_ = pages_->size();
+    }
+
+    const Pages* pages_ = nullptr;
+    std::size_t page_ = 0;
+    std::uint64_t left_ = 0;  // bits of the page's rows from here on
+  };
+  struct Rows {
+    RowIterator first;
+    RowIterator last;
+    RowIterator begin() const { return first; }
+    RowIterator end() const { return last; }
+    bool empty() const { return first == last; }
+  };
+
   CellStore() = default;
+  ~CellStore() = default;
   CellStore(CellStore&&) noexcept = default;
   CellStore& operator=(CellStore&&) noexcept = default;
+  // Each row of a copy has room for its cells and no more.
   CellStore(const CellStore& other);
   CellStore& operator=(const CellStore& other) { return *this = CellStore(other); }
-  ~CellStore() = default;
 
-  // The rows that hold cells or have properties, ascending. Some may hold no cell.
-  std::span<const Row> rows() const { return rows_; }
-  std::span<Row> rows() { return rows_; }
+  // The rows that hold cells or have properties, from `first` up to but not including `end`. Some
+  // may hold no cell.
+  Rows rows(std::uint32_t first = 0,
+            std::uint32_t end = std::numeric_limits<std::uint32_t>::max()) const {
+    return {RowIterator(pages_, first), RowIterator(pages_, end)};
+  }
 
-  const Row* find_row(int row) const;
-  Row* find_row(int row);
+  const Row* find_row(int row) const { return row_in_page(row); }
+  Row* find_row(int row) { return row_in_page(row); }
   const Cell* find(int row, int column) const {
     const Cell* next = near_cursor(row, column);
     return next ? next : search(row, column);
@@ -52,8 +121,11 @@ class CellStore {
   }
 
   // The row or cell at the place; made, empty or blank with format 0, when there is none yet.
-  Row& row_at(int row);
-  Cell& at(int row, int column);
+  Row& row_at(int row) {
+    Row* found = row_in_page(row);
+    return found ? *found : make_row(static_cast<std::uint32_t>(row));
+  }
+  Cell& at(int row, int column) { return at(row_at(row), column); }
   Cell& at(Row& row, int column);
 
   void erase(int row, int column);
@@ -64,28 +136,52 @@ class CellStore {
   std::size_t cell_count() const;
 
  private:
+  // The used range; the first row stands behind the last when there is no cell.
+  struct Bounds {
+    std::uint32_t row_first = std::numeric_limits<std::uint32_t>::max();
+    std::uint32_t row_last = 0;
+    std::uint16_t column_first = std::numeric_limits<std::uint16_t>::max();
+    std::uint16_t column_last = 0;
+    bool known = true;  // false once a cell at an edge was erased
+
+    void enter(std::uint32_t row, std::uint16_t column) {
+      row_first = std::min(row_first, row);
+      row_last = std::max(row_last, row);
+      column_first = std::min(column_first, column);
+      column_last = std::max(column_last, column);
+    }
+    bool is_edge(std::uint32_t row, std::uint16_t column) const {
+      return row == row_first || row == row_last || column == column_first || column == column_last;
+    }
+  };
+
+  Row* row_in_page(int row) const {
+    const auto number = static_cast<std::uint32_t>(row);
+    const std::size_t page = number / kPageRows;
+    if (page >= pages_.size() || !pages_[page]) return nullptr;
+    const std::uint32_t place = number % kPageRows;
+    return pages_[page]->present >> place & 1 ? &pages_[page]->rows[place] : nullptr;
+  }
   // The cell if it is the one found last or the next of its row.
   const Cell* near_cursor(int row, int column) const {
-    if (cursor_ >= rows_.size()) return nullptr;
-    const Row& last = rows_[cursor_];
-    if (last.number != static_cast<std::uint32_t>(row)) return nullptr;
-    for (std::size_t near = cell_cursor_; near < cell_cursor_ + 2 && near < last.count; ++near)
-      if (last.cells[near].column == column) return &last.cells[cell_cursor_ = near];
+    const Row* last = row_in_page(row);
+    if (!last) return nullptr;
+    for (std::size_t near = cursor_; near < cursor_ + 2 && near < last->count; ++near)
+      if (last->cells[near].column == column) return &last->cells[cursor_ = near];
     return nullptr;
   }
   const Cell* search(int row, int column) const;
-  std::size_t lower_bound(std::uint32_t row) const;
+  Row& make_row(std::uint32_t number);
   Cell* allocate(std::size_t count);
   void grow(Row& row);
-  bool is_newest(const Row& row) const { return row.cells + row.capacity == free_; }
 
-  std::vector<Row> rows_;
+  Pages pages_;
   std::vector<std::unique_ptr<Cell[]>> blocks_;
   Cell* free_ = nullptr;  // first unused cell of the newest block
   Cell* block_end_ = nullptr;
-  // The row and its cell found last: most calls ask for them or the next.
-  mutable std::size_t cursor_ = 0;
-  mutable std::size_t cell_cursor_ = 0;
+  Row* newest_ = nullptr;  // whose run ends at free_ and may change its size in place; or null
+  mutable Bounds used_;
+  mutable std::size_t cursor_ = 0;  // place in its row of the cell found last
 };
 
 }  // namespace engine

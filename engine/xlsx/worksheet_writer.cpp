@@ -104,7 +104,7 @@ void write_formula(std::string& out, const CellRecord& record) {
 // Rows of one store with what their cells refer to. Texts beyond the shared ones of the file are
 // counted from `first_text` in the pool.
 struct RowRun {
-  std::span<const Row> rows;
+  CellStore::Rows rows;
   const SheetContents* sheet = nullptr;
   const Workbook* workbook = nullptr;
   const SheetPart* part = nullptr;
@@ -113,8 +113,7 @@ struct RowRun {
 
 struct Block {
   std::size_t run = 0;
-  std::size_t first = 0;
-  std::size_t last = 0;
+  CellStore::Rows rows;
 };
 
 class WorksheetText {
@@ -126,7 +125,7 @@ class WorksheetText {
   void make(std::size_t block, std::string& out) const;
 
  private:
-  void add_run(std::span<const Row> rows, const Sheet& sheet, const Workbook& workbook,
+  void add_run(CellStore::Rows rows, const Sheet& sheet, const Workbook& workbook,
                std::uint32_t first_text);
   void cut_into_blocks();
   void make_pieces();
@@ -163,39 +162,33 @@ class WorksheetText {
 WorksheetText::WorksheetText(const package::XmlTree& tree, const Sheet& sheet,
                              const OutsideRows* outside, const WriteContext& context)
     : context_(context) {
-  const std::span<const Row> rows = sheet.contents().cells.rows();
-  if (outside) {
-    const std::span<const Row> others = outside->rows.contents().cells.rows();
-    const auto split = std::ranges::lower_bound(
-        others, static_cast<std::uint32_t>(sheet.loaded_rows.row_first), {}, &Row::number);
-    const auto before = static_cast<std::size_t>(split - others.begin());
-    const std::uint32_t first_text = context.workbook.strings.count_from_file();
-    add_run(others.first(before), outside->rows, outside->texts, first_text);
-    add_run(rows, sheet, context.workbook, 0);
-    add_run(others.subspan(before), outside->rows, outside->texts, first_text);
-  } else {
-    add_run(rows, sheet, context.workbook, 0);
-  }
+  const std::uint32_t first_text = context.workbook.strings.count_from_file();
+  const auto split = static_cast<std::uint32_t>(sheet.loaded_rows.row_first);
+  const CellStore* others = outside ? &outside->rows.contents().cells : nullptr;
+  if (others) add_run(others->rows(0, split), outside->rows, outside->texts, first_text);
+  add_run(sheet.contents().cells.rows(), sheet, context.workbook, 0);
+  if (others) add_run(others->rows(split), outside->rows, outside->texts, first_text);
   cut_into_blocks();
   make_pieces();
   render_ends(tree);
 }
 
-void WorksheetText::add_run(std::span<const Row> rows, const Sheet& sheet, const Workbook& workbook,
+void WorksheetText::add_run(CellStore::Rows rows, const Sheet& sheet, const Workbook& workbook,
                             std::uint32_t first_text) {
   runs_.push_back({rows, &sheet.contents(), &workbook, part_of(sheet), first_text});
 }
 
 void WorksheetText::cut_into_blocks() {
   for (std::size_t run = 0; run < runs_.size(); ++run) {
-    const std::span<const Row> rows = runs_[run].rows;
+    CellStore::RowIterator first = runs_[run].rows.begin();
+    const CellStore::RowIterator end = runs_[run].rows.end();
     std::size_t cells = 0;
-    std::size_t first = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      cells += rows[i].count + std::size_t{1};
-      if (cells < kCellsPerBlock && i + 1 != rows.size()) continue;
-      blocks_.push_back({run, first, i + 1});
-      first = i + 1;
+    for (CellStore::RowIterator row = first; row != end;) {
+      cells += row->count + std::size_t{1};
+      ++row;
+      if (cells < kCellsPerBlock && row != end) continue;
+      blocks_.push_back({run, {first, row}});
+      first = row;
       cells = 0;
     }
   }
@@ -268,7 +261,7 @@ void WorksheetText::make(std::size_t block, std::string& out) const {
   const Block& its = blocks_[block];
   const RowRun& run = runs_[its.run];
   TextBuffer buffer(out);
-  for (std::size_t i = its.first; i < its.last; ++i) write_row(buffer, run, run.rows[i]);
+  for (const Row& row : its.rows) write_row(buffer, run, row);
   buffer.flush();
   if (block + 1 == blocks_.size()) out.append(tail_);
 }

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <random>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -19,23 +22,11 @@ void put(CellStore& store, int row, int column, double number) {
   cell.number = number;
 }
 
-// Whatever the order of writing, the cells come out ascending and each holds what it was given.
-TEST(CellStore, AgreesWithAMapInAnyOrder) {
-  std::mt19937 random(7);
-  CellStore store;
-  std::map<std::pair<int, int>, double> model;
-  for (int step = 0; step < 20000; ++step) {
-    const int row = static_cast<int>(random() % 300);
-    const int column = static_cast<int>(random() % 120);
-    if (random() % 5 == 0) {
-      store.erase(row, column);
-      model.erase({row, column});
-    } else {
-      put(store, row, column, step);
-      model[{row, column}] = step;
-    }
-  }
-  std::map<std::pair<int, int>, double> found;
+using Cells = std::map<std::pair<int, int>, double>;
+
+// The cells in the order in which a store gives them, which must be ascending.
+Cells cells_of(const CellStore& store) {
+  Cells found;
   std::pair<int, int> before = {-1, -1};
   for (const Row& row : store.rows())
     for (const Cell& cell : row.span()) {
@@ -44,13 +35,86 @@ TEST(CellStore, AgreesWithAMapInAnyOrder) {
       before = at;
       found[at] = cell.number;
     }
-  EXPECT_EQ(found, model);
-  for (const auto& [at, number] : model) {
-    const Cell* cell = store.find(at.first, at.second);
-    ASSERT_TRUE(cell);
-    EXPECT_EQ(cell->number, number);
+  return found;
+}
+
+CellRange range_of(const Cells& cells) {
+  CellRange range{cells.begin()->first.first, cells.rbegin()->first.first, 1 << 20, 0};
+  for (const auto& [at, number] : cells) {
+    range.column_first = std::min(range.column_first, at.second);
+    range.column_last = std::max(range.column_last, at.second);
   }
-  EXPECT_EQ(store.cell_count(), model.size());
+  return range;
+}
+
+// Whatever the order of writing, the cells come out ascending and each holds what it was given, in
+// a copy as well; neither of the two follows the other.
+TEST(CellStore, AgreesWithAMapInAnyOrder) {
+  for (const unsigned distance : {1U, 63U, 3000U}) {
+    SCOPED_TRACE(distance);
+    std::mt19937 random(7);
+    CellStore store;
+    CellStore copy;
+    Cells model;
+    Cells model_of_copy;
+    for (int step = 0; step < 20000; ++step) {
+      if (step == 10000) {
+        copy = store;
+        model_of_copy = model;
+      }
+      const int row = static_cast<int>(random() % 300 * distance);
+      const int column = static_cast<int>(random() % 120);
+      if (random() % 5 == 0) {
+        store.erase(row, column);
+        model.erase({row, column});
+      } else {
+        put(store, row, column, step);
+        model[{row, column}] = step;
+      }
+      if (step % 1000 != 0 || model.empty()) continue;
+      CellRange used;
+      EXPECT_TRUE(store.used_range(&used));
+      EXPECT_EQ(used, range_of(model));
+    }
+    EXPECT_EQ(cells_of(store), model);
+    EXPECT_EQ(cells_of(copy), model_of_copy);
+    for (const auto& [at, number] : model) {
+      const Cell* cell = store.find(at.first, at.second);
+      ASSERT_TRUE(cell);
+      EXPECT_EQ(cell->number, number);
+    }
+    EXPECT_EQ(store.cell_count(), model.size());
+    put(copy, 2, 5, -1);
+    EXPECT_EQ(cells_of(store), model);
+  }
+}
+
+TEST(CellStore, GivesTheRowsBetweenTwo) {
+  CellStore store;
+  for (const int row : {0, 63, 64, 200, 1048575}) store.row_at(row);
+  constexpr std::uint32_t kEnd = 1048576;
+  struct Case {
+    std::uint32_t first;
+    std::uint32_t end;
+    std::vector<std::uint32_t> rows;
+  };
+  const Case cases[] = {
+      {0, kEnd, {0, 63, 64, 200, 1048575}},
+      {1, 64, {63}},
+      {64, 65, {64}},
+      {65, 200, {}},
+      {201, kEnd, {1048575}},
+      {201, 1048575, {}},
+      {0, 0, {}},
+      {kEnd, kEnd, {}},
+  };
+  for (const auto& [first, end, rows] : cases) {
+    SCOPED_TRACE(first);
+    std::vector<std::uint32_t> found;
+    for (const Row& row : store.rows(first, end)) found.push_back(row.number);
+    EXPECT_EQ(found, rows);
+  }
+  EXPECT_TRUE(CellStore().rows().empty());
 }
 
 TEST(CellStore, KeepsCellsWhenRowsGrowInTurn) {

@@ -33,7 +33,7 @@ TEST(PartialLoad, ReadsOnlyItsRows) {
   CellRange used;
   ASSERT_TRUE(book->sheet().contents().cells.used_range(&used));
   EXPECT_EQ(used, (CellRange{1, 1, 0, 1}));
-  EXPECT_EQ(book->sheet().contents().cells.rows().size(), 1u);
+  EXPECT_EQ(std::ranges::distance(book->sheet().contents().cells.rows()), 1);
 }
 
 TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
