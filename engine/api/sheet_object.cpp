@@ -42,8 +42,7 @@ bool SheetObject::check_loaded(int row) const {
 
 bool SheetObject::check_writable(int row, int column) const {
   if (!check_loaded(row)) return false;
-  if (contents().arrays.empty()) return true;
-  const CellRange* array = contents().array_at({row, column});
+  const CellRange* array = contents().arrays.find({row, column});
   return !array || book_.refuse(false, messages::part_of_array({row, column}, *array));
 }
 

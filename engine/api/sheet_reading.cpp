@@ -148,8 +148,7 @@ const CellRecord* SheetObject::formula_record(const Cell& cell, CellAddress at,
   };
   if (anchor) *anchor = at;
   if (const CellRecord* own = formula_of(cell)) return own;
-  if (contents().arrays.empty()) return nullptr;
-  const CellRange* array = contents().array_at(at);
+  const CellRange* array = contents().arrays.find(at);
   if (!array) return nullptr;
   if (anchor) *anchor = {array->row_first, array->column_first};
   const Cell* first = contents().cells.find(array->row_first, array->column_first);

@@ -139,12 +139,6 @@ RowProperties& SheetContents::properties_at(int row) {
   return row_properties[at.properties - 1];
 }
 
-const CellRange* SheetContents::array_at(CellAddress at) const {
-  for (const CellRange& range : arrays)
-    if (range.contains(at.row, at.column)) return &range;
-  return nullptr;
-}
-
 Sheet::Sheet() = default;
 
 Sheet::~Sheet() = default;

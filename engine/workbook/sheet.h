@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/workbook/array_ranges.h"
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
 
@@ -77,7 +78,7 @@ class SheetContents {
   std::optional<double> default_column_width;  // as the file stores widths
   int base_column_width = 8;  // characters, which count where there is no default width
   int default_row_pixels = 20;
-  std::vector<CellRange> arrays;  // filled by array formulas or data tables of many cells
+  ArrayRanges arrays;
   Comments comments;
 
   // What the cell shows, through its record if it has one.
@@ -110,9 +111,6 @@ class SheetContents {
 
   const RowProperties* properties(const Row& row) const;
   RowProperties& properties_at(int row);
-
-  // The array formula or data table of several cells that the cell belongs to; else null.
-  const CellRange* array_at(CellAddress at) const;
 
  private:
   static constexpr std::uint32_t kNoRecord = 0xFFFFFFFF;

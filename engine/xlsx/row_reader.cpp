@@ -472,7 +472,7 @@ void RowReader::Machine::read_formula() {
   const bool reaches_in =
       keeps_row_ || (!filter_.others && row_first <= filter_.last && row_last >= filter_.first);
   if (many && cell_.extra.form != FormulaForm::kNormal && reaches_in)
-    sheet_.arrays.push_back(cell_.extra.range);
+    sheet_.arrays.add(cell_.extra.range);
 }
 
 // The text stands at the first cell of the group; the others have it moved by their distance. A

@@ -71,8 +71,8 @@ TEST(PartialLoad, KnowsArraysThatReachIn) {
     return R"(<row r="1"><c r="A1"><f t="array" ref=")" + std::string(range) +
            R"(">B1:B3</f><v>1</v></c></row><row r="2"><c r="A2"><v>2</v></c></row>)";
   };
-  EXPECT_NE(load_rows(1, 1, array("A1:A3"))->sheet().contents().array_at({1, 0}), nullptr);
-  EXPECT_EQ(load_rows(1, 1, array("A1:B1"))->sheet().contents().array_at({0, 0}), nullptr);
+  EXPECT_NE(load_rows(1, 1, array("A1:A3"))->sheet().contents().arrays.find({1, 0}), nullptr);
+  EXPECT_EQ(load_rows(1, 1, array("A1:B1"))->sheet().contents().arrays.find({0, 0}), nullptr);
 }
 
 TEST(PartialLoad, FormulasOfTheOtherRowsFollow) {

@@ -1,0 +1,44 @@
+// The ranges of a sheet that array formulas or data tables of many cells fill.
+//
+// Which range holds a cell is asked for each write and each formula that is read. The index behind
+// the answer is made by the first question after a change: a tree that halves the columns again
+// and again, in which a range stands at the few largest nodes that it fills across. The ranges of a
+// node are sorted by their first row, each entry telling which of those so far reaches down the
+// furthest, so one binary search a level finds a range if there is any. A range has at most two
+// entries a level, whatever ranges a file makes up.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "engine/formula/reference.h"
+
+namespace engine {
+
+class ArrayRanges {
+ public:
+  void add(const CellRange& range);
+
+  // A range that holds the cell; null when none does.
+  const CellRange* find(CellAddress at) const;
+
+  bool empty() const { return ranges_.empty(); }
+  std::size_t size() const { return ranges_.size(); }
+
+ private:
+  struct Entry {
+    std::uint32_t node;
+    int row_first;
+    int row_last;         // of the range below
+    std::uint32_t range;  // that reaches down the furthest
+  };
+
+  void make_index() const;
+
+  std::vector<CellRange> ranges_;
+  mutable std::vector<Entry> index_;  // by node and first row; empty until it is asked for
+  mutable std::uint32_t levels_ = 0;  // a bit for each level of the tree that has entries
+};
+
+}  // namespace engine
