@@ -38,8 +38,8 @@ std::size_t Workbook::position(const Sheet& sheet) const {
 
 std::string_view error_text(const Workbook& book, std::uint32_t error) {
   if (error >= kNewError) {
-    const std::size_t index = error - kNewError;
-    return index < book.new_errors.size() ? std::string_view(book.new_errors[index]) : "";
+    const std::uint32_t index = error - kNewError;
+    return index < book.new_errors.size() ? book.new_errors[index] : "";
   }
   const auto* const found = std::ranges::find(kClassicErrors, error, &ClassicError::number);
   return found == std::end(kClassicErrors) ? std::string_view() : found->text;
@@ -48,11 +48,7 @@ std::string_view error_text(const Workbook& book, std::uint32_t error) {
 std::uint32_t error_number(Workbook& book, std::string_view text) {
   const auto* const classic = std::ranges::find(kClassicErrors, text, &ClassicError::text);
   if (classic != std::end(kClassicErrors)) return classic->number;
-  const auto known = std::ranges::find(book.new_errors, text);
-  if (known != book.new_errors.end())
-    return kNewError + static_cast<std::uint32_t>(known - book.new_errors.begin());
-  book.new_errors.emplace_back(text);
-  return kNewError + static_cast<std::uint32_t>(book.new_errors.size() - 1);
+  return kNewError + book.new_errors.add(text);
 }
 
 bool is_classic_error(int error) {

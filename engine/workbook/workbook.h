@@ -44,8 +44,8 @@ class Workbook {
   // Cached values of formulas may be old: who opens the saved book is asked to calculate anew.
   bool needs_calculation = false;
 
-  // Texts of errors that came after the classic seven; a cell's error is kNewError plus its index.
-  std::vector<std::string> new_errors;
+  // Texts of errors that came after the classic seven; a cell's error is kNewError plus its number.
+  StringPool new_errors;
 
   // The sheet of that name, ignoring case; else null.
   Sheet* find_sheet(std::string_view name) const;
