@@ -168,11 +168,11 @@ const wchar_t* SheetObject::readFormula(int row, int column, libxl::Format** for
   const CellRecord* record = cell ? formula_record(*cell, {row, column}, &anchor) : nullptr;
   give_format(cell, row, column, format);
   if (!record) return nullptr;
-  text_ = formula::from_file_text(record->formula).value_or(record->formula);
+  text_ = formula::from_file_text(record->formula, book_.workbook().limits.grid)
+              .value_or(record->formula);
   if (book_.workbook().r1c1) {
     // What a file brought and does not parse is given as it stands.
-    formula::ParseOptions options;
-    options.grid = book_.workbook().limits.grid;
+    const auto options = formula::ParseOptions::of_book(book_.workbook().limits.grid);
     const auto parsed = formula::parse(text_, options);
     if (parsed)
       text_ = formula::print(*parsed, formula::Notation::kR1C1, {anchor.row, anchor.column});

@@ -109,10 +109,9 @@ std::optional<std::string> SheetObject::take_formula(int row, int column, const 
   if (text_.starts_with('=')) text_.erase(0, 1);
   if (text_.empty()) return refuse(messages::empty("formula"));
   if (text_.starts_with("{=")) return refuse(messages::array_braces());
-  formula::ParseOptions options;
+  formula::ParseOptions options(workbook.limits.grid);
   options.notation = workbook.r1c1 ? formula::Notation::kR1C1 : formula::Notation::kA1;
   options.base = {row, column};
-  options.grid = workbook.limits.grid;
   options.max_arguments = workbook.limits.arguments;
   formula::ParseError error;
   const auto parsed = formula::parse(text_, options, &error);
@@ -120,13 +119,14 @@ std::optional<std::string> SheetObject::take_formula(int row, int column, const 
   for (const std::string& sheet : formula::mentioned_sheets(*parsed))
     if (!workbook.find_sheet(sheet)) return refuse(messages::formula_unknown_sheet(text_, sheet));
   std::string text = formula::print(*parsed);
-  return formula::to_file_text(text, table_of(text, {row, column})).value_or(text);
+  return formula::to_file_text(text, workbook.limits.grid, table_of(text, {row, column}))
+      .value_or(text);
 }
 
 // The table around the cell of a formula that may leave its name out, as [@Net] does.
 std::string SheetObject::table_of(std::string_view formula, CellAddress at) const {
   if (formula.find('[') == std::string_view::npos) return {};
-  for (Table& table : book_.document().tables(*sheet_))
+  for (Table& table : book_.document().tables(book_.workbook(), *sheet_))
     if (table.cells.contains(at.row, at.column)) return std::move(table.name);
   return {};
 }

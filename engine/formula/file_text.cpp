@@ -151,9 +151,10 @@ void read_call(Edits& edits, const Formula& formula, const Node& call) {
 
 }  // namespace
 
-std::optional<std::string> to_file_text(std::string_view text, std::string_view table) {
+std::optional<std::string> to_file_text(std::string_view text, const Grid& grid,
+                                        std::string_view table) {
   if (is_plain(text)) return std::nullopt;
-  const std::optional<Formula> formula = parse(text);
+  const std::optional<Formula> formula = parse(text, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   const auto& nodes = formula->nodes;
   const Parameters parameters(*formula);
@@ -176,9 +177,9 @@ std::optional<std::string> to_file_text(std::string_view text, std::string_view 
   return edits.apply(text);
 }
 
-std::optional<std::string> from_file_text(std::string_view text) {
+std::optional<std::string> from_file_text(std::string_view text, const Grid& grid) {
   if (text.find("_xl") == std::string_view::npos) return std::nullopt;
-  const std::optional<Formula> formula = parse(text);
+  const std::optional<Formula> formula = parse(text, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   const Parameters parameters(*formula);
   Edits edits;
@@ -193,7 +194,7 @@ std::optional<std::string> from_file_text(std::string_view text) {
   // Without its prefixes a text may read differently: a parameter such as x1 is a cell. Then it
   // stays as the file has it.
   std::optional<std::string> read = edits.apply(text);
-  if (read && to_file_text(*read) != text) return std::nullopt;
+  if (read && to_file_text(*read, grid) != text) return std::nullopt;
   return read;
 }
 

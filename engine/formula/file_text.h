@@ -11,11 +11,14 @@
 #include <string>
 #include <string_view>
 
+#include "engine/formula/reference.h"
+
 namespace engine::formula {
 
 // Each gives the new text, or nothing when it is the same. `table` is the table that the formula's
 // cell lies in; it completes [@Net], which the file stores only with a table's name.
-std::optional<std::string> to_file_text(std::string_view text, std::string_view table = {});
-std::optional<std::string> from_file_text(std::string_view text);
+std::optional<std::string> to_file_text(std::string_view text, const Grid& grid,
+                                        std::string_view table = {});
+std::optional<std::string> from_file_text(std::string_view text, const Grid& grid);
 
 }  // namespace engine::formula

@@ -28,10 +28,22 @@ inline constexpr int kMaxTextConstant = 255;
 enum class Notation : std::uint8_t { kA1, kR1C1 };
 
 struct ParseOptions {
+  // Of the sheet that the formula is for.
+  ParseOptions(const Grid& size) : grid(size) {}
+  // For a text that stands in a book, wherever it came from.
+  static ParseOptions of_book(const Grid& size) {
+    ParseOptions options(size);
+    options.lenient = true;
+    return options;
+  }
+
+  Grid grid;
   Notation notation = Notation::kA1;
   CellAddress base;  // the cell that R1C1 offsets count from
-  Grid grid = kXlsxGrid;
   int max_arguments = 255;
+  // Takes what files of some programs hold and no spreadsheet lets a person type: more than the
+  // limits of length and number, unions of values such as (-4,3), a leading "=".
+  bool lenient = false;
 };
 
 // Why a text is no formula, and where: positions count UTF-16 units of the text from 0.
@@ -62,7 +74,7 @@ enum class NodeKind : std::uint8_t {
   kError,       // #N/A; with a prefix: Sheet1!#REF!
   kArray,       // {1,2;3,4}
   kReference,   // Sheet1!A1:B2; `value` is the index into Formula::references
-  kName,        // Rate, Sheet1!Rate, [1]!Rate
+  kName,        // Rate, Sheet1!Rate, [1]!Rate, [1]!'an item'
   kStructured,  // Table1[[#This Row],[Net]], [@Net]
   kMissing,     // an argument left out
   // What stands over others.
@@ -98,7 +110,7 @@ enum class PrefixKind : std::uint8_t {
   kNone,
   kSheet,     // Sheet1!
   kSheets,    // Sheet1:Sheet3!
-  kExternal,  // [1]Sheet1!, [1]!
+  kExternal,  // [1]Sheet1!, [1]!, '[Book 1.xlsx]Sheet1'!, 'C:\dir\[Book1.xlsx]Sheet1'!
   kBroken,    // #REF!
 };
 
@@ -128,7 +140,7 @@ struct Formula {
 
 // Nothing when the text is no formula; then `error`, if given, says why. Loaded formulas that do
 // not parse are kept as text by the caller.
-std::optional<Formula> parse(std::string_view text, const ParseOptions& options = {},
+std::optional<Formula> parse(std::string_view text, const ParseOptions& options,
                              ParseError* error = nullptr);
 
 // The formula in either notation, in R1C1 as it reads in cell `base`.

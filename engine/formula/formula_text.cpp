@@ -13,9 +13,7 @@ namespace {
 // is no change that a caller waits for.
 template <typename Change>
 std::optional<std::string> change(std::string_view text, const Grid& grid, const Change& change) {
-  ParseOptions options;
-  options.grid = grid;
-  const std::optional<Formula> formula = parse(text, options);
+  const std::optional<Formula> formula = parse(text, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   return change(*formula);
 }
@@ -48,45 +46,42 @@ std::optional<std::string> adjust_text(std::string_view text, const Move& move,
 }
 
 std::optional<std::string> rename_sheet_text(std::string_view text, std::string_view from,
-                                             std::string_view to) {
+                                             std::string_view to, const Grid& grid) {
   if (!has_prefix(text)) return std::nullopt;
-  return change(text, kXlsxGrid,
-                [&](const Formula& formula) { return renamed(formula, from, to); });
+  return change(text, grid, [&](const Formula& formula) { return renamed(formula, from, to); });
 }
 
 std::optional<std::string> retarget_sheet_text(std::string_view text, std::string_view from,
-                                               std::string_view to) {
+                                               std::string_view to, const Grid& grid) {
   if (!has_prefix(text)) return std::nullopt;
-  return change(text, kXlsxGrid,
-                [&](const Formula& formula) { return retargeted(formula, from, to); });
+  return change(text, grid, [&](const Formula& formula) { return retargeted(formula, from, to); });
 }
 
 std::optional<std::string> delete_sheet_text(std::string_view text,
                                              std::span<const std::string_view> sheets,
-                                             std::size_t index) {
+                                             std::size_t index, const Grid& grid) {
   if (!has_prefix(text)) return std::nullopt;
-  return change(text, kXlsxGrid,
+  return change(text, grid,
                 [&](const Formula& formula) { return without_sheet(formula, sheets, index); });
 }
 
 std::optional<std::string> change_tables_text(std::string_view text,
-                                              std::span<const TableChange> changes) {
+                                              std::span<const TableChange> changes,
+                                              const Grid& grid) {
   if (changes.empty()) return std::nullopt;
-  return change(text, kXlsxGrid,
-                [&](const Formula& formula) { return with_tables(formula, changes); });
+  return change(text, grid, [&](const Formula& formula) { return with_tables(formula, changes); });
 }
 
 std::optional<std::string> change_tables_text(std::string_view text,
                                               std::optional<std::string> changed,
-                                              std::span<const TableChange> changes) {
-  auto made = change_tables_text(changed ? *changed : text, changes);
+                                              std::span<const TableChange> changes,
+                                              const Grid& grid) {
+  auto made = change_tables_text(changed ? *changed : text, changes, grid);
   return made ? made : changed;
 }
 
 std::vector<SheetRange> ranges_of_text(std::string_view text, const Grid& grid) {
-  ParseOptions options;
-  options.grid = grid;
-  const std::optional<Formula> formula = parse(text, options);
+  const std::optional<Formula> formula = parse(text, ParseOptions::of_book(grid));
   if (!formula) return {};
   std::vector<SheetRange> ranges;
   for (const Node& node : formula->nodes) {

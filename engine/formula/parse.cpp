@@ -37,6 +37,9 @@ enum Level : int {
 // bound keeps the recursion off the end of the stack.
 constexpr int kMaxDepth = 256;
 
+// Offsets in nodes have 16 bits.
+constexpr std::size_t kMaxBytes = 65535;
+
 // Column ZZZ. Longer words are names, not columns past the grid.
 constexpr int kLastThreeLetters = 18277;
 
@@ -46,12 +49,29 @@ constexpr std::string_view kErrorTexts[] = {
     "#UNKNOWN!", "#PYTHON!", "#CONNECT!", "#EXTERNAL!", "#TIMEOUT!", "#GETTING_DATA",
 };
 
+constexpr std::size_t npos = std::string_view::npos;
+
 struct Infix {
   Level level = kNoOperator;
   int length = 0;  // bytes of the operator; none for a blank that intersects
   NodeKind kind = NodeKind::kBinary;
   Operator op = Operator::kEqual;
 };
+
+// Names of another file by its place: 'C:\dir\Book1.xls'!Rate.
+bool is_path(std::string_view text) {
+  return text.starts_with("\\\\") || text.find(":\\") != npos || text.find("://") != npos;
+}
+
+// What is wrong with the brackets in C:\dir\[Book1.xlsx]Sheet1, or null: one pair holds the book.
+const char* bad_book(std::string_view text) {
+  const std::size_t open = text.find_first_of("[]");
+  const std::size_t close = text.find_first_of("[]", open + 1);
+  if (text[open] == ']' || close == open + 1) return text.data() + open;
+  if (close == npos) return text.data() + text.size();
+  const std::size_t more = text[close] == '[' ? close : text.find_first_of("[]", close + 1);
+  return more == npos ? nullptr : text.data() + more;
+}
 
 int length_of(std::string_view text) { return static_cast<int>(utf16_length(text)); }
 
@@ -101,6 +121,7 @@ class Parser {
         p_(text_) {}
 
   bool run() {
+    if (options_.lenient && *p_ == '=') ++p_;
     if (!expression(kLevelCompare)) return false;
     skip_blanks();
     return p_ == end_ || fail(p_);
@@ -199,6 +220,7 @@ class Parser {
   bool skip_text();
   bool skip_number();
   bool quoted_prefix();
+  const char* behind_quoted(const char* p) const;
   bool bracket();
   bool after_prefix(const char* begin, PrefixKind prefix);
   bool word(const char* begin, PrefixKind prefix);
@@ -304,8 +326,9 @@ Infix Parser::blank_infix(bool after_blank) const {
     if (!operand_follows || !yields_reference()) return {};
     return {kLevelIntersection, 0, NodeKind::kBinary, Operator::kIntersection};
   }
-  if (*p_ == '#' && yields_reference()) return {kLevelCall, 1, NodeKind::kSpill, {}};
   const NodeKind left = formula_.nodes.back().kind;
+  if (*p_ == '#' && left != NodeKind::kSpill && yields_reference())
+    return {kLevelCall, 1, NodeKind::kSpill, {}};
   const bool callable =
       left == NodeKind::kCall || left == NodeKind::kInvoke || left == NodeKind::kParentheses;
   if (*p_ == '(' && callable) return {kLevelCall, 1, NodeKind::kInvoke, {}};
@@ -322,11 +345,12 @@ bool Parser::apply(const Infix& infix, std::uint16_t first, const char* begin) {
   }
   if (infix.kind != NodeKind::kBinary) return add(infix.kind, first, begin, mark);
   const auto op = static_cast<std::uint16_t>(infix.op);
-  if (is_reference_operator(op) && !yields_reference()) return fail(mark);
+  const bool joins_references =
+      is_reference_operator(op) && !(infix.op == Operator::kUnion && options_.lenient);
+  if (joins_references && !yields_reference()) return fail(mark);
   if (infix.op == Operator::kRange && reads_as_column()) return fail(mark);
   if (!expression(infix.level + 1)) return false;
-  if (is_reference_operator(op) && !yields_reference())
-    return fail(text_ + formula_.nodes.back().begin);
+  if (joins_references && !yields_reference()) return fail(text_ + formula_.nodes.back().begin);
   if (infix.op == Operator::kRange && reads_as_column()) return fail(mark);
   return add(NodeKind::kBinary, first, begin, mark, op);
 }
@@ -398,7 +422,7 @@ bool Parser::skip_text() {
   if (p_ == end_) return fail(p_);
   const auto length = static_cast<std::size_t>(p_ - begin) - 1;
   ++p_;
-  if (length - doubled > kMaxTextConstant &&
+  if (!options_.lenient && length - doubled > kMaxTextConstant &&
       length_of({begin + 1, length}) - static_cast<int>(doubled) > kMaxTextConstant)
     return fail(begin, Kind::kLongText);
   return true;
@@ -492,40 +516,46 @@ bool Parser::array_element() {
   return true;
 }
 
-// 'It''s'!, 'First:Last'!, '[1]Sheet 1'!
+// 'It''s'!, 'First:Last'!, '[1]Sheet 1'!, 'C:\dir\[Book 1.xlsx]Sheet 1'!
 bool Parser::quoted_prefix() {
   const char* const begin = p_;
+  const char* const p = behind_quoted(begin);
+  if (p == nullptr) return fail(end_);
+  if (p - begin == 2) return fail(begin + 1);
+  if (*p != '!') return fail(p);
+  const std::string_view inner(begin + 1, static_cast<std::size_t>(p - begin) - 2);
   PrefixKind kind = PrefixKind::kSheet;
-  const char* p = begin + 1;
-  if (*p == '[') {
-    const char* digits = p + 1;
-    while (is_digit(*digits)) ++digits;
-    if (digits == p + 1 || *digits != ']') return fail(p);
+  if (inner.find_first_of("[]") != npos) {
     kind = PrefixKind::kExternal;
-    p = digits + 1;
+    if (const char* const bad = bad_book(inner)) return fail(bad);
+  } else if (options_.lenient && is_path(inner)) {
+    kind = PrefixKind::kExternal;
+  } else if (const std::size_t colon = inner.find(':'); colon != npos) {
+    kind = PrefixKind::kSheets;
+    if (const std::size_t more = inner.find(':', colon + 1); more != npos)
+      return fail(inner.data() + more);
   }
-  for (const char* const name = p; p != end_; ++p) {
-    if (*p == '\'' && p[1] == '\'') {
-      ++p;
-    } else if (*p == '\'') {
-      if (p == name && kind != PrefixKind::kExternal) return fail(p);
-      break;
-    } else if (*p == '[' || *p == ']' || (*p == ':' && kind == PrefixKind::kSheets)) {
-      return fail(p);
-    } else if (*p == ':' && kind == PrefixKind::kSheet) {
-      kind = PrefixKind::kSheets;
-    }
-  }
-  if (p == end_ || p[1] != '!') return fail(p == end_ ? p : p + 1);
-  p_ = p + 2;
+  p_ = p + 1;
   return after_prefix(begin, kind);
 }
 
-// [1]Sheet1!A1, [1]!Rate, or the columns of the table that the formula stands in: [@Net].
+// Behind the closing apostrophe of what opens at `p`; null when it does not close.
+const char* Parser::behind_quoted(const char* p) const {
+  for (++p; p != end_; ++p) {
+    if (*p != '\'') continue;
+    if (p[1] != '\'') return p + 1;
+    ++p;
+  }
+  return nullptr;
+}
+
+// [1]Sheet1!A1, [Book1.xlsx]Sheet1!A1, [1]!Rate, or the columns of the table that the formula
+// stands in: [@Net].
 bool Parser::bracket() {
   const char* const begin = p_;
-  const char* p = begin + 1;
-  while (is_digit(*p)) ++p;
+  const std::size_t inside =
+      std::string_view(begin + 1, static_cast<std::size_t>(end_ - begin) - 1).find_first_of("[]'");
+  const char* const p = begin + 1 + std::min(inside, static_cast<std::size_t>(end_ - begin) - 1);
   if (*p == ']' && p != begin + 1) {
     p_ = p + 1;
     if (*p_ == '!') {
@@ -561,6 +591,12 @@ bool Parser::after_prefix(const char* begin, PrefixKind prefix) {
     capitalise(p_, behind);
     p_ = behind;
     return add_leaf(NodeKind::kError, begin, mark, prefix);
+  }
+  if (*p_ == '\'' && prefix == PrefixKind::kExternal) {
+    const char* const behind = behind_quoted(p_);
+    if (behind == nullptr) return fail(end_);
+    p_ = behind;
+    return add_leaf(NodeKind::kName, begin, mark, prefix);
   }
   if (*p_ != '$' && !is_word(*p_)) return fail(p_);
   return word(begin, prefix);
@@ -647,7 +683,8 @@ bool Parser::arguments(const char* begin, int& count) {
     return true;
   }
   while (true) {
-    if (++count > options_.max_arguments) return fail(begin, Kind::kManyArguments);
+    if (++count > options_.max_arguments && !options_.lenient)
+      return fail(begin, Kind::kManyArguments);
     skip_blanks();
     if (*p_ == ',' || *p_ == ')') add_leaf(NodeKind::kMissing, p_, p_);
     else if (!expression(kLevelCompare)) return false;
@@ -671,7 +708,7 @@ Parser::Found Parser::reference_a1(const char* begin, PrefixKind prefix) {
   CellReference& last = reference.last;
   const char* const start = p_;
   if (const char* const behind = scan_cell(start, end_, first); ends_address(behind)) {
-    if (first.column >= kXlsxGrid.columns) return Found::kNo;  // a name such as YTD2024
+    if (first.column >= kAddressColumns) return Found::kNo;  // a name such as YTD2024
     last = first;
     const char* const second = behind_colon(behind);
     const char* const area_end = second == nullptr ? nullptr : scan_cell(second, end_, last);
@@ -702,7 +739,8 @@ Parser::Found Parser::reference_a1(const char* begin, PrefixKind prefix) {
 
 // One end of a reference in R1C1 notation: a cell, or R or C alone for whole rows and columns.
 const char* Parser::r1c1_end(const char* p, Reference::Shape& shape, CellReference& cell) const {
-  const auto& [notation, base, grid, max_arguments] = options_;
+  const CellAddress base = options_.base;
+  const Grid& grid = options_.grid;
   const char* const behind_row =
       scan_r1c1_part(p, end_, 'R', base.row, grid.rows, cell.row, cell.row_absolute);
   if (behind_row != nullptr) p = behind_row;
@@ -753,11 +791,10 @@ Parser::Found Parser::add_reference(const char* begin, const char* end, PrefixKi
 std::optional<Formula> parse(std::string_view text, const ParseOptions& options,
                              ParseError* error) {
   std::optional<Formula> formula(std::in_place);
-  // No text of this length in UTF-16 has more bytes, so offsets fit their 16 bits.
-  const bool many_bytes = text.size() > 3 * std::size_t{kMaxFormulaLength};
   if (text.size() > kMaxFormulaLength) {
     const int length = length_of(text);
-    if (many_bytes || length > kMaxFormulaLength) {
+    const bool fits = options.lenient || length <= kMaxFormulaLength;
+    if (text.size() > kMaxBytes || !fits) {
       if (error != nullptr) *error = {ParseError::Kind::kTooLong, 0, length, {}};
       return std::nullopt;
     }

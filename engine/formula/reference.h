@@ -12,8 +12,8 @@ namespace engine {
 
 // The size of a sheet.
 struct Grid {
-  int rows = 1048576;
-  int columns = 16384;
+  int rows = 0;
+  int columns = 0;
 
   bool holds(int row, int column) const {
     return row >= 0 && row < rows && column >= 0 && column < columns;
@@ -47,8 +47,6 @@ struct CellRange {
 
 namespace formula {
 
-inline constexpr Grid kXlsxGrid{};
-
 // A cell as an address names it.
 struct CellReference {
   int row = 0;
@@ -70,7 +68,7 @@ std::optional<CellReference> parse_cell(std::string_view text);
 
 // The whole text as C5, A1:B2, A:C or 2:7, with or without `$`, as a range inside the grid with its
 // ends in order. Whole columns and rows get the grid's ends.
-std::optional<CellRange> parse_range(std::string_view text, const Grid& grid = kXlsxGrid);
+std::optional<CellRange> parse_range(std::string_view text, const Grid& grid);
 
 void append_column(std::string& out, int column);
 void append_cell(std::string& out, int row, int column);

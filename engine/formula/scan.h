@@ -12,6 +12,10 @@
 
 namespace engine::formula {
 
+// Where addresses end for the grammar, whatever the grid: XFD1 is an address, past the end of a
+// smaller sheet perhaps, while XFE1 and YTD2024 are names.
+inline constexpr int kAddressColumns = 16384;
+
 inline constexpr std::uint8_t kLetter = 1;
 inline constexpr std::uint8_t kDigit = 2;
 inline constexpr std::uint8_t kOtherWord = 4;  // _ . \ ? and every byte of a non-ASCII character

@@ -40,15 +40,14 @@ bool is_plain(std::string_view name) {
 
 bool looks_like_address(std::string_view name) {
   if (name.empty()) return false;
-  if (const auto cell = parse_cell(name)) return cell->column < kXlsxGrid.columns;
+  if (const auto cell = parse_cell(name)) return cell->column < kAddressColumns;
   const char* const end = name.data() + name.size();
-  int position = 0;
+  int position = 0;  // is not looked at, so the size does not matter
   bool absolute = false;
   const char* p = name.data();
-  if (const char* behind = scan_r1c1_part(p, end, 'R', 0, kXlsxGrid.rows, position, absolute))
-    p = behind;
+  if (const char* behind = scan_r1c1_part(p, end, 'R', 0, 1, position, absolute)) p = behind;
   if (p == end) return true;
-  return scan_r1c1_part(p, end, 'C', 0, kXlsxGrid.columns, position, absolute) == end;
+  return scan_r1c1_part(p, end, 'C', 0, 1, position, absolute) == end;
 }
 
 std::string quote_sheet_name(std::string_view name) {

@@ -56,7 +56,9 @@ class Document {
   virtual std::unique_ptr<OutsideRows> read_outside(const Workbook& book, const Sheet& sheet) const;
 
   // The tables of a sheet, read or not.
-  virtual std::vector<Table> tables(const Sheet& /*sheet*/) const { return {}; }
+  virtual std::vector<Table> tables(const Workbook& /*book*/, const Sheet& /*sheet*/) const {
+    return {};
+  }
 
   // Makes the carried things of a new sheet that is a copy of another, and tells the names that
   // the copies of its tables got.

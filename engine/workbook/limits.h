@@ -17,7 +17,7 @@ struct StyleLimits {
 };
 
 struct Limits {
-  Grid grid;
+  Grid grid{1048576, 16384};
   std::size_t sheets = 65534;
   std::size_t sheet_name = 31;
   std::size_t text = 32767;  // of a cell or comment

@@ -118,7 +118,8 @@ NewSheet make_copy(Workbook& book, Document& document, const Sheet& original, st
   const std::vector<formula::TableChange> tables = document.copy_sheet(book, original, copy);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::change_tables_text(
-        text, formula::retarget_sheet_text(text, original.name, copy.name), tables);
+        text, formula::retarget_sheet_text(text, original.name, copy.name, book.limits.grid),
+        tables, book.limits.grid);
   };
   copy.take(original.contents());
   edit_copy(copy.change(), edit, &original);
@@ -154,10 +155,11 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
   std::vector<std::string_view> order;
   for (const auto& sheet : book.sheets) order.push_back(sheet->name);
   std::vector<formula::TableChange> tables;
-  for (Table& table : document.tables(gone)) tables.push_back({std::move(table.name), {}});
+  for (Table& table : document.tables(book, gone)) tables.push_back({std::move(table.name), {}});
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
-    return formula::change_tables_text(text, formula::delete_sheet_text(text, order, position),
-                                       tables);
+    return formula::change_tables_text(
+        text, formula::delete_sheet_text(text, order, position, book.limits.grid), tables,
+        book.limits.grid);
   };
   FormulaEdits edits;
   edits.collect(book, edit, &gone);

@@ -33,7 +33,7 @@ class Document : public engine::Document {
   void read_sheet(Workbook& book, Sheet& sheet) override;
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
                                             const Sheet& sheet) const override;
-  std::vector<Table> tables(const Sheet& sheet) const override;
+  std::vector<Table> tables(const Workbook& book, const Sheet& sheet) const override;
   std::vector<formula::TableChange> copy_sheet(Workbook& book, const Sheet& original,
                                                Sheet& copy) override;
   void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;

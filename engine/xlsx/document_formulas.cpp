@@ -73,14 +73,14 @@ void collect_records(Sheet& rows, const Sheet& owner, const FormulaEdit& edit, R
 }
 
 // The range that a pivot table's data comes from, as sheet and range or as a formula of both.
-bool edit_source(pugi::xml_node source, const FormulaEdit& edit) {
+bool edit_source(pugi::xml_node source, const FormulaEdit& edit, const Grid& grid) {
   const std::string sheet = source.attribute("sheet").value();
   const std::string range = source.attribute("ref").value();
   if (sheet.empty() || range.empty()) return false;
   if (package::attribute(source, Family::Relationships, "id")) return false;  // another workbook
   const auto text = edit(nullptr, formula::quote_sheet_name(sheet) + "!" + range);
   if (!text) return false;
-  const auto ranges = formula::ranges_of_text(*text);
+  const auto ranges = formula::ranges_of_text(*text, grid);
   if (ranges.size() != 1 || ranges[0].sheet.empty()) return false;  // what is lost stays named
   source.attribute("sheet") = ranges[0].sheet.c_str();
   source.attribute("ref") = formula::print_range(ranges[0].range).c_str();
@@ -101,13 +101,13 @@ std::optional<package::XmlTree> edited_tree(const package::XmlTree& tree, const 
 
 // The part with its formulas edited; nothing when it stays as it is. One that is damaged stays.
 std::optional<std::string> edited_part(const Parts& parts, const Part& part,
-                                       const FormulaEdit& edit) try {
+                                       const FormulaEdit& edit, const Grid& grid) try {
   const auto tree = package::XmlTree::parse(parts.read(part), part.name);
   const pugi::xml_node root = tree.root();
   bool changed = false;
   if (part.type == kPivotCacheType) {
     const pugi::xml_node source = package::child(root, Family::Main, "cacheSource");
-    changed = edit_source(package::child(source, Family::Main, "worksheetSource"), edit);
+    changed = edit_source(package::child(source, Family::Main, "worksheetSource"), edit, grid);
   } else {
     TextEdits edits;
     if (part.type == kTableType) edits.collect_table(root, nullptr, edit);
@@ -150,7 +150,8 @@ void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
   Parts parts = parts_;
   for (const auto& [key, part] : parts_.all())
     if (holds_formulas(part))
-      if (auto bytes = edited_part(parts_, part, edit)) parts.put(part.name, {}, *std::move(bytes));
+      if (auto bytes = edited_part(parts_, part, edit, book.limits.grid))
+        parts.put(part.name, {}, *std::move(bytes));
   if (!gone_relationship.empty()) parts.prune(main_, gone_relationship);
   for (const auto& sheet : book.sheets)
     if (SheetPart* remains = part_of(*sheet))

@@ -249,7 +249,8 @@ std::vector<formula::TableChange> Document::copy_sheet(Workbook& book, const She
   auto tables = copy_tables(root, links, TableNames(book, parts_), *made);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::change_tables_text(
-        text, formula::retarget_sheet_text(text, original.name, copy.name), tables);
+        text, formula::retarget_sheet_text(text, original.name, copy.name, book.limits.grid),
+        tables, book.limits.grid);
   };
   for (AddedPart& table : made->added)
     if (auto edited = edited_table(table.bytes, nullptr, edit)) table.bytes = *std::move(edited);
@@ -270,7 +271,7 @@ void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edi
 }
 
 // A table that cannot be read is none that formulas are known to mean.
-std::vector<Table> Document::tables(const Sheet& sheet) const {
+std::vector<Table> Document::tables(const Workbook& book, const Sheet& sheet) const {
   std::vector<Table> all;
   const SheetPart* remains = part_of(sheet);
   if (!remains) return all;
@@ -279,7 +280,7 @@ std::vector<Table> Document::tables(const Sheet& sheet) const {
     try {
       const auto tree = package::XmlTree::parse(links.part(id), "table");
       const pugi::xml_node root = tree.root();
-      const auto cells = formula::parse_range(root.attribute("ref").value());
+      const auto cells = formula::parse_range(root.attribute("ref").value(), book.limits.grid);
       if (cells) all.push_back({unescape(root.attribute("displayName").value()), *cells});
     } catch (const package::FileError&) {
       continue;

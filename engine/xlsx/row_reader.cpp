@@ -456,7 +456,7 @@ void RowReader::Machine::read_formula() {
       shared = one.value;
     } else if (one.name == "ref") {
       // Of a shared formula it is only a hint.
-      const auto range = formula::parse_range(one.value);
+      const auto range = formula::parse_range(one.value, grid_);
       if (range) cell_.extra.range = *range;
     } else {
       append_attribute(cell_.extra.formula_details, one);
@@ -488,7 +488,7 @@ void RowReader::Machine::read_shared_formula(std::string_view index) {
   if (master == shared_.end()) fail("shared formula " + std::string(index) + " is missing");
   if (!keeps_row_) return;
   const auto& [text, at] = master->second;
-  const auto moved = formula::shift_text(text, row_ - at.row, column_ - at.column);
+  const auto moved = formula::shift_text(text, row_ - at.row, column_ - at.column, grid_);
   cell_.formula = moved ? *moved : text;
 }
 

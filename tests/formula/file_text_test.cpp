@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/formula/function_names.h"
+#include "tests/formula/grid.h"
 
 namespace engine::formula {
 namespace {
@@ -29,8 +30,8 @@ constexpr Case kBothWays[] = {
 TEST(FileText, GoesBothWays) {
   for (const auto& [shown, stored] : kBothWays) {
     SCOPED_TRACE(shown);
-    EXPECT_EQ(to_file_text(shown), stored);
-    EXPECT_EQ(from_file_text(stored), shown);
+    EXPECT_EQ(to_file_text(shown, kGrid), stored);
+    EXPECT_EQ(from_file_text(stored, kGrid), shown);
   }
 }
 
@@ -44,19 +45,19 @@ TEST(FileText, CompletesThisRow) {
   };
   for (const auto& [shown, stored] : kCases) {
     SCOPED_TRACE(shown);
-    EXPECT_EQ(to_file_text(shown, "Here"), stored);
+    EXPECT_EQ(to_file_text(shown, kGrid, "Here"), stored);
   }
 }
 
 TEST(FileText, LeavesTheRest) {
   for (const char* shown : {"SUM(A1)", "Table1[#All]", "_xlfn.XLOOKUP(1,A:A,B:B)", "MyIFS(A1)",
                             "'IFS('!A1", "IFS+#N/A", "IFS(", "NETWORKDAYS.INTL(A1,B1)"})
-    EXPECT_FALSE(to_file_text(shown)) << shown;
+    EXPECT_FALSE(to_file_text(shown, kGrid)) << shown;
   // Unknown functions, prefixes in unusual places, and what would read differently without them.
   for (const char* stored : {"SUM(A1)", "_xlfn.FUTURE(A1)", "_xlfn.SORT(A1:A3)",
                              "_xlfn.SINGLE(A1+1)", "_xlfn.SINGLE(A1):B2", "_xlpm.x+1",
                              "_xlfn.LET(_xlpm.x1,2,_xlpm.x1)", "\"_xlfn.IFS(1)\"", "_xlfn.IFS("})
-    EXPECT_FALSE(from_file_text(stored)) << stored;
+    EXPECT_FALSE(from_file_text(stored, kGrid)) << stored;
 }
 
 TEST(FunctionNames, AreFoundInAnyCase) {

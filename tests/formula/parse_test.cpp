@@ -3,6 +3,7 @@
 #include <string>
 
 #include "engine/formula/formula.h"
+#include "tests/formula/grid.h"
 
 namespace engine::formula {
 namespace {
@@ -50,6 +51,11 @@ constexpr const char* kUnchanged[] = {
     "[1]Sheet1!A1",
     "[1]Jan:Dec!A1",
     "'[12]Sheet x'!A1",
+    "[Book1.xlsx]Sheet1!A1",
+    "'[Book 1.xlsx]Sheet1'!A1:B2",
+    R"('C:\my dir\[Book.xls]It''s'!A1)",
+    "'http://a/[b.xlsx]C'!$A$1",
+    "[2]!'EUR,X'*2",
     "[1]!Rate",
     "[0]!Rate",
     "#REF!A1:B2",
@@ -75,7 +81,7 @@ constexpr const char* kUnchanged[] = {
 };
 
 std::string reprint(const char* formula) {
-  const auto parsed = parse(formula);
+  const auto parsed = parse(formula, kGrid);
   return parsed ? print(*parsed) : "(refused)";
 }
 
@@ -88,6 +94,29 @@ TEST(Parse, PrintsWhatItParsed) {
     SCOPED_TRACE(formula);
     EXPECT_EQ(reprint(formula), formula);
   }
+}
+
+// What some programs put into files, and no spreadsheet lets a person type.
+TEST(Parse, TakesMoreFromFiles) {
+  const ParseOptions options = ParseOptions::of_book(kGrid);
+  std::string many = "F(1";
+  for (int i = 0; i < 300; ++i) many += ",1";
+  const std::string cases[] = {"SUM((-4,3),(A1,2))",
+                               "=A1",
+                               R"('C:\dir\Book.xls'!Rate)",
+                               "LEN(\"" + std::string(300, 'x') + "\")",
+                               many + ")",
+                               "\"" + std::string(10000, 'x') + "\""};
+  for (const std::string& formula : cases) {
+    SCOPED_TRACE(formula);
+    const auto typed = parse(formula, kGrid);
+    EXPECT_TRUE(!typed || !mentioned_sheets(*typed).empty());
+    const auto parsed = parse(formula, options);
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ(print(*parsed), formula);
+    EXPECT_TRUE(mentioned_sheets(*parsed).empty());
+  }
+  EXPECT_FALSE(parse(std::string(70000, 'x'), options));
 }
 
 // The tree with brackets around everything that stands over something.
@@ -130,7 +159,7 @@ constexpr Outlined kOutlines[] = {
 TEST(Parse, BindsAsOperatorsDo) {
   for (const auto& [formula, expected] : kOutlines) {
     SCOPED_TRACE(formula);
-    const auto parsed = parse(formula);
+    const auto parsed = parse(formula, kGrid);
     ASSERT_TRUE(parsed);
     EXPECT_EQ(outline(*parsed, parsed->nodes.size() - 1), expected);
   }
@@ -162,6 +191,7 @@ constexpr Refused kRefused[] = {
     {"(A1,2)", 4},
     {"A1 5", 3},
     {"5#", 1},
+    {"A1##", 3},
     {"$A$", 0},
     {"'a b", 4},
     {"'a b'A1", 5},
@@ -170,8 +200,13 @@ constexpr Refused kRefused[] = {
     {"Sheet1!", 7},
     {"Sheet1!+1", 7},
     {"Sheet1!5", 7},
-    {"[x]Sheet1!A1", 3},
-    {"'C:\\[x.xlsx]S'!A1", 4},
+    {"[x]Sheet1", 3},
+    {"[x[1]]Sheet1!A1", 2},
+    {"'[x.xlsx'!A1", 8},
+    {"'[]S'!A1", 1},
+    {"'[a][b]S'!A1", 4},
+    {"'a]b'!A1", 2},
+    {"(-4,3)", 3},
     {"Table1[[#All]", 13},
     {"Table1[a[b]]", 8},
     {"1.2.3", 3},
@@ -184,7 +219,7 @@ TEST(Parse, TellsTheFirstBadCharacter) {
   for (const auto& [formula, position] : kRefused) {
     SCOPED_TRACE(formula);
     ParseError error;
-    EXPECT_FALSE(parse(formula, {}, &error));
+    EXPECT_FALSE(parse(formula, kGrid, &error));
     EXPECT_EQ(error.kind, ParseError::Kind::kSyntax);
     EXPECT_EQ(error.position, position);
   }
@@ -215,10 +250,9 @@ TEST(Parse, RefusesReferencesBeyondTheGrid) {
     for (const bool is_xls : {false, true}) {
       SCOPED_TRACE(std::string(formula) + (is_xls ? " in .xls" : ""));
       const char* const address = is_xls ? xls : xlsx;
-      ParseOptions options;
-      if (is_xls) options.grid = Grid{65536, 256};
       ParseError error;
-      EXPECT_EQ(parse(formula, options, &error).has_value(), address == nullptr);
+      EXPECT_EQ(parse(formula, is_xls ? Grid{65536, 256} : kGrid, &error).has_value(),
+                address == nullptr);
       if (address == nullptr) continue;
       EXPECT_EQ(error.kind, ParseError::Kind::kBeyondGrid);
       EXPECT_EQ(error.position, position);
@@ -260,7 +294,7 @@ TEST(Parse, KeepsTheLimits) {
   for (const auto& [what, formula, valid, kind, position] : cases) {
     SCOPED_TRACE(what);
     ParseError error;
-    EXPECT_EQ(parse(formula, {}, &error).has_value(), valid);
+    EXPECT_EQ(parse(formula, kGrid, &error).has_value(), valid);
     if (valid) continue;
     EXPECT_EQ(error.kind, kind);
     EXPECT_EQ(error.position, position);
@@ -289,12 +323,13 @@ constexpr R1C1Case kR1C1[] = {
     {"SUM('a b'!A:A,Rate)*2", "SUM('a b'!C[-3],Rate)*2"},
     {"'A1:B2'!C3", "'A1:B2'!R[-8]C[-1]"},
     {"A1#:INDEX(D:D,3)", "R[-10]C[-3]#:INDEX(C,3)"},
+    {"'C:\\a\\[b.xls]D'!D1+[B.xlsx]D!D12", "'C:\\a\\[b.xls]D'!R[-10]C+[B.xlsx]D!R[1]C"},
 };
 
 constexpr CellAddress kD11{10, 3};
 
 ParseOptions r1c1_options() {
-  ParseOptions options;
+  ParseOptions options(kGrid);
   options.notation = Notation::kR1C1;
   options.base = kD11;
   return options;
@@ -303,7 +338,7 @@ ParseOptions r1c1_options() {
 TEST(R1C1, GoesBothWays) {
   for (const auto& [a1, r1c1] : kR1C1) {
     SCOPED_TRACE(a1);
-    const auto from_a1 = parse(a1);
+    const auto from_a1 = parse(a1, kGrid);
     ASSERT_TRUE(from_a1);
     EXPECT_EQ(print(*from_a1, Notation::kR1C1, kD11), r1c1);
     const auto from_r1c1 = parse(r1c1, r1c1_options());

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "engine/formula/interval.h"
 #include "engine/formula/sheet_name.h"
+#include "tests/formula/grid.h"
 
 namespace engine::formula {
 namespace {
@@ -57,16 +60,17 @@ TEST(Reference, ReadsRanges) {
   };
   for (const auto& [text, range, printed] : cases) {
     SCOPED_TRACE(text);
-    EXPECT_EQ(parse_range(text), range);
+    EXPECT_EQ(parse_range(text, kGrid), range);
     EXPECT_EQ(print_range(range), printed);
   }
   for (const char* text : {"", ":", "A1:", ":A1", "A", "1", "A:1", "A1:B", "A1:B2:C3", "A1:XFE1"})
-    EXPECT_FALSE(parse_range(text)) << text;
+    EXPECT_FALSE(parse_range(text, kGrid)) << text;
   EXPECT_FALSE(parse_range("A1:A65537", Grid{65536, 256}));
 }
 
 TEST(Interval, FollowsInsertedAndRemoved) {
   using Kind = Move::Kind;
+  constexpr int kLargest = std::numeric_limits<int>::max();
   const struct {
     Kind kind = Kind::kInsert;
     int at = 0;
@@ -81,6 +85,10 @@ TEST(Interval, FollowsInsertedAndRemoved) {
       {Kind::kInsert, 0, 95, {2, 8}, Interval{97, 99}},
       {Kind::kInsert, 0, 98, {2, 8}, std::nullopt},
       {Kind::kInsert, 7, 3, {0, 99}, Interval{0, 99}},
+      {Kind::kInsert, 6, kLargest, {5, 8}, Interval{5, 99}},
+      {Kind::kInsert, 5, kLargest, {5, 8}, std::nullopt},
+      {Kind::kRemove, 6, kLargest, {5, 8}, Interval{5, 5}},
+      {Kind::kRemove, 5, kLargest, {5, 8}, std::nullopt},
       {Kind::kRemove, 9, 2, {5, 8}, Interval{5, 8}},
       {Kind::kRemove, 1, 2, {5, 8}, Interval{3, 6}},
       {Kind::kRemove, 4, 2, {5, 8}, Interval{4, 6}},
@@ -94,7 +102,9 @@ TEST(Interval, FollowsInsertedAndRemoved) {
     EXPECT_EQ(moved(before, {Axis::kRows, kind, at, count}, 100), after);
   }
   EXPECT_EQ(moved(4, {Axis::kRows, Kind::kInsert, 4, 2}), 6);
+  EXPECT_EQ(moved(5, {Axis::kRows, Kind::kInsert, 4, kLargest}), kLargest);
   EXPECT_EQ(moved(5, {Axis::kRows, Kind::kRemove, 4, 2}), std::nullopt);
+  EXPECT_EQ(moved(5, {Axis::kRows, Kind::kRemove, 4, kLargest}), std::nullopt);
   EXPECT_EQ(moved(6, {Axis::kRows, Kind::kRemove, 4, 2}), 4);
 }
 

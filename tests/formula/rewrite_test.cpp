@@ -3,6 +3,7 @@
 
 #include "engine/formula/formula.h"
 #include "engine/formula/formula_text.h"
+#include "tests/formula/grid.h"
 
 namespace engine::formula {
 namespace {
@@ -36,9 +37,11 @@ TEST(Shift, MovesRelativeParts) {
       {"A:A", "C:C"},
       {"1:9", "#REF!"},
       {"$A$1+Rate+Table1[Net]+\"A5\"", nullptr},
+      {"SUM((-4,3),(A2,2))", "SUM((-4,3),(C1,2))"},
+      {"'C:\\a\\[b.xls]S'!A2", "'C:\\a\\[b.xls]S'!C1"},
       {"A9 (is no formula", nullptr},
   };
-  check(kCases, [](const char* text) { return shift_text(text, -1, 2); });
+  check(kCases, [](const char* text) { return shift_text(text, -1, 2, kGrid); });
 }
 
 TEST(Adjust, InsertsRows) {
@@ -56,12 +59,12 @@ TEST(Adjust, InsertsRows) {
       {"A1048574", "#REF!"},
       {"Data!A5+'DATA'!A6+Other!A7", "Data!A8+'DATA'!A9+Other!A7"},
       {"Data!A1048576", "Data!#REF!"},
-      {"Data:Other!A5+[1]Data!A5+#REF!A5", nullptr},
+      {"Data:Other!A5+[1]Data!A5+[b.xls]Data!A5+#REF!A5", nullptr},
       {"Table1[Net]+INDIRECT(\"A5\")", nullptr},
       {"A9#+@A7:A8", "A12#+@A10:A11"},
   };
   const Move insert{Axis::kRows, Move::Kind::kInsert, 4, 3};
-  check(kCases, [&](const char* text) { return adjust_text(text, insert, "Data", true); });
+  check(kCases, [&](const char* text) { return adjust_text(text, insert, "Data", true, kGrid); });
 }
 
 TEST(Adjust, RemovesColumnsFromAnotherSheet) {
@@ -77,7 +80,7 @@ TEST(Adjust, RemovesColumnsFromAnotherSheet) {
       {"Data:Data2!C1", nullptr},
   };
   const Move remove{Axis::kColumns, Move::Kind::kRemove, 2, 2};
-  check(kCases, [&](const char* text) { return adjust_text(text, remove, "Data", false); });
+  check(kCases, [&](const char* text) { return adjust_text(text, remove, "Data", false, kGrid); });
 }
 
 TEST(Adjust, KeepsToTheGridOfXls) {
@@ -94,10 +97,10 @@ TEST(Sheets, Rename) {
       {"SUM('First one:Old'!A1)", "SUM('First one:New one'!A1)"},
       {"Old!#REF!", "'New one'!#REF!"},
       {"Old!F(Old!A1)", "'New one'!F('New one'!A1)"},
-      {"Older!A1+[1]Old!A1+\"Old!A1\"+Old", nullptr},
+      {"Older!A1+[1]Old!A1+'/[b.xls]Old'!A1+\"Old!A1\"+Old", nullptr},
   };
-  check(kCases, [](const char* text) { return rename_sheet_text(text, "Old", "New one"); });
-  EXPECT_EQ(rename_sheet_text("'It''s'!A1", "it's", "Plain"), "Plain!A1");
+  check(kCases, [](const char* text) { return rename_sheet_text(text, "Old", "New one", kGrid); });
+  EXPECT_EQ(rename_sheet_text("'It''s'!A1", "it's", "Plain", kGrid), "Plain!A1");
 }
 
 TEST(Sheets, Retarget) {
@@ -106,7 +109,8 @@ TEST(Sheets, Retarget) {
       {"Old:Other!A1", nullptr},
       {"A1", nullptr},
   };
-  check(kCases, [](const char* text) { return retarget_sheet_text(text, "Old", "Old (2)"); });
+  check(kCases,
+        [](const char* text) { return retarget_sheet_text(text, "Old", "Old (2)", kGrid); });
 }
 
 TEST(Sheets, Delete) {
@@ -130,7 +134,7 @@ TEST(Sheets, Delete) {
   };
   for (const auto& [index, before, after] : cases) {
     SCOPED_TRACE(before);
-    const auto changed = delete_sheet_text(before, kSheets, index);
+    const auto changed = delete_sheet_text(before, kSheets, index, kGrid);
     EXPECT_EQ(changed.has_value(), after != nullptr);
     EXPECT_EQ(changed.value_or(before), after == nullptr ? before : after);
   }
@@ -148,11 +152,12 @@ TEST(Tables, RenamedOrDeleted) {
       {"Sheet1!Sales+\"Sales[Net]\"+Sales(1)", nullptr},
       {"Sales[Net (", nullptr},
   };
-  check(kCases, [&](const char* text) { return change_tables_text(text, changes); });
+  check(kCases, [&](const char* text) { return change_tables_text(text, changes, kGrid); });
 }
 
 TEST(Sheets, Mentioned) {
-  const auto formula = parse("Data!A1+'it''s'!B1+DATA!C1+SUM(X:Y!A1)+[1]Z!A1+#REF!A1+Q!Rate");
+  const auto formula =
+      parse("Data!A1+'it''s'!B1+DATA!C1+SUM(X:Y!A1)+[1]Z!A1+[b]Z!A1+#REF!A1+Q!Rate", kGrid);
   ASSERT_TRUE(formula);
   EXPECT_EQ(mentioned_sheets(*formula), (std::vector<std::string>{"Data", "it's", "X", "Y", "Q"}));
 }
@@ -177,7 +182,7 @@ TEST(Ranges, OfText) {
   for (const auto& [text, expected] : cases) {
     SCOPED_TRACE(text);
     std::string ranges;
-    for (const auto& [sheet, range] : ranges_of_text(text))
+    for (const auto& [sheet, range] : ranges_of_text(text, kGrid))
       ranges += sheet + "!" + print_range(range) + " ";
     EXPECT_EQ(ranges, expected);
   }

@@ -11,10 +11,13 @@
 
 namespace {
 
-using engine::formula::Cell;
+using engine::CellAddress;
+using engine::Grid;
 using engine::formula::Formula;
 using engine::formula::Notation;
 using engine::formula::ParseOptions;
+
+constexpr Grid kGrid{1048576, 16384};
 
 void demand(bool holds) {
   if (!holds) std::abort();
@@ -32,7 +35,7 @@ void check_shape(const Formula& formula) {
 // What is changed in a formula leaves a formula.
 void check_changed(const std::optional<std::string>& text) {
   if (text && text->size() < engine::formula::kMaxFormulaLength)
-    demand(engine::formula::parse(*text).has_value());
+    demand(engine::formula::parse(*text, ParseOptions::of_book(kGrid)).has_value());
 }
 
 void check_a1(const Formula& formula) {
@@ -52,9 +55,10 @@ void check_a1(const Formula& formula) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   const std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
-  const Cell base{100, 50};
+  const CellAddress base{100, 50};
   const bool r1c1 = (data[0] & 1) != 0;
-  ParseOptions options;
+  ParseOptions options(kGrid);
+  options.lenient = (data[0] & 2) != 0;
   options.notation = r1c1 ? Notation::kR1C1 : Notation::kA1;
   options.base = base;
   engine::formula::ParseError error;
@@ -71,14 +75,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (r1c1) {
     const std::string a1 = print(*formula);
     if (a1.size() < engine::formula::kMaxFormulaLength)
-      demand(engine::formula::parse(a1).has_value());
+      demand(engine::formula::parse(a1, ParseOptions::of_book(kGrid)).has_value());
     return 0;
   }
   check_a1(*formula);
-  if (const auto read = engine::formula::from_file_text(text)) {
-    const auto written = engine::formula::to_file_text(*read);
+  if (const auto read = engine::formula::from_file_text(text, kGrid)) {
+    const auto written = engine::formula::to_file_text(*read, kGrid);
     demand(written && *written == text);
   }
-  check_changed(engine::formula::to_file_text(text, "T"));
+  check_changed(engine::formula::to_file_text(text, kGrid, "T"));
   return 0;
 }

@@ -30,12 +30,12 @@ void read_all(engine::xlsx::Document& document, engine::Workbook& book) {
 }  // namespace
 
 void fuzz::decode(std::string_view bytes) {
-  engine::Workbook book{engine::Grid()};
+  engine::Workbook book{engine::Limits()};
   const auto document = load(bytes, book);
   read_all(*document, book);
   engine::package::MemoryOutput output;
   document->save(book, {}, output);
-  engine::Workbook again{engine::Grid()};
+  engine::Workbook again{engine::Limits()};
   load(output.view(), again);
   if (again.sheets.size() != book.sheets.size()) std::abort();
 }

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/package/file_error.h"
+#include "engine/workbook/limits.h"
 #include "engine/xlsx/notes_drawing.h"
 
 namespace {
@@ -104,7 +105,7 @@ TEST(NotesDrawing, ExchangesOnlyBoxesOfChangedNotes) {
   engine::xlsx::ShapeClusters clusters;
   clusters.enter(kDrawing);
   const std::string written =
-      engine::xlsx::write_notes_drawing(kDrawing, sheet, as_read, engine::Grid(), clusters);
+      engine::xlsx::write_notes_drawing(kDrawing, sheet, as_read, engine::Limits().grid, clusters);
   EXPECT_THAT(written, HasSubstr("_x0000_s1025"));
   EXPECT_THAT(written, Not(HasSubstr("_x0000_s3073")));
   EXPECT_THAT(written, HasSubstr("<br><x:ClientData ObjectType=\"Button\"/></v:shape>"));
@@ -120,9 +121,9 @@ TEST(NotesDrawing, GivesEveryShapeOfTheBookItsOwnId) {
   SheetContents sheet;
   for (int row = 0; row < 1100; ++row) sheet.comments[{row, 0}] = note("n", "");
   const std::string first =
-      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Grid(), clusters);
+      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Limits().grid, clusters);
   const std::string second =
-      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Grid(), clusters);
+      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Limits().grid, clusters);
   EXPECT_THAT(first, HasSubstr("data=\"2,4\""));
   EXPECT_THAT(first, HasSubstr("\"_x0000_s2049\""));
   EXPECT_THAT(first, HasSubstr("\"_x0000_s3071\""));
@@ -164,7 +165,7 @@ TEST(NotesDrawing, PlacesTheBoxBesideItsCell) {
   sheet.comments[{1048575, 16383}] = note("last", "");
   engine::xlsx::ShapeClusters clusters;
   const std::string written =
-      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Grid(), clusters);
+      engine::xlsx::write_notes_drawing("", sheet, {}, engine::Limits().grid, clusters);
   EXPECT_THAT(written, HasSubstr("<x:Anchor>1, 15, 0, 2, 3, 16, 3, 17</x:Anchor>"));
   EXPECT_THAT(written, HasSubstr("<x:Anchor>4, 15, 8, 10, 6, 16, 12, 5</x:Anchor>"));
   EXPECT_THAT(written, HasSubstr("16383, 15, 1048574, 10, 16383, 63, 1048575, 19"));

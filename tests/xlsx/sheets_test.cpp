@@ -152,7 +152,7 @@ TEST(Sheets, EditsReachCarriedFormulas) {
   book->read(0);
   book->read(1);
   book->document->edit_formulas(book->workbook, [](const Sheet*, std::string_view text) {
-    return formula::rename_sheet_text(text, "One", "First one");
+    return formula::rename_sheet_text(text, "One", "First one", Limits().grid);
   });
   const PartTexts saved = unzip(book->save());
   const std::string& sheet = saved.at("xl/worksheets/sheet1.xml");
