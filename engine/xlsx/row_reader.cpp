@@ -17,6 +17,7 @@
 #include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/iso_date.h"
+#include "engine/xlsx/plain_cells.h"
 #include "engine/xlsx/string_item.h"
 
 namespace engine::xlsx {
@@ -28,8 +29,6 @@ using package::XmlAttribute;
 using package::XmlAttributes;
 using package::XmlScanner;
 using Token = XmlScanner::Token;
-
-constexpr std::size_t kMaxPlainCell = 192;  // bytes of the longest cell that is taken as one piece
 
 bool is_true(std::string_view value) { return value == "1" || value == "true"; }
 
@@ -46,38 +45,6 @@ std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(kBlanks);
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
-}
-
-// A number of usual length at `at`, up to the next "<"; null when it is none of that kind. Up to 15
-// digits and powers of ten up to 22 are exact as doubles, so their quotient is rounded once.
-const char* plain_number(const char* at, double& number) {
-  constexpr double kPowers[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-  const bool negative = *at == '-';
-  if (negative) ++at;
-  std::uint64_t digits = 0;
-  const char* begin = at;
-  for (; *at >= '0' && *at <= '9'; ++at) {
-    digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
-    if (at - begin > 15) return nullptr;
-  }
-  if (at == begin) return nullptr;
-  std::ptrdiff_t count = at - begin;
-  std::ptrdiff_t decimals = 0;
-  if (*at == '.') {
-    const char* point = at++;
-    for (; *at >= '0' && *at <= '9'; ++at) {
-      digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
-      if (at - begin > 16) return nullptr;
-    }
-    decimals = at - point - 1;
-    count += decimals;
-  }
-  if (*at != '<' || count > 15) return nullptr;
-  number = static_cast<double>(digits);
-  if (decimals != 0) number /= kPowers[decimals];
-  if (negative && digits != 0) number = -number;
-  return at;
 }
 
 // A formula that other cells share, as its first cell has it.
@@ -144,11 +111,12 @@ class RowReader::Machine {
   std::uint32_t read_row_attributes();
   bool read_row_attribute(const XmlAttribute& attribute, RowProperties& properties, bool& any,
                           bool& custom_format, std::optional<std::uint32_t>& style);
-  void keep_row_children(const std::string& children);
+  void keep_row_children();
   std::uint32_t number_of_details(const std::string& details);
 
-  bool take_plain_cell();
-  const char* take_address(const char* at);
+  void begin_row(int row);
+  void take_plain_cells();
+  bool store_plain(const PlainCell& plain);
   void read_cell();
   void read_cell_attributes();
   void read_cell_children();
@@ -176,9 +144,12 @@ class RowReader::Machine {
   SheetPart& remains_;
   const bool prefixed_;
 
-  int row_ = -1;
+  int element_row_ = -1;  // of the row that is read
+  int row_ = -1;          // of the cell that is read, which may lie elsewhere
   int column_ = -1;
-  bool keeps_row_ = true;
+  bool keeps_row_ = true;  // row_
+  RowMark row_mark_;
+  std::string children_;   // of the row, but its cells
   Row* target_ = nullptr;  // the row that cells are put into; null until it has one
   CellText cell_;
   std::string scratch_;
@@ -195,36 +166,39 @@ void RowReader::Machine::read_rows() {
 }
 
 void RowReader::Machine::read_row() {
-  ++row_;
-  column_ = -1;
+  row_ = element_row_ + 1;
   const std::uint32_t properties = read_row_attributes();
-  keeps_row_ = filter_.keeps(row_);
-  target_ = nullptr;
+  begin_row(row_);
   if (properties != 0 && keeps_row_) sheet_.cells.row_at(row_).properties = properties;
-  const int row = row_;
-  std::string children;
-  if (!prefixed_ && keeps_row_)
-    while (take_plain_cell()) continue;
+  children_.clear();
+  take_plain_cells();
   while (scanner_.next() != Token::End) {
     if (scanner_.token() != Token::Start) continue;
     if (scanner_.name() != "c") {
-      scanner_.append_element(children);
+      scanner_.append_element(children_);
       continue;
     }
     read_cell();
-    row_ = row;
+    row_ = element_row_;
     keeps_row_ = filter_.keeps(row_);
-    if (!prefixed_ && keeps_row_)
-      while (take_plain_cell()) continue;
+    take_plain_cells();
   }
-  if (!children.empty() && keeps_row_) keep_row_children(children);
+  if (!children_.empty() && keeps_row_) keep_row_children();
 }
 
-void RowReader::Machine::keep_row_children(const std::string& children) {
+void RowReader::Machine::begin_row(int row) {
+  element_row_ = row_ = row;
+  column_ = -1;
+  keeps_row_ = filter_.keeps(row);
+  row_mark_ = RowMark(row);
+  target_ = nullptr;
+}
+
+void RowReader::Machine::keep_row_children() {
   RowProperties& properties = sheet_.properties_at(row_);
   std::string details;
   if (properties.details != 0) details = remains_.row_details[properties.details - 1];
-  details.append(1, kDetailsEnd).append(children);
+  details.append(1, kDetailsEnd).append(children_);
   properties.details = number_of_details(details);
 }
 
@@ -292,83 +266,45 @@ std::uint32_t RowReader::Machine::number_of_details(const std::string& details) 
   return entry->second;
 }
 
-// Takes the letters and digits of a cell in the present row, with the quote behind.
-const char* RowReader::Machine::take_address(const char* at) {
-  std::uint32_t column = 0;
-  const char* begin = at;
-  for (; *at >= 'A' && *at <= 'Z'; ++at) {
-    column = column * 26 + static_cast<std::uint32_t>(*at - 'A') + 1;
-    if (at - begin > 2) return nullptr;
+// Takes the cells that stand ahead in the form that nearly all have, and the borders between their
+// rows.
+void RowReader::Machine::take_plain_cells() {
+  if (prefixed_) return;
+  const std::string_view ahead = scanner_.ahead();
+  const char* at = ahead.data();
+  const char* const end = at + ahead.size();
+  PlainCell cell;
+  for (int row = 0; static_cast<std::size_t>(end - at) >= kMaxPlainCell && keeps_row_;) {
+    const char* next = at;
+    if (take_plain_cell(next, row_mark_, cell)) {
+      if (!store_plain(cell)) break;
+    } else if (children_.empty() && take_plain_row(next, grid_.rows, row)) {
+      begin_row(row);
+    } else {
+      break;
+    }
+    at = next;
   }
-  if (at == begin) return nullptr;
-  std::uint32_t row = 0;
-  begin = at;
-  for (; *at >= '0' && *at <= '9'; ++at) {
-    row = row * 10 + static_cast<std::uint32_t>(*at - '0');
-    if (at - begin > 6) return nullptr;
-  }
-  const bool here = static_cast<int>(row) == row_ + 1 && static_cast<int>(column) <= grid_.columns;
-  if (at == begin || *at != '"' || !here) return nullptr;
-  column_ = static_cast<int>(column) - 1;
-  return at + 1;
+  scanner_.consume(static_cast<std::size_t>(at - ahead.data()));
 }
 
-// A cell of a number, a shared text or nothing in the form that nearly all have. False when the
-// next one is of another form; then nothing is taken.
-bool RowReader::Machine::take_plain_cell() {
-  const std::string_view ahead = scanner_.ahead();
-  if (ahead.size() < kMaxPlainCell) return false;
-  const char* at = ahead.data();
-  const auto take = [&](std::string_view text) {
-    if (std::memcmp(at, text.data(), text.size()) != 0) return false;
-    at += text.size();
-    return true;
-  };
-  if (!take("<c r=\"")) return false;
-  const int column = column_;
-  const auto give_up = [&] {
-    column_ = column;
-    return false;
-  };
-  at = take_address(at);
-  if (!at) return give_up();
-  std::uint32_t style = 0;
-  if (take(" s=\"")) {
-    const char* begin = at;
-    for (; *at >= '0' && *at <= '9' && at - begin < 7; ++at)
-      style = style * 10 + static_cast<std::uint32_t>(*at - '0');
-    if (at == begin || *at++ != '"') return give_up();
+bool RowReader::Machine::store_plain(const PlainCell& plain) {
+  if (plain.column >= grid_.columns) return false;
+  Cell cell;
+  cell.style = context_.format(plain.style);
+  cell.column = static_cast<std::uint16_t>(plain.column);
+  if (plain.is_text) {
+    const bool known = plain.number >= 0 && plain.number < context_.shared_texts;
+    if (!known || plain.number != static_cast<std::uint32_t>(plain.number)) return false;
+    cell.bits = static_cast<std::uint32_t>(plain.number);
+    cell.kind = CellKind::kText;
+    ++remains_.text_cells;
+  } else if (plain.has_value) {
+    cell.number = plain.number;
+    cell.kind = CellKind::kNumber;
   }
-  const bool text = take(" t=\"s\"");
-  Value value;
-  if (take("><v>")) {
-    double number = 0;
-    const char* begin = at;
-    at = plain_number(at, number);
-    if (!at) {
-      // More digits than fit the short way; the same bytes by the long one.
-      const auto* end = static_cast<const char*>(std::memchr(begin, '<', 40));
-      const auto parsed = end && !text && *begin > ' ' && end[-1] > ' '
-                              ? parse_number({begin, static_cast<std::size_t>(end - begin)})
-                              : std::nullopt;
-      if (!parsed) return give_up();
-      number = *parsed;
-      at = end;
-    }
-    if (!take("</v></c>")) return give_up();
-    if (text) {
-      const bool known = number >= 0 && number < context_.shared_texts;
-      if (!known || number != static_cast<std::uint32_t>(number)) return give_up();
-      value = Value::of_text(static_cast<std::uint32_t>(number));
-      ++remains_.text_cells;
-    } else {
-      value = Value::of_number(number);
-    }
-  } else if (text || !take("/>")) {
-    return give_up();
-  }
-  store(SheetContents::make_cell(column_, value, context_.format(style)));
-  scanner_.consume(static_cast<std::size_t>(at - ahead.data()));
+  column_ = plain.column;
+  store(cell);
   return true;
 }
 

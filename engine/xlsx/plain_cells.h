@@ -1,0 +1,257 @@
+// Rows and cells in the form that nearly all have in files, recognised as one piece:
+//
+//   <row r="7" spans="1:3"><c r="A7"><v>12.5</v></c><c r="B7" s="3" t="s"><v>4</v></c></row>
+//
+// Constants are compared and digits are read eight bytes at a time. Every function needs room to
+// read behind what it recognises: kMaxPlainCell bytes. What is of another form is left alone, for a
+// reader that goes token by token.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "engine/text/number_text.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace engine::xlsx {
+
+inline constexpr std::size_t kMaxPlainCell = 192;  // bytes of the longest one
+
+// Up to eight bytes that are compared as one word.
+class Mark {
+ public:
+  constexpr Mark() = default;
+  explicit constexpr Mark(std::string_view text) : size_(text.size()) {
+    std::array<char, 8> bytes{};
+    std::array<unsigned char, 8> mask{};
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      bytes[i] = text[i];
+      mask[i] = 0xFF;
+    }
+    bytes_ = std::bit_cast<std::uint64_t>(bytes);
+    mask_ = std::bit_cast<std::uint64_t>(mask);
+  }
+
+  // Goes behind the text if it stands there.
+  bool take(const char*& at) const {
+    std::uint64_t word = 0;
+    std::memcpy(&word, at, sizeof word);
+    if (((word ^ bytes_) & mask_) != 0) return false;
+    at += size_;
+    return true;
+  }
+
+ private:
+  std::uint64_t bytes_ = 0;
+  std::uint64_t mask_ = 0;
+  std::size_t size_ = 0;
+};
+
+inline bool is_plain_digit(char c) { return c >= '0' && c <= '9'; }
+
+// What stands behind the letters of all addresses in a row: its number and the quote.
+class RowMark {
+ public:
+  RowMark() = default;
+  explicit RowMark(int row) {
+    std::array<char, 8> text{};
+    std::size_t begin = text.size() - 1;
+    text[begin] = '"';
+    for (int rest = row + 1; rest != 0 && begin != 0; rest /= 10)
+      text[--begin] = static_cast<char>('0' + rest % 10);
+    mark_ = Mark({&text[begin], text.size() - begin});
+  }
+
+  bool take(const char*& at) const { return mark_.take(at); }
+
+ private:
+  Mark mark_;
+};
+
+// Takes <c r=" and an address in the row, with the quote behind; gives the column from 0.
+inline bool take_plain_address(const char*& at, const RowMark& row, int& column) {
+  constexpr Mark kCell("<c r=\"");
+  const char* end = at;
+  if (!kCell.take(end)) return false;
+  int letters = 0;
+  const char* const begin = end;
+  for (; *end >= 'A' && *end <= 'Z' && end - begin < 3; ++end) letters = letters * 26 + *end - '@';
+  if (letters == 0 || !row.take(end)) return false;
+  column = letters - 1;
+  at = end;
+  return true;
+}
+
+// The number that up to eight digits are, at least one; false when others are among them.
+inline bool read_digits(const char* at, std::ptrdiff_t count, std::uint64_t& number) {
+  if constexpr (std::endian::native == std::endian::little) {
+    constexpr std::uint64_t kZeros = 0x3030303030303030;
+    std::uint64_t word = 0;
+    std::memcpy(&word, at, sizeof word);
+    word = (word ^ kZeros) << (64 - 8 * count);
+    if (((word | (word + 0x7676767676767676)) & 0x8080808080808080) != 0) return false;
+    // Pairs, then fours, then eight: each step joins two neighbours.
+    word = word * 10 + (word >> 8);
+    constexpr std::uint64_t kPair = 0x000000FF000000FF;
+    word = ((word & kPair) * (100 + (std::uint64_t{1000000} << 32)) +
+            ((word >> 16) & kPair) * (1 + (std::uint64_t{10000} << 32))) >>
+           32;
+    number = word;
+    return true;
+  } else {
+    number = 0;
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+      if (!is_plain_digit(at[i])) return false;
+      number = number * 10 + static_cast<std::uint64_t>(at[i] - '0');
+    }
+    return true;
+  }
+}
+
+// The same for up to sixteen.
+inline bool read_long_digits(const char* at, std::ptrdiff_t count, std::uint64_t& number) {
+  if (count <= 8) return read_digits(at, count, number);
+  std::uint64_t high = 0;
+  std::uint64_t low = 0;
+  if (!read_digits(at, count - 8, high) || !read_digits(at + count - 8, 8, low)) return false;
+  number = high * 100000000 + low;
+  return true;
+}
+
+// Where in the next 32 bytes the first "<" stands, and the first "." before it, else the same; 32
+// when there is none.
+struct NumberEnds {
+  std::ptrdiff_t point;
+  std::ptrdiff_t end;
+};
+
+inline NumberEnds number_ends(const char* at) {
+#ifdef __SSE2__
+  const auto found = [at](char c) {
+    const __m128i wanted = _mm_set1_epi8(c);
+    const auto* const bytes = reinterpret_cast<const __m128i*>(at);
+    const auto low = _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(bytes), wanted));
+    const auto high = _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_loadu_si128(bytes + 1), wanted));
+    return static_cast<std::uint32_t>(low) | static_cast<std::uint32_t>(high) << 16;
+  };
+  const std::uint32_t ends = found('<');
+  return {std::countr_zero(found('.') | ends), std::countr_zero(ends)};
+#else
+  NumberEnds ends{32, 0};
+  for (; ends.end < 32 && at[ends.end] != '<'; ++ends.end)
+    if (at[ends.end] == '.' && ends.point == 32) ends.point = ends.end;
+  if (ends.point > ends.end) ends.point = ends.end;
+  return ends;
+#endif
+}
+
+// Takes a number up to the next "<". Whole numbers up to 2^53 and powers of ten up to 22 are exact
+// as doubles, so their quotient is rounded once; what has more digits goes the long way.
+inline bool take_plain_number(const char*& at, double& number) {
+  constexpr std::array<double, 17> kPowers = {1e0, 1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7, 1e8,
+                                              1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16};
+  constexpr std::array<std::uint64_t, 17> kWholePowers = [] {
+    std::array<std::uint64_t, 17> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+    return powers;
+  }();
+  constexpr std::uint64_t kMaxExact = std::uint64_t{1} << 53;
+  const bool negative = *at == '-';
+  const char* const digits = at + (negative ? 1 : 0);
+  const auto [point, end] = number_ends(digits);
+  if (end == 32) return false;
+  const std::ptrdiff_t decimals = end - point - (point == end ? 0 : 1);
+  if (point >= 1 && point <= 16 && point + decimals <= 17 && (decimals != 0 || point == end)) {
+    std::uint64_t whole = 0;
+    std::uint64_t part = 0;
+    if (read_long_digits(digits, point, whole) &&
+        (decimals == 0 || read_long_digits(digits + point + 1, decimals, part))) {
+      whole = whole * kWholePowers[static_cast<std::size_t>(decimals)] + part;
+      if (whole <= kMaxExact) {
+        number = static_cast<double>(whole);
+        if (decimals != 0) number /= kPowers[static_cast<std::size_t>(decimals)];
+        if (negative && whole != 0) number = -number;
+        at = digits + end;
+        return true;
+      }
+    }
+  }
+  const std::string_view text(at, static_cast<std::size_t>(digits + end - at));
+  if (text.empty() || text.front() <= ' ' || text.back() <= ' ') return false;
+  const auto parsed = parse_number(text);
+  if (!parsed) return false;
+  number = *parsed;
+  at = digits + end;
+  return true;
+}
+
+struct PlainCell {
+  int column = 0;
+  std::uint32_t style = 0;
+  bool has_value = false;
+  bool is_text = false;  // then `number` is that of a shared text
+  double number = 0;
+};
+
+// Takes a cell of the row: a number, a shared text or nothing but a format.
+inline bool take_plain_cell(const char*& at, const RowMark& row, PlainCell& cell) {
+  constexpr Mark kStyle(" s=\"");
+  constexpr Mark kText(" t=\"s\"");
+  constexpr Mark kNumber(" t=\"n\"");
+  constexpr Mark kValue("><v>");
+  constexpr Mark kEnd("</v></c>");
+  constexpr Mark kEmpty("/>");
+  const char* end = at;
+  if (!take_plain_address(end, row, cell.column)) return false;
+  cell.style = 0;
+  cell.is_text = false;
+  if (*end == ' ') {
+    if (kStyle.take(end)) {
+      const char* const begin = end;
+      for (; is_plain_digit(*end) && end - begin < 7; ++end)
+        cell.style = cell.style * 10 + static_cast<std::uint32_t>(*end - '0');
+      if (end == begin || *end++ != '"') return false;
+    }
+    if (*end == ' ') {
+      cell.is_text = kText.take(end);
+      if (!cell.is_text && !kNumber.take(end)) return false;
+    }
+  }
+  cell.has_value = kValue.take(end);
+  if (cell.has_value ? !take_plain_number(end, cell.number) || !kEnd.take(end)
+                     : cell.is_text || !kEmpty.take(end))
+    return false;
+  at = end;
+  return true;
+}
+
+// Takes the end of a row and the beginning of another, whose number from 0 it gives.
+inline bool take_plain_row(const char*& at, int rows, int& row) {
+  constexpr Mark kEnd("</row>");
+  constexpr Mark kRow("<row r=\"");
+  constexpr Mark kSpans(" spans=\"");
+  const char* end = at;
+  if (!kEnd.take(end) || !kRow.take(end)) return false;
+  int number = 0;
+  const char* begin = end;
+  for (; is_plain_digit(*end) && end - begin < 7; ++end) number = number * 10 + *end - '0';
+  if (number == 0 || number > rows || *end++ != '"') return false;
+  if (kSpans.take(end)) {
+    begin = end;
+    while ((is_plain_digit(*end) || *end == ':' || *end == ' ') && end - begin < 64) ++end;
+    if (*end++ != '"') return false;
+  }
+  if (*end != '>') return false;
+  row = number - 1;
+  at = end + 1;
+  return true;
+}
+
+}  // namespace engine::xlsx
