@@ -8,12 +8,14 @@ namespace {
 struct Row {
   Family family;
   std::string_view transitional;
-  std::string_view strict;  // empty where both families use the same
+  std::string_view strict;  // empty where both families use the same; of BetaMain the older one
 };
 
 constexpr Row kRows[] = {
     {Family::Main, "http://schemas.openxmlformats.org/spreadsheetml/2006/main",
      "http://purl.oclc.org/ooxml/spreadsheetml/main"},
+    {Family::BetaMain, "http://schemas.openxmlformats.org/spreadsheetml/2006/5/main",
+     "http://schemas.microsoft.com/office/excel/2006/2"},
     {Family::Relationships, "http://schemas.openxmlformats.org/officeDocument/2006/relationships",
      "http://purl.oclc.org/ooxml/officeDocument/relationships"},
     {Family::Drawing, "http://schemas.openxmlformats.org/drawingml/2006/main",

@@ -12,6 +12,7 @@ enum class Family {
   Unknown,
   None,           // no namespace at all
   Main,           // spreadsheets
+  BetaMain,       // the same before the format was settled, in two versions
   Relationships,  // r:id and its like in markup
   Drawing,
   SpreadsheetDrawing,

@@ -153,13 +153,6 @@ const char* find_uri(pugi::xml_node node, std::string_view prefix) {
   return nullptr;
 }
 
-Family family_of_prefix(pugi::xml_node node, std::string_view prefix) {
-  if (prefix == "xml") return Family::Xml;
-  const char* const uri = find_uri(node, prefix);
-  if (uri == nullptr) return prefix.empty() ? Family::None : Family::Unknown;
-  return family_of(uri);
-}
-
 constexpr std::string_view usual_prefix(Family family) {
   switch (family) {
     case Family::Xml:
@@ -253,6 +246,13 @@ std::string serialize_xml(pugi::xml_node node) {
   StringWriter writer({});
   node.print(writer, "", kFormat, pugi::encoding_utf8);
   return refer_to_returns(writer.take());
+}
+
+Family family_of_prefix(pugi::xml_node node, std::string_view prefix) {
+  if (prefix == "xml") return Family::Xml;
+  const char* const uri = find_uri(node, prefix);
+  if (uri == nullptr) return prefix.empty() ? Family::None : Family::Unknown;
+  return family_of(uri);
 }
 
 std::string_view local_name(pugi::xml_node node) {

@@ -58,7 +58,10 @@ std::string serialize_xml(pugi::xml_node node);
 
 std::string_view local_name(pugi::xml_node node);
 
-// The family of an element, its prefix looked up through its ancestors.
+// What a prefix means at an element: the declarations of its ancestors count. Without a prefix it
+// is the namespace of elements that have none.
+Family family_of_prefix(pugi::xml_node node, std::string_view prefix);
+// The family of an element.
 Family family(pugi::xml_node node);
 bool is(pugi::xml_node node, Family family, std::string_view local);
 

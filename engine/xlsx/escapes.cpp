@@ -46,7 +46,8 @@ std::optional<std::uint32_t> unit_to_escape(std::string_view text) {
     const bool allowed = c == '\t' || c == '\n';
     return allowed ? std::nullopt : std::optional<std::uint32_t>(static_cast<std::uint32_t>(c));
   }
-  if (c == '_' && escaped_unit(text)) return '_';
+  // The escape of U+0000 is read as the characters that it consists of, so they need none.
+  if (c == '_' && escaped_unit(text).value_or(0) != 0) return '_';
   if (c == '\xEF' && text.starts_with("\xEF\xBF\xBE")) return 0xFFFE;
   if (c == '\xEF' && text.starts_with("\xEF\xBF\xBF")) return 0xFFFF;
   return std::nullopt;

@@ -2,6 +2,9 @@
 //
 // A text that has this shape by itself gets an escape in front of its underscore, so that both ways
 // give back what went in. This is a layer under XML's own escapes, not one of them.
+//
+// _x0000_ is no escape, neither way: no text can hold the character, so these seven stand for
+// themselves, in a file and in what a caller gives.
 #pragma once
 
 #include <string>
@@ -13,8 +16,7 @@ namespace engine::xlsx {
 bool needs_escape(std::string_view text);
 std::string escape(std::string_view text);
 
-// Two escaped surrogates in sequence are one character, a lone one is U+FFFD. An escaped U+0000
-// stays as it stands: a text ends there.
+// Two escaped surrogates in sequence are one character, a lone one is U+FFFD.
 std::string unescape(std::string_view text);
 
 }  // namespace engine::xlsx

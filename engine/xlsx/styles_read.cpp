@@ -19,6 +19,7 @@ using package::Family;
 
 // Spreadsheet programs hold 65,430 formats; a list far beyond that is made to exhaust memory.
 constexpr std::size_t kMaxEntries = 1000000;
+constexpr std::string_view kBlanks = " \t\r\n";
 constexpr unsigned kMaxRotation = 180;
 constexpr unsigned kStacked = 255;
 constexpr unsigned kMaxIndent = 250;
@@ -72,6 +73,53 @@ void read_palette(pugi::xml_node sheet, Palette& palette) {
     const auto rgb = parse_rgb(entry.attribute("rgb").value());
     if (rgb && index >= kPaletteFirst) palette[index - kPaletteFirst] = *rgb;
     ++index;
+  }
+}
+
+// Whether everything that a choice requires is markup that the engine reads. Extensions are not,
+// also those that it may ignore.
+bool is_readable(pugi::xml_node choice) {
+  std::string_view prefixes = choice.attribute("Requires").value();
+  bool any = false;
+  while (!prefixes.empty()) {
+    const std::string_view prefix = prefixes.substr(0, prefixes.find_first_of(kBlanks));
+    prefixes.remove_prefix(std::min(prefix.size() + 1, prefixes.size()));
+    if (prefix.empty()) continue;
+    if (package::family_of_prefix(choice, prefix) == Family::Unknown) return false;
+    any = true;
+  }
+  return any;
+}
+
+// The branch of alternate content that counts; null when there is none.
+pugi::xml_node chosen_branch(pugi::xml_node alternatives) {
+  for (const auto branch : alternatives.children()) {
+    if (package::is(branch, Family::MarkupCompatibility, "Fallback")) return branch;
+    if (package::is(branch, Family::MarkupCompatibility, "Choice") && is_readable(branch))
+      return branch;
+  }
+  return {};
+}
+
+bool is_alternative(pugi::xml_node node) {
+  return package::is(node, Family::MarkupCompatibility, "AlternateContent");
+}
+
+// Takes prefixes that an element declares to another, unless they mean something there.
+void declare_in(pugi::xml_node target, pugi::xml_node element) {
+  for (const auto attribute : element.attributes()) {
+    if (!std::string_view(attribute.name()).starts_with("xmlns:")) continue;
+    pugi::xml_node scope = target;
+    while (scope && !scope.attribute(attribute.name())) scope = scope.parent();
+    if (!scope) target.append_copy(attribute);
+  }
+}
+
+void collect_entries(pugi::xml_node list, std::string_view entry,
+                     std::vector<pugi::xml_node>& entries) {
+  for (const auto node : list.children()) {
+    if (package::is(node, Family::Main, entry)) entries.push_back(node);
+    else if (is_alternative(node)) collect_entries(chosen_branch(node), entry, entries);
   }
 }
 
@@ -166,11 +214,24 @@ Fill read_fill(pugi::xml_node fill, std::uint32_t number) {
 
 std::vector<pugi::xml_node> style_entries(pugi::xml_node sheet, std::string_view list,
                                           std::string_view entry, std::string_view part) {
-  auto entries = package::children(child(sheet, Family::Main, list), Family::Main, entry);
+  std::vector<pugi::xml_node> entries;
+  collect_entries(child(sheet, Family::Main, list), entry, entries);
   if (entries.size() > kMaxEntries)
     package::throw_damaged(std::string(part) + ", " + std::string(list),
                            std::to_string(entries.size()) + " entries");
   return entries;
+}
+
+void settle_alternatives(pugi::xml_node entry) {
+  for (pugi::xml_node branch = entry.parent(); is_alternative(branch.parent());) {
+    const pugi::xml_node alternatives = branch.parent();
+    pugi::xml_node list = alternatives.parent();
+    declare_in(list, alternatives);
+    declare_in(list, branch);
+    while (const auto node = branch.first_child()) list.insert_move_before(node, alternatives);
+    list.remove_child(alternatives);
+    branch = list;
+  }
 }
 
 void read_style_sheet(pugi::xml_node sheet, std::string_view part, Styles& styles) {

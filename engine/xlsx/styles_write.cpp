@@ -56,10 +56,16 @@ class EntryList {
     return number < size_of_file() ? number : 0;
   }
 
-  // The file's entry in the copy, to be patched.
+  // The file's entry in the copy.
   pugi::xml_node copy(std::uint32_t number) {
     if (copies_.empty()) copies_ = style_entries(sheet_, list_, entry_, {});
     return copies_[number];
+  }
+
+  // The same, to be patched.
+  pugi::xml_node changed(std::uint32_t number) {
+    settle_alternatives(copy(number));
+    return copy(number);
   }
 
   // A new entry behind the others: like a given one, or empty.
@@ -224,7 +230,7 @@ void StylesWriter::write_fonts() {
   const std::uint32_t from_file = styles_.fonts_from_file();
   for (std::uint32_t index = 0; index < from_file; ++index) {
     const FontRecord& record = styles_.font(index);
-    if (record.changed != 0) patch_font(fonts_.copy(index), record, record.changed);
+    if (record.changed != 0) patch_font(fonts_.changed(index), record, record.changed);
     font_numbers_.push_back(index);
   }
   if (styles_.font_count() == from_file) return;
@@ -277,7 +283,7 @@ void StylesWriter::write_formats() {
   for (std::uint32_t index = 0; index < from_file; ++index) {
     const FormatRecord& record = styles_.format(index);
     if (record.changed != 0)
-      patch_format(formats_.copy(index), record, numbers_of(record), record.changed);
+      patch_format(formats_.changed(index), record, numbers_of(record), record.changed);
   }
   if (styles_.format_count() == from_file) return;
   learn_formats();

@@ -209,6 +209,8 @@ void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_
   document_ = package::XmlTree::parse(bytes, part);
   document_.settle();
   const pugi::xml_node root = document_.root();
+  if (package::is(root, Family::BetaMain, "workbook"))
+    throw package::FileError("is a workbook of an Excel 2007 beta version");
   if (!package::is(root, Family::Main, "workbook"))
     throw package::FileError("is not an .xlsx workbook");
   read_sheets(root, parts, part, book);

@@ -57,6 +57,11 @@ TEST(Damage, PackagesThatAreNoWorkbook) {
   no_main.erase("xl/workbook.xml");
   PartTexts document = good;
   document["xl/workbook.xml"] = "<w:document xmlns:w=\"urn:w\"/>";
+  const auto of_namespace = [&](std::string_view uri) {
+    PartTexts parts = good;
+    parts["xl/workbook.xml"] = "<s:workbook xmlns:s=\"" + std::string(uri) + "\"/>";
+    return zip(parts);
+  };
   PartTexts binary = good;
   binary["[Content_Types].xml"] =
       types({{"xl/workbook.xml", "vnd.ms-excel.sheet.binary.macroEnabled.main"}});
@@ -65,6 +70,11 @@ TEST(Damage, PackagesThatAreNoWorkbook) {
   const std::pair<std::string, const char*> kCases[] = {
       {zip({{"a.txt", "x"}}), "is not an .xlsx workbook"},
       {zip(document), "is not an .xlsx workbook"},
+      {of_namespace("urn:s"), "is not an .xlsx workbook"},
+      {of_namespace("http://schemas.microsoft.com/office/excel/2006/2"),
+       "is a workbook of an Excel 2007 beta version"},
+      {of_namespace("http://schemas.openxmlformats.org/spreadsheetml/2006/5/main"),
+       "is a workbook of an Excel 2007 beta version"},
       {zip(binary), "is a binary .xlsb workbook"},
       {zip(no_main), "is damaged: xl/workbook.xml, is missing"},
       {zip(no_sheet), "is damaged: xl/worksheets/sheet1.xml, is missing"},

@@ -1,6 +1,9 @@
 #include "engine/xlsx/escapes.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "tests/xlsx/packages.h"
 
 namespace engine::xlsx {
 namespace {
@@ -19,6 +22,9 @@ TEST(Escapes, GoThereAndBack) {
       {"__x00e9__", "__x005F_x00e9__"},
       {"_x005F_x0041_", "_x005F_x005F_x005F_x0041_"},
       {"\xEF\xBF\xBF|\xEF\xBF\xBD", "_xFFFF_|\xEF\xBF\xBD"},
+      {"_x0000_", "_x0000_"},
+      {"__x0000_x0041_", "__x0000_x005F_x0041_"},
+      {"_x005F_x0000_", "_x005F_x005F_x0000_"},
   };
   for (const auto& [text, escaped] : kCases) {
     SCOPED_TRACE(escaped);
@@ -36,10 +42,29 @@ TEST(Escapes, ReadWhatOtherProgramsWrite) {
       {"_xD83D__x0041_",
        "\xEF\xBF\xBD"
        "A"},
-      {"_x0000_", "_x0000_"},
       {"_x12_x0041_", "_x12A"},
   };
   for (const auto& [escaped, text] : kCases) EXPECT_EQ(unescape(escaped), text) << escaped;
+}
+
+// Nothing reads U+0000, so a rewritten sheet must not come to say something else than it did.
+TEST(Escapes, OfNoCharacterStayAsTheFileHasThem) {
+  PartTexts parts =
+      book_of(worksheet(R"(<row r="1"><c r="A1" t="inlineStr"><is><t>a_x0000_</t></is></c>)"
+                        R"(<c r="B1" t="str"><f>C1</f><v>b_x0000_</v></c>)"
+                        R"(<c r="C1" t="s"><v>0</v></c></row>)"));
+  parts["xl/sharedStrings.xml"] = texts_part("<si><t>c_x0000_</t></si>");
+  const auto book = load(parts);
+  Sheet& sheet = book->read();
+  for (const auto& [column, text] :
+       {std::pair(0, "\"a_x0000_\""), {1, "=C1: \"b_x0000_\""}, {2, "\"c_x0000_\""}})
+    EXPECT_EQ(book->show(0, column), text);
+  sheet.change().put_value(5, 5, Value::of_text(book->workbook.strings.add("d_x0000_")),
+                           std::nullopt);
+  const PartTexts saved = unzip(book->save());
+  EXPECT_THAT(saved.at("xl/worksheets/sheet1.xml"), testing::HasSubstr("<v>b_x0000_</v>"));
+  for (const char* text : {"<t>a_x0000_</t>", "<t>c_x0000_</t>", "<t>d_x0000_</t>"})
+    EXPECT_THAT(saved.at("xl/sharedStrings.xml"), testing::HasSubstr(text));
 }
 
 }  // namespace

@@ -244,6 +244,69 @@ TEST(StylesPart, FoldsWhatWasAdded) {
             std::string::npos);
 }
 
+// Entries of the branch that is read count in their place, and go on standing for themselves alone
+// when they are changed.
+TEST(StylesPart, CountsEntriesOfAlternateContent) {
+  constexpr std::string_view kHead =
+      R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
+      R"(xmlns:mc="http://schemas.openxmlformats.org/markup-compatibility/2006" )"
+      R"(xmlns:m="http://purl.oclc.org/ooxml/spreadsheetml/main" xmlns:n="urn:new">)";
+  constexpr std::string_view kBefore = R"(<font><sz val="1"/></font>)";
+  constexpr std::string_view kBehind = R"(<font><sz val="9"/></font>)";
+  struct Case {
+    const char* alternatives;
+    std::vector<int> sizes;  // between the first and the last font
+    const char* settled;     // once the second font is in italics
+  };
+  const Case cases[] = {
+      {R"(<mc:AlternateContent><mc:Choice Requires="n"><font n:x="1"><sz val="2"/></font></mc:Choice>)"
+       R"(<mc:Fallback xmlns:o="urn:o"><font><sz val="3"/><o:y/></font><font/></mc:Fallback>)"
+       R"(</mc:AlternateContent>)",
+       {3, 11},
+       R"(<font><i/><sz val="3"/><o:y/></font><font/>)"},
+      {R"(<mc:AlternateContent><mc:Choice Requires="n m"><font/></mc:Choice><mc:Choice Requires=" m  mc">)"
+       R"(<font><sz val="4"/></font></mc:Choice><mc:Fallback><font/></mc:Fallback></mc:AlternateContent>)",
+       {4},
+       R"(<font><i/><sz val="4"/></font>)"},
+      {R"(<mc:AlternateContent><mc:Choice Requires="n"/><mc:Fallback><mc:AlternateContent>)"
+       R"(<mc:Fallback><font><sz val="5"/></font></mc:Fallback></mc:AlternateContent>)"
+       R"(<font><sz val="6"/></font></mc:Fallback></mc:AlternateContent>)",
+       {5, 6},
+       R"(<font><i/><sz val="5"/></font><font><sz val="6"/></font>)"},
+      {R"(<mc:AlternateContent><mc:Choice Requires=""><font/></mc:Choice></mc:AlternateContent>)",
+       {},
+       R"(<mc:AlternateContent><mc:Choice Requires=""><font/></mc:Choice></mc:AlternateContent>)"},
+  };
+  for (const auto& [alternatives, sizes, settled] : cases) {
+    SCOPED_TRACE(alternatives);
+    Book book(std::string(kHead)
+                  .append("<fonts>")
+                  .append(kBefore)
+                  .append(alternatives)
+                  .append(kBehind)
+                  .append("</fonts></styleSheet>"));
+    ASSERT_EQ(book.styles.font_count(), sizes.size() + 2);
+    for (std::size_t i = 0; i < sizes.size(); ++i)
+      EXPECT_EQ(book.styles.font(static_cast<std::uint32_t>(i) + 1).size, sizes[i]);
+    const std::uint32_t last = book.styles.font_count() - 1;
+    EXPECT_EQ(book.styles.font(last).size, 9);
+    book.styles.change_font(1, kFontItalic).italic = true;
+    const std::string written = book.part.write(book.styles).bytes;
+    EXPECT_TRUE(Book(written).styles.font(1).italic);
+    const std::size_t begin = written.find(kBefore) + kBefore.size();
+    if (sizes.empty()) continue;
+    EXPECT_EQ(written.substr(begin, written.find(kBehind) - begin), settled);
+  }
+  const Book fills(std::string(kHead).append(
+      R"(<fills><fill/><mc:AlternateContent><mc:Fallback><fill/></mc:Fallback></mc:AlternateContent>)"
+      R"(<fill><patternFill patternType="solid"/></fill></fills><borders><mc:AlternateContent>)"
+      R"(<mc:Fallback><border><top style="thin"/></border></mc:Fallback></mc:AlternateContent></borders>)"
+      R"(<cellXfs><mc:AlternateContent><mc:Fallback><xf fillId="2"/></mc:Fallback>)"
+      R"(</mc:AlternateContent></cellXfs></styleSheet>)"));
+  EXPECT_EQ(fills.styles.format(0).fill.pattern, 1);
+  EXPECT_EQ(fills.styles.format(0).border.top.style, 1);
+}
+
 // A copy has the values that its model had at the moment, the carried things included.
 TEST(StylesPart, CopiesStandForThemselves) {
   Book book(kSample);
