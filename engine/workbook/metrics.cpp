@@ -10,12 +10,11 @@ namespace {
 constexpr int kPadding = 5;          // pixels beside the digits
 constexpr double kMaxWidth = 65535;  // files may say anything; columns end far below
 
-template <class Size>
-Corner walk(Corner from, int distance, int count, Size size) {
-  int left = from.offset + distance;
-  int index = from.index;
-  while (index + 1 < count && left >= size(index)) left -= size(index++);
-  return {index, std::min(left, std::max(size(index) - 1, 0))};
+constexpr double kMaxHeight = 409.5;  // points
+
+int pixels_of_row(const SheetContents& sheet, const RowProperties& row) {
+  if (row.hidden) return 0;
+  return row.height ? pixels_of_points(*row.height) : sheet.default_row_pixels;
 }
 
 }  // namespace
@@ -48,7 +47,10 @@ double restated_width(double width, int former_digit, int digit) {
   return width_of_pixels(pixels_of_characters(characters, digit), digit);
 }
 
-int pixels_of_points(double points) { return static_cast<int>(std::lround(points * 96 / 72)); }
+int pixels_of_points(double points) {
+  const double sane = points > 0 ? std::min(points, kMaxHeight) : 0;
+  return static_cast<int>(std::lround(sane * 96 / 72));
+}
 
 // Without a stated width there is room for the base width and the padding, and more until the
 // pixels are a multiple of eight.
@@ -69,18 +71,56 @@ int column_pixels(const SheetContents& sheet, int column) {
 int row_pixels(const SheetContents& sheet, int row) {
   const Row* found = sheet.cells.find_row(row);
   const RowProperties* its = found ? sheet.properties(*found) : nullptr;
-  if (!its) return sheet.default_row_pixels;
-  if (its->hidden) return 0;
-  return its->height ? pixels_of_points(*its->height) : sheet.default_row_pixels;
+  return its ? pixels_of_row(sheet, *its) : sheet.default_row_pixels;
 }
 
-Corner walk_columns(const SheetContents& sheet, Corner from, int distance, int column_count) {
-  return walk(from, distance, column_count,
-              [&](int column) { return column_pixels(sheet, column); });
+Edges::Edges(int count, int usual) : count_(count), usual_(usual) {
+  runs_.push_back({0, 0, usual});
 }
 
-Corner walk_rows(const SheetContents& sheet, Corner from, int distance, int row_count) {
-  return walk(from, distance, row_count, [&](int row) { return row_pixels(sheet, row); });
+void Edges::append(int first, int last, int size) {
+  last = std::min(last, count_ - 1);
+  if (last < first) return;
+  start_run(first, size);
+  if (last + 1 < count_) start_run(last + 1, usual_);
+}
+
+// A run that nothing is in gives way to the next one.
+void Edges::start_run(int first, int size) {
+  const long long begin = position(first);
+  if (runs_.back().first == first) runs_.back() = {first, begin, size};
+  else if (runs_.back().size != size) runs_.push_back({first, begin, size});
+}
+
+Edges Edges::of_columns(const SheetContents& sheet, int count) {
+  Edges made(count, default_column_pixels(sheet));
+  for (const ColumnProperties& run : sheet.columns)
+    made.append(run.first, run.last, column_pixels(sheet, run.first));
+  return made;
+}
+
+Edges Edges::of_rows(const SheetContents& sheet, int count) {
+  Edges made(count, sheet.default_row_pixels);
+  for (const Row& row : sheet.cells.rows()) {
+    const RowProperties* its = sheet.properties(row);
+    const int number = static_cast<int>(row.number);
+    if (its) made.append(number, number, pixels_of_row(sheet, *its));
+  }
+  return made;
+}
+
+long long Edges::position(int index) const {
+  const Run& run = *std::prev(std::ranges::upper_bound(runs_, index, {}, &Run::first));
+  return run.begin + static_cast<long long>(index - run.first) * run.size;
+}
+
+Corner Edges::walk(Corner from, int distance) const {
+  const long long target = position(from.index) + from.offset + distance;
+  const Run& run = *std::prev(std::ranges::upper_bound(runs_, target, {}, &Run::begin));
+  const long long steps = run.size > 0 ? (target - run.begin) / run.size : count_;
+  const int index = static_cast<int>(std::min<long long>(run.first + steps, count_ - 1));
+  const long long left = target - position(index);
+  return {index, static_cast<int>(std::min<long long>(left, std::max(run.size - 1, 0)))};
 }
 
 }  // namespace engine

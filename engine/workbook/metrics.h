@@ -6,6 +6,8 @@
 // digit that it was made for.
 #pragma once
 
+#include <vector>
+
 #include "engine/workbook/sheet.h"
 
 namespace engine {
@@ -29,12 +31,38 @@ int default_column_pixels(const SheetContents& sheet);
 int column_pixels(const SheetContents& sheet, int column);
 int row_pixels(const SheetContents& sheet, int row);
 
-// Where a distance to the right of a column's left edge ends: the column and the rest inside it.
+// A place inside a column or row.
 struct Corner {
   int index = 0;
-  int offset = 0;
+  int offset = 0;  // pixels from its left or upper edge
 };
-Corner walk_columns(const SheetContents& sheet, Corner from, int distance, int column_count);
-Corner walk_rows(const SheetContents& sheet, Corner from, int distance, int row_count);
+
+// Where the columns or rows of a sheet begin, measured once for many questions.
+class Edges {
+ public:
+  static Edges of_columns(const SheetContents& sheet, int count);
+  static Edges of_rows(const SheetContents& sheet, int count);
+
+  // Pixels from the sheet's edge to that of a column or row.
+  long long position(int index) const;
+  // Where a distance ends that begins at a place; at the last column or row at most.
+  Corner walk(Corner from, int distance) const;
+
+ private:
+  // Columns or rows of one size, up to the next run.
+  struct Run {
+    int first = 0;
+    long long begin = 0;
+    int size = 0;
+  };
+
+  Edges(int count, int usual);
+  void append(int first, int last, int size);
+  void start_run(int first, int size);
+
+  std::vector<Run> runs_;
+  int count_;
+  int usual_;
+};
 
 }  // namespace engine

@@ -1,22 +1,29 @@
 #include "engine/xlsx/notes_drawing.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "engine/package/xml_text.h"
 #include "engine/text/number_text.h"
 #include "engine/workbook/metrics.h"
 #include "engine/xlsx/comments.h"
+#include "engine/xlsx/vml_tags.h"
 
 namespace engine::xlsx {
 
 namespace {
 
 constexpr int kShapesPerCluster = 1024;
+constexpr int kLastCluster = 0x7FFFFFFF / kShapesPerCluster;
 constexpr std::string_view kIdPrefix = "_x0000_s";
+constexpr std::string_view kBoxTypeId = "_x0000_t202";
+constexpr std::string_view kBlanks = " \t\r\n";
 
 // Where a box stands beside its cell: one column to the right, one row up, a little inside.
 constexpr int kInsetX = 15;
@@ -28,79 +35,129 @@ constexpr int kDefaultHeight = 75;
 constexpr int kLargestBox = 32767;
 
 std::optional<int> number_at(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\n' || text.front() == '\r'))
-    text.remove_prefix(1);
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
   int number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
-// The content of the first element of that name: `<x:Row>3</x:Row>` holds 3.
-std::optional<int> element_number(std::string_view shape, std::string_view name) {
-  std::string open = "<";
-  open.append(name).append(">");
-  const std::size_t at = shape.find(open);
-  return at == std::string_view::npos ? std::nullopt : number_at(shape.substr(at + open.size()));
-}
-
-// The values of `<o:idmap v:ext="edit" data="1,2"/>`.
-std::vector<int> clusters_of(std::string_view drawing) {
+// The values of `<o:idmap v:ext="edit" data="1,2"/>`: those that shapes can have an id in.
+std::vector<int> clusters_of(std::string_view data) {
   std::vector<int> clusters;
-  const std::size_t map = drawing.find(":idmap");
-  if (map == std::string_view::npos) return clusters;
-  std::string_view element = drawing.substr(map, drawing.find('>', map) - map);
-  const std::size_t data = element.find("data=");
-  if (data == std::string_view::npos || data + 6 > element.size()) return clusters;
-  element.remove_prefix(data + 6);
-  while (const auto number = number_at(element)) {
-    clusters.push_back(*number);
-    const std::size_t comma = element.find(',');
+  while (const auto number = number_at(data)) {
+    if (*number >= 0 && *number <= kLastCluster) clusters.push_back(*number);
+    const std::size_t comma = data.find(',');
     if (comma == std::string_view::npos) break;
-    element.remove_prefix(comma + 1);
+    data.remove_prefix(comma + 1);
   }
   return clusters;
 }
 
-// One `<v:shape …>…</v:shape>` of a drawing, and the cell of the note it shows if it is a note's.
+// Calls back with each number of a shape that the drawing mentions.
+template <class Use>
+void for_each_id(std::string_view drawing, Use use) {
+  std::size_t at = 0;
+  while ((at = drawing.find(kIdPrefix, at)) != std::string_view::npos) {
+    at += kIdPrefix.size();
+    if (const auto id = number_at(drawing.substr(at)); id && *id >= 0) use(*id);
+  }
+}
+
+// One shape of a drawing, and the cell of the note it shows if it is a note's.
 struct Shape {
   std::size_t begin = 0;
   std::size_t end = 0;
+  std::string_view style;
   std::optional<CellAddress> note;
 };
 
-std::vector<Shape> shapes_of(std::string_view drawing) {
-  constexpr std::string_view kOpen = "<v:shape";
-  constexpr std::string_view kClose = "</v:shape>";
+// What the root says; boxes stand in it.
+struct Root {
+  VmlTag tag;
+  std::optional<std::size_t> end;  // where its end tag begins
+  std::set<std::string_view> prefixes;
+  std::array<std::string_view, std::size(kVmlNamespaces)> known;  // prefixes of the families
+};
+
+struct Drawing {
+  std::string_view text;
+  std::optional<Root> root;
   std::vector<Shape> shapes;
-  std::size_t at = 0;
-  while ((at = drawing.find(kOpen, at)) != std::string_view::npos) {
-    const std::size_t after = at + kOpen.size();
-    const std::size_t close = drawing.find(kClose, after);
-    if (close == std::string_view::npos) break;
-    if (drawing[after] == 't') {  // a shape type, which shapes refer to
-      at = after;
+  std::optional<std::string_view> map;  // the value of the idmap's data
+  bool has_box_type = false;
+};
+
+Root read_root(const VmlTag& tag) {
+  Root root{tag, std::nullopt, {}, {}};
+  package::XmlAttributes attributes = tag.attributes;
+  for (package::XmlAttribute one; attributes.next(one);) {
+    if (!one.name.starts_with("xmlns:")) continue;
+    const std::string_view prefix = package::local_name(one.name);
+    root.prefixes.insert(prefix);
+    for (std::size_t i = 0; i < root.known.size(); ++i)
+      if (one.value == kVmlNamespaces[i].uri && root.known[i] != kVmlNamespaces[i].prefix)
+        root.known[i] = prefix;
+  }
+  return root;
+}
+
+// What a shape says of a note while its tags go by.
+struct ShapeReader {
+  std::string_view text;
+  std::optional<Shape> open;
+  bool is_note = false;
+  std::optional<int> row;
+  std::optional<int> column;
+
+  void read(const VmlTag& tag, std::vector<Shape>& shapes) {
+    if (tag.is(VmlFamily::kVml, "shape")) {
+      // A shape that another begins in has lost its end.
+      if (tag.opens())
+        *this = {text, Shape{tag.begin, 0, tag.attributes.find("style"), {}}, false, {}, {}};
+      if (!open || tag.kind == VmlTag::Kind::kStart) return;
+      open->end = tag.end;
+      if (is_note && row && column) open->note = CellAddress{*row, *column};
+      shapes.push_back(*open);
+      open.reset();
+    } else if (open && tag.opens() && tag.family == VmlFamily::kExcel) {
+      const std::string_view local = package::local_name(tag.name);
+      const auto content = [&] { return number_at(text.substr(tag.end)); };
+      if (local == "ClientData") is_note |= tag.attributes.find("ObjectType") == "Note";
+      else if (local == "Row" && !row) row = content();
+      else if (local == "Column" && !column) column = content();
+    }
+  }
+};
+
+Drawing read_drawing(std::string_view text) {
+  Drawing drawing;
+  drawing.text = text;
+  ShapeReader shape{text, {}, false, {}, {}};
+  VmlTags tags(text);
+  for (VmlTag tag; tags.next(tag);) {
+    if (!drawing.root) {
+      if (tag.opens()) drawing.root = read_root(tag);
       continue;
     }
-    Shape shape{at, close + kClose.size(), std::nullopt};
-    const std::string_view text = drawing.substr(at, shape.end - at);
-    const auto row = element_number(text, "x:Row");
-    const auto column = element_number(text, "x:Column");
-    if (text.find("ObjectType=\"Note\"") != std::string_view::npos && row && column)
-      shape.note = CellAddress{*row, *column};
-    shapes.push_back(shape);
-    at = shape.end;
+    if (!tag.opens() && tag.name == drawing.root->tag.name) drawing.root->end = tag.begin;
+    shape.read(tag, drawing.shapes);
+    if (!tag.opens()) continue;
+    if (tag.is(VmlFamily::kVml, "shapetype"))
+      drawing.has_box_type |= tag.attributes.find("id") == kBoxTypeId;
+    else if (tag.is(VmlFamily::kOffice, "idmap") && !drawing.map)
+      if (const auto data = tag.attributes.find("data"); data.data()) drawing.map = data;
   }
-  return shapes;
+  return drawing;
 }
 
 // A length of a shape's style in pixels; 0 when it is not there or in a unit that nobody uses here.
-int style_pixels(std::string_view shape, std::string_view name) {
-  const std::string_view tag = shape.substr(0, shape.find('>'));
-  for (std::size_t at = 0; (at = tag.find(name, at)) != std::string_view::npos; ++at) {
-    const bool is_whole =
-        at > 0 && std::string_view("\"'; \r\n").find(tag[at - 1]) != std::string_view::npos;
-    if (!is_whole || tag.substr(at + name.size(), 1) != ":") continue;
-    const std::string_view value = tag.substr(at + name.size() + 1);
+int style_pixels(std::string_view style, std::string_view name) {
+  while (!style.empty()) {
+    std::string_view one = style.substr(0, style.find(';'));
+    style.remove_prefix(std::min(one.size() + 1, style.size()));
+    one.remove_prefix(std::min(one.find_first_not_of(kBlanks), one.size()));
+    if (!one.starts_with(name) || one.substr(name.size(), 1) != ":") continue;
+    const std::string_view value = one.substr(name.size() + 1);
     const std::string_view number = value.substr(0, value.find_first_not_of("0123456789."));
     const std::string_view unit = value.substr(number.size(), 2);
     const double length = parse_number(number).value_or(0);
@@ -110,24 +167,24 @@ int style_pixels(std::string_view shape, std::string_view name) {
   return 0;
 }
 
-// Hands out shape ids in the clusters of one drawing.
+// Hands out shape ids in the clusters of one drawing. Only the last cluster is filled up: a fresh
+// one has no gaps.
 class ShapeIds {
  public:
-  ShapeIds(std::string_view drawing, ShapeClusters& clusters)
-      : book_(clusters), clusters_(clusters_of(drawing)) {
-    std::size_t at = 0;
-    while ((at = drawing.find(kIdPrefix, at)) != std::string_view::npos) {
-      at += kIdPrefix.size();
-      if (const auto id = number_at(drawing.substr(at))) last_ = std::max(last_, *id);
-    }
+  ShapeIds(const Drawing& drawing, ShapeClusters& clusters)
+      : book_(clusters), clusters_(clusters_of(drawing.map.value_or(""))) {
+    if (clusters_.empty()) return;
+    const long long first = first_of(clusters_.back());
+    last_ = first;
+    for_each_id(drawing.text, [&](long long id) {
+      if (id < first + kShapesPerCluster) last_ = std::max(last_, id);
+    });
   }
 
-  int next() {
-    const bool used_up = last_ % kShapesPerCluster == kShapesPerCluster - 1;
-    if (clusters_.empty() || used_up || last_ < clusters_.back() * kShapesPerCluster) {
-      // Shapes of clusters that are not the last are left alone: a fresh cluster has no gaps.
-      if (clusters_.empty() || used_up) clusters_.push_back(book_.take());
-      last_ = clusters_.back() * kShapesPerCluster;
+  long long next() {
+    if (clusters_.empty() || last_ % kShapesPerCluster == kShapesPerCluster - 1) {
+      clusters_.push_back(book_.take());
+      last_ = first_of(clusters_.back());
     }
     return ++last_;
   }
@@ -142,14 +199,18 @@ class ShapeIds {
   }
 
  private:
+  static long long first_of(int cluster) {
+    return static_cast<long long>(cluster) * kShapesPerCluster;
+  }
+
   ShapeClusters& book_;
   std::vector<int> clusters_;
-  int last_ = 0;
+  long long last_ = 0;
 };
 
-std::string points(int pixels) {
+std::string points(long long pixels) {
   // Three quarters of a point a pixel: at most two decimals.
-  const int hundredths = pixels * 75;
+  const long long hundredths = pixels * 75;
   std::string text = std::to_string(hundredths / 100);
   if (hundredths % 100 != 0)
     text.append(hundredths % 100 == 50 ? ".5" : hundredths % 100 == 25 ? ".25" : ".75");
@@ -165,34 +226,50 @@ std::string anchor(Corner left, Corner top, Corner right, Corner bottom) {
   return text;
 }
 
-std::string box(const SheetContents& sheet, const Grid& grid, CellAddress cell, const Comment& note,
-                int id, int z_index) {
-  const int width = note.width > 0 ? note.width : kDefaultWidth;
-  const int height = note.height > 0 ? note.height : kDefaultHeight;
-  const Corner left{std::min(cell.column + 1, grid.columns - 1), kInsetX};
-  const Corner top{std::max(cell.row - 1, 0), cell.row == 0 ? kInsetYInFirstRow : kInsetY};
-  const Corner right = walk_columns(sheet, left, width, grid.columns);
-  const Corner bottom = walk_rows(sheet, top, height, grid.rows);
-  int x = left.offset;
-  for (int column = 0; column < left.index; ++column) x += column_pixels(sheet, column);
-  const int y = top.index * sheet.default_row_pixels + top.offset;
+// Makes boxes, in the usual prefixes.
+class Boxes {
+ public:
+  Boxes(const SheetContents& sheet, const Grid& grid)
+      : grid_(grid),
+        columns_(Edges::of_columns(sheet, grid.columns)),
+        rows_(Edges::of_rows(sheet, grid.rows)),
+        usual_height_(sheet.default_row_pixels) {}
 
-  std::string text = R"(<v:shape id=")";
-  text.append(kIdPrefix).append(std::to_string(id));
-  text.append(R"(" type="#_x0000_t202" style="position:absolute;margin-left:)").append(points(x));
-  text.append(";margin-top:").append(points(y)).append(";width:").append(points(width));
-  text.append(";height:").append(points(height)).append(";z-index:");
-  text.append(std::to_string(z_index)).append(R"(;visibility:hidden" fillcolor="#ffffe1")");
-  text.append(R"( o:insetmode="auto"><v:fill color2="#ffffe1"/>)");
-  text.append(R"(<v:shadow on="t" color="black" obscured="t"/><v:path o:connecttype="none"/>)");
-  text.append(R"(<v:textbox style="mso-direction-alt:auto"><div style="text-align:left"></div>)");
-  text.append(
-      R"(</v:textbox><x:ClientData ObjectType="Note"><x:MoveWithCells/><x:SizeWithCells/>)");
-  text.append("<x:Anchor>").append(anchor(left, top, right, bottom)).append("</x:Anchor>");
-  text.append("<x:AutoFill>False</x:AutoFill><x:Row>").append(std::to_string(cell.row));
-  text.append("</x:Row><x:Column>").append(std::to_string(cell.column));
-  return text.append("</x:Column></x:ClientData></v:shape>");
-}
+  std::string make(CellAddress cell, const Comment& note, long long id, int z_index) const {
+    const int width = note.width > 0 ? note.width : kDefaultWidth;
+    const int height = note.height > 0 ? note.height : kDefaultHeight;
+    const Corner left{std::min(cell.column + 1, grid_.columns - 1), kInsetX};
+    const Corner top{std::max(cell.row - 1, 0), cell.row == 0 ? kInsetYInFirstRow : kInsetY};
+    const Corner right = columns_.walk(left, width);
+    const Corner bottom = rows_.walk(top, height);
+    const long long x = columns_.position(left.index) + left.offset;
+    const long long y = static_cast<long long>(top.index) * usual_height_ + top.offset;
+
+    std::string text = R"(<v:shape id=")";
+    text.append(kIdPrefix).append(std::to_string(id));
+    text.append(R"(" type="#_x0000_t202" style="position:absolute;margin-left:)");
+    text.append(points(x)).append(";margin-top:").append(points(y));
+    text.append(";width:").append(points(width)).append(";height:").append(points(height));
+    text.append(";z-index:").append(std::to_string(z_index));
+    text.append(R"(;visibility:hidden" fillcolor="#ffffe1" o:insetmode="auto">)");
+    text.append(R"(<v:fill color2="#ffffe1"/><v:shadow on="t" color="black" obscured="t"/>)");
+    text.append(R"(<v:path o:connecttype="none"/><v:textbox style="mso-direction-alt:auto">)");
+    text.append(
+        R"(<div style="text-align:left"></div></v:textbox><x:ClientData ObjectType="Note">)");
+    text.append("<x:MoveWithCells/><x:SizeWithCells/><x:Anchor>");
+    text.append(anchor(left, top, right, bottom))
+        .append("</x:Anchor><x:AutoFill>False</x:AutoFill>");
+    text.append("<x:Row>").append(std::to_string(cell.row)).append("</x:Row><x:Column>");
+    text.append(std::to_string(cell.column));
+    return text.append("</x:Column></x:ClientData></v:shape>");
+  }
+
+ private:
+  const Grid& grid_;
+  Edges columns_;
+  Edges rows_;
+  int usual_height_;
+};
 
 constexpr std::string_view kEmptyDrawing =
     "<xml xmlns:v=\"urn:schemas-microsoft-com:vml\" "
@@ -205,70 +282,136 @@ constexpr std::string_view kBoxType =
     " path=\"m,l,21600r21600,l21600,xe\"><v:stroke joinstyle=\"miter\"/>"
     "<v:path gradientshapeok=\"t\" o:connecttype=\"rect\"/></v:shapetype>";
 
-void set_map(std::string& drawing, const std::string& clusters) {
-  const std::size_t map = drawing.find(":idmap");
-  if (map == std::string::npos) return;
-  const std::size_t data = drawing.find("data=", map);
-  if (data == std::string::npos || data > drawing.find('>', map)) return;
-  const std::size_t begin = data + 6;
-  const std::size_t end = drawing.find(drawing[data + 5], begin);
-  if (end != std::string::npos) drawing.replace(begin, end - begin, clusters);
+// The prefixes of the families in the root, and what has to be declared there for them.
+struct Prefixes {
+  explicit Prefixes(const Root& root) {
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      names[i] = root.known[i];
+      if (!names[i].empty()) continue;
+      names[i] = kVmlNamespaces[i].prefix;
+      for (int number = 1; root.prefixes.contains(names[i]); ++number)
+        names[i] = std::string(kVmlNamespaces[i].prefix).append(std::to_string(number));
+      declarations.append(" xmlns:").append(names[i]).append("=\"");
+      declarations.append(kVmlNamespaces[i].uri).append("\"");
+    }
+  }
+
+  // Markup of ours, which is in the usual prefixes.
+  std::string apply(std::string_view markup) const {
+    std::string made;
+    while (!markup.empty()) {
+      const std::size_t colon = markup.find(':');
+      if (colon == std::string_view::npos) break;
+      const std::size_t letter = colon - 1;
+      const auto* const usual =
+          std::ranges::find(kVmlNamespaces, markup.substr(letter, 1), &VmlNamespace::prefix);
+      const bool prefixed =
+          usual != std::end(kVmlNamespaces) &&
+          std::string_view("</ ").find(markup[letter - 1]) != std::string_view::npos;
+      made.append(markup.substr(0, prefixed ? letter : colon));
+      if (prefixed) made.append(names[static_cast<std::size_t>(usual - kVmlNamespaces)]);
+      made.push_back(':');
+      markup.remove_prefix(colon + 1);
+    }
+    return made.append(markup);
+  }
+
+  std::array<std::string, std::size(kVmlNamespaces)> names;
+  std::string declarations;
+};
+
+// A stretch of the drawing with what stands there instead.
+struct Edit {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  std::string text;
+};
+
+std::string edited(std::string_view text, std::vector<Edit> edits) {
+  std::ranges::stable_sort(edits, {}, &Edit::begin);
+  std::string made;
+  std::size_t copied = 0;
+  for (const Edit& edit : edits) {
+    if (edit.begin < copied) continue;  // inside of what went
+    made.append(text.substr(copied, edit.begin - copied)).append(edit.text);
+    copied = edit.end;
+  }
+  return made.append(text.substr(copied));
+}
+
+// The place in front of the root's end.
+Edit at_end(const Drawing& drawing, std::string text) {
+  const VmlTag& root = drawing.root->tag;
+  if (root.kind == VmlTag::Kind::kEmpty)
+    return {root.end - 2, root.end, ">" + text + "</" + std::string(root.name) + ">"};
+  const std::size_t end = drawing.root->end.value_or(drawing.text.size());
+  return {end, end, std::move(text)};
+}
+
+// As UTF-8. A declaration of another encoding goes with it.
+std::string readable(std::string_view drawing) {
+  std::string text(drawing);
+  if (package::looks_like_utf16(text) && package::xml_to_utf8(text) && text.starts_with("<?xml"))
+    text.erase(0, text.find("?>") + 2);
+  return text;
 }
 
 }  // namespace
 
 void ShapeClusters::enter(std::string_view drawing) {
-  for (const int cluster : clusters_of(drawing)) used_.insert(cluster);
+  const std::string text = readable(drawing);
+  for (const int cluster : clusters_of(read_drawing(text).map.value_or(""))) used_.insert(cluster);
+  for_each_id(text, [this](int id) { used_.insert(id / kShapesPerCluster); });
 }
 
 int ShapeClusters::take() {
-  int free = 1;
-  for (const int used : used_) {
-    if (used > free) break;
-    if (used == free) ++free;
-  }
-  used_.insert(free);
-  return free;
+  while (used_.contains(free_)) ++free_;
+  return free_++;
 }
 
 void read_note_sizes(std::string_view drawing, Comments& comments) {
-  for (const Shape& shape : shapes_of(drawing)) {
+  const std::string text = readable(drawing);
+  for (const Shape& shape : read_drawing(text).shapes) {
     const auto note = shape.note ? comments.find(*shape.note) : comments.end();
     if (note == comments.end()) continue;
-    const std::string_view text = drawing.substr(shape.begin, shape.end - shape.begin);
-    note->second.width = style_pixels(text, "width");
-    note->second.height = style_pixels(text, "height");
+    note->second.width = style_pixels(shape.style, "width");
+    note->second.height = style_pixels(shape.style, "height");
   }
 }
 
 std::string write_notes_drawing(std::string_view stored, const SheetContents& sheet,
                                 const Comments& as_read, const Grid& grid,
                                 ShapeClusters& clusters) {
-  const std::string_view source = stored.empty() ? kEmptyDrawing : stored;
-  std::string drawing;
+  const std::string text = readable(stored);
+  Drawing drawing = read_drawing(text);
+  if (!drawing.root) drawing = read_drawing(kEmptyDrawing);
+  std::vector<Edit> edits;
   std::set<CellAddress> shown;
-  std::size_t copied = 0;
-  for (const Shape& shape : shapes_of(source)) {
-    drawing.append(source.substr(copied, shape.begin - copied));
-    copied = shape.end;
-    if (shape.note) {
-      if (!is_as_read(sheet.comments, as_read, *shape.note)) continue;
-      shown.insert(*shape.note);
-    }
-    drawing.append(source.substr(shape.begin, shape.end - shape.begin));
+  for (const Shape& shape : drawing.shapes) {
+    if (!shape.note) continue;
+    if (is_as_read(sheet.comments, as_read, *shape.note)) shown.insert(*shape.note);
+    else edits.push_back({shape.begin, shape.end, ""});
   }
-  drawing.append(source.substr(copied));
 
-  ShapeIds ids(source, clusters);
-  std::string boxes;
-  if (drawing.find("\"_x0000_t202\"") == std::string::npos) boxes.append(kBoxType);
+  ShapeIds ids(drawing, clusters);
+  const Boxes boxes(sheet, grid);
+  std::string added;
   int z_index = static_cast<int>(shown.size());
   for (const auto& [cell, note] : sheet.comments)
-    if (!shown.contains(cell)) boxes.append(box(sheet, grid, cell, note, ids.next(), ++z_index));
-  const std::size_t end = drawing.rfind("</xml>");
-  drawing.insert(end == std::string::npos ? drawing.size() : end, boxes);
-  set_map(drawing, ids.map());
-  return drawing;
+    if (!shown.contains(cell)) added.append(boxes.make(cell, note, ids.next(), ++z_index));
+  if (!added.empty()) {
+    const VmlTag& root = drawing.root->tag;
+    const Prefixes prefixes(*drawing.root);
+    const std::size_t behind_name = root.begin + 1 + root.name.size();
+    edits.push_back({behind_name, behind_name, prefixes.declarations});
+    if (!drawing.has_box_type) added.insert(0, kBoxType);
+    edits.push_back(at_end(drawing, prefixes.apply(added)));
+  }
+  if (drawing.map) {
+    const auto begin = static_cast<std::size_t>(drawing.map->data() - drawing.text.data());
+    edits.push_back({begin, begin + drawing.map->size(), ids.map()});
+  }
+  return edited(drawing.text, std::move(edits));
 }
 
 }  // namespace engine::xlsx

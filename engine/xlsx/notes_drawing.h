@@ -27,6 +27,7 @@ class ShapeClusters {
 
  private:
   std::set<int> used_;
+  int free_ = 1;  // everything below is used
 };
 
 // Gives the notes of a sheet the sizes of their boxes, as far as the drawing tells them.

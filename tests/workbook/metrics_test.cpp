@@ -103,9 +103,10 @@ TEST(Metrics, WalksOverWideAndHiddenColumns) {
     int distance = 0;
     Corner end;
   } cases[] = {{0, {0, 10}}, {54, {1, 0}}, {128, {1, 74}}, {129, {4, 0}}, {100000, {9, 63}}};
+  const auto edges = engine::Edges::of_columns(sheet, 10);
   for (const auto& [distance, end] : cases) {
     SCOPED_TRACE(distance);
-    const Corner found = engine::walk_columns(sheet, {0, 10}, distance, 10);
+    const Corner found = edges.walk({0, 10}, distance);
     EXPECT_EQ(found.index, end.index);
     EXPECT_EQ(found.offset, end.offset);
   }
@@ -118,6 +119,23 @@ TEST(Metrics, MeasuresRowsInPixelsOfPoints) {
   EXPECT_EQ(engine::row_pixels(sheet, 0), 20);
   EXPECT_EQ(engine::row_pixels(sheet, 2), 40);
   EXPECT_EQ(engine::row_pixels(sheet, 3), 0);
+}
+
+// Edges agree with the sizes one by one, also where everything up to the end is hidden.
+TEST(Metrics, KeepsEdgesOfManyRows) {
+  SheetContents sheet;
+  sheet.properties_at(0).height = 30;
+  sheet.properties_at(1).height = 15;
+  sheet.properties_at(4).height = 1e300;
+  for (const int row : {5, 6, 8, 9}) sheet.properties_at(row).hidden = true;
+  const auto edges = engine::Edges::of_rows(sheet, 10);
+  long long position = 0;
+  for (int row = 0; row < 10; ++row) {
+    EXPECT_EQ(edges.position(row), position) << row;
+    position += engine::row_pixels(sheet, row);
+  }
+  const Corner last = edges.walk({7, 5}, 100);
+  EXPECT_EQ(std::pair(last.index, last.offset), std::pair(9, 0));
 }
 
 }  // namespace
