@@ -16,9 +16,11 @@
 //
 // The values after the method are the defaults of the last parameters, which the host may omit.
 // A required parameter that arrives empty reads as 0, true for a flag, an empty text, no object.
-// A free function that takes the object first may stand for a method.
+// A free function that takes the object first may stand for a method. It has to where the host does
+// not see what the signature says; the binding asserts what it can tell of that.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <concepts>
 #include <cstdint>
@@ -60,19 +62,21 @@ struct Entry {
 // What an omitted parameter is. A double is kept as its bits: clang 14 takes no template argument
 // that contains one.
 struct Default {
-  std::int64_t bits;
-  bool is_real = false;
+  enum class Kind { kInteger, kFlag, kReal, kNone };
 
-  constexpr Default(int value) : bits(value) {}
+  std::int64_t bits;
+  Kind kind;
+
+  constexpr Default(int value) : bits(value), kind(Kind::kInteger) {}
   template <class E>
   requires std::is_enum_v<E>
-  constexpr Default(E value) : bits(value) {}
-  constexpr Default(bool value) : bits(value) {}
-  constexpr Default(double value) : bits(std::bit_cast<std::int64_t>(value)), is_real(true) {}
-  constexpr Default(std::nullptr_t) : bits(0) {}
+  constexpr Default(E value) : bits(value), kind(Kind::kInteger) {}
+  constexpr Default(bool value) : bits(value), kind(Kind::kFlag) {}
+  constexpr Default(double value) : bits(std::bit_cast<std::int64_t>(value)), kind(Kind::kReal) {}
+  constexpr Default(std::nullptr_t) : bits(0), kind(Kind::kNone) {}
 
   constexpr double real() const {
-    return is_real ? std::bit_cast<double>(bits) : static_cast<double>(bits);
+    return kind == Kind::kReal ? std::bit_cast<double>(bits) : static_cast<double>(bits);
   }
 };
 
@@ -119,6 +123,57 @@ using Bytes = const std::vector<char>&;
 template <class A, class T = std::remove_pointer_t<A>>
 inline constexpr bool is_output =
     std::is_pointer_v<A> && !std::is_const_v<T> && !std::is_class_v<T>;
+
+// Numbers that the host knows by handles only.
+template <class T>
+inline constexpr bool is_known_by_handle = std::is_enum_v<T>&& Registered<T>;
+
+// What a field of a result shows as its value; of other pointers it could show the address only.
+template <class T>
+inline constexpr bool is_field_value =
+    std::is_arithmetic_v<T> || std::is_enum_v<T> || std::same_as<T, const wchar_t*>;
+
+template <class A>
+constexpr bool takes(Default fallback) {
+  using Kind = Default::Kind;
+  if constexpr (std::same_as<A, bool>) return fallback.kind == Kind::kFlag;
+  else if constexpr (std::same_as<A, double>)
+    return fallback.kind == Kind::kReal || fallback.kind == Kind::kInteger;
+  else if constexpr (std::is_integral_v<A> || std::is_enum_v<A>)
+    return fallback.kind == Kind::kInteger;
+  else return fallback.kind == Kind::kNone;
+}
+
+// What the signature of a method must be like for a row to follow from it. Each is a question of
+// its own, so that the compiler's complaint names the one that failed.
+template <auto Method, class Arguments = typename Signature<decltype(Method)>::Arguments>
+struct Shape;
+template <auto Method, class... A>
+struct Shape<Method, std::tuple<A...>> {
+  static constexpr std::size_t inputs = (std::size_t{0} + ... + std::size_t{!is_output<A>});
+
+  // Parameters are counted by their place in the signature.
+  static constexpr bool outputs_come_last = [] {
+    constexpr bool outputs[] = {false, is_output<A>...};
+    return std::is_sorted(std::begin(outputs), std::end(outputs));
+  }();
+
+  static constexpr bool outputs_have_values =
+      (... && (!is_output<A> || is_field_value<std::remove_pointer_t<A>>));
+
+  static constexpr bool numbers_are_plain =
+      (!is_known_by_handle<typename Signature<decltype(Method)>::Result> && ... &&
+       !is_known_by_handle<std::remove_pointer_t<A>>);
+
+  // The defaults are those of the last inputs.
+  template <Default... Optional>
+  static constexpr bool takes_defaults = [] {
+    if constexpr (sizeof...(Optional) > inputs) return false;
+    [[maybe_unused]] constexpr bool (*kTakes[])(Default) = {takes<A>..., nullptr};
+    [[maybe_unused]] std::size_t next = inputs - sizeof...(Optional);
+    return (... && kTakes[next++](Optional));
+  }();
+};
 
 template <class A>
 auto read(const fmx::DataVect& params, unsigned index, Default fallback) {
@@ -185,10 +240,17 @@ struct Binding {
   using Argument = std::tuple_element_t<I, Arguments>;
 
   static constexpr std::size_t count = std::tuple_size_v<Arguments>;
-  static constexpr std::size_t inputs = []<class... A>(std::tuple<A...>*) {
-    return (std::size_t{0} + ... + std::size_t{!is_output<A>});
-  }(static_cast<Arguments*>(nullptr));
-  static_assert(sizeof...(Optional) <= inputs, "more defaults than parameters");
+  static constexpr std::size_t inputs = Shape<Method>::inputs;
+
+  static_assert(Shape<Method>::outputs_come_last,
+                "an input follows an output: put a named function into the row");
+  static_assert(Shape<Method>::outputs_have_values,
+                "no field can show an output of this type: put a named function into the row");
+  static_assert(Shape<Method>::numbers_are_plain,
+                "a number that the host knows by handle: return an Entry, read it in a body");
+  static_assert(Shape<Method>::template takes_defaults<Optional...>,
+                "more defaults than parameters, or a default of another kind than its parameter");
+
   static constexpr std::size_t required = inputs - sizeof...(Optional);
 
   template <std::size_t I>
