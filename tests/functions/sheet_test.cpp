@@ -11,33 +11,14 @@ using calls::Handles;
 
 class CellFunctions : public calls::CallTest {};
 
-TEST_F(CellFunctions, PassParametersAndDefaults) {
-  const CallCase kCases[] = {
-      {"XL_Sheet_CellType", {1, 2}, "cellType 1 2", "#"},
-      {"XL_Sheet_CellFormat", {1, 2}, "cellFormat 1 2", "#"},
-      {"XL_Sheet_SetCellFormat", {1, 2, 0}, "setCellFormat 1 2 -", ""},
-      {"XL_Sheet_ReadStr", {1, 2}, "readStr 1 2 ->", "text"},
-      {"XL_Sheet_WriteStr", {1, 2, u"v"}, "writeStr 1 2 v - 2", "1"},
-      {"XL_Sheet_ReadNum", {1, 2, 0}, "readNum 1 2 ->", "1"},
-      {"XL_Sheet_WriteNum", {1, 2, 2.5}, "writeNum 1 2 2.5 -", "1"},
-      {"XL_Sheet_WriteNum", {-1, 2147483647, u"x"}, "writeNum -1 2147483647 0 -", "1"},
-      {"XL_Sheet_ReadBool", {1, 2}, "readBool 1 2 ->", "1"},
-      {"XL_Sheet_WriteBool", {1, 2}, "writeBool 1 2 1 - 255", "1"},
-      {"XL_Sheet_WriteBool", {1, 2, 0}, "writeBool 1 2 0 - 255", "1"},
-      {"XL_Sheet_WriteFormula", {1, 2, u"A1"}, "writeFormula 1 2 A1 -", "1"},
-      {"XL_Sheet_WriteFormulaNum", {1, 2, u"A1", 2.5}, "writeFormulaNum 1 2 A1 2.5 -", "1"},
-      {"XL_Sheet_WriteFormulaStr", {1, 2, u"A1", u"v"}, "writeFormulaStr 1 2 A1 v -", "1"},
-      {"XL_Sheet_WriteFormulaBool", {1, 2, u"A1"}, "writeFormulaBool 1 2 A1 1 -", "1"},
-      {"XL_Sheet_ReadComment", {1, 2}, "readComment 1 2", "text"},
-      {"XL_Sheet_WriteComment", {1, 2, u"c"}, "writeComment 1 2 c  129 75", ""},
-      {"XL_Sheet_WriteComment", {1, 2, u"c", u"me", 9, 8}, "writeComment 1 2 c me 9 8", ""},
-      {"XL_Sheet_RemoveComment", {1, 2}, "removeComment 1 2", ""},
-      {"XL_Sheet_ReadError", {1, 2}, "readError 1 2", "#"},
-  };
-  for (const CallCase& each : kCases) check(each);
+TEST_F(CellFunctions, NoTextIsNoResult) {
   workbook_.scenario.text = nullptr;
   check({"XL_Sheet_ReadStr", {1, 2}, "readStr 1 2 ->", ""});
   check({"XL_Sheet_ReadComment", {1, 2}, "readComment 1 2", ""});
+}
+
+TEST_F(CellFunctions, NumbersGoThroughWholeAndTextIsNone) {
+  check({"XL_Sheet_WriteNum", {-1, 2147483647, u"x"}, "writeNum -1 2147483647 0 -", "1"});
 }
 
 TEST_F(CellFunctions, FormatsAreObjectsOfTheirType) {

@@ -6,9 +6,9 @@ namespace fakes {
 
 namespace {
 
-template <class T, class V>
-std::string fill(T* place, V value) {
-  if (place) *place = static_cast<T>(value);
+template <class T>
+std::string fill(T* place, T value) {
+  if (place) *place = value;
   return place ? " >" : " -";
 }
 
@@ -42,17 +42,17 @@ std::string Speaker::describe(int* place, int& outputs) const {
   return fill(scenario_.writes_outputs ? place : nullptr, ++outputs);
 }
 std::string Speaker::describe(bool* place, int& outputs) const {
-  return fill(scenario_.writes_outputs ? place : nullptr, ++outputs);
+  return fill(scenario_.writes_outputs ? place : nullptr, ++outputs % 2 != 0);
 }
 std::string Speaker::describe(double* place, int& outputs) const {
-  return fill(scenario_.writes_outputs ? place : nullptr, ++outputs);
+  return fill(scenario_.writes_outputs ? place : nullptr, ++outputs + 0.5);
 }
 std::string Speaker::describe(Operator* place, int& outputs) const {
-  return fill(scenario_.writes_outputs ? place : nullptr, ++outputs);
+  return fill(scenario_.writes_outputs ? place : nullptr, static_cast<Operator>(++outputs));
 }
-std::string Speaker::describe(const wchar_t** place, int&) const {
-  if (place) *place = scenario_.text;
-  return place ? " >" : " -";
+std::string Speaker::describe(const wchar_t** place, int& outputs) const {
+  const std::wstring text = L"text" + std::to_wstring(++outputs);
+  return fill(place, scenario_.output_texts.emplace_back(text).c_str());
 }
 // The seed is told, as it is what the caller can change.
 std::string Speaker::describe(Format** place, int& outputs) const {

@@ -1,9 +1,11 @@
 // Fakes of the spreadsheet library's classes.
 //
-// Every operation is written down with its arguments and answers what its scenario says. Outputs
-// are filled with 1, 2, 3 and so on, in their order, as far as the scenario has them written.
+// Every operation is written down with its arguments and answers what its scenario says. As far as
+// the scenario has outputs written, the first is filled with 11, the second with 12 and so on: as
+// 11, 11.5, "text11", and as a flag that is set when the number is odd.
 #pragma once
 
+#include <deque>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -25,7 +27,8 @@ struct Scenario {
   const wchar_t* text = L"text";
   std::string bytes = "bytes";
   bool writes_outputs = true;
-  bool is_released = false;
+  // What the places for texts were filled with.
+  std::deque<std::wstring> output_texts;
 
   Font* font = nullptr;
   Format* format = nullptr;
@@ -46,7 +49,7 @@ class Speaker {
   template <class R, class... A>
   R say(const char* operation, A... arguments) const {
     std::string heard = operation;
-    [[maybe_unused]] int outputs = 0;
+    [[maybe_unused]] int outputs = kFirstOutput - 1;
     ((heard += describe(arguments, outputs)), ...);
     scenario_.heard.push_back(heard);
     if constexpr (std::is_same_v<R, const wchar_t*>) return scenario_.text;
@@ -62,6 +65,8 @@ class Speaker {
   Scenario& scenario_;
 
  private:
+  static constexpr int kFirstOutput = 11;
+
   static std::string describe(double value, int& outputs);
   static std::string describe(const wchar_t* text, int& outputs);
   static std::string describe(const char* text, int& outputs);
@@ -637,7 +642,7 @@ class FakeBook final : public libxl::Book, private Speaker {
   void setTemplate(bool tmpl) override { return say<void>("setTemplate", tmpl); }
   bool setLocale(const char* locale) override { return say<bool>("setLocale", locale); }
   const char* errorMessage() const override { return scenario_.message.c_str(); }
-  void release() override { scenario_.is_released = true; }
+  void release() override { return say<void>("release"); }
 };
 
 // One of each, answering each other.

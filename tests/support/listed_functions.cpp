@@ -4,90 +4,151 @@
 
 namespace {
 
-// Functions of rising ids, each with the parameters that it takes; "." is an id that is not used.
+// Functions of rising ids, each followed by its result; "." is an id that is not used. An argument
+// with an equals sign may be omitted.
 struct Run {
   short first_id;
   const char* prefix;
   const char* functions;
 };
 constexpr Run kRuns[] = {
-    {10, "XL_", "Version 0"},
-    {20, "XL_", "VersionAutoUpdate 0"},
-    {30, "XL_", "GetLastErrorMessage 0"},
-    {40, "XL_", "GetLastError 0"},
-    {1200, "XL_", "XlCreateBook 0"},
-    {1400, "XL_", "XlCreateXMLBook 0"},
+    {10, "XL_", "Version() !"},
+    {20, "XL_", "VersionAutoUpdate() !"},
+    {30, "XL_", "GetLastErrorMessage() !"},
+    {40, "XL_", "GetLastError() !"},
+    {1200, "XL_", "XlCreateBook() !"},
+    {1400, "XL_", "XlCreateXMLBook() !"},
     {1600, "XL_Book_",
-     "Load 2 Save 2 LoadRaw 2 SaveRaw 2 AddSheet 2-3 InsertSheet 3-4 GetSheet 2 SheetType 2 "
-     "DelSheet 2 SheetCount 1 AddFormat 1-2 AddFont 1-2 AddCustomNumFormat 2 CustomNumFormat 2 "
-     "Format 2 FormatSize 1 Font 2 FontSize 1 DatePack 3-7 DateUnpack 2-6 ColorPack 4 "
-     "ColorUnpack 2 ActiveSheet 1 SetActiveSheet 2 PictureSize 1 GetPicture 2-3 AddPicture 2 "
-     "AddPicture2 2 DefaultFont 1 SetDefaultFont 3 RgbMode 1 SetRgbMode 1-2 RefR1C1 1 "
-     "SetRefR1C1 1-2 BiffVersion 1 IsDate1904 1 SetDate1904 1-2 IsTemplate 1 SetTemplate 1-2 . "
-     "SetLocale 2 ErrorMessage 1 Release 1"},
+     "Load(t,!-) f Save(t,!0) f LoadRaw(b,!-1,!-1,!-1) f SaveRaw(t) ! AddSheet(t,Sheet=) #Sheet "
+     "InsertSheet(i,t,Sheet=) #Sheet GetSheet(i) #Sheet SheetType(i) e DelSheet(i) f "
+     "SheetCount() i AddFormat(Format=) #Format AddFont(Font=) #Font AddCustomNumFormat(t) i "
+     "CustomNumFormat(i) t Format(i) #Format FormatSize() i Font(i) #Font FontSize() i "
+     "DatePack(i,i,i=,i=,i=,i=,!0) n DateUnpack(n,_=,_=,_=,_=,>5,!-,!-) f|11|12|13|14|15 "
+     "ColorPack(i,i,i) e ColorUnpack(i,>3) |11|12|13 ActiveSheet() i SetActiveSheet(i) - "
+     "PictureSize() i GetPicture(i,_=) ! AddPicture(t) i AddPicture2(b) i DefaultFont(>1) t|11 "
+     "SetDefaultFont(t,i) - RgbMode() f SetRgbMode(f=1) - RefR1C1() f SetRefR1C1(f=1) - "
+     "BiffVersion() i IsDate1904() f SetDate1904(f=1) - IsTemplate() f SetTemplate(f=1) - . "
+     "SetLocale(t) f ErrorMessage() ! Release() -"},
     {1800, "XL_Sheet_",
-     "CellType 3 IsFormula 3 CellFormat 3 SetCellFormat 4 ReadStr 3-4 WriteStr 4-5 ReadNum 3-4 "
-     "WriteNum 4-5 ReadBool 3-4 WriteBool 4-5 ReadBlank 3-4 WriteBlank 4 ReadFormula 3-4 "
-     "WriteFormula 4-5 ReadComment 3 WriteComment 4-7 IsDate 3 ReadError 3 ColWidth 2 RowHeight 2 "
-     "SetCol 4-6 SetRow 3-5 RowHidden 2 SetRowHidden 3 ColHidden 2 SetColHidden 3 GetMerge 3 "
-     "SetMerge 5 DelMerge 3 MergeSize 1 Merge 2 DelMergeByIndex 2 PictureSize 1 GetPicture 2 "
-     "SetPicture 4-8 SetPicture2 4-9 GetHorPageBreak 2 GetHorPageBreakSize 1 GetVerPageBreak 2 "
-     "GetVerPageBreakSize 1 SetHorPageBreak 2-3 SetVerPageBreak 2-3 Split 3 SplitInfo 1 "
-     "GroupRows 3-4 GroupCols 3-4 GroupSummaryBelow 1 SetGroupSummaryBelow 2 "
-     "GroupSummaryRight 1 SetGroupSummaryRight 2 Clear 1-5 InsertRow 3-4 InsertCol 3-4 "
-     "RemoveRow 3-4 RemoveCol 3-4 CopyCell 5 FirstRow 1 LastRow 1 FirstCol 1 LastCol 1 "
-     "DisplayGridlines 1 SetDisplayGridlines 1-2 PrintGridlines 1 SetPrintGridlines 1-2 Zoom 1 "
-     "SetZoom 2 PrintZoom 1 SetPrintZoom 2 Landscape 1 SetLandscape 1-2 GetPrintFit 1 "
-     "SetPrintFit 1-3 Paper 1 SetPaper 1-2 Header 1 SetHeader 2-3 HeaderMargin 1 Footer 1 "
-     "SetFooter 2-3 FooterMargin 1 HCenter 1 SetHCenter 1-2 VCenter 1 SetVCenter 1-2 "
-     "MarginLeft 1 SetMarginLeft 2 MarginRight 1 SetMarginRight 2 MarginTop 1 SetMarginTop 2 "
-     "MarginBottom 1 SetMarginBottom 2 PrintRowCol 1 SetPrintRowCol 1-2 SetPrintRepeatRows 3 "
-     "SetPrintRepeatCols 3 SetPrintArea 5 ClearPrintRepeats 1 ClearPrintArea 1 GetNamedRange 2-4 "
-     "SetNamedRange 6-7 DelNamedRange 2-3 NamedRangeSize 1 NamedRange 2-4 HyperlinkSize 1 "
-     "Hyperlink 2 DelHyperlink 2 AddHyperlink 6 Name 1 SetName 2 Protect 1 SetProtect 1-4 "
-     "RightToLeft 1 SetRightToLeft 1-2 Hidden 1 SetHidden 1-2 GetTopLeftView 1 SetTopLeftView 3 "
-     "AddrToRowCol 2-4 RowColToAddr 3-5"},
+     "CellType(i,i) #CellType IsFormula(i,i) f CellFormat(i,i) #Format SetCellFormat(i,i,Format) - "
+     "ReadStr(i,i,&Format=) t WriteStr(i,i,t,Format=,!2) f ReadNum(i,i,&Format=) n "
+     "WriteNum(i,i,n,Format=) f ReadBool(i,i,&Format=) f WriteBool(i,i,f,Format=,!255) f "
+     "ReadBlank(i,i,&Format=) f|@ WriteBlank(i,i,Format) f ReadFormula(i,i,&Format=) t|@ "
+     "WriteFormula(i,i,t,Format=) f ReadComment(i,i) t WriteComment(i,i,t,t=,i=129,i=75) - "
+     "IsDate(i,i) f ReadError(i,i) #ErrorType ColWidth(i) n RowHeight(i) n "
+     "SetCol(i,i,n,Format=,f=0) f SetRow(i,n,Format=,f=0) f RowHidden(i) f SetRowHidden(i,f) f "
+     "ColHidden(i) f SetColHidden(i,f) f GetMerge(i,i,>4) f|11|12|13|14 SetMerge(i,i,i,i) f "
+     "DelMerge(i,i) f MergeSize() i Merge(i,>4) f|11|12|13|14 DelMergeByIndex(i) f PictureSize() i "
+     "GetPicture(i,>8,!-) i|11|12|13|14|15|16|17|18 SetPicture(i,i,i,n=1,i=,i=,i=) - "
+     "SetPicture2(i,i,i,i=-1,i=-1,i=,i=,i=) - GetHorPageBreak(i) i GetHorPageBreakSize() i "
+     "GetVerPageBreak(i) i GetVerPageBreakSize() i SetHorPageBreak(i,f=1) f "
+     "SetVerPageBreak(i,f=1) f Split(i,i) - SplitInfo(>2) f|11|12 GroupRows(i,i,f=1) f "
+     "GroupCols(i,i,f=1) f GroupSummaryBelow() f SetGroupSummaryBelow(f) - GroupSummaryRight() f "
+     "SetGroupSummaryRight(f) - Clear(i=0,i=1048575,i=0,i=16383) - InsertRow(i,i,f=1) f "
+     "InsertCol(i,i,f=1) f RemoveRow(i,i,f=1) f RemoveCol(i,i,f=1) f CopyCell(i,i,i,i) f "
+     "FirstRow() i LastRow() i FirstCol() i LastCol() i DisplayGridlines() f "
+     "SetDisplayGridlines(f=1) - PrintGridlines() f SetPrintGridlines(f=1) - Zoom() i SetZoom(i) - "
+     "PrintZoom() i SetPrintZoom(i) - Landscape() f SetLandscape(f=1) - GetPrintFit(>2) f|11|12 "
+     "SetPrintFit(i=1,i=1) - Paper() e SetPaper(i=) - Header() t SetHeader(t,n=0.5) f "
+     "HeaderMargin() n Footer() t SetFooter(t,n=0.5) f FooterMargin() n HCenter() f "
+     "SetHCenter(f=1) - VCenter() f SetVCenter(f=1) - MarginLeft() n SetMarginLeft(n) - "
+     "MarginRight() n SetMarginRight(n) - MarginTop() n SetMarginTop(n) - MarginBottom() n "
+     "SetMarginBottom(n) - PrintRowCol() f SetPrintRowCol(f=1) - SetPrintRepeatRows(i,i) - "
+     "SetPrintRepeatCols(i,i) - SetPrintArea(i,i,i,i) - ClearPrintRepeats() - ClearPrintArea() - "
+     "GetNamedRange(t,_=,_=,>4,!-2,>1) f|11|12|13|14|1 SetNamedRange(t,i,i,i,i,i=-2) f "
+     "DelNamedRange(t,i=-2) f NamedRangeSize() i NamedRange(i,_=,_=,>6) t|11|12|13|14|15|0 "
+     "HyperlinkSize() i Hyperlink(i,>4) t|11|12|13|14 DelHyperlink(i) f AddHyperlink(t,i,i,i,i) - "
+     "Name() t SetName(t) - Protect() f SetProtect(f=1,t=,i=-1) - RightToLeft() f "
+     "SetRightToLeft(f=1) - Hidden() e SetHidden(i=1) f GetTopLeftView(>2) |11|12 "
+     "SetTopLeftView(i,i) - AddrToRowCol(t,_=,_=,>4) |11|12|1|0 RowColToAddr(i,i,f=1,f=1) t"},
     {2000, "XL_Format_",
-     "Font 1 SetFont 2 NumFormat 1 SetNumFormat 2 AlignH 1 SetAlignH 2 AlignV 1 SetAlignV 2 "
-     "Wrap 1 SetWrap 1-2 Rotation 1 SetRotation 2 Indent 1 SetIndent 2 ShrinkToFit 1 "
-     "SetShrinkToFit 1-2 SetBorder 1-2 SetBorderColor 2 BorderLeft 1 SetBorderLeft 1-2 "
-     "BorderRight 1 SetBorderRight 1-2 BorderTop 1 SetBorderTop 1-2 BorderBottom 1 "
-     "SetBorderBottom 1-2 BorderLeftColor 1 SetBorderLeftColor 2 BorderRightColor 1 "
-     "SetBorderRightColor 2 BorderTopColor 1 SetBorderTopColor 2 BorderBottomColor 1 "
-     "SetBorderBottomColor 2 BorderDiagonal 1 SetBorderDiagonal 2 BorderDiagonalStyle 1 "
-     "SetBorderDiagonalStyle 2 BorderDiagonalColor 1 SetBorderDiagonalColor 2 FillPattern 1 "
-     "SetFillPattern 2 PatternForegroundColor 1 SetPatternForegroundColor 2 "
-     "PatternBackgroundColor 1 SetPatternBackgroundColor 2 Locked 1 SetLocked 1-2 Hidden 1 "
-     "SetHidden 1-2"},
+     "Font() #Font SetFont(Font) f NumFormat() i SetNumFormat(i) - AlignH() e SetAlignH(i) - "
+     "AlignV() e SetAlignV(i) - Wrap() f SetWrap(f=1) - Rotation() i SetRotation(i) f Indent() i "
+     "SetIndent(i) - ShrinkToFit() f SetShrinkToFit(f=1) - SetBorder(i=1) - SetBorderColor(i) - "
+     "BorderLeft() e SetBorderLeft(i=1) - BorderRight() e SetBorderRight(i=1) - BorderTop() e "
+     "SetBorderTop(i=1) - BorderBottom() e SetBorderBottom(i=1) - BorderLeftColor() e "
+     "SetBorderLeftColor(i) - BorderRightColor() e SetBorderRightColor(i) - BorderTopColor() e "
+     "SetBorderTopColor(i) - BorderBottomColor() e SetBorderBottomColor(i) - BorderDiagonal() e "
+     "SetBorderDiagonal(i) - BorderDiagonalStyle() e SetBorderDiagonalStyle(i) - "
+     "BorderDiagonalColor() e SetBorderDiagonalColor(i) - FillPattern() e SetFillPattern(i) - "
+     "PatternForegroundColor() e SetPatternForegroundColor(i) - PatternBackgroundColor() e "
+     "SetPatternBackgroundColor(i) - Locked() f SetLocked(f=1) - Hidden() f SetHidden(f=1) -"},
     {2200, "XL_Font_",
-     "Size 1 SetSize 2 Italic 1 SetItalic 1-2 StrikeOut 1 SetStrikeOut 1-2 Color 1 SetColor 2 "
-     "Bold 1 SetBold 1-2 Script 1 SetScript 2 Underline 1 SetUnderline 2 Name 1 SetName 2"},
+     "Size() i SetSize(i) - Italic() f SetItalic(f=1) - StrikeOut() f SetStrikeOut(f=1) - "
+     "Color() e SetColor(i) - Bold() f SetBold(f=1) - Script() e SetScript(i) - Underline() e "
+     "SetUnderline(i) - Name() t SetName(t) f"},
     {2216, "XL_Book_",
-     "LoadSheet 3-4 LoadPartially 5-6 LoadInfo 2 GetSheetName 2 MoveSheet 3 AddPictureAsLink 2-3"},
+     "LoadSheet(t,i,t=) f LoadPartially(t,i,i,i,t=) f LoadInfo(t) f GetSheetName(i) t "
+     "MoveSheet(i,i) f AddPictureAsLink(t,f=0) i"},
     {2223, "XL_Sheet_",
-     "WriteFormulaNum 5-6 WriteFormulaStr 5-6 WriteFormulaBool 5-6 RemoveComment 3 WriteError 4-5 "
-     "PrintRepeatRows 1 PrintRepeatCols 1 PrintArea 1 TableSize 1 Table 2 AutoFilter 1 "
-     "ApplyFilter 1 RemoveFilter 1 SetAutoFitArea 1-5 SetTabColor 2-4 . AddIgnoredError 6 "
-     "AddDataValidation 10-18 AddDataValidationDouble 10-18 RemoveDataValidations 1"},
+     "WriteFormulaNum(i,i,t,n,Format=) f WriteFormulaStr(i,i,t,t,Format=) f "
+     "WriteFormulaBool(i,i,t,f,Format=) f RemoveComment(i,i) - WriteError(i,i,ErrorType,Format=) - "
+     "PrintRepeatRows(>2) f|11|12 PrintRepeatCols(>2) f|11|12 PrintArea(>4) f|11|12|13|14 "
+     "TableSize() i Table(i,>6) t|11|12|13|14|15|16 AutoFilter() #AutoFilter ApplyFilter() - "
+     "RemoveFilter() - SetAutoFitArea(i=0,i=0,i=-1,i=-1) - SetTabColor(i,i=,i=) ! . "
+     "AddIgnoredError(i,i,i,i,IgnoredError) f "
+     "AddDataValidation(DataValidationType,DataValidationOperator,i,i,i,i,t,t,f,f=0,f=1,f=1,t=,t=,"
+     "t=,t=,DataValidationErrorStyle=) - "
+     "AddDataValidationDouble(DataValidationType,DataValidationOperator,i,i,i,i,n,n,f,f=0,f=1,f=1,"
+     "t=,t=,t=,t=,DataValidationErrorStyle=) - "
+     "RemoveDataValidations() -"},
     {2243, "XL_AutoFilter_",
-     "GetRef 1 SetRef 5 Column 2 ColumnSize 1 ColumnByIndex 2 GetSortRange 1 GetSort 1 SetSort "
-     "2-3"},
+     "GetRef(>4) f|11|12|13|14 SetRef(i,i,i,i) - Column(i) #FilterColumn ColumnSize() i "
+     "ColumnByIndex(i) #FilterColumn GetSortRange(>4) f|11|12|13|14 GetSort(>2) f|11|0 "
+     "SetSort(i,f=0) f"},
     {2251, "XL_FilterColumn_",
-     "Index 1 FilterType 1 FilterSize 1 Filter 2 AddFilter 2 GetTop10 1 SetTop10 2-4 "
-     "GetCustomFilter 1 SetCustomFilter 3-6 Clear 1"},
-    {3000, "XL_Sheet_", "ReadCell 3-4"},
+     "Index() i FilterType() #Filter FilterSize() i Filter(i) t AddFilter(t) - "
+     "GetTop10(>3) 11.5|0|1 SetTop10(n,f=1,f=0) - GetCustomFilter(>5) 11|text12|13|text14|1 "
+     "SetCustomFilter(i,t,i=,t=,f=0) - Clear() -"},
+    {3000, "XL_Sheet_", "ReadCell(i,i,&Format=) !"},
 };
 
-}  // namespace
+// "i", "i=" or "i=129".
+ListedArgument argument_of(const std::string& text) {
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos) return {text, "", false};
+  return {text.substr(0, equals), text.substr(equals + 1), true};
+}
 
-std::map<int, std::string> listed_functions() {
-  std::map<int, std::string> listed;
+// "AddSheet(t,Sheet=)".
+ListedFunction function_of(const std::string& prefix, const std::string& call) {
+  const std::size_t open = call.find('(');
+  ListedFunction function{prefix + call.substr(0, open), prefix != "XL_", {}, {}};
+  std::istringstream arguments(call.substr(open + 1, call.size() - open - 2));
+  for (std::string text; std::getline(arguments, text, ',');)
+    function.arguments.push_back(argument_of(text));
+  return function;
+}
+
+std::map<int, ListedFunction> read_runs() {
+  std::map<int, ListedFunction> listed;
   for (const auto& [first_id, prefix, functions] : kRuns) {
     std::istringstream words(functions);
     int id = first_id;
-    for (std::string name, counts; words >> name; ++id)
-      if (name != "." && words >> counts)
-        listed[id].append(prefix).append(name).append(" ").append(counts);
+    for (std::string call; words >> call; ++id) {
+      if (call == ".") continue;
+      ListedFunction& function = listed[id] = function_of(prefix, call);
+      words >> function.result;
+    }
   }
   return listed;
+}
+
+}  // namespace
+
+std::string ListedFunction::with_counts() const {
+  int least = has_handle ? 1 : 0;
+  int most = least;
+  for (const ListedArgument& argument : arguments) {
+    if (!argument.is_parameter()) continue;
+    ++most;
+    if (!argument.is_optional) ++least;
+  }
+  const std::string counts = std::to_string(least);
+  return name + " " + (most == least ? counts : counts + "-" + std::to_string(most));
+}
+
+const std::map<int, ListedFunction>& listed_functions() {
+  static const std::map<int, ListedFunction> kListed = read_runs();
+  return kListed;
 }
