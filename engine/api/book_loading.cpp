@@ -11,9 +11,12 @@ namespace engine::api {
 
 namespace {
 
-bool ends_with_any(std::string_view path, std::span<const std::string_view> endings) {
+// What the path's end promises; null when the codec knows no such end.
+const FileEnding* ending_of(std::string_view path, const Codec& codec) {
   const std::string folded = fold_case(path);
-  return std::ranges::any_of(endings, [&](std::string_view end) { return folded.ends_with(end); });
+  const auto found = std::ranges::find_if(
+      codec.endings, [&](const FileEnding& one) { return folded.ends_with(one.text); });
+  return found == codec.endings.end() ? nullptr : &*found;
 }
 
 // A sheet that is not in memory whole may hold any.
@@ -158,9 +161,10 @@ bool BookObject::save(const wchar_t* path, bool) {
   if (!check_savable("save")) return false;
   settle_calculation();
   // A file that was filled from a template and is saved as a workbook is one.
-  const bool dropped =
-      book_.contents().template_from_file && ends_with_any(target, book_.codec().book_endings);
+  const FileEnding* ending = ending_of(target, book_.codec());
+  const bool dropped = book_.contents().template_from_file && ending && !ending->is_template;
   SaveOptions options;
+  if (ending) options.with_macros = ending->with_macros;
   options.as_template = book_.workbook().is_template && !dropped;
   return book_.attempt(
       false,

@@ -97,10 +97,10 @@ libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
     return book_.refuse(nullptr, messages::too_many("sheets", workbook.limits.sheets));
   return book_.attempt<libxl::Sheet*>(nullptr, [&] {
     NewSheet made = model ? make_copy(workbook, book_.document(), *model, std::move(text))
-                          : make_sheet(workbook, std::move(text));
+                          : make_sheet(workbook, book_.document(), std::move(text));
     make_room(workbook, made);
     SheetObject* object = book_.sheet_object(*made.sheet);
-    place_sheet(workbook, position, std::move(made));
+    place_sheet(workbook, book_.document(), position, std::move(made));
     if (model) book_.contents().values_changed = true;
     return object;
   });

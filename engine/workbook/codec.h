@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 
@@ -20,10 +21,17 @@ enum class LoadScope : std::uint8_t {
   kInfo,  // the list of sheets and the book's settings, no texts and no styles
 };
 
+// What the end of a file's name promises.
+struct FileEnding {
+  std::string_view text;
+  bool is_template = false;
+  std::optional<bool> with_macros;
+};
+
 struct Codec {
-  std::string_view name;                           // as messages call its files: ".xlsx"
-  std::span<const std::string_view> book_endings;  // of files that are workbooks, not templates
-  int biff_version;                                // of the binary format; 0 for others
+  std::string_view name;  // as messages call its files: ".xlsx"
+  std::span<const FileEnding> endings;
+  int biff_version;  // of the binary format; 0 for others
   Limits limits;
 
   // Makes an empty workbook of this kind a new book.

@@ -38,6 +38,8 @@ struct Table {
 
 struct SaveOptions {
   bool as_template = false;  // the kind of file that makes new workbooks rather than being one
+  std::optional<bool>
+      with_macros;  // what the target's name promises; nothing when it tells nothing
 };
 
 class Document {
@@ -60,12 +62,18 @@ class Document {
     return {};
   }
 
-  // Makes the carried things of a new sheet that is a copy of another, and tells the names that
-  // the copies of its tables got.
-  virtual std::vector<formula::TableChange> copy_sheet(Workbook& /*book*/,
+  // Makes what the file will hold of a new, empty sheet. It enters the file with place_sheet().
+  virtual void begin_sheet(const Workbook& /*book*/, Sheet& /*sheet*/) {}
+
+  // The same for a sheet that is a copy of another, with copies of what is carried for that. Tells
+  // the names that the copies of its tables got.
+  virtual std::vector<formula::TableChange> copy_sheet(const Workbook& /*book*/,
                                                        const Sheet& /*original*/, Sheet& /*copy*/) {
     return {};
   }
+
+  // The sheet stands in the book now.
+  virtual void place_sheet(Sheet& /*sheet*/) noexcept {}
 
   // Drops what belongs to a sheet that leaves the book and applies an edit as below: both are done
   // or, when memory is short, neither.

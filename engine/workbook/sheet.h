@@ -1,4 +1,4 @@
-// One sheet of a book: its name and kind, what it holds, and what a codec keeps with it.
+// One sheet of a book: its name and kind, and what it holds.
 //
 // A sheet of a loaded book is read when it is first needed. Until then it has a name, a kind and a
 // place in the book and nothing else, and it is saved as the file stored it.
@@ -73,6 +73,7 @@ class SheetContents {
  public:
   CellStore cells;
   std::deque<RowProperties> row_properties;
+  std::vector<std::string> row_details;        // kept for the codec: what RowProperties number
   std::vector<ColumnProperties> columns;       // ascending, without overlap
   int digit_pixels = 7;                        // of the default font, the unit of column widths
   std::optional<double> default_column_width;  // as the file stores widths
@@ -122,12 +123,6 @@ class SheetContents {
   std::uint32_t free_record_ = kNoRecord;  // the first of a chain; its value's word names the next
 };
 
-// What a codec keeps with a sheet: everything the engine carries through without a model of it.
-class SheetRemains {
- public:
-  virtual ~SheetRemains() = default;
-};
-
 struct OutsideRows;
 
 class Sheet {
@@ -144,7 +139,6 @@ class Sheet {
   CellRange loaded_rows;        // rows only; for kPartly
   bool selected = false;        // one of the tabs that are selected together
   std::string comments_damage;  // why the file's comments cannot be read or rewritten; else empty
-  std::unique_ptr<SheetRemains> remains;
 
   // For kPartly: the other rows, while an operation needs them and once it has changed one.
   std::unique_ptr<OutsideRows> outside;

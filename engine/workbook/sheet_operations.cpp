@@ -102,19 +102,23 @@ AllRows::~AllRows() {
     if (!sheet->outside->rows.changed()) sheet->outside.reset();
 }
 
-NewSheet make_sheet(const Workbook& book, std::string name) {
+NewSheet make_sheet(const Workbook& book, Document& document, std::string name) {
   NewSheet made;
   made.sheet = std::make_unique<Sheet>();
   made.sheet->name = std::move(name);
   SheetContents& contents = made.sheet->change();
   contents.digit_pixels = digit_pixels(book.styles.font(0));
   contents.default_row_pixels = book.new_row_pixels;
+  document.begin_sheet(book, *made.sheet);
   return made;
 }
 
-NewSheet make_copy(Workbook& book, Document& document, const Sheet& original, std::string name) {
-  NewSheet made = make_sheet(book, std::move(name));
+NewSheet make_copy(const Workbook& book, Document& document, const Sheet& original,
+                   std::string name) {
+  NewSheet made;
+  made.sheet = std::make_unique<Sheet>();
   Sheet& copy = *made.sheet;
+  copy.name = std::move(name);
   const std::vector<formula::TableChange> tables = document.copy_sheet(book, original, copy);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::change_tables_text(
@@ -132,7 +136,8 @@ void make_room(Workbook& book, const NewSheet& made) {
   book.sheets.reserve(book.sheets.size() + 1);
 }
 
-void place_sheet(Workbook& book, std::size_t position, NewSheet made) noexcept {
+void place_sheet(Workbook& book, Document& document, std::size_t position, NewSheet made) noexcept {
+  document.place_sheet(*made.sheet);
   if (book.sheets.empty()) made.sheet->selected = true;
   else if (position <= book.active_sheet) ++book.active_sheet;
   std::ranges::move(made.names, std::back_inserter(book.names));

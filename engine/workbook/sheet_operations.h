@@ -65,16 +65,17 @@ struct NewSheet {
   std::vector<DefinedName> names;
 };
 
-NewSheet make_sheet(const Workbook& book, std::string name);
+NewSheet make_sheet(const Workbook& book, Document& document, std::string name);
 
 // One with the contents of another sheet, which must have been read whole. Formulas and names that
 // mean the original sheet mean the copy there.
-NewSheet make_copy(Workbook& book, Document& document, const Sheet& original, std::string name);
+NewSheet make_copy(const Workbook& book, Document& document, const Sheet& original,
+                   std::string name);
 
 // Makes room for a new sheet, so that placing it cannot fail.
 void make_room(Workbook& book, const NewSheet& made);
 // The first sheet of a book becomes the active one, any other leaves the active one as it is.
-void place_sheet(Workbook& book, std::size_t position, NewSheet made) noexcept;
+void place_sheet(Workbook& book, Document& document, std::size_t position, NewSheet made) noexcept;
 
 // Moves a sheet; the others keep their order and the active sheet stays the same one.
 void move_sheet(Workbook& book, std::size_t from, std::size_t to) noexcept;

@@ -38,7 +38,6 @@ class Workbook {
   bool date1904 = false;
   bool r1c1 = false;  // formulas are shown and taken in R1C1 notation
   bool is_template = false;
-  bool has_macros = false;
   int new_row_pixels = 20;  // of the rows of a new sheet
 
   // Cached values of formulas may be old: who opens the saved book is asked to calculate anew.

@@ -9,7 +9,7 @@ namespace engine::xls {
 
 namespace {
 
-constexpr std::string_view kBookEndings[] = {".xls"};
+constexpr FileEnding kEndings[] = {{".xls", false, {}}, {".xlt", true, {}}};
 
 constexpr Limits kLimits = {
     .grid = {65536, 256},
@@ -44,6 +44,6 @@ bool recognise(const package::Source& source) {
 
 }  // namespace
 
-const Codec kCodec = {".xls", kBookEndings, 0x0600, kLimits, begin, recognise, nullptr};
+const Codec kCodec = {".xls", kEndings, 0x0600, kLimits, begin, recognise, nullptr};
 
 }  // namespace engine::xls

@@ -8,7 +8,8 @@ namespace engine::xlsx {
 
 namespace {
 
-constexpr std::string_view kBookEndings[] = {".xlsx", ".xlsm"};
+constexpr FileEnding kEndings[] = {
+    {".xlsx", false, false}, {".xlsm", false, true}, {".xltx", true, false}, {".xltm", true, true}};
 
 std::unique_ptr<engine::Document> begin(Workbook& book) { return Document::make_new(book); }
 
@@ -26,6 +27,6 @@ std::unique_ptr<engine::Document> load(std::shared_ptr<const package::Source> so
 
 }  // namespace
 
-const Codec kCodec = {".xlsx", kBookEndings, 0, Limits(), begin, recognise, load};
+const Codec kCodec = {".xlsx", kEndings, 0, Limits(), begin, recognise, load};
 
 }  // namespace engine::xlsx

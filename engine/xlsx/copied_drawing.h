@@ -7,7 +7,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "engine/xlsx/relationships.h"
 
@@ -15,11 +14,10 @@ namespace engine::xlsx {
 
 struct CopiedDrawing {
   std::string bytes;
-  std::vector<Relationship> links;  // those of the original that the pictures need
+  Ids ids;  // of the relationships that the pictures need
 };
 
 // Nothing when the drawing has no picture. Throws FileError when it is damaged.
-std::optional<CopiedDrawing> copy_pictures(std::string_view bytes, std::string_view part,
-                                           const std::vector<Relationship>& links);
+std::optional<CopiedDrawing> copy_pictures(std::string_view bytes, std::string_view part);
 
 }  // namespace engine::xlsx

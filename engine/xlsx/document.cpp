@@ -71,9 +71,9 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
   if (!main) package::throw_damaged(resolve_target("", to_main.target), "is missing");
   if (is_binary_workbook_type(main->type)) throw FileError("is a binary .xlsb workbook");
   made->main_ = main->name;
-  made->workbook_part_.read(parts.read(*main), parts, main->name, book);
+  made->workbook_part_.read(parts.read(*main), parts, main->name, book, made->sheets_);
   book.is_template = is_template_type(main->type);
-  book.has_macros = parts.related(main->name, "vbaProject") != nullptr;
+  made->is_macro_enabled_ = is_macro_enabled_type(main->type);
   made->has_calculation_chain_ = parts.related(main->name, "calcChain") != nullptr;
   if (scope == LoadScope::kInfo) return made;
 
@@ -90,16 +90,16 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
 
 // Sheets that hold no cells are not read later on; whether their tab is selected counts all the
 // same.
-void Document::read_tab(Sheet& sheet) const {
+void Document::read_tab(Sheet& sheet) {
   if (sheet.kind == SheetKind::kWorksheet) return;
   sheet.loading = Loading::kRead;
-  const Part* part = parts_.find(part_of(sheet)->part);
+  const Part* part = parts_.find(part_of(sheet).part);
   if (!part) return;
   try {
     const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
     const pugi::xml_node views = package::child(tree.root(), Family::Main, "sheetViews");
     const pugi::xml_node view = package::child(views, Family::Main, "sheetView");
-    sheet.selected = part_of(sheet)->selected = view.attribute("tabSelected").as_bool();
+    sheet.selected = sheets_.at(&sheet).selected = view.attribute("tabSelected").as_bool();
   } catch (const FileError&) {
     return;
   }
@@ -111,43 +111,43 @@ SheetContext Document::context(Workbook& texts, const Workbook& book) const {
 }
 
 void Document::read_sheet(Workbook& book, Sheet& sheet) {
-  const SheetPart* known = part_of(sheet);
-  if (!known || known->read || sheet.kind != SheetKind::kWorksheet) return;
-  const Part* part = parts_.find(known->part);
-  if (!part) package::throw_damaged(known->part.empty() ? main_ : known->part, "is missing");
+  SheetPart& known = sheets_.at(&sheet);
+  if (known.read || sheet.kind != SheetKind::kWorksheet) return;
+  const Part* part = parts_.find(known.part);
+  if (!part) package::throw_damaged(known.part.empty() ? main_ : known.part, "is missing");
 
   SheetContents contents;
-  auto remains = std::make_unique<SheetPart>();
-  remains->part = known->part;
-  remains->relationship = known->relationship;
-  remains->id = known->id;
+  SheetPart made;
+  made.part = known.part;
+  made.relationship = known.relationship;
+  made.id = known.id;
+  made.listed = known.listed;
   RowFilter filter;
   if (sheet.loading == Loading::kPartly)
     filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false};
-  read_worksheet(*parts_.open(*part), part->name, context(book, book), filter, contents, *remains);
-  if (has_calculation_chain_) remains->formulas = formulas_of(contents);
-  std::string damage = read_notes(*remains, contents);
-  remains->comments = contents.comments;
-  remains->read = true;
+  read_worksheet(*parts_.open(*part), part->name, context(book, book), filter, contents, made);
+  if (has_calculation_chain_) made.formulas = formulas_of(contents);
+  std::string damage = read_notes(made, contents);
+  made.comments = contents.comments;
+  made.read = true;
 
+  known = std::move(made);
   sheet.take(std::move(contents));
-  sheet.selected = remains->selected;
+  sheet.selected = known.selected;
   sheet.comments_damage = std::move(damage);
-  sheet.remains = std::move(remains);
   if (sheet.loading == Loading::kUnread) sheet.loading = Loading::kRead;
 }
 
 std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
                                                     const Sheet& sheet) const {
   auto outside = std::make_unique<OutsideRows>(book);
-  auto remains = std::make_unique<SheetPart>();
+  SheetPart remains;
   SheetContents contents;
-  const Part* part = parts_.find(part_of(sheet)->part);
+  const Part* part = parts_.find(part_of(sheet).part);
   const RowFilter filter{sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, true};
   read_worksheet(*parts_.open(*part), part->name, context(outside->texts, book), filter, contents,
-                 *remains);
+                 remains);
   outside->rows.take(std::move(contents));
-  outside->rows.remains = std::move(remains);
   return outside;
 }
 

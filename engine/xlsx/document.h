@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "engine/package/source.h"
@@ -17,6 +18,7 @@
 #include "engine/xlsx/parts.h"
 #include "engine/xlsx/sheet_part.h"
 #include "engine/xlsx/styles_part.h"
+#include "engine/xlsx/table_names.h"
 #include "engine/xlsx/workbook_part.h"
 #include "engine/xlsx/worksheet_reader.h"
 
@@ -34,8 +36,10 @@ class Document : public engine::Document {
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
                                             const Sheet& sheet) const override;
   std::vector<Table> tables(const Workbook& book, const Sheet& sheet) const override;
-  std::vector<formula::TableChange> copy_sheet(Workbook& book, const Sheet& original,
+  void begin_sheet(const Workbook& book, Sheet& sheet) override;
+  std::vector<formula::TableChange> copy_sheet(const Workbook& book, const Sheet& original,
                                                Sheet& copy) override;
+  void place_sheet(Sheet& sheet) noexcept override;
   void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
   void edit_formulas(Workbook& book, const FormulaEdit& edit) override;
   void save(const Workbook& book, const SaveOptions& options, package::Output& output) override;
@@ -48,17 +52,33 @@ class Document : public engine::Document {
   SheetContext context(Workbook& texts, const Workbook& book) const;
   // Gives why the comments cannot be read or rewritten; empty when they can.
   std::string read_notes(const SheetPart& sheet, SheetContents& contents) const;
-  void read_tab(Sheet& sheet) const;
-  void edit_carried(Workbook& book, const FormulaEdit& edit, std::string_view gone_relationship);
+  void read_tab(Sheet& sheet);
+  // A sheet that is not in the book yet, with its parts. They enter the package together.
+  struct ArrivingSheet {
+    SheetParts sheet;  // the one
+    NewParts parts;
+
+    SheetPart& part() { return sheet.begin()->second; }
+  };
+
+  ArrivingSheet new_sheet(const Sheet& sheet);
+  const SheetPart& part_of(const Sheet& sheet) const { return sheets_.at(&sheet); }
+  // Throws before it changes anything.
+  void remove_part(const SheetPart& gone);
+  void edit_carried(Workbook& book, const FormulaEdit& edit, const SheetPart* gone);
 
   Parts parts_;
   std::string main_;  // name of the workbook part
   WorkbookPart workbook_part_;
   StylesPart styles_part_;
+  SheetParts sheets_;
+  std::optional<ArrivingSheet> arriving_;
   std::uint32_t formats_ = 1;     // in the file
   std::uint64_t text_cells_ = 0;  // that name a shared text, as the file counts them
   bool has_calculation_chain_ = false;
   bool sheet_removed_ = false;
+  bool is_macro_enabled_ = false;          // the file's kind
+  std::optional<TableNames> table_names_;  // known from the first copy of a table on
 };
 
 }  // namespace engine::xlsx

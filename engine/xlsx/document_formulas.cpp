@@ -10,6 +10,7 @@
 #include "engine/xlsx/document.h"
 #include "engine/xlsx/formula_texts.h"
 #include "engine/xlsx/new_parts.h"
+#include "engine/xlsx/worksheet_elements.h"
 
 namespace engine::xlsx {
 
@@ -32,16 +33,18 @@ struct RecordEdits {
   };
 
   std::vector<Input> inputs;
-  std::vector<std::pair<std::string*, std::string>> texts;
-  std::vector<Sheet*> changed;
 
   void apply() noexcept {
     for (auto& [rows, record, details] : inputs)
       rows->change().records()[record].extra->formula_details.swap(details);
-    for (auto& [target, text] : texts) target->swap(text);
-    for (Sheet* sheet : changed) sheet->change();
   }
 };
+
+// New bytes of parts.
+using PartEdits = std::vector<std::pair<const Part*, std::shared_ptr<const std::string>>>;
+
+// New trees of sheets.
+using TreeEdits = std::vector<std::pair<Sheet*, package::XmlTree>>;
 
 // The two cells that a data table puts its values into stand in its attributes.
 std::optional<std::string> edited_inputs(const Sheet& sheet, const std::string& details,
@@ -90,11 +93,13 @@ bool edit_source(pugi::xml_node source, const FormulaEdit& edit, const Grid& gri
 // A copy of a read sheet's tree with its formulas edited; nothing when it stays as it is.
 std::optional<package::XmlTree> edited_tree(const package::XmlTree& tree, const Sheet& sheet,
                                             const FormulaEdit& edit) {
-  if (!TextEdits().collect_worksheet(tree.root(), &sheet, edit)) return std::nullopt;
+  TextEdits asked(&sheet, edit);
+  collect_formulas(tree.root(), asked);
+  if (asked.empty()) return std::nullopt;
   package::XmlTree copy = tree.copy();
-  TextEdits texts;
-  texts.collect_worksheet(copy.root(), &sheet, edit);
-  texts.apply();
+  TextEdits edits(&sheet, edit);
+  collect_formulas(copy.root(), edits);
+  edits.apply();
   copy.settle();
   return copy;
 }
@@ -109,9 +114,9 @@ std::optional<std::string> edited_part(const Parts& parts, const Part& part,
     const pugi::xml_node source = package::child(root, Family::Main, "cacheSource");
     changed = edit_source(package::child(source, Family::Main, "worksheetSource"), edit, grid);
   } else {
-    TextEdits edits;
-    if (part.type == kTableType) edits.collect_table(root, nullptr, edit);
-    else edits.collect_chart(root, edit);
+    TextEdits edits(nullptr, edit);
+    if (part.type == kTableType) collect_table(root, edits);
+    else collect_chart(root, edits);
     changed = !edits.empty();
     edits.apply();
   }
@@ -129,41 +134,34 @@ bool holds_formulas(const Part& part) {
 }  // namespace
 
 void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
-  edit_carried(book, edit, {});
+  edit_carried(book, edit, nullptr);
 }
 
-// A sheet's relationship, if given, goes with all that hangs on it.
-void Document::edit_carried(Workbook& book, const FormulaEdit& edit,
-                            std::string_view gone_relationship) {
+// All that is new is made first. A sheet that goes, if one does, loses its place in the package.
+void Document::edit_carried(Workbook& book, const FormulaEdit& edit, const SheetPart* gone) {
   RecordEdits records;
-  std::vector<std::pair<SheetPart*, package::XmlTree>> trees;
+  TreeEdits trees;
   for (const auto& sheet : book.sheets) {
-    SheetPart* remains = part_of(*sheet);
-    if (!remains || !remains->read) continue;
-    if (auto tree = edited_tree(remains->tree, *sheet, edit)) {
-      trees.emplace_back(remains, *std::move(tree));
-      records.changed.push_back(sheet.get());
-    }
+    const SheetPart& remains = part_of(*sheet);
+    if (!remains.read || &remains == gone) continue;
+    if (auto tree = edited_tree(remains.tree, *sheet, edit))
+      trees.emplace_back(sheet.get(), *std::move(tree));
     collect_records(*sheet, *sheet, edit, records);
     if (sheet->outside) collect_records(sheet->outside->rows, *sheet, edit, records);
   }
-  Parts parts = parts_;
+  PartEdits parts;
   for (const auto& [key, part] : parts_.all())
     if (holds_formulas(part))
       if (auto bytes = edited_part(parts_, part, edit, book.limits.grid))
-        parts.put(part.name, {}, *std::move(bytes));
-  if (!gone_relationship.empty()) parts.prune(main_, gone_relationship);
-  for (const auto& sheet : book.sheets)
-    if (SheetPart* remains = part_of(*sheet))
-      for (AddedPart& added : remains->added) {
-        if (added.kind != "table") continue;
-        if (auto bytes = edited_table(added.bytes, nullptr, edit))
-          records.texts.emplace_back(&added.bytes, *std::move(bytes));
-      }
+        parts.emplace_back(&part, std::make_shared<const std::string>(*std::move(bytes)));
+  if (gone) remove_part(*gone);
 
   records.apply();
-  for (auto& [remains, tree] : trees) remains->tree = std::move(tree);
-  parts_ = std::move(parts);
+  for (auto& [sheet, tree] : trees) {
+    sheet->change();
+    sheets_.find(sheet)->second.tree = std::move(tree);
+  }
+  for (auto& [part, bytes] : parts) parts_.exchange(*part, bytes);
 }
 
 }  // namespace engine::xlsx

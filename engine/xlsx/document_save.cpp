@@ -7,11 +7,12 @@
 
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
-#include "engine/xlsx/comments.h"
+#include "engine/xlsx/attributes.h"
 #include "engine/xlsx/document.h"
+#include "engine/xlsx/elements/notes.h"
 #include "engine/xlsx/new_parts.h"
-#include "engine/xlsx/notes_drawing.h"
 #include "engine/xlsx/shared_strings.h"
+#include "engine/xlsx/worksheet_elements.h"
 #include "engine/xlsx/worksheet_writer.h"
 
 namespace engine::xlsx {
@@ -20,141 +21,29 @@ namespace {
 
 using package::Family;
 
-// A sheet of the book with its part in the package that is written.
+// A sheet of the book in one save.
 struct SavedSheet {
   const Sheet* sheet = nullptr;
-  const SheetPart* remains = nullptr;  // null for a new sheet that nothing was carried for
-  SheetEntry entry;
-  std::string part;
+  const SheetPart* remains = nullptr;
   bool rewritten = false;
   std::unique_ptr<OutsideRows> read_now;
   const OutsideRows* outside = nullptr;  // of a partly loaded sheet
 };
 
-bool differs_from_file(const Sheet& sheet) {
-  const SheetPart* remains = part_of(sheet);
-  if (!remains || remains->relationship.empty()) return true;
-  return remains->read && (sheet.changed() || sheet.selected != remains->selected);
-}
-
-// The comments that the file has for the sheet.
-const Comments& comments_as_read(const SavedSheet& saved) {
-  static const Comments kNone;
-  return saved.remains ? saved.remains->comments : kNone;
-}
-
-// Gives a sheet that no file has its part, its parts' names and its ids.
-void enter_new_sheet(Parts& parts, std::string_view main, std::uint32_t id, SavedSheet& saved) {
-  saved.part = parts.free_name("xl/worksheets/sheet#.xml");
-  parts.put(saved.part, kWorksheetType, "");
-  saved.entry.relationship = parts.relate(main, "worksheet", saved.part);
-  saved.entry.id = id;
-  if (!saved.remains) return;
-  for (const Relationship& link : saved.remains->links) parts.add_relationship(saved.part, link);
-  for (const AddedPart& added : saved.remains->added) {
-    const std::string name = parts.free_name(added.pattern);
-    parts.put(name, added.type, added.bytes);
-    parts.add_relationship(saved.part, {added.relationship, relationship_type(added.kind),
-                                        relative_target(saved.part, name), false});
-    for (const Relationship& link : added.links) parts.add_relationship(name, link);
-  }
-}
-
-// Writes the texts and the boxes of a sheet's notes; `root` is the sheet's tree.
-class NotesWriter {
- public:
-  NotesWriter(Parts& parts, const Grid& grid) : parts_(parts), grid_(grid) {}
-
-  void write(const SavedSheet& saved, pugi::xml_node root) {
-    write_texts(saved);
-    write_threads_of(saved);
-    write_boxes(saved, root);
-  }
-
- private:
-  void write_texts(const SavedSheet& saved) {
-    const Part* stored = parts_.related(saved.part, "comments");
-    const std::string name = stored ? stored->name : parts_.free_name("xl/comments#.xml");
-    if (!stored && saved.sheet->contents().comments.empty()) return;
-    const std::string bytes = stored ? parts_.read(*stored) : std::string();
-    parts_.put(
-        name, kCommentsType,
-        write_comments(bytes, name, saved.sheet->contents().comments, comments_as_read(saved)));
-    if (bytes.empty()) parts_.relate(saved.part, "comments", name);
-  }
-
-  void write_threads_of(const SavedSheet& saved) {
-    const Part* stored = parts_.related(saved.part, "threadedComment");
-    if (!stored) return;
-    const std::string name = stored->name;
-    parts_.put(name, stored->type,
-               write_threads(parts_.read(*stored), name, saved.sheet->contents().comments,
-                             comments_as_read(saved)));
-  }
-
-  void write_boxes(const SavedSheet& saved, pugi::xml_node root) {
-    enter_drawings();
-    pugi::xml_node link = package::child(root, Family::Main, "legacyDrawing");
-    const std::string_view id = package::attribute(link, Family::Relationships, "id").value();
-    const Relationship* relationship = link ? parts_.relationship(saved.part, id) : nullptr;
-    const Part* stored = relationship ? parts_.target(saved.part, *relationship) : nullptr;
-    if (!stored && saved.sheet->contents().comments.empty()) return;
-    const std::string name =
-        stored ? stored->name : parts_.free_name("xl/drawings/vmlDrawing#.vml");
-    const std::string bytes = stored ? parts_.read(*stored) : std::string();
-    parts_.put(name, kNotesDrawingType,
-               write_notes_drawing(bytes, saved.sheet->contents(), comments_as_read(saved), grid_,
-                                   clusters_));
-    if (stored) return;
-    if (!link) link = worksheet_child(root, "legacyDrawing");
-    package::set_attribute(link, Family::Relationships, "id",
-                           parts_.relate(saved.part, "vmlDrawing", name));
-  }
-
-  // A drawing that cannot be read shows no shapes that a new one could get in the way of.
-  void enter_drawings() {
-    if (std::exchange(entered_, true)) return;
-    for (const auto& [key, part] : parts_.all()) {
-      if (!key.ends_with(".vml")) continue;
-      try {
-        clusters_.enter(parts_.read(part));
-      } catch (const package::FileError&) {
-        continue;
-      }
-    }
-  }
-
-  Parts& parts_;
-  const Grid& grid_;
-  ShapeClusters clusters_;
-  bool entered_ = false;
-};
-
-// A new sheet's part is of the family of namespaces that the workbook is of.
-void take_over_namespaces(pugi::xml_node from, pugi::xml_node root) {
-  const std::string_view uri = from.attribute("xmlns").value();
-  if (package::family_of(uri) != Family::Main || uri == root.attribute("xmlns").value()) return;
-  root.attribute("xmlns") = from.attribute("xmlns").value();
-  if (const pugi::xml_attribute relationships = from.attribute("xmlns:r"))
-    root.attribute("xmlns:r") = relationships.value();
-}
-
 // Sheets without cells change in one thing only.
 void write_tab(Parts& parts, const SavedSheet& saved) {
-  const Part* part = parts.find(saved.part);
+  const Part* part = parts.find(saved.remains->part);
   if (!part) return;
   const auto tree = package::XmlTree::parse(parts.read(*part), part->name);
   const pugi::xml_node views = package::child(tree.root(), Family::Main, "sheetViews");
-  for (pugi::xml_node view : package::children(views, Family::Main, "sheetView")) {
-    view.remove_attribute("tabSelected");
-    if (saved.sheet->selected) view.append_attribute("tabSelected") = "1";
-  }
+  for (pugi::xml_node view : package::children(views, Family::Main, "sheetView"))
+    settle_attribute(view, "tabSelected", "1", !saved.sheet->selected);
   parts.put(part->name, part->type, tree.serialize());
 }
 
 // The name that a part of the book has or gets; it is made, still empty, when there is none.
-std::string related_or_new(Parts& parts, std::string_view main, std::string_view kind,
-                           std::string_view name, std::string_view type) {
+std::string related_or_new(Parts& parts, std::string_view main, const Ids& mentioned,
+                           std::string_view kind, std::string_view name, std::string_view type) {
   if (const Part* part = parts.related(main, kind)) return part->name;
   std::string free(name);
   if (parts.find(name)) {
@@ -162,7 +51,7 @@ std::string related_or_new(Parts& parts, std::string_view main, std::string_view
     free = parts.free_name(free.substr(0, dot).append("#").append(name.substr(dot)));
   }
   parts.put(free, type, "");
-  parts.relate(main, kind, free);
+  parts.relate(main, mentioned, kind, free);
   return free;
 }
 
@@ -170,7 +59,7 @@ void remove_calculation_chain(Parts& parts, std::string_view main) {
   std::vector<std::string> ids;
   for (const Relationship& one : parts.relationships(main))
     if (one.kind() == "calcChain") ids.push_back(one.id);
-  for (const std::string& id : ids) parts.prune(main, id);
+  for (const std::string& id : ids) parts.unrelate(main, id);
 }
 
 }  // namespace
@@ -198,6 +87,7 @@ class Document::Saving {
     replace_sheets();
     replace_texts();
     replace_workbook(options);
+    parts_.drop_unreachable();
     parts_.write(output);
   }
 
@@ -205,28 +95,23 @@ class Document::Saving {
   void replace_styles() {
     if (!is_new_ && !book_.styles.changed()) return;
     styles_ = document_.styles_part_.write(book_.styles);
-    const std::string name = related_or_new(parts_, main_, "styles", "xl/styles.xml", kStylesType);
+    const std::string name = related_or_new(parts_, main_, document_.workbook_part_.mentioned(),
+                                            "styles", "xl/styles.xml", kStylesType);
     parts_.put(name, kStylesType, std::move(styles_.bytes));
   }
 
   void enter(const Sheet& sheet) {
     SavedSheet& saved = sheets_.emplace_back();
     saved.sheet = &sheet;
-    saved.remains = part_of(sheet);
-    if (saved.remains && !saved.remains->relationship.empty()) {
-      saved.part = saved.remains->part;
-      saved.entry = {&sheet, saved.remains->relationship, saved.remains->id};
-    } else {
-      saved.entry.sheet = &sheet;
-      const auto earlier = static_cast<std::uint32_t>(new_sheets_++);
-      enter_new_sheet(parts_, main_, document_.workbook_part_.last_sheet_id() + earlier + 1, saved);
-    }
+    saved.remains = &document_.part_of(sheet);
+    const bool other_tab = sheet.selected != saved.remains->selected;
     if (sheet.kind != SheetKind::kWorksheet) {
-      if (saved.remains && sheet.selected != saved.remains->selected) write_tab(parts_, saved);
-    } else if (differs_from_file(sheet)) {
-      saved.rewritten = true;
-      enter_cells(saved);
+      if (other_tab) write_tab(parts_, saved);
+      return;
     }
+    const bool is_new = saved.remains->listed == 0;
+    saved.rewritten = is_new || (saved.remains->read && (sheet.changed() || other_tab));
+    if (saved.rewritten) enter_cells(saved);
   }
 
   // Rows outside of a partial load are read for the save when no edit has kept them.
@@ -240,23 +125,19 @@ class Document::Saving {
       }
     }
     texts_.enter(saved.sheet->contents());
-    text_cells_ -= std::min(text_cells_, saved.remains ? saved.remains->text_cells : 0);
+    text_cells_ -= std::min(text_cells_, saved.remains->text_cells);
     if (document_.has_calculation_chain_)
-      formulas_moved_ |=
-          formulas_of(saved.sheet->contents()) != (saved.remains ? saved.remains->formulas : 0);
+      formulas_moved_ |= formulas_of(saved.sheet->contents()) != saved.remains->formulas;
   }
 
   void replace_sheets() {
-    NotesWriter notes(parts_, book_.limits.grid);
-    const pugi::xml_node workbook = document_.workbook_part_.tree().root();
+    NotesWriter notes(parts_);
     for (const SavedSheet& saved : sheets_) {
       if (!saved.rewritten) continue;
-      package::XmlTree tree = saved.remains ? saved.remains->tree.copy() : new_worksheet();
-      const pugi::xml_node root = tree.root();
-      if (!saved.remains) take_over_namespaces(workbook, root);
-      patch_worksheet(root, *saved.sheet, saved.outside, styles_);
-      if (saved.sheet->contents().comments != comments_as_read(saved)) notes.write(saved, root);
-      parts_.put_blocks(saved.part, {},
+      package::XmlTree tree = saved.remains->tree.copy();
+      patch_elements(tree.root(),
+                     {book_, *saved.sheet, *saved.remains, saved.outside, styles_, parts_, notes});
+      parts_.put_blocks(saved.remains->part, {},
                         write_worksheet(std::move(tree), *saved.sheet, saved.outside,
                                         WriteContext{book_, styles_, texts_}));
     }
@@ -265,7 +146,8 @@ class Document::Saving {
   void replace_texts() {
     if (texts_.empty()) return;
     const std::string name =
-        related_or_new(parts_, main_, "sharedStrings", "xl/sharedStrings.xml", kSharedStringsType);
+        related_or_new(parts_, main_, document_.workbook_part_.mentioned(), "sharedStrings",
+                       "xl/sharedStrings.xml", kSharedStringsType);
     std::string stored = parts_.read(*parts_.find(name));
     parts_.put_blocks(name, {},
                       write_shared_strings(std::move(stored), name, book_.strings, texts_,
@@ -273,14 +155,19 @@ class Document::Saving {
   }
 
   void replace_workbook(const SaveOptions& options) {
-    std::vector<SheetEntry> entries;
-    for (const SavedSheet& saved : sheets_) entries.push_back(saved.entry);
     const WorkbookPart& part = document_.workbook_part_;
-    std::string bytes = part.patched(book_, entries).serialize();
+    std::string bytes = part.patched(book_, document_.sheets_).serialize();
     if (is_new_ || bytes != part.tree().serialize()) parts_.put(main_, {}, std::move(bytes));
     const std::string_view type = parts_.find(main_)->type;
     if (type.empty() || is_workbook_type(type))
-      parts_.set_type(main_, workbook_type(book_.has_macros, options.as_template));
+      parts_.set_type(main_, workbook_type(has_macros(options), options.as_template));
+  }
+
+  // A project of macros makes the kind of the book; without one the target's name does, and where
+  // that tells nothing the file.
+  bool has_macros(const SaveOptions& options) const {
+    return parts_.related(main_, "vbaProject") ||
+           options.with_macros.value_or(document_.is_macro_enabled_);
   }
 
   const Document& document_;
@@ -291,7 +178,6 @@ class Document::Saving {
   WrittenStyles styles_;
   WrittenTexts texts_;
   std::vector<SavedSheet> sheets_;
-  std::size_t new_sheets_ = 0;
   std::uint64_t text_cells_;  // cells of all sheets that name a shared text
   bool formulas_moved_;
 };

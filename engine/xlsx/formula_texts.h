@@ -1,4 +1,4 @@
-// Where formulas stand in the trees of parts.
+// Formulas in the trees of parts, changed all at once.
 #pragma once
 
 #include <optional>
@@ -8,33 +8,44 @@
 #include <utility>
 #include <vector>
 
+#include "engine/package/xml_tree.h"
 #include "engine/workbook/document.h"
 
 namespace engine::xlsx {
 
-// New texts for elements and attributes of trees, held until all of them are made.
+// Everything below a node, in document order.
+template <class Visit>
+void visit_elements(pugi::xml_node parent, const Visit& visit) {
+  for (const pugi::xml_node node : parent.children()) {
+    if (node.type() != pugi::node_element) continue;
+    visit(node);
+    visit_elements(node, visit);
+  }
+}
+
+// New texts for elements and attributes, held until all of them are made.
 class TextEdits {
  public:
-  // Conditional formats, validations, and their extended variants and sparklines. True when a
-  // formula of the sheet changes.
-  bool collect_worksheet(pugi::xml_node root, const Sheet* sheet, const FormulaEdit& edit);
-  void collect_chart(pugi::xml_node root, const FormulaEdit& edit);
-  // Formulas of calculated columns and totals.
-  void collect_table(pugi::xml_node root, const Sheet* sheet, const FormulaEdit& edit);
+  // `sheet` is the one that the formulas stand on; null for those that belong to no sheet.
+  TextEdits(const Sheet* sheet, const FormulaEdit& edit) : sheet_(sheet), edit_(edit) {}
+
+  // The text of the element or attribute is a formula.
+  void ask(pugi::xml_node element);
+  void ask(pugi::xml_attribute attribute);
 
   bool empty() const { return elements_.empty() && attributes_.empty(); }
   void apply();
 
  private:
-  void ask(pugi::xml_node element, const Sheet* sheet, const FormulaEdit& edit);
-  void ask_limit(pugi::xml_node limit, const Sheet* sheet, const FormulaEdit& edit);
-
+  const Sheet* sheet_;
+  const FormulaEdit& edit_;
   std::vector<std::pair<pugi::xml_node, std::string>> elements_;
   std::vector<std::pair<pugi::xml_attribute, std::string>> attributes_;
 };
 
-// The bytes of a table part with its formulas edited; nothing when they stay as they are.
-std::optional<std::string> edited_table(std::string_view bytes, const Sheet* sheet,
-                                        const FormulaEdit& edit);
+// The formulas of a chart: what its series and titles show.
+void collect_chart(pugi::xml_node root, TextEdits& edits);
+// Those of a table: calculated columns and totals.
+void collect_table(pugi::xml_node root, TextEdits& edits);
 
 }  // namespace engine::xlsx

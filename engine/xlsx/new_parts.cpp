@@ -56,6 +56,10 @@ bool is_template_type(std::string_view type) {
   return type == workbook_type(false, true) || type == workbook_type(true, true);
 }
 
+bool is_macro_enabled_type(std::string_view type) {
+  return type == workbook_type(true, false) || type == workbook_type(true, true);
+}
+
 bool is_binary_workbook_type(std::string_view type) {
   return type == "application/vnd.ms-excel.sheet.binary.macroEnabled.main";
 }
@@ -63,7 +67,7 @@ bool is_binary_workbook_type(std::string_view type) {
 Parts new_parts() {
   Parts parts;
   parts.put(kMainPart, workbook_type(false, false), "");
-  parts.relate("", "officeDocument", kMainPart);
+  parts.relate("", {}, "officeDocument", kMainPart);
   parts.put("docProps/core.xml", "application/vnd.openxmlformats-package.core-properties+xml",
             core_properties());
   parts.add_relationship(
@@ -73,7 +77,7 @@ Parts new_parts() {
   parts.put("docProps/app.xml",
             "application/vnd.openxmlformats-officedocument.extended-properties+xml",
             std::string(kApplication));
-  parts.relate("", "extended-properties", "docProps/app.xml");
+  parts.relate("", {}, "extended-properties", "docProps/app.xml");
   return parts;
 }
 

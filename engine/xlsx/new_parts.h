@@ -27,6 +27,7 @@ inline constexpr std::string_view kNotesDrawingType =
 std::string_view workbook_type(bool has_macros, bool is_template);
 bool is_workbook_type(std::string_view type);
 bool is_template_type(std::string_view type);
+bool is_macro_enabled_type(std::string_view type);
 bool is_binary_workbook_type(std::string_view type);
 
 // A package with a workbook part that is still empty, and the properties of the document, among

@@ -1,7 +1,10 @@
 #include "engine/xlsx/parts.h"
 
 #include <algorithm>
+#include <charconv>
 #include <set>
+#include <utility>
+#include <vector>
 
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
@@ -19,15 +22,14 @@ constexpr std::string_view kEmptyTypes =
     "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
     "<Default Extension=\"xml\" ContentType=\"application/xml\"/></Types>";
 
+constexpr std::string_view kRelationshipsType =
+    "application/vnd.openxmlformats-package.relationships+xml";
+constexpr std::string_view kStrictTypes =
+    "http://purl.oclc.org/ooxml/officeDocument/relationships/";
+
 std::string extension_of(std::string_view name) {
   const std::size_t dot = name.find_last_of("./");
   return dot == std::string_view::npos || name[dot] == '/' ? "" : lower_ascii(name.substr(dot + 1));
-}
-
-bool is_relationships_part(std::string_view key) {
-  if (!key.ends_with(".rels")) return false;
-  const std::string_view folder = key.substr(0, key.find_last_of('/') + 1);
-  return folder == "_rels/" || folder.ends_with("/_rels/");
 }
 
 std::string part_name_of(pugi::xml_node override_node) {
@@ -44,7 +46,7 @@ Parts::Parts(std::shared_ptr<const package::Source> source)
   read_types();
   for (const package::ArchiveEntry& entry : archive_->entries()) {
     std::string key = lower_ascii(entry.name);
-    if (key == lower_ascii(kTypesName) || is_relationships_part(key)) continue;
+    if (key == lower_ascii(kTypesName) || relationships_owner(key)) continue;
     Part part;
     part.name = entry.name;
     part.type = type_of(key);
@@ -111,40 +113,75 @@ void Parts::set_type(std::string_view name, std::string_view type) {
   if (found != parts_.end()) found->second.type = type;
 }
 
-void Parts::remove(std::string_view name) {
-  const std::string key = lower_ascii(name);
-  parts_.erase(key);
-  lists_[key] = {{}, true};
+void Parts::exchange(const Part& part, std::shared_ptr<const std::string>& bytes) noexcept {
+  const_cast<Part&>(part).bytes.swap(bytes);
 }
 
 std::string Parts::free_name(std::string_view pattern) const {
   const std::size_t mark = pattern.find('#');
-  for (std::size_t number = 1;; ++number) {
+  NameNumbers& numbers = numbers_.try_emplace(std::string(pattern)).first->second;
+  for (;;) {
+    const bool again = !numbers.freed.empty();
+    const std::size_t number = again ? *numbers.freed.begin() : ++numbers.last;
+    if (again) numbers.freed.erase(numbers.freed.begin());
     std::string name(pattern.substr(0, mark));
     name.append(std::to_string(number)).append(pattern.substr(mark + 1));
-    if (!find(name)) return name;
+    if (!find(name) && !is_mentioned(name)) return name;
   }
 }
 
-Parts::List& Parts::list(std::string_view owner) const {
-  const std::string key = lower_ascii(owner);
-  const auto known = lists_.find(key);
-  if (known != lists_.end()) return known->second;
-  List made;
-  const std::string name = relationships_name(owner);
-  const package::ArchiveEntry* entry = archive_ ? archive_->find(name) : nullptr;
-  if (entry) made.items = parse_relationships(archive_->read(*entry), name);
-  return lists_.emplace(key, std::move(made)).first->second;
+void Parts::forget(std::string_view pattern, std::string_view name) {
+  const std::string key = lower_ascii(name);
+  const std::string_view digits = std::string_view(name).substr(pattern.find('#'));
+  std::size_t number = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  numbers_.try_emplace(std::string(pattern)).first->second.freed.insert(number);
+  parts_.erase(key);
+  links_.erase(key);
 }
 
-const std::vector<Relationship>& Parts::relationships(std::string_view owner) const {
-  return list(owner).items;
+// Whether a relationship or a content type of the file speaks of a part that is not there.
+bool Parts::is_mentioned(std::string_view name) const {
+  if (!archive_) return false;
+  if (!mentioned_) {
+    std::set<std::string> names;
+    for (const auto& [key, type] : override_types_)
+      if (!find(key)) names.insert(key);
+    for (const package::ArchiveEntry& entry : archive_->entries()) {
+      const auto owner = relationships_owner(entry.name);
+      if (!owner) continue;
+      try {
+        for (const Relationship& one : stored_relationships(*owner))
+          if (!one.external && !target(*owner, one))
+            names.insert(lower_ascii(resolve_target(*owner, one.target)));
+      } catch (const package::FileError&) {
+        continue;
+      }
+    }
+    mentioned_ = std::move(names);
+  }
+  return mentioned_->contains(lower_ascii(name));
+}
+
+Relationships Parts::stored_relationships(std::string_view owner) const {
+  const std::string name = relationships_name(owner);
+  const package::ArchiveEntry* entry = archive_ ? archive_->find(name) : nullptr;
+  return entry ? parse_relationships(archive_->read(*entry), name) : Relationships();
+}
+
+PartLinks& Parts::links(std::string_view owner) const {
+  std::string key = lower_ascii(owner);
+  const auto known = links_.find(key);
+  if (known != links_.end()) return known->second;
+  return links_.emplace(std::move(key), PartLinks{stored_relationships(owner)}).first->second;
+}
+
+const Relationships& Parts::relationships(std::string_view owner) const {
+  return links(owner).items;
 }
 
 const Relationship* Parts::relationship(std::string_view owner, std::string_view id) const {
-  const auto& items = relationships(owner);
-  const auto found = std::ranges::find(items, id, &Relationship::id);
-  return found == items.end() ? nullptr : &*found;
+  return relationships(owner).find(id);
 }
 
 const Part* Parts::target(std::string_view owner, const Relationship& relationship) const {
@@ -161,66 +198,99 @@ const Part* Parts::related(std::string_view owner, std::string_view kind) const 
   return nullptr;
 }
 
-std::string Parts::relate(std::string_view owner, std::string_view kind, std::string_view part) {
-  const auto& items = relationships(owner);
+Relationship Parts::new_relationship(std::string_view owner, const Ids& mentioned,
+                                     std::string_view kind, std::string_view part) const {
+  const Relationships& items = relationships(owner);
   Relationship made;
   std::size_t number = items.size();
   do made.id = "rId" + std::to_string(++number);
-  while (relationship(owner, made.id));
+  while (items.find(made.id) || mentioned.contains(made.id));
   made.type = relationship_type(kind);
   // A file of the strict family keeps to it.
-  for (const Relationship& one : items)
-    if (one.type.starts_with("http://purl.oclc.org/ooxml/"))
-      made.type =
-          std::string("http://purl.oclc.org/ooxml/officeDocument/relationships/").append(kind);
+  if (!items.empty() && items.begin()->type.starts_with(kStrictTypes))
+    made.type = std::string(kStrictTypes).append(kind);
   made.target = relative_target(owner, part);
+  return made;
+}
+
+std::string Parts::relate(std::string_view owner, const Ids& mentioned, std::string_view kind,
+                          std::string_view part) {
+  Relationship made = new_relationship(owner, mentioned, kind, part);
   std::string id = made.id;
   add_relationship(owner, std::move(made));
   return id;
 }
 
 void Parts::add_relationship(std::string_view owner, Relationship relationship) {
-  List& its = list(owner);
-  its.items.push_back(std::move(relationship));
+  PartLinks& its = links(owner);
+  its.items.add(std::move(relationship));
   its.changed = true;
 }
 
 void Parts::unrelate(std::string_view owner, std::string_view id) {
-  List& its = list(owner);
-  if (std::erase_if(its.items, [&](const Relationship& one) { return one.id == id; }) != 0)
-    its.changed = true;
+  PartLinks& its = links(owner);
+  if (!its.items.remove(id)) return;
+  its.changed = true;
+  unrelated_ = true;
 }
 
-// The keys of all parts that relationships lead to, in order. Relationships that cannot be read
-// lead nowhere.
-std::vector<std::string> Parts::reachable() const {
+void Parts::take(NewParts&& made) noexcept {
+  parts_.merge(made.parts_);
+  for (auto& [owner, its] : made.links_) {
+    const auto known = links_.find(owner);
+    if (known == links_.end()) continue;
+    known->second.items.append(std::move(its.items));
+    known->second.changed = true;
+  }
+  links_.merge(made.links_);
+}
+
+std::string NewParts::add(std::string_view pattern, std::string_view type, std::string bytes) {
+  Part part;
+  part.name = package_->free_name(pattern);
+  part.type = type;
+  part.bytes = std::make_shared<const std::string>(std::move(bytes));
+  std::string name = part.name;
+  parts_.emplace(lower_ascii(name), std::move(part));
+  return name;
+}
+
+void NewParts::add_relationship(std::string_view owner, Relationship relationship) {
+  std::string key = lower_ascii(owner);
+  // Those of a part of the package are at hand when these come to them.
+  if (!parts_.contains(key)) package_->relationships(owner);
+  PartLinks& its = links_.try_emplace(std::move(key)).first->second;
+  its.items.add(std::move(relationship));
+  its.changed = true;
+}
+
+// The keys of all parts that relationships lead to: those of the file, or the present ones.
+// Relationships that cannot be read lead nowhere.
+std::set<std::string> Parts::reachable(bool in_file) const {
   std::set<std::string> seen;
   std::vector<std::string> open{""};
-  for (const std::string& held : held_)
-    if (seen.insert(lower_ascii(held)).second) open.push_back(held);
   while (!open.empty()) {
     const std::string owner = std::move(open.back());
     open.pop_back();
-    const std::vector<Relationship>* items = nullptr;
     try {
-      items = &relationships(owner);
+      for (const Relationship& one : in_file ? stored_relationships(owner) : relationships(owner))
+        if (const Part* part = target(owner, one))
+          if (seen.insert(lower_ascii(part->name)).second) open.push_back(part->name);
     } catch (const package::FileError&) {
       continue;
     }
-    for (const Relationship& one : *items)
-      if (const Part* part = target(owner, one))
-        if (seen.insert(lower_ascii(part->name)).second) open.push_back(part->name);
   }
-  return {seen.begin(), seen.end()};
+  return seen;
 }
 
-void Parts::prune(std::string_view owner, std::string_view id) {
-  const std::vector<std::string> before = reachable();
-  unrelate(owner, id);
-  const std::vector<std::string> after = reachable();
-  std::vector<std::string> lost;
-  std::ranges::set_difference(before, after, std::back_inserter(lost));
-  for (const std::string& key : lost) remove(key);
+void Parts::drop_unreachable() {
+  if (!unrelated_) return;
+  const std::set<std::string> before = reachable(true);
+  const std::set<std::string> now = reachable(false);
+  std::erase_if(parts_, [&](const auto& entry) {
+    const auto& [key, part] = entry;
+    return !now.contains(key) && (!part.stored || before.contains(key));
+  });
 }
 
 void Parts::remove_signatures() {
@@ -229,7 +299,15 @@ void Parts::remove_signatures() {
     if (one.type.starts_with("http://schemas.openxmlformats.org/package/2006/relationships/"
                              "digital-signature/"))
       ids.push_back(one.id);
-  for (const std::string& id : ids) prune("", id);
+  for (const std::string& id : ids) unrelate("", id);
+}
+
+// Whether the package that is written has relationships of the part.
+bool Parts::has_relationships(std::string_view owner) const {
+  if (!owner.empty() && !find(owner)) return false;
+  const auto known = links_.find(lower_ascii(owner));
+  if (known != links_.end() && known->second.changed) return !known->second.items.empty();
+  return archive_ && archive_->find(relationships_name(owner));
 }
 
 // The content types: the file's own list, with an entry for each part that it tells nothing or
@@ -237,8 +315,8 @@ void Parts::remove_signatures() {
 std::string Parts::written_types() const {
   const package::ArchiveEntry* entry = archive_ ? archive_->find(kTypesName) : nullptr;
   const std::string stored = entry ? archive_->read(*entry) : std::string(kEmptyTypes);
-  const auto document = package::XmlTree::parse(stored, kTypesName);
-  pugi::xml_node root = document.root();
+  const auto tree = package::XmlTree::parse(stored, kTypesName);
+  pugi::xml_node root = tree.root();
   bool changed = false;
   std::set<std::string> settled;
   for (pugi::xml_node node = root.first_child(); node;) {
@@ -246,8 +324,9 @@ std::string Parts::written_types() const {
     if (package::local_name(node) == "Override") {
       const std::string key = part_name_of(node);
       const auto part = parts_.find(key);
+      const auto owner = relationships_owner(key);
       const bool in_file = archive_ && archive_->find(key);
-      if (part == parts_.end() && in_file) {
+      if (in_file && (owner ? !has_relationships(*owner) : part == parts_.end())) {
         root.remove_child(node);
         changed = true;
       } else if (part != parts_.end() && settled.insert(key).second &&
@@ -258,25 +337,35 @@ std::string Parts::written_types() const {
     }
     node = next;
   }
-  for (const auto& [key, part] : parts_) {
-    if (part.type.empty() || settled.contains(key) || part.type == type_of(key)) continue;
+  const auto add_override = [&](const std::string& name, std::string_view type) {
     pugi::xml_node node = package::append_child(root, "Override");
-    node.append_attribute("PartName") = ("/" + part.name).c_str();
-    node.append_attribute("ContentType") = part.type.c_str();
+    node.append_attribute("PartName") = ("/" + name).c_str();
+    node.append_attribute("ContentType") = std::string(type).c_str();
     changed = true;
+  };
+  // Older spreadsheet programs state the type of each part of relationships by itself.
+  const auto add_links = [&](std::string_view owner) {
+    const std::string name = relationships_name(owner);
+    if (archive_ && !default_types_.contains("rels") && has_relationships(owner) &&
+        !override_types_.contains(lower_ascii(name)))
+      add_override(name, kRelationshipsType);
+  };
+  add_links("");
+  for (const auto& [key, part] : parts_) {
+    if (!part.type.empty() && !settled.contains(key) && part.type != type_of(key))
+      add_override(part.name, part.type);
+    add_links(part.name);
   }
-  return changed || !archive_ ? document.serialize() : std::string();
+  return changed || !archive_ ? tree.serialize() : std::string();
 }
 
 void Parts::write_relationships_of(std::string_view owner, package::ArchiveWriter& archive) const {
+  if (!has_relationships(owner)) return;
   const std::string name = relationships_name(owner);
-  const auto known = lists_.find(lower_ascii(owner));
-  const package::ArchiveEntry* entry = archive_ ? archive_->find(name) : nullptr;
-  if (known != lists_.end() && known->second.changed) {
-    if (!known->second.items.empty()) archive.add(name, write_relationships(known->second.items));
-  } else if (entry) {
-    archive.copy(*archive_, *entry);
-  }
+  const auto known = links_.find(lower_ascii(owner));
+  if (known != links_.end() && known->second.changed)
+    archive.add(name, write_relationships(known->second.items));
+  else archive.copy(*archive_, *archive_->find(name));
 }
 
 void Parts::write(package::Output& output) const {

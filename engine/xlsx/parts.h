@@ -8,10 +8,10 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "engine/package/archive.h"
 #include "engine/package/archive_writer.h"
@@ -34,6 +34,14 @@ struct Part {
   PartBlocks blocks;
 };
 
+// The relationships of a part, and whether they are those of the file.
+struct PartLinks {
+  Relationships items;
+  bool changed = false;
+};
+
+class NewParts;
+
 class Parts {
  public:
   // A package without parts.
@@ -52,14 +60,18 @@ class Parts {
   void put(std::string_view name, std::string_view type, std::string bytes);
   void put_blocks(std::string_view name, std::string_view type, PartBlocks blocks);
   void set_type(std::string_view name, std::string_view type);
-  void remove(std::string_view name);
+  // Gives one of these parts other bytes.
+  void exchange(const Part& part, std::shared_ptr<const std::string>& bytes) noexcept;
 
-  // "xl/worksheets/sheet3.xml" for the pattern "xl/worksheets/sheet#.xml", the number being the
-  // first that no part has taken.
+  // "xl/worksheets/sheet3.xml" for the pattern "xl/worksheets/sheet#.xml". No name is given out
+  // twice, nor one that something in the file mentions although there is no such part.
   std::string free_name(std::string_view pattern) const;
+  // Removes a part that was made under such a name, which is free again. Throws before it changes
+  // anything.
+  void forget(std::string_view pattern, std::string_view name);
 
   // Of a part; the empty name stands for the package. Throws FileError when they are damaged.
-  const std::vector<Relationship>& relationships(std::string_view owner) const;
+  const Relationships& relationships(std::string_view owner) const;
   const Relationship* relationship(std::string_view owner, std::string_view id) const;
 
   // The part that a relationship leads to; null when it is external or there is no such part.
@@ -67,19 +79,25 @@ class Parts {
   // The first part that a relationship of the kind leads to.
   const Part* related(std::string_view owner, std::string_view kind) const;
 
-  // Adds a relationship and gives its id, the next free number.
-  std::string relate(std::string_view owner, std::string_view kind, std::string_view part);
+  // A relationship to a part under a free id: one that neither another has nor something in the
+  // owner mentions.
+  Relationship new_relationship(std::string_view owner, const Ids& mentioned, std::string_view kind,
+                                std::string_view part) const;
+  // Adds such a relationship and gives its id.
+  std::string relate(std::string_view owner, const Ids& mentioned, std::string_view kind,
+                     std::string_view part);
   void add_relationship(std::string_view owner, Relationship relationship);
+  // What nothing leads to any more goes with drop_unreachable(). Throws before it changes anything.
   void unrelate(std::string_view owner, std::string_view id);
 
-  // Keeps a part although nothing may lead to it until the book is saved.
-  void hold(std::string_view part) { held_.insert(std::string(part)); }
-
-  // Removes a relationship with the parts that nothing else leads to.
-  void prune(std::string_view owner, std::string_view id);
+  // Takes over parts that were made together.
+  void take(NewParts&& made) noexcept;
 
   // Removes digital signatures: they hold for the bytes that were signed only.
   void remove_signatures();
+
+  // Removes what was reachable through relationships, or made since, and no longer is.
+  void drop_unreachable();
 
   // Every part, by its name in lower case.
   const std::map<std::string, Part>& all() const { return parts_; }
@@ -87,25 +105,54 @@ class Parts {
   void write(package::Output& output) const;
 
  private:
-  struct List {
-    std::vector<Relationship> items;
-    bool changed = false;
+  friend class NewParts;
+
+  // The numbers of names that were given out.
+  struct NameNumbers {
+    std::size_t last = 0;
+    std::set<std::size_t> freed;
   };
 
   void read_types();
   std::string type_of(std::string_view name) const;
   Part& make(std::string_view name, std::string_view type);
-  List& list(std::string_view owner) const;
-  std::vector<std::string> reachable() const;
+  PartLinks& links(std::string_view owner) const;
+  Relationships stored_relationships(std::string_view owner) const;
+  bool is_mentioned(std::string_view name) const;
+  std::set<std::string> reachable(bool in_file) const;
+  bool has_relationships(std::string_view owner) const;
   std::string written_types() const;
   void write_relationships_of(std::string_view owner, package::ArchiveWriter& archive) const;
 
   std::shared_ptr<const package::Archive> archive_;  // null for a new package
   std::map<std::string, Part> parts_;
-  std::set<std::string> held_;
-  mutable std::map<std::string, List> lists_;  // those asked for so far, by owner in lower case
-  std::map<std::string, std::string> default_types_;   // by extension in lower case
-  std::map<std::string, std::string> override_types_;  // by part name in lower case
+  bool unrelated_ = false;                          // some relationship was removed
+  mutable std::map<std::string, PartLinks> links_;  // asked for so far, by owner in lower case
+  mutable std::map<std::string, NameNumbers, std::less<>> numbers_;  // by pattern
+  mutable std::optional<std::set<std::string>> mentioned_;  // names without a part, in lower case
+  std::map<std::string, std::string> default_types_;        // by extension in lower case
+  std::map<std::string, std::string> override_types_;       // by part name in lower case
+};
+
+// Parts that are made together and enter a package together. They have their names from the start.
+class NewParts {
+ public:
+  explicit NewParts(const Parts& package) : package_(&package) {}
+
+  // A part under a free name of the pattern; gives the name.
+  std::string add(std::string_view pattern, std::string_view type, std::string bytes);
+  // By their names in lower case.
+  std::map<std::string, Part>& all() { return parts_; }
+
+  // Of one of these parts, or of one that is in the package already.
+  void add_relationship(std::string_view owner, Relationship relationship);
+
+ private:
+  friend class Parts;
+
+  const Parts* package_;
+  std::map<std::string, Part> parts_;
+  std::map<std::string, PartLinks> links_;
 };
 
 }  // namespace engine::xlsx

@@ -1,9 +1,12 @@
 #include "engine/xlsx/relationships.h"
 
+#include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/fold.h"
 
 namespace engine::xlsx {
 
@@ -21,7 +24,56 @@ void append_attribute(std::string& out, std::string_view name, std::string_view 
   out.push_back('"');
 }
 
+void enter_ids(pugi::xml_node node, Ids& ids) {
+  for (const pugi::xml_attribute one : node.attributes())
+    if (!package::prefix_of(std::string_view(one.name())).empty()) ids.emplace(one.value());
+  for (const pugi::xml_node child : node.children()) enter_ids(child, ids);
+}
+
 }  // namespace
+
+Ids mentioned_ids(pugi::xml_node root) {
+  Ids ids;
+  enter_ids(root, ids);
+  return ids;
+}
+
+bool refers_to_parts(pugi::xml_node element) {
+  return package::attribute(element, Family::Relationships, "id") ||
+         std::ranges::any_of(element.children(), refers_to_parts);
+}
+
+Relationships::Relationships(const Relationships& other) {
+  for (const Relationship& one : other) add(one);
+}
+
+const Relationship* Relationships::find(std::string_view id) const {
+  const auto found = by_id_.lower_bound(id);
+  return found == by_id_.end() || found->first != id ? nullptr : &*found->second;
+}
+
+void Relationships::add(Relationship one) {
+  std::list<Relationship> made;
+  made.push_back(std::move(one));
+  by_id_.emplace(made.front().id, made.begin());
+  items_.splice(items_.end(), made);
+}
+
+bool Relationships::remove(std::string_view id) {
+  const auto [first, last] = by_id_.equal_range(id);
+  const bool any = first != last;
+  for (auto at = first; at != last;) {
+    const auto item = at->second;
+    at = by_id_.erase(at);
+    items_.erase(item);
+  }
+  return any;
+}
+
+void Relationships::append(Relationships&& others) noexcept {
+  by_id_.merge(others.by_id_);
+  items_.splice(items_.end(), others.items_);
+}
 
 std::string relationship_type(std::string_view kind) {
   return std::string("http://schemas.openxmlformats.org/officeDocument/2006/relationships/")
@@ -33,9 +85,20 @@ std::string relationships_name(std::string_view part) {
   return std::string(folder).append("_rels/").append(part.substr(folder.size())).append(".rels");
 }
 
-std::vector<Relationship> parse_relationships(std::string_view xml, std::string_view name) {
+std::optional<std::string> relationships_owner(std::string_view name) {
+  constexpr std::string_view kFolder = "_rels/";
+  constexpr std::string_view kEnding = ".rels";
+  const std::string key = lower_ascii(name);
+  const std::string_view folder = folder_of(key);
+  const bool in_folder = folder == kFolder || folder.ends_with("/_rels/");
+  if (!in_folder || !key.ends_with(kEnding)) return std::nullopt;
+  std::string owner(name.substr(0, folder.size() - kFolder.size()));
+  return owner.append(name.substr(folder.size(), name.size() - folder.size() - kEnding.size()));
+}
+
+Relationships parse_relationships(std::string_view xml, std::string_view name) {
   const auto document = package::XmlTree::parse(xml, name);
-  std::vector<Relationship> found;
+  Relationships found;
   for (const pugi::xml_node node : document.root().children()) {
     if (!package::is(node, Family::PackageRelationships, "Relationship")) continue;
     Relationship one;
@@ -43,12 +106,12 @@ std::vector<Relationship> parse_relationships(std::string_view xml, std::string_
     one.type = node.attribute("Type").value();
     one.target = node.attribute("Target").value();
     one.external = std::string_view(node.attribute("TargetMode").value()) == "External";
-    found.push_back(std::move(one));
+    found.add(std::move(one));
   }
   return found;
 }
 
-std::string write_relationships(const std::vector<Relationship>& relationships) {
+std::string write_relationships(const Relationships& relationships) {
   std::string out =
       "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
       "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";

@@ -197,7 +197,7 @@ void RowReader::Machine::begin_row(int row) {
 void RowReader::Machine::keep_row_children() {
   RowProperties& properties = sheet_.properties_at(row_);
   std::string details;
-  if (properties.details != 0) details = remains_.row_details[properties.details - 1];
+  if (properties.details != 0) details = sheet_.row_details[properties.details - 1];
   details.append(1, kDetailsEnd).append(children_);
   properties.details = number_of_details(details);
 }
@@ -260,8 +260,8 @@ bool RowReader::Machine::read_row_attribute(const XmlAttribute& attribute,
 std::uint32_t RowReader::Machine::number_of_details(const std::string& details) {
   const auto [entry, is_new] = details_.try_emplace(details, 0);
   if (is_new) {
-    remains_.row_details.push_back(details);
-    entry->second = static_cast<std::uint32_t>(remains_.row_details.size());
+    sheet_.row_details.push_back(details);
+    entry->second = static_cast<std::uint32_t>(sheet_.row_details.size());
   }
   return entry->second;
 }

@@ -21,82 +21,7 @@ constexpr std::string_view kNewWorksheet =
     "<pageMargins left=\"0.7\" right=\"0.7\" top=\"0.75\" bottom=\"0.75\" header=\"0.3\" "
     "footer=\"0.3\"/></worksheet>";
 
-constexpr auto kWorksheetOrder = std::to_array<std::string_view>({
-    "sheetPr",
-    "dimension",
-    "sheetViews",
-    "sheetFormatPr",
-    "cols",
-    "sheetData",
-    "sheetCalcPr",
-    "sheetProtection",
-    "protectedRanges",
-    "scenarios",
-    "autoFilter",
-    "sortState",
-    "dataConsolidate",
-    "customSheetViews",
-    "mergeCells",
-    "phoneticPr",
-    "conditionalFormatting",
-    "dataValidations",
-    "hyperlinks",
-    "printOptions",
-    "pageMargins",
-    "pageSetup",
-    "headerFooter",
-    "rowBreaks",
-    "colBreaks",
-    "customProperties",
-    "cellWatches",
-    "ignoredErrors",
-    "smartTags",
-    "drawing",
-    "legacyDrawing",
-    "legacyDrawingHF",
-    "drawingHF",
-    "picture",
-    "oleObjects",
-    "controls",
-    "webPublishItems",
-    "tableParts",
-    "extLst",
-});
-
-constexpr auto kWorkbookOrder = std::to_array<std::string_view>({
-    "fileVersion",    "fileSharing",
-    "workbookPr",     "workbookProtection",
-    "bookViews",      "sheets",
-    "functionGroups", "externalReferences",
-    "definedNames",   "calcPr",
-    "oleSize",        "customWorkbookViews",
-    "pivotCaches",    "smartTagPr",
-    "smartTagTypes",  "webPublishing",
-    "fileRecoveryPr", "webPublishObjects",
-    "extLst",
-});
-
-// A new child goes in front of the first that has to stand behind it. Children of other namespaces
-// (alternate content above all) belong to what stands before them.
-pugi::xml_node child_in_order(pugi::xml_node root, std::string_view local,
-                              std::span<const std::string_view> order) {
-  if (const pugi::xml_node found = package::child(root, Family::Main, local)) return found;
-  const auto place = std::ranges::find(order, local);
-  for (const pugi::xml_node node : root.children()) {
-    if (package::family(node) != Family::Main) continue;
-    const bool behind = std::find(place, order.end(), package::local_name(node)) != order.end();
-    if (behind) return package::insert_child(root, local, node);
-  }
-  return package::append_child(root, local);
-}
-
 }  // namespace
-
-SheetPart* part_of(Sheet& sheet) { return static_cast<SheetPart*>(sheet.remains.get()); }
-
-const SheetPart* part_of(const Sheet& sheet) {
-  return static_cast<const SheetPart*>(sheet.remains.get());
-}
 
 bool has_formula_element(const CellRecord& record) {
   return !record.formula.empty() || (record.extra && (record.extra->form != FormulaForm::kNormal ||
@@ -118,13 +43,5 @@ std::uint64_t formulas_of(const SheetContents& sheet) {
 }
 
 package::XmlTree new_worksheet() { return package::XmlTree::parse(kNewWorksheet, "new worksheet"); }
-
-pugi::xml_node worksheet_child(pugi::xml_node root, std::string_view local) {
-  return child_in_order(root, local, kWorksheetOrder);
-}
-
-pugi::xml_node workbook_child(pugi::xml_node root, std::string_view local) {
-  return child_in_order(root, local, kWorkbookOrder);
-}
 
 }  // namespace engine::xlsx

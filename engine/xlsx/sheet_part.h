@@ -6,7 +6,7 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <map>
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
@@ -15,7 +15,7 @@
 #include "engine/package/xml_tree.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/workbook.h"
-#include "engine/xlsx/relationships.h"
+#include "engine/xlsx/parts.h"
 
 namespace engine::xlsx {
 
@@ -26,40 +26,24 @@ inline constexpr char kDetailsEnd = '\x01';
 // Begins the details of a cell whose value is a date in ISO notation; its children hold that value.
 inline constexpr std::string_view kDateKind = " t=\"d\"";
 
-// A part that belongs to a sheet which no file has yet. It gets its name when the book is saved.
-struct AddedPart {
-  std::string relationship;  // id at the sheet
-  std::string kind;          // of that relationship
-  std::string pattern;       // of the name: "xl/tables/table#.xml"
-  std::string type;
-  std::string bytes;
-  std::vector<Relationship> links;  // its own, their targets told from the package's root
-};
-
-class SheetPart : public SheetRemains {
- public:
-  std::string part;          // its name; empty for a sheet that no file has
-  std::string relationship;  // its id at the workbook; empty for a new sheet
+struct SheetPart {
+  std::string part;          // its name; empty for a sheet that is listed without one
+  std::string relationship;  // its id at the workbook
   std::uint32_t id = 0;      // sheetId
+  std::uint32_t listed = 0;  // place in the file's list of sheets, plus one; 0 for a new sheet
 
   bool read = false;
   package::XmlTree tree;
-  std::vector<std::string> row_details;  // RowProperties::details is an index into this, plus one
-  std::uint64_t text_cells = 0;          // cells that name a shared text in the file
-  std::uint64_t formulas = 0;            // what formulas_of() gave when the sheet was read
-  bool selected = false;                 // the tab, in the file
+  std::uint64_t text_cells = 0;  // cells that name a shared text in the file
+  std::uint64_t formulas = 0;    // what formulas_of() gave when the sheet was read
+  bool selected = false;         // the tab, in the file
 
   // As they were read: those that the sheet still has are written as the file has them.
   Comments comments;
-
-  // Of a sheet that no file has yet: what it refers to.
-  std::vector<AddedPart> added;
-  std::vector<Relationship> links;
 };
 
-// What the codec keeps with the sheet; null for a new one.
-SheetPart* part_of(Sheet& sheet);
-const SheetPart* part_of(const Sheet& sheet);
+// Those of all sheets of a book.
+using SheetParts = std::map<const Sheet*, SheetPart>;
 
 // Whether the cell's element holds an f element: then a text beside it is the cell's own.
 bool has_formula_element(const CellRecord& record);
@@ -69,9 +53,5 @@ std::uint64_t formulas_of(const SheetContents& sheet);
 
 // The tree of a new worksheet.
 package::XmlTree new_worksheet();
-
-// The child of that name, made at its place in the order of a worksheet's or workbook's children.
-pugi::xml_node worksheet_child(pugi::xml_node root, std::string_view local);
-pugi::xml_node workbook_child(pugi::xml_node root, std::string_view local);
 
 }  // namespace engine::xlsx

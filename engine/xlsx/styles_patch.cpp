@@ -26,19 +26,11 @@ constexpr std::string_view kBorderOrder[] = {"start",  "left",     "end",      "
                                              "bottom", "diagonal", "vertical", "horizontal"};
 
 void set_number(pugi::xml_node element, const char* name, double value) {
-  std::string text;
-  append_number(text, value);
-  set_attribute(element, name, text);
-}
-
-// An attribute that says the usual thing by being absent.
-void set_token(pugi::xml_node element, const char* name, std::string_view token, bool is_usual) {
-  if (is_usual) element.remove_attribute(name);
-  else set_attribute(element, name, token);
+  set_attribute(element, name, number_text(value));
 }
 
 void set_flag(pugi::xml_node element, const char* name, bool value, bool usual) {
-  set_token(element, name, value ? "1" : "0", value == usual);
+  settle_attribute(element, name, value ? "1" : "0", value == usual);
 }
 
 void set_color(pugi::xml_node element, const Color& color) {
@@ -95,7 +87,7 @@ void patch_underline(pugi::xml_node font, std::uint8_t underline) {
   const auto element = ordered_child(font, "u", kFontOrder);
   const auto* const known = std::ranges::find(kUnderlineTokens, underline, &UnderlineToken::value);
   if (known != kUnderlineTokens.end())
-    set_token(element, "val", known->token, known->token == "single");
+    settle_attribute(element, "val", known->token, known->token == "single");
 }
 
 void patch_script(pugi::xml_node font, std::uint8_t script) {
@@ -108,7 +100,7 @@ void patch_side(pugi::xml_node border, std::string_view name, const BorderSide& 
   auto element = border_side(border, name);
   if (element && side == stored) return;
   if (!element) element = ordered_child(border, name, kBorderOrder);
-  set_token(element, "style", kBorderTokens[side.style], side.style == 0);
+  settle_attribute(element, "style", kBorderTokens[side.style], side.style == 0);
   patch_color(element, "color", side.color, kSideOrder);
 }
 
@@ -117,22 +109,6 @@ bool is_empty(pugi::xml_node element) {
 }
 
 }  // namespace
-
-pugi::xml_node ordered_child(pugi::xml_node parent, std::string_view name,
-                             std::span<const std::string_view> order) {
-  if (const auto found = child(parent, Family::Main, name)) return found;
-  const auto own = std::ranges::find(order, name);
-  for (const auto next : parent.children())
-    if (std::find(own, order.end(), package::local_name(next)) != order.end())
-      return package::insert_child(parent, name, next);
-  return package::append_child(parent, name);
-}
-
-void set_attribute(pugi::xml_node element, const char* name, std::string_view value) {
-  auto attribute = element.attribute(name);
-  if (!attribute) attribute = element.append_attribute(name);
-  attribute.set_value(value.data(), value.size());
-}
 
 void patch_font(pugi::xml_node font, const FontRecord& record, unsigned aspects) {
   if (aspects & kFontBold) patch_font_switch(font, "b", record.bold);
@@ -154,14 +130,16 @@ void patch_alignment(pugi::xml_node xf, const Alignment& alignment) {
   if (stored == alignment) return;
   const auto element = ordered_child(xf, "alignment", kFormatOrder);
   if (alignment.horizontal != stored.horizontal)
-    set_token(element, "horizontal", kHorizontalTokens[alignment.horizontal],
-              alignment.horizontal == 0);
+    settle_attribute(element, "horizontal", kHorizontalTokens[alignment.horizontal],
+                     alignment.horizontal == 0);
   if (alignment.vertical != stored.vertical)
-    set_token(element, "vertical", kVerticalTokens[alignment.vertical], alignment.vertical == 2);
+    settle_attribute(element, "vertical", kVerticalTokens[alignment.vertical],
+                     alignment.vertical == 2);
   if (alignment.rotation != stored.rotation)
-    set_token(element, "textRotation", std::to_string(alignment.rotation), alignment.rotation == 0);
+    settle_attribute(element, "textRotation", std::to_string(alignment.rotation),
+                     alignment.rotation == 0);
   if (alignment.indent != stored.indent)
-    set_token(element, "indent", std::to_string(alignment.indent), alignment.indent == 0);
+    settle_attribute(element, "indent", std::to_string(alignment.indent), alignment.indent == 0);
   if (alignment.wrap != stored.wrap) set_flag(element, "wrapText", alignment.wrap, false);
   if (alignment.shrink_to_fit != stored.shrink_to_fit)
     set_flag(element, "shrinkToFit", alignment.shrink_to_fit, false);

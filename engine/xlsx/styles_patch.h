@@ -5,21 +5,14 @@
 #pragma once
 
 #include <pugixml.hpp>
-#include <span>
-#include <string_view>
 
 #include "engine/workbook/styles.h"
+#include "engine/xlsx/attributes.h"
 
 namespace engine::xlsx {
 
 // All aspects of a record, for an element that is new.
 inline constexpr unsigned kAllAspects = ~0U;
-
-// The child of the name; made at its place among those of `order` when there is none.
-pugi::xml_node ordered_child(pugi::xml_node parent, std::string_view name,
-                             std::span<const std::string_view> order);
-
-void set_attribute(pugi::xml_node element, const char* name, std::string_view value);
 
 // Only the aspects named.
 void patch_font(pugi::xml_node font, const FontRecord& record, unsigned aspects);

@@ -1,12 +1,13 @@
 #include "engine/xlsx/workbook_part.h"
 
 #include <algorithm>
-#include <map>
 #include <memory>
 #include <optional>
+#include <unordered_map>
 
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
+#include "engine/xlsx/attributes.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/sheet_part.h"
 
@@ -21,6 +22,23 @@ constexpr std::string_view kNewWorkbook =
     "xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\">"
     "<workbookPr/><bookViews><workbookView xWindow=\"0\" yWindow=\"0\" windowWidth=\"24000\" "
     "windowHeight=\"12000\"/></bookViews><sheets/></workbook>";
+
+constexpr std::string_view kOrder[] = {
+    "fileVersion",    "fileSharing",
+    "workbookPr",     "workbookProtection",
+    "bookViews",      "sheets",
+    "functionGroups", "externalReferences",
+    "definedNames",   "calcPr",
+    "oleSize",        "customWorkbookViews",
+    "pivotCaches",    "smartTagPr",
+    "smartTagTypes",  "webPublishing",
+    "fileRecoveryPr", "webPublishObjects",
+    "extLst",
+};
+
+pugi::xml_node workbook_child(pugi::xml_node root, std::string_view name) {
+  return ordered_child(root, name, kOrder);
+}
 
 SheetVisibility visibility_of(std::string_view state) {
   if (state == "hidden") return SheetVisibility::kHidden;
@@ -77,35 +95,36 @@ std::optional<int> scope_of(pugi::xml_node name, std::size_t sheets) {
   return position;
 }
 
-void patch_sheets(pugi::xml_node root, const std::vector<SheetEntry>& sheets) {
-  // Two sheets may name one part; each element is taken once.
-  std::multimap<std::string, pugi::xml_node, std::less<>> known;
+// A sheet that the file does not list is a new one.
+pugi::xml_node sheet_node(pugi::xml_node list, const std::vector<pugi::xml_node>& stored,
+                          const SheetPart& part) {
+  if (part.listed != 0) return stored[part.listed - 1];
+  pugi::xml_node node = package::append_child(list, "sheet");
+  node.append_attribute("name");
+  node.append_attribute("sheetId") = part.id;
+  package::set_attribute(node, Family::Relationships, "id", part.relationship);
+  return node;
+}
+
+void patch_sheets(pugi::xml_node root, const Workbook& book, const SheetParts& parts) {
   const std::vector<pugi::xml_node> stored = sheet_nodes(root);
-  for (const pugi::xml_node node : stored) known.emplace(relationship_of(node), node);
   pugi::xml_node list = workbook_child(root, "sheets");
   std::vector<pugi::xml_node> wanted;
-  for (const SheetEntry& entry : sheets) {
-    const auto found = known.find(entry.relationship);
-    pugi::xml_node node;
-    if (found != known.end()) {
-      node = found->second;
-      known.erase(found);
-    } else {
-      node = package::append_child(list, "sheet");
-      node.append_attribute("name");
-      node.append_attribute("sheetId") = entry.id;
-      package::set_attribute(node, Family::Relationships, "id", entry.relationship);
-    }
-    if (unescape(node.attribute("name").value()) != entry.sheet->name)
-      settle(node, "name", escape(entry.sheet->name));
-    if (visibility_of(node.attribute("state").value()) != entry.sheet->visibility)
-      settle(node, "state", state_text(entry.sheet->visibility));
+  std::vector<bool> is_wanted(stored.size());
+  for (const auto& sheet : book.sheets) {
+    const SheetPart& part = parts.at(sheet.get());
+    const pugi::xml_node node = sheet_node(list, stored, part);
+    if (part.listed != 0) is_wanted[part.listed - 1] = true;
+    if (unescape(node.attribute("name").value()) != sheet->name)
+      settle(node, "name", escape(sheet->name));
+    if (visibility_of(node.attribute("state").value()) != sheet->visibility)
+      settle(node, "state", state_text(sheet->visibility));
     wanted.push_back(node);
   }
   if (wanted == stored) return;
-  for (pugi::xml_node node : wanted) list.append_move(node);
-  for (const pugi::xml_node node : stored)
-    if (std::ranges::find(wanted, node) == wanted.end()) list.remove_child(node);
+  for (const pugi::xml_node node : wanted) list.append_move(node);
+  for (std::size_t i = 0; i < stored.size(); ++i)
+    if (!is_wanted[i]) list.remove_child(stored[i]);
 }
 
 bool says(pugi::xml_node node, const DefinedName& name, int scope, std::size_t sheets) {
@@ -130,9 +149,9 @@ bool is_modelled(pugi::xml_node name, std::size_t sheets) {
 // `sheets` is the number of sheets that the file had: what the stored positions count.
 void patch_names(pugi::xml_node root, const Workbook& book, std::size_t sheets) {
   const std::vector<pugi::xml_node> stored = name_nodes(root);
-  const auto scope = [&](const DefinedName& name) {
-    return name.scope ? static_cast<int>(book.position(*name.scope)) : -1;
-  };
+  std::unordered_map<const Sheet*, int> positions{{nullptr, -1}};
+  for (int position = 0; const auto& sheet : book.sheets) positions[sheet.get()] = position++;
+  const auto scope = [&](const DefinedName& name) { return positions.at(name.scope); };
   const auto node_of = [&](const DefinedName& name) {
     const std::size_t index = name.details.empty() ? stored.size() : std::stoul(name.details);
     return index < stored.size() ? stored[index] : pugi::xml_node();
@@ -205,7 +224,7 @@ WorkbookPart::WorkbookPart() : document_(package::XmlTree::parse(kNewWorkbook, "
 }
 
 void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_view part,
-                        Workbook& book) {
+                        Workbook& book, SheetParts& sheets) {
   document_ = package::XmlTree::parse(bytes, part);
   document_.settle();
   const pugi::xml_node root = document_.root();
@@ -213,7 +232,7 @@ void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_
     throw package::FileError("is a workbook of an Excel 2007 beta version");
   if (!package::is(root, Family::Main, "workbook"))
     throw package::FileError("is not an .xlsx workbook");
-  read_sheets(root, parts, part, book);
+  read_sheets(root, parts, part, book, sheets);
   read_names(root, book);
   book.date1904 = package::child(root, Family::Main, "workbookPr").attribute("date1904").as_bool();
   const std::string_view notation =
@@ -226,33 +245,35 @@ void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_
 }
 
 void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part,
-                               Workbook& book) {
+                               Workbook& book, SheetParts& sheets) {
   for (const pugi::xml_node node : sheet_nodes(root)) {
     auto sheet = std::make_unique<Sheet>();
-    auto remains = std::make_unique<SheetPart>();
+    SheetPart& remains = sheets[sheet.get()];
     sheet->name = unescape(node.attribute("name").value());
     sheet->visibility = visibility_of(node.attribute("state").value());
     sheet->loading = Loading::kUnread;
-    remains->id = node.attribute("sheetId").as_uint();
-    remains->relationship = relationship_of(node);
-    last_sheet_id_ = std::max(last_sheet_id_, remains->id);
-    const Relationship* relationship = parts.relationship(part, remains->relationship);
+    remains.id = node.attribute("sheetId").as_uint();
+    remains.relationship = relationship_of(node);
+    remains.listed = static_cast<std::uint32_t>(book.sheets.size() + 1);
+    last_sheet_id_ = std::max(last_sheet_id_, remains.id);
+    const Relationship* relationship = parts.relationship(part, remains.relationship);
     if (relationship) {
       sheet->kind = kind_of(relationship->kind());
-      if (const Part* found = parts.target(part, *relationship)) remains->part = found->name;
-      else remains->part = resolve_target(part, relationship->target);
+      if (const Part* found = parts.target(part, *relationship)) remains.part = found->name;
+      else remains.part = resolve_target(part, relationship->target);
+    } else if (remains.relationship.empty()) {
+      sheet->kind = SheetKind::kOther;  // modules of old programs are listed without a part
     }
-    sheet->remains = std::move(remains);
     book.sheets.push_back(std::move(sheet));
   }
+  mentioned_ = mentioned_ids(root);
 }
 
-package::XmlTree WorkbookPart::patched(const Workbook& book,
-                                       const std::vector<SheetEntry>& sheets) const {
+package::XmlTree WorkbookPart::patched(const Workbook& book, const SheetParts& parts) const {
   package::XmlTree copy = document_.copy();
   const pugi::xml_node root = copy.root();
   patch_names(root, book, sheet_nodes(root).size());
-  patch_sheets(root, sheets);
+  patch_sheets(root, book, parts);
   patch_views(root, book);
   patch_settings(root, book);
   return copy;

@@ -5,22 +5,14 @@
 
 #include <cstdint>
 #include <pugixml.hpp>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "engine/package/xml_tree.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/parts.h"
+#include "engine/xlsx/sheet_part.h"
 
 namespace engine::xlsx {
-
-// A sheet as the workbook part lists it.
-struct SheetEntry {
-  const Sheet* sheet = nullptr;
-  std::string relationship;
-  std::uint32_t id = 0;
-};
 
 class WorkbookPart {
  public:
@@ -28,21 +20,27 @@ class WorkbookPart {
   WorkbookPart();
 
   // Reads sheets, names and settings into the book; sheets stay unread. Throws FileError.
-  void read(std::string_view bytes, const Parts& parts, std::string_view part, Workbook& book);
+  void read(std::string_view bytes, const Parts& parts, std::string_view part, Workbook& book,
+            SheetParts& sheets);
 
   // The tree with all that the book says.
-  package::XmlTree patched(const Workbook& book, const std::vector<SheetEntry>& sheets) const;
+  package::XmlTree patched(const Workbook& book, const SheetParts& parts) const;
 
   // The formulas of the part belong to the model, all of them: names.
   const package::XmlTree& tree() const { return document_; }
 
-  // The highest sheet id that the file has given out.
-  std::uint32_t last_sheet_id() const { return last_sheet_id_; }
+  // Ids of relationships that the part mentions.
+  const Ids& mentioned() const { return mentioned_; }
+
+  // An id that no sheet of the file has, nor one that was asked for before.
+  std::uint32_t next_sheet_id() { return ++last_sheet_id_; }
 
  private:
-  void read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part, Workbook& book);
+  void read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part, Workbook& book,
+                   SheetParts& sheets);
 
   package::XmlTree document_;
+  Ids mentioned_;
   std::uint32_t last_sheet_id_ = 0;
 };
 

@@ -107,7 +107,6 @@ struct RowRun {
   CellStore::Rows rows;
   const SheetContents* sheet = nullptr;
   const Workbook* workbook = nullptr;
-  const SheetPart* part = nullptr;
   std::uint32_t first_text = 0;
 };
 
@@ -175,7 +174,7 @@ WorksheetText::WorksheetText(const package::XmlTree& tree, const Sheet& sheet,
 
 void WorksheetText::add_run(CellStore::Rows rows, const Sheet& sheet, const Workbook& workbook,
                             std::uint32_t first_text) {
-  runs_.push_back({rows, &sheet.contents(), &workbook, part_of(sheet), first_text});
+  runs_.push_back({rows, &sheet.contents(), &workbook, first_text});
 }
 
 void WorksheetText::cut_into_blocks() {
@@ -278,7 +277,7 @@ void WorksheetText::write_row(TextBuffer& out, const RowRun& run, const Row& row
   if (properties) {
     at = write_properties(at, *properties);
     if (properties->details != 0) {
-      const std::string_view details = run.part->row_details[properties->details - 1];
+      const std::string_view details = run.sheet->row_details[properties->details - 1];
       const std::size_t end = std::min(details.find(kDetailsEnd), details.size());
       out.end(at);
       out.direct().append(details.substr(0, end));
@@ -424,113 +423,7 @@ void WorksheetText::write_value(std::string& out, const RowRun& run, const Value
   out.append("</v>");
 }
 
-// Sets an attribute, or removes it where it would say what is usual.
-void set_or_remove(pugi::xml_node node, const char* name, bool present, const std::string& value) {
-  pugi::xml_attribute attribute = node.attribute(name);
-  if (!present) {
-    node.remove_attribute(attribute);
-    return;
-  }
-  if (!attribute) attribute = node.append_attribute(name);
-  attribute = value.c_str();
-}
-
-std::string number_text(double number) {
-  std::string text;
-  append_number(text, number);
-  return text;
-}
-
-// Columns are written anew; one that begins inside a column element of the file takes over what
-// that says beyond the model.
-void patch_columns(pugi::xml_node root, const SheetContents& sheet, const WrittenStyles& styles) {
-  const pugi::xml_node old = package::child(root, Family::Main, "cols");
-  if (sheet.columns.empty()) {
-    root.remove_child(old);
-    return;
-  }
-  pugi::xml_node columns =
-      old ? package::insert_child(root, "cols", old) : worksheet_child(root, "cols");
-  for (const pugi::xml_attribute attribute : old.attributes()) columns.append_copy(attribute);
-  pugi::xml_node stored = package::child(old, Family::Main, "col");
-  for (const ColumnProperties& one : sheet.columns) {
-    while (stored && stored.attribute("max").as_int() <= one.first)
-      stored = package::next_sibling(stored, Family::Main, "col");
-    const bool inside = stored && stored.attribute("min").as_int() <= one.first + 1;
-    pugi::xml_node node =
-        inside ? columns.append_copy(stored) : package::append_child(columns, "col");
-    set_or_remove(node, "min", true, std::to_string(one.first + 1));
-    set_or_remove(node, "max", true, std::to_string(one.last + 1));
-    set_or_remove(node, "width", one.width.has_value(), number_text(one.width.value_or(0)));
-    const std::uint32_t style = styles.file_number(one.style);
-    set_or_remove(node, "style", style != 0, std::to_string(style));
-    set_or_remove(node, "hidden", one.hidden, "1");
-    set_or_remove(node, "bestFit", one.best_fit, "1");
-    set_or_remove(node, "customWidth", one.custom_width, "1");
-    set_or_remove(node, "outlineLevel", one.outline_level != 0, std::to_string(one.outline_level));
-    set_or_remove(node, "collapsed", one.collapsed, "1");
-  }
-  root.remove_child(old);
-}
-
-std::string used_range_text(const SheetContents& sheet, const OutsideRows* outside) {
-  CellRange range;
-  bool any = sheet.cells.used_range(&range);
-  CellRange others;
-  if (outside && outside->rows.contents().cells.used_range(&others)) {
-    if (!any) range = others;
-    range = {std::min(range.row_first, others.row_first), std::max(range.row_last, others.row_last),
-             std::min(range.column_first, others.column_first),
-             std::max(range.column_last, others.column_last)};
-    any = true;
-  }
-  if (!any) return "A1";
-  return formula::print_range(range);
-}
-
-void patch_format_defaults(pugi::xml_node root, const SheetContents& sheet,
-                           const OutsideRows* outside) {
-  unsigned rows = 0;
-  unsigned columns = 0;
-  const auto note = [&](const SheetContents& one) {
-    for (const RowProperties& row : one.row_properties)
-      rows = std::max<unsigned>(rows, row.outline_level);
-  };
-  note(sheet);
-  if (outside) note(outside->rows.contents());
-  for (const ColumnProperties& column : sheet.columns)
-    columns = std::max<unsigned>(columns, column.outline_level);
-  pugi::xml_node format = package::child(root, Family::Main, "sheetFormatPr");
-  if (!format) {
-    if (rows == 0 && columns == 0) return;
-    format = worksheet_child(root, "sheetFormatPr");
-    format.append_attribute("defaultRowHeight") = "15";
-  }
-  if (sheet.default_column_width)
-    set_or_remove(format, "defaultColWidth", true, number_text(*sheet.default_column_width));
-  set_or_remove(format, "outlineLevelRow", rows != 0, std::to_string(rows));
-  set_or_remove(format, "outlineLevelCol", columns != 0, std::to_string(columns));
-}
-
 }  // namespace
-
-void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside,
-                     const WrittenStyles& styles) {
-  const bool selected = sheet.selected;
-  const std::string range = used_range_text(sheet.contents(), outside);
-  set_or_remove(worksheet_child(root, "dimension"), "ref", true, range);
-  const pugi::xml_node views = package::child(root, Family::Main, "sheetViews");
-  for (const pugi::xml_node view : package::children(views, Family::Main, "sheetView"))
-    if (view.attribute("tabSelected").as_bool() != selected)
-      set_or_remove(view, "tabSelected", selected, "1");
-  if (!views && selected) {
-    pugi::xml_node view = package::append_child(worksheet_child(root, "sheetViews"), "sheetView");
-    view.append_attribute("tabSelected") = "1";
-    view.append_attribute("workbookViewId") = "0";
-  }
-  patch_format_defaults(root, sheet.contents(), outside);
-  patch_columns(root, sheet.contents(), styles);
-}
 
 PartBlocks write_worksheet(package::XmlTree tree, const Sheet& sheet, const OutsideRows* outside,
                            const WriteContext& context) {

@@ -25,12 +25,8 @@ struct WriteContext {
   const WrittenTexts& texts;
 };
 
-// Patches a sheet's tree: dimension, columns, whether its tab is selected, outline levels.
-// `outside` are the rows that a partial load left out; null without.
-void patch_worksheet(pugi::xml_node root, const Sheet& sheet, const OutsideRows* outside,
-                     const WrittenStyles& styles);
-
-// The part of a sheet whose tree is patched. Sheet and outside rows must outlive the blocks.
+// The part of a sheet whose tree is patched. `outside` are the rows that a partial load left out;
+// null without. Sheet and outside rows must outlive the blocks.
 PartBlocks write_worksheet(package::XmlTree tree, const Sheet& sheet, const OutsideRows* outside,
                            const WriteContext& context);
 

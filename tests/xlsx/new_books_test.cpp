@@ -15,6 +15,7 @@ TEST(NewBook, ComesBackAsItWas) {
   Sheet& sheet = book->add_sheet("Größe & <Maß>");
   Sheet& hidden = book->add_sheet("Hidden");
   hidden.visibility = SheetVisibility::kVeryHidden;
+  sheet.selected = false;
   hidden.selected = true;
   workbook.active_sheet = 1;
   workbook.date1904 = true;
@@ -83,17 +84,38 @@ TEST(NewBook, HoldsOnlyTextsThatCellsShow) {
   EXPECT_THAT(parts.at("xl/worksheets/sheet1.xml"), HasSubstr("<c r=\"A3\" t=\"s\"><v>0</v></c>"));
 }
 
+// A project of macros counts before the target's name, that before what the file was.
 TEST(NewBook, TellsItsKindByContentType) {
-  const auto book = new_book();
-  book->add_sheet("One");
-  const auto kind = [&](bool as_template) {
-    return unzip(book->save({as_template})).at("[Content_Types].xml");
+  constexpr const char* kPlain = "vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
+  constexpr const char* kMacros = "vnd.ms-excel.sheet.macroEnabled.main+xml";
+  const struct {
+    const char* in_file;
+    bool has_project;
+    SaveOptions options;
+    const char* written;
+  } cases[] = {
+      {kPlain, false, {false, {}}, "spreadsheetml.sheet.main+xml"},
+      {kPlain, false, {true, {}}, "spreadsheetml.template.main+xml"},
+      {kPlain, false, {false, true}, "ms-excel.sheet.macroEnabled.main+xml"},
+      {kMacros, false, {false, {}}, "ms-excel.sheet.macroEnabled.main+xml"},
+      {kMacros, false, {true, true}, "ms-excel.template.macroEnabled.main+xml"},
+      {kMacros, false, {false, false}, "spreadsheetml.sheet.main+xml"},
+      {kMacros, true, {false, false}, "ms-excel.sheet.macroEnabled.main+xml"},
   };
-  EXPECT_THAT(kind(false), HasSubstr("spreadsheetml.sheet.main+xml"));
-  EXPECT_THAT(kind(true), HasSubstr("spreadsheetml.template.main+xml"));
-  EXPECT_TRUE(load(book->save({true}))->workbook.is_template);
-  book->workbook.has_macros = true;
-  EXPECT_THAT(kind(true), HasSubstr("ms-excel.template.macroEnabled.main+xml"));
+  for (const auto& [in_file, has_project, options, written] : cases) {
+    PartTexts parts = book_of(worksheet(""));
+    parts["[Content_Types].xml"] = types({{"xl/workbook.xml", in_file}});
+    if (has_project) {
+      parts["xl/vbaProject.bin"] = "project";
+      parts["xl/_rels/workbook.xml.rels"] =
+          relations({{"worksheet", "worksheets/sheet1.xml"}, {"vbaProject", "vbaProject.bin"}});
+    }
+    EXPECT_THAT(unzip(load(parts)->save(options)).at("[Content_Types].xml"), HasSubstr(written))
+        << in_file << has_project << written;
+  }
+  const auto made = new_book();
+  made->add_sheet("One");
+  EXPECT_TRUE(load(made->save({true, {}}))->workbook.is_template);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "engine/package/archive_writer.h"
 #include "engine/package/output.h"
 #include "engine/package/source.h"
+#include "engine/workbook/sheet_operations.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/document.h"
 
@@ -101,8 +102,8 @@ struct Book {
 
   Sheet& sheet(std::size_t index = 0) { return *workbook.sheets[index]; }
   Sheet& add_sheet(std::string name) {
-    workbook.sheets.push_back(std::make_unique<Sheet>());
-    workbook.sheets.back()->name = std::move(name);
+    NewSheet made = make_sheet(workbook, *document, std::move(name));
+    place_sheet(workbook, *document, workbook.sheets.size(), std::move(made));
     return *workbook.sheets.back();
   }
   Sheet& read(std::size_t index = 0) {

@@ -55,7 +55,8 @@ TEST(Parts, PruningTakesOnlyWhatNothingElseNeeds) {
   texts["xl/_rels/workbook.xml.rels"] =
       relations({{"worksheet", "worksheets/sheet1.xml"}, {"image", "media/shared.png"}});
   Parts parts(source_of(zip(texts)));
-  parts.prune("xl/workbook.xml", "rId1");
+  parts.unrelate("xl/workbook.xml", "rId1");
+  parts.drop_unreachable();
   EXPECT_EQ(parts.find("xl/worksheets/sheet1.xml"), nullptr);
   EXPECT_EQ(parts.find("xl/drawings/drawing1.xml"), nullptr);
   EXPECT_NE(parts.find("xl/media/shared.png"), nullptr);
@@ -73,7 +74,7 @@ TEST(Parts, NewNamesAndIdsAreFree) {
   texts["xl/worksheets/SHEET2.xml"] = "";
   Parts parts(source_of(zip(texts)));
   EXPECT_EQ(parts.free_name("xl/worksheets/sheet#.xml"), "xl/worksheets/sheet3.xml");
-  EXPECT_EQ(parts.relate("xl/workbook.xml", "styles", "xl/styles.xml"), "rId3");
+  EXPECT_EQ(parts.relate("xl/workbook.xml", {"rId3"}, "styles", "xl/styles.xml"), "rId4");
 }
 
 }  // namespace

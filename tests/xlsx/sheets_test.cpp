@@ -90,10 +90,10 @@ TEST(Sheets, ACopyHasWhatBelongsToItAlone) {
   const Sheet& original = book->read();
   NewSheet made = make_copy(book->workbook, *book->document, original, "Copy");
   make_room(book->workbook, made);
-  place_sheet(book->workbook, 1, std::move(made));
+  place_sheet(book->workbook, *book->document, 1, std::move(made));
   NewSheet second = make_copy(book->workbook, *book->document, book->sheet(1), "Copy 2");
   make_room(book->workbook, second);
-  place_sheet(book->workbook, 3, std::move(second));
+  place_sheet(book->workbook, *book->document, 3, std::move(second));
 
   const std::string bytes = book->save();
   PartTexts saved = unzip(bytes);
@@ -119,7 +119,7 @@ TEST(Sheets, PicturesOutliveTheSheetTheyWereCopiedFrom) {
   const auto book = load(book_with_parts());
   NewSheet made = make_copy(book->workbook, *book->document, book->read(), "Copy");
   make_room(book->workbook, made);
-  place_sheet(book->workbook, 2, std::move(made));
+  place_sheet(book->workbook, *book->document, 2, std::move(made));
   delete_sheet(book->workbook, *book->document, 0);
 
   PartTexts saved = unzip(book->save());

@@ -1,0 +1,50 @@
+#include "engine/xlsx/attributes.h"
+
+#include <algorithm>
+
+#include "engine/package/xml_tree.h"
+#include "engine/text/number_text.h"
+
+namespace engine::xlsx {
+
+using package::Family;
+
+void set_attribute(pugi::xml_node element, const char* name, std::string_view value) {
+  auto attribute = element.attribute(name);
+  if (!attribute) attribute = element.append_attribute(name);
+  attribute.set_value(value.data(), value.size());
+}
+
+void settle_attribute(pugi::xml_node element, const char* name, std::string_view value,
+                      bool is_usual) {
+  if (is_usual) element.remove_attribute(name);
+  else set_attribute(element, name, value);
+}
+
+void remove_identification(pugi::xml_node element) {
+  for (const pugi::xml_attribute attribute : element.attributes())
+    if (package::local_name(attribute.name()) == "uid") {
+      element.remove_attribute(attribute);
+      return;
+    }
+}
+
+std::string number_text(double number) {
+  std::string text;
+  append_number(text, number);
+  return text;
+}
+
+pugi::xml_node ordered_child(pugi::xml_node parent, std::string_view name,
+                             std::span<const std::string_view> order) {
+  if (const auto found = package::child(parent, Family::Main, name)) return found;
+  const auto own = std::ranges::find(order, name);
+  for (const auto next : parent.children()) {
+    if (package::family(next) != Family::Main) continue;
+    if (std::find(own, order.end(), package::local_name(next)) != order.end())
+      return package::insert_child(parent, name, next);
+  }
+  return package::append_child(parent, name);
+}
+
+}  // namespace engine::xlsx

@@ -1,0 +1,29 @@
+// Small changes of elements: attributes, and children at their place in the format's order.
+#pragma once
+
+#include <pugixml.hpp>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace engine::xlsx {
+
+void set_attribute(pugi::xml_node element, const char* name, std::string_view value);
+
+// Sets an attribute, or removes it where its absence means the same.
+void settle_attribute(pugi::xml_node element, const char* name, std::string_view value,
+                      bool is_usual);
+
+// Removes what identifies one element among all files, which its copy may not keep.
+void remove_identification(pugi::xml_node element);
+
+// A number in its shortest form.
+std::string number_text(double number);
+
+// The child of the name; made, when there is none, in front of the first that stands behind it in
+// the order. Children of other namespaces (alternate content above all) belong to what stands
+// before them.
+pugi::xml_node ordered_child(pugi::xml_node parent, std::string_view name,
+                             std::span<const std::string_view> order);
+
+}  // namespace engine::xlsx

@@ -1,0 +1,12 @@
+// What leads out of the sheet: hyperlinks, the sources of a consolidation, page setup.
+#pragma once
+
+#include "engine/xlsx/worksheet_elements.h"
+
+namespace engine::xlsx {
+
+void copy_consolidation(pugi::xml_node element, const SheetCopying& to);
+void copy_hyperlinks(pugi::xml_node element, const SheetCopying& to);
+void copy_page_setup(pugi::xml_node element, const SheetCopying& to);
+
+}  // namespace engine::xlsx
