@@ -17,7 +17,7 @@ constexpr int kMaxPixels = 32767;
 }  // namespace
 
 bool SheetObject::put(int row, int column, Value value, Style style) {
-  sheet_->change().put_value(row, column, value, style);
+  sheet_->change([&](SheetContents& contents) { contents.put_value(row, column, value, style); });
   book_.contents().values_changed = true;
   return true;
 }
@@ -26,7 +26,8 @@ bool SheetObject::put_formula(int row, int column, std::string formula, Value va
   CellRecord record;
   record.value = value;
   record.formula = std::move(formula);
-  sheet_->change().put_record(row, column, std::move(record), style);
+  sheet_->change(
+      [&](SheetContents& contents) { contents.put_record(row, column, std::move(record), style); });
   book_.contents().formulas_possible = true;
   if (value.kind == ValueKind::kNone) book_.workbook().needs_calculation = true;
   book_.contents().values_changed = true;
@@ -46,7 +47,8 @@ void SheetObject::setCellFormat(int row, int column, libxl::Format* format) {
   if (!enter() || !check_cell(row, column) || !check_format(format, &style)) return;
   if (!check_loaded(row)) return;
   if (!style && !contents().cells.find(row, column)) return;
-  sheet_->change().put_style(row, column, style.value_or(0));
+  sheet_->change(
+      [&](SheetContents& contents) { contents.put_style(row, column, style.value_or(0)); });
 }
 
 bool SheetObject::writeStr(int row, int column, const wchar_t* value, libxl::Format* format,
@@ -191,7 +193,9 @@ void SheetObject::writeComment(int row, int column, const wchar_t* value, const 
   if (!check_loaded(row) || !check_comments()) return;
   comment.width = width;
   comment.height = height;
-  sheet_->change().comments.insert_or_assign({row, column}, std::move(comment));
+  sheet_->change([&](SheetContents& contents) {
+    contents.comments.insert_or_assign({row, column}, std::move(comment));
+  });
 }
 
 void SheetObject::removeComment(int row, int column) {

@@ -96,10 +96,10 @@ void FileOutput::open_side_file() {
   const mode_t mode = replaces ? S_IRUSR | S_IWUSR : mode_t{0666};
   const auto folder = folder_of(target_);
   while (handle_ < 0) {
-    const auto side_path = folder + '/' + random_name();
+    auto side_path = folder + '/' + random_name();
     handle_ = open(side_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (handle_ >= 0) {
-      side_path_ = side_path;
+      side_path_ = std::move(side_path);
     } else if (errno != EEXIST) {
       cannot_write(file_reason(errno, target_));
     }
@@ -141,13 +141,15 @@ void FileOutput::commit() {
       cannot_write(file_reason(errno, target_));
     }
   }
+  // Once the file has its name nothing may fail any more, for want of memory for instance.
+  const auto folder = folder_of(target_);
   if (fsync(handle_) != 0) cannot_write(file_reason(errno, target_));
   if (close(std::exchange(handle_, -1)) != 0) cannot_write(file_reason(errno, target_));
   if (rename(side_path_.c_str(), target_.c_str()) != 0) {
     cannot_write(file_reason(errno, target_));
   }
   side_path_.clear();
-  flush_folder(folder_of(target_));
+  flush_folder(folder);
 }
 
 }  // namespace engine::package

@@ -144,10 +144,16 @@ class Sheet {
   std::unique_ptr<OutsideRows> outside;
 
   const SheetContents& contents() const { return contents_; }
-  // The contents, to be changed.
+  // The contents, to be changed by what cannot fail.
   SheetContents& change() noexcept {
     changed_ = true;
     return contents_;
+  }
+  // Changes the contents. An edit that throws has changed nothing.
+  template <class Edit>
+  void change(const Edit& edit) {
+    edit(contents_);
+    changed_ = true;
   }
   // Restates the unit of column widths in a sheet that states none, which changes nothing in it.
   void set_digit_pixels(int digit) noexcept { contents_.digit_pixels = digit; }

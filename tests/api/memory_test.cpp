@@ -1,160 +1,250 @@
-// Short memory: std::bad_alloc leaves every operation, and what can be read is as before.
+// Short memory: std::bad_alloc leaves every operation, and the book is what it was before.
 #include <gmock/gmock.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <functional>
 #include <new>
 
-#include "tests/api/stage.h"
+#include "tests/api/files.h"
+#include "tests/package/temp_folder.h"
+#include "tests/support/short_memory.h"
+#include "tests/xlsx/rich_package.h"
 
 namespace {
 
-// Allocations until one fails; below zero none does.
-std::atomic<long> g_until_failure = -1;
-std::atomic<long> g_blocks_in_use = 0;
+using short_memory::Failing;
+using short_memory::Shortage;
 
-void* allocate(std::size_t size) {
-  if (g_until_failure == 0) throw std::bad_alloc();
-  if (g_until_failure > 0) --g_until_failure;
-  void* block = std::malloc(size == 0 ? 1 : size);
-  if (!block) throw std::bad_alloc();
-  ++g_blocks_in_use;
-  return block;
+const std::string& rich_bytes() {
+  static const std::string bytes = engine::xlsx::zip(engine::xlsx::rich_package());
+  return bytes;
 }
 
-void release(void* block) {
-  if (block) --g_blocks_in_use;
-  std::free(block);
+// The books that operations are tried on. Sheets that a loaded one does not need stay unread.
+Stage new_book() {
+  Stage stage;
+  stage.book->addSheet(L"More");
+  stage.sheet->writeStr(0, 0, L"text");
+  for (const int column : {1, 2}) stage.sheet->writeFormulaNum(0, column, L"More!A1+1", 5);
+  stage.sheet->writeComment(0, 0, L"note", L"author");
+  return stage;
 }
 
-}  // namespace
-
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  try {
-    return allocate(size);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+Stage loaded(int sheet, int first, int last) {
+  Stage stage;
+  EXPECT_TRUE(load(*stage.book, rich_bytes(), sheet, first, last)) << stage.message();
+  stage.sheet = stage.book->getSheet(0);
+  return stage;
 }
-void operator delete(void* block) noexcept { release(block); }
-void operator delete[](void* block) noexcept { release(block); }
-void operator delete(void* block, std::size_t) noexcept { release(block); }
-void operator delete[](void* block, std::size_t) noexcept { release(block); }
+Stage whole_book() { return loaded(-1, -1, -1); }
+Stage part_of_book() { return loaded(0, 1, 2); }
 
-namespace {
-
-// What can be read of a book, as one text.
-std::wstring contents(libxl::Book& book) {
-  std::wstring all = std::to_wstring(book.activeSheet());
-  for (int i = 0; i < book.sheetCount(); ++i) {
-    all.append(L"\n").append(book.getSheetName(i));
-    libxl::Sheet& sheet = *book.getSheet(i);
-    for (int row = 0; row < sheet.lastRow(); ++row) {
-      for (int column = 0; column < sheet.lastCol(); ++column) {
-        all.append(L" ").append(std::to_wstring(sheet.cellType(row, column)));
-        const wchar_t* formula = sheet.readFormula(row, column);
-        all.append(formula ? formula : L"");
-        const wchar_t* text = sheet.readStr(row, column);
-        all.append(text ? text : L"");
-        const wchar_t* comment = sheet.readComment(row, column);
-        all.append(comment ? comment : L"");
-      }
-    }
-  }
-  all.append(std::to_wstring(book.formatSize())).append(std::to_wstring(book.fontSize()));
-  return all;
+// With something new in all that a save writes.
+Stage changed_book() {
+  Stage stage = whole_book();
+  libxl::Format* format = stage.book->addFormat(stage.book->format(1));
+  format->setFont(stage.book->addFont());
+  format->setBorder(libxl::BorderThin);
+  stage.book->getSheet(1)->writeStr(5, 5, L"a new text", format);
+  stage.sheet->writeComment(3, 3, L"another note", L"Bob");
+  stage.book->insertSheet(1, L"Copy", stage.sheet);
+  stage.book->setActiveSheet(2);
+  return stage;
 }
+Stage changed_part() {
+  Stage stage = part_of_book();
+  stage.sheet->writeNum(1, 9, 1);
+  return stage;
+}
+
+using Call = void (*)(Stage&);
 
 struct Operation {
   const char* name;
-  void (*run)(Stage&);
+  Stage (*make)();
+  Call run;
+  Call next = run;  // what is called when memory sufficed again
 };
 const Operation kOperations[] = {
-    {"writeNum", [](Stage& s) { s.sheet->writeNum(900, 9, 1); }},
-    {"writeStr",
+    {"load", new_book, [](Stage& s) { load(*s.book, rich_bytes()); }},
+    {"load of rows", whole_book, [](Stage& s) { load(*s.book, rich_bytes(), 0, 1, 2); }},
+    {"getSheet", whole_book, [](Stage& s) { s.book->getSheet(1); }},
+    {"writeNum", whole_book, [](Stage& s) { s.sheet->writeNum(900, 9, 1); }},
+    {"writeNum over a formula", whole_book, [](Stage& s) { s.sheet->writeNum(1, 2, 1); }},
+    {"writeStr", whole_book,
      [](Stage& s) { s.sheet->writeStr(900, 9, L"a text that is long enough to allocate"); }},
-    {"writeStr over a formula",
+    {"writeStr into some rows", part_of_book,
+     [](Stage& s) { s.sheet->writeStr(2, 9, L"a text that is long enough to allocate"); }},
+    {"writeStr over a formula", new_book,
      [](Stage& s) { s.sheet->writeStr(0, 1, L"another long text for it"); }},
-    {"writeFormulaStr",
-     [](Stage& s) { s.sheet->writeFormulaStr(9, 9, L"SUM(B:B!A1,1)", L"cached"); }},
-    {"writeComment", [](Stage& s) { s.sheet->writeComment(0, 0, L"a long text of another note"); }},
-    {"addSheet", [](Stage& s) { s.book->addSheet(L"A name that allocates"); }},
-    {"copy of a sheet",
+    {"writeBool", whole_book,
+     [](Stage& s) { s.sheet->writeBool(900, 9, true, s.book->format(1)); }},
+    {"writeFormula", whole_book,
+     [](Stage& s) { s.sheet->writeFormula(2, 2, L"[@Value]*SUM(More!A1:A9)"); }},
+    {"writeFormulaStr", new_book,
+     [](Stage& s) { s.sheet->writeFormulaStr(9, 9, L"SUM(More!A1,1)", L"cached"); }},
+    {"writeComment", whole_book,
+     [](Stage& s) { s.sheet->writeComment(0, 0, L"a long text of another note", L"Bob"); }},
+    {"writeComment elsewhere", whole_book,
+     [](Stage& s) { s.sheet->writeComment(9, 9, L"a long text of another note", L"Ann"); }},
+    {"removeComment", whole_book, [](Stage& s) { s.sheet->removeComment(0, 0); }},
+    {"setCellFormat", whole_book,
+     [](Stage& s) { s.sheet->setCellFormat(900, 9, s.book->format(2)); }},
+    {"addSheet", new_book, [](Stage& s) { s.book->addSheet(L"A name that allocates"); }},
+    {"addSheet to what was loaded", whole_book,
+     [](Stage& s) { s.book->addSheet(L"A name that allocates"); }},
+    {"copy of a sheet", new_book,
      [](Stage& s) { s.book->insertSheet(0, L"A name that allocates", s.sheet); }},
-    {"delSheet", [](Stage& s) { s.book->delSheet(1); }},
-    {"addFormat", [](Stage& s) { s.book->addFormat(); }},
-    {"addFont", [](Stage& s) { s.book->addFont(); }},
-    {"refusal", [](Stage& s) { s.sheet->writeNum(-1, 0, 1); }},
-    {"loadRaw",
-     [](Stage& s) {
-       const char* data = nullptr;
-       unsigned size = 0;
-       if (s.book->saveRaw(&data, &size)) s.book->loadRaw(data, size);
-     }},
+    {"copy of a sheet that was loaded", whole_book,
+     [](Stage& s) { s.book->insertSheet(0, L"A name that allocates", s.sheet); }},
+    {"copy of a sheet that goes next", whole_book,
+     [](Stage& s) { s.book->insertSheet(0, L"A name that allocates", s.sheet); },
+     [](Stage& s) { s.book->delSheet(0); }},
+    {"copy of a copy", changed_book,
+     [](Stage& s) { s.book->insertSheet(0, L"A name that allocates", s.book->getSheet(1)); }},
+    {"moveSheet", whole_book, [](Stage& s) { s.book->moveSheet(0, 1); }},
+    {"delSheet", new_book, [](Stage& s) { s.book->delSheet(1); }},
+    {"delSheet with parts", whole_book, [](Stage& s) { s.book->delSheet(0); }},
+    {"delSheet that others mean", whole_book, [](Stage& s) { s.book->delSheet(1); }},
+    {"delSheet that a copy shares with", changed_book, [](Stage& s) { s.book->delSheet(0); }},
+    {"delSheet beside some rows", part_of_book, [](Stage& s) { s.book->delSheet(1); }},
+    {"setActiveSheet", whole_book, [](Stage& s) { s.book->setActiveSheet(2); }},
+    {"addFormat", whole_book, [](Stage& s) { s.book->addFormat(s.book->format(1)); }},
+    {"addFont", whole_book, [](Stage& s) { s.book->addFont(s.book->font(1)); }},
+    {"addCustomNumFormat", whole_book,
+     [](Stage& s) { s.book->addCustomNumFormat(L"0.0000\" litres or more\""); }},
+    {"setNumFormat", whole_book, [](Stage& s) { s.book->format(1)->setNumFormat(14); }},
+    {"setName", whole_book, [](Stage& s) { s.book->font(1)->setName(L"A font of a long name"); }},
+    {"setDefaultFont", whole_book,
+     [](Stage& s) { s.book->setDefaultFont(L"A font of a long name", 20); }},
+    {"refusal", new_book, [](Stage& s) { s.sheet->writeNum(-1, 0, 1); }},
 };
 
-Stage make_stage() {
-  Stage stage;
-  stage.book->addSheet(L"B");
-  stage.sheet->writeStr(0, 0, L"text");
-  stage.sheet->writeFormulaNum(0, 1, L"B!A1+1", 5);
-  stage.sheet->writeComment(0, 0, L"note", L"author");
-  return stage;
+// Part by part: what a new book says of the time it was begun may differ.
+void expect_same(const std::string& bytes, const std::string& wanted) {
+  if (bytes == wanted) return;
+  engine::xlsx::PartTexts parts = engine::xlsx::unzip(bytes);
+  engine::xlsx::PartTexts all = engine::xlsx::unzip(wanted);
+  parts.erase("docProps/core.xml");
+  all.erase("docProps/core.xml");
+  for (const auto& [name, text] : all) EXPECT_EQ(parts[name], text) << name;
+  for (const auto& [name, text] : parts) EXPECT_TRUE(all.contains(name)) << name;
+}
+
+// What came of a call while memory was short.
+enum class Outcome : std::uint8_t { kEnough, kDone, kFailed };
+
+template <class Run>
+Outcome run_short(long allowed, Failing failing, const Run& run) {
+  bool struck = false;
+  try {
+    const Shortage shortage(allowed, failing, struck);
+    run();
+  } catch (const std::bad_alloc&) {
+    return Outcome::kFailed;
+  }
+  return struck ? Outcome::kDone : Outcome::kEnough;
+}
+
+// Tries the operation with more and more allocations until it needs no more. Each time it is done
+// as if memory had sufficed, or leaves what there was.
+void try_short_of_everything(const Operation& operation, Failing failing, int step) {
+  Stage untouched = operation.make();
+  const std::string before = saved(*untouched.book);
+  Stage done = operation.make();
+  operation.run(done);
+  const std::string message = done.message();
+  const std::string after = saved(*done.book);
+  operation.next(untouched);
+  const std::string after_next = saved(*untouched.book);
+  for (long allowed = 0; !testing::Test::HasFailure(); allowed += step) {
+    SCOPED_TRACE(allowed);
+    const long blocks = short_memory::blocks_in_use();
+    Outcome outcome = Outcome::kFailed;
+    {
+      Stage stage = operation.make();
+      outcome = run_short(allowed, failing, [&] { operation.run(stage); });
+      EXPECT_EQ(stage.message(), outcome == Outcome::kFailed ? "ok" : message);
+      expect_same(saved(*stage.book), outcome == Outcome::kFailed ? before : after);
+      if (outcome == Outcome::kFailed) {
+        operation.next(stage);
+        expect_same(saved(*stage.book), after_next);
+      }
+    }
+    EXPECT_EQ(short_memory::blocks_in_use(), blocks);
+    if (outcome == Outcome::kEnough) break;
+  }
 }
 
 TEST(Memory, ShortAtAnyPointChangesNothing) {
   for (const Operation& operation : kOperations) {
     SCOPED_TRACE(operation.name);
-    bool done = false;
-    long failing = 0;
-    for (; !done && failing < 5000; ++failing) {
-      Stage stage = make_stage();
-      const std::wstring before = contents(*stage.book);
-      stage.book->sheetCount();
-      g_until_failure = failing;
-      try {
-        operation.run(stage);
-        done = true;
-      } catch (const std::bad_alloc&) {
-      }
-      g_until_failure = -1;
-      if (done) break;
-      EXPECT_EQ(stage.message(), "ok") << failing;
-      EXPECT_TRUE(contents(*stage.book) == before) << "allocation " << failing;
+    try_short_of_everything(operation, Failing::kOnce, 1);
+    try_short_of_everything(operation, Failing::kOnward, 5);
+  }
+}
+
+TEST(Memory, ASaveIsWholeOrNone) {
+  for (const auto make : {new_book, whole_book, changed_book, changed_part}) {
+    Stage stage = make();
+    const std::string wanted = saved(*stage.book);
+    const char* data = nullptr;
+    unsigned size = 0;
+    Outcome outcome = Outcome::kFailed;
+    for (long allowed = 0; outcome != Outcome::kEnough && !HasFailure(); ++allowed) {
+      SCOPED_TRACE(allowed);
+      outcome = run_short(allowed, Failing::kOnce,
+                          [&] { EXPECT_TRUE(stage.book->saveRaw(&data, &size)); });
+      EXPECT_EQ(stage.message(), "ok");
+      if (outcome != Outcome::kFailed) expect_same({data, size}, wanted);
     }
-    EXPECT_TRUE(done);
-    EXPECT_GT(failing, 0) << "nothing was allocated";
+    expect_same(saved(*stage.book), wanted);
+  }
+}
+
+// The file stays as it was, and nothing is left beside it.
+TEST(Memory, AFileIsReplacedWhenAllIsWritten) {
+  const engine::package::testing::TempFolder folder;
+  const std::string path = folder.file("book.xlsx");
+  Stage stage = new_book();
+  const std::string wanted = saved(*stage.book);
+  Outcome outcome = Outcome::kFailed;
+  for (long allowed = 0; outcome != Outcome::kEnough && !HasFailure(); ++allowed) {
+    SCOPED_TRACE(allowed);
+    folder.write("book.xlsx", "former");
+    outcome = run_short(allowed, Failing::kOnward, [&] {
+      EXPECT_TRUE(stage.book->save(std::wstring(path.begin(), path.end()).c_str()));
+    });
+    EXPECT_EQ(stage.message(), "ok");
+    EXPECT_TRUE(folder.read("book.xlsx") == (outcome == Outcome::kFailed ? "former" : wanted));
+    EXPECT_EQ(folder.names().size(), 1U);
   }
 }
 
 TEST(Memory, FactoriesGiveNothingWhenItIsShort) {
-  for (long failing = 0; failing < 5; ++failing) {
-    g_until_failure = failing;
-    libxl::Book* book = xlCreateXMLBookW();
-    g_until_failure = -1;
-    EXPECT_EQ(book, nullptr) << failing;
+  bool struck = true;
+  for (long allowed = 0; struck; ++allowed) {
+    libxl::Book* book = nullptr;
+    {
+      const Shortage shortage(allowed, Failing::kOnward, struck);
+      book = xlCreateXMLBookW();
+    }
+    EXPECT_EQ(book == nullptr, struck) << allowed;
+    if (book) book->release();
   }
 }
 
 TEST(Memory, ABookLoadedAgainAndAgainHoldsOneFilesContents) {
-  Stage stage = make_stage();
+  Stage stage = new_book();
   for (int row = 0; row < 500; ++row)
-    stage.sheet->writeFormulaStr(row, 0, LR"(B!A1&"a formula that is long enough")", L"text");
-  const long before = g_blocks_in_use;
-  const char* data = nullptr;
-  unsigned size = 0;
-  ASSERT_TRUE(stage.book->saveRaw(&data, &size));
-  const std::string bytes(data, size);
+    stage.sheet->writeFormulaStr(row, 0, LR"(More!A1&"a formula that is long enough")", L"text");
+  const std::string bytes = saved(*stage.book);
+  const long before = short_memory::blocks_in_use();
   for (int i = 0; i < 100; ++i) {
-    ASSERT_TRUE(stage.book->loadRaw(bytes.data(), size));
+    ASSERT_TRUE(load(*stage.book, bytes));
     libxl::Format* format = nullptr;
     stage.book->getSheet(0)->readStr(0, 0, &format);
   }
   // What is left of the others are the objects that were handed out: a sheet and a format each.
-  EXPECT_LT(g_blocks_in_use - before, 500);
+  EXPECT_LT(short_memory::blocks_in_use() - before, 500);
 }
 
 }  // namespace

@@ -1,29 +1,9 @@
 // Memory that runs out at the n-th allocation of a call, for every n.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
-
 #include "tests/support/calls.h"
 #include "tests/support/handles.h"
-
-namespace {
-
-constexpr long kNever = -1;
-
-// Allocations until the one that fails.
-thread_local long g_remaining = kNever;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (g_remaining == 0) throw std::bad_alloc();
-  if (g_remaining > 0) --g_remaining;
-  if (void* memory = std::malloc(size == 0 ? 1 : size)) return memory;
-  throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+#include "tests/support/short_memory.h"
 
 namespace {
 
@@ -67,14 +47,16 @@ TEST(Allocation, FailsWithItsCodeAndNothingElse) {
       const devhost::EnvironmentObject environment;
       devhost::Value result;
 
-      g_remaining = allowed;
-      const short code = row.function(row.id, environment, params, result);
-      const bool was_enough = g_remaining > 0;
-      g_remaining = kNever;
+      bool struck = false;
+      short code = 0;
+      {
+        const short_memory::Shortage shortage(allowed, short_memory::Failing::kOnward, struck);
+        code = row.function(row.id, environment, params, result);
+      }
       EXPECT_TRUE(g_last_error == 0 || g_last_error == 7 || g_last_error == last_error)
           << g_last_error;
       EXPECT_EQ(code, g_last_error == 0 ? 0 : -1);
-      if (was_enough) {
+      if (!struck) {
         EXPECT_EQ(g_last_error, last_error);
         break;
       }

@@ -1,0 +1,125 @@
+#include "tests/support/short_memory.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+// The allocator that stands behind ours: the sanitizers' when the program has one.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define SANITIZED 1
+#endif
+#endif
+
+#ifdef SANITIZED
+#define BEHIND(function) __interceptor_##function
+#else
+#define BEHIND(function) __libc_##function
+#endif
+
+extern "C" {
+void* BEHIND(malloc)(std::size_t size);
+void* BEHIND(calloc)(std::size_t count, std::size_t size);
+void* BEHIND(realloc)(void* block, std::size_t size);
+void* BEHIND(memalign)(std::size_t alignment, std::size_t size);
+void BEHIND(free)(void* block);
+}
+
+namespace short_memory {
+namespace {
+
+constexpr long kNever = -1;
+
+thread_local long t_allowed = kNever;
+thread_local bool t_once = false;
+thread_local bool t_struck = false;
+std::atomic<long> g_blocks = 0;
+
+bool fails() {
+  if (t_allowed == kNever) return false;
+  if (t_allowed > 0) {
+    --t_allowed;
+    return false;
+  }
+  t_struck = true;
+  if (t_once) t_allowed = kNever;
+  errno = ENOMEM;
+  return true;
+}
+
+void* counted(void* block) {
+  if (block != nullptr) ++g_blocks;
+  return block;
+}
+
+}  // namespace
+
+Shortage::Shortage(long allowed, Failing failing, bool& struck) : struck_(struck) {
+  t_once = failing == Failing::kOnce;
+  t_struck = false;
+  t_allowed = allowed;
+}
+
+Shortage::~Shortage() {
+  t_allowed = kNever;
+  struck_ = t_struck;
+}
+
+long blocks_in_use() { return g_blocks; }
+
+}  // namespace short_memory
+
+using short_memory::counted;
+using short_memory::fails;
+using short_memory::g_blocks;
+
+extern "C" {
+
+[[gnu::visibility("default")]] void* malloc(std::size_t size) noexcept {
+  return fails() ? nullptr : counted(BEHIND(malloc)(size));
+}
+
+[[gnu::visibility("default")]] void* calloc(std::size_t count, std::size_t size) noexcept {
+  return fails() ? nullptr : counted(BEHIND(calloc)(count, size));
+}
+
+[[gnu::visibility("default")]] void* realloc(void* block, std::size_t size) noexcept {
+  if (fails()) return nullptr;
+  void* const moved = BEHIND(realloc)(block, size);
+  return block == nullptr ? counted(moved) : moved;
+}
+
+[[gnu::visibility("default")]] void* aligned_alloc(std::size_t alignment,
+                                                   std::size_t size) noexcept {
+  return fails() ? nullptr : counted(BEHIND(memalign)(alignment, size));
+}
+
+[[gnu::visibility("default")]] void free(void* block) noexcept {
+  if (block != nullptr) --g_blocks;
+  BEHIND(free)(block);
+}
+
+}  // extern "C"
+
+// The sanitizers' operators would go past malloc.
+#ifdef SANITIZED
+void* operator new(std::size_t size) {
+  if (void* const block = malloc(size == 0 ? 1 : size)) return block;
+  throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return malloc(size == 0 ? 1 : size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+  return malloc(size == 0 ? 1 : size);
+}
+void operator delete(void* block) noexcept { free(block); }
+void operator delete[](void* block) noexcept { free(block); }
+void operator delete(void* block, std::size_t) noexcept { free(block); }
+void operator delete[](void* block, std::size_t) noexcept { free(block); }
+#endif
