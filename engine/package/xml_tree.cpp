@@ -16,8 +16,8 @@ namespace engine::package {
 namespace {
 
 // A tree takes many times the room of a text of small elements or attributes, and a packed part of
-// them next to nothing. This is a part with every cell format and cell style that a book can have.
-constexpr std::size_t kMostMemory = 100'000'000;
+// them next to nothing. Styles with all the formats and named styles that there can be just fit.
+constexpr std::size_t kMostMemory = 120'000'000;
 constexpr std::size_t kNodeSize = 64;
 constexpr std::size_t kAttributeSize = 40;
 
