@@ -162,6 +162,17 @@ void append_xml_attribute(std::string& out, std::string_view value) {
   append_escaped(out, value, kAttributeEscapes);
 }
 
+void declare_utf8(std::string& text) {
+  if (!text.starts_with("<?xml")) return;
+  const std::size_t end = text.find("?>");
+  const std::size_t name = text.find("encoding");
+  if (name >= end) return;
+  const std::size_t open = text.find_first_of("\"'", name);
+  if (open >= end) return;
+  const std::size_t close = text.find(text[open], open + 1);
+  if (close < end) text.replace(open + 1, close - open - 1, "UTF-8");
+}
+
 bool looks_like_utf16(std::string_view text) {
   if (text.size() < 2) return false;
   const auto first = text.substr(0, 2);
@@ -179,6 +190,7 @@ bool xml_to_utf8(std::string& text) {
       return false;
     }
     text = std::move(out);
+    declare_utf8(text);
   } else if (text.starts_with("\xEF\xBB\xBF")) {
     text.erase(0, 3);
   }

@@ -20,9 +20,13 @@ bool is_plain_xml(std::string_view raw);
 void append_xml_text(std::string& out, std::string_view text);
 void append_xml_attribute(std::string& out, std::string_view value);
 
-// Turns UTF-16 text, told by a byte order mark or by its first character, into UTF-8 and drops a
-// mark; UTF-8 is left as it is but for its mark. False when UTF-16 is not well-formed.
+// Turns UTF-16 text, told by a byte order mark or by its first character, into UTF-8 that declares
+// itself to be that, and drops a mark; UTF-8 is left as it is but for its mark. False when UTF-16
+// is not well-formed.
 bool xml_to_utf8(std::string& text);
 bool looks_like_utf16(std::string_view text);
+
+// Makes the XML declaration, if the text begins with one, name UTF-8.
+void declare_utf8(std::string& text);
 
 }  // namespace engine::package

@@ -163,7 +163,7 @@ std::string Document::read_notes(const SheetPart& sheet, SheetContents& contents
   }
   try {
     const Part* boxes = notes_drawing_of(parts_, sheet);
-    if (boxes) read_note_sizes(parts_.read(*boxes), contents.comments);
+    if (boxes) read_note_sizes(parts_.read_text(*boxes), contents.comments);
   } catch (const FileError& error) {
     damage = error.what();
   }

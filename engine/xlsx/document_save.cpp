@@ -148,7 +148,7 @@ class Document::Saving {
     const std::string name =
         related_or_new(parts_, main_, document_.workbook_part_.mentioned(), "sharedStrings",
                        "xl/sharedStrings.xml", kSharedStringsType);
-    std::string stored = parts_.read(*parts_.find(name));
+    std::string stored = parts_.read_text(*parts_.find(name));
     parts_.put_blocks(name, {},
                       write_shared_strings(std::move(stored), name, book_.strings, texts_,
                                            text_cells_ + texts_.cells()));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/package/file_error.h"
+#include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
 #include "engine/text/fold.h"
 
@@ -88,6 +89,13 @@ std::string Parts::read(const Part& part) const {
 std::unique_ptr<package::BlockReader> Parts::open(const Part& part) const {
   if (part.stored && !part.bytes) return archive_->open(*part.stored);
   return std::make_unique<package::MemoryReader>(part.bytes ? *part.bytes : std::string_view());
+}
+
+std::string Parts::read_text(const Part& part) const {
+  std::string text = read(part);
+  if (!package::xml_to_utf8(text))
+    package::throw_damaged(part.name, "UTF-16 text is not well-formed");
+  return text;
 }
 
 Part& Parts::make(std::string_view name, std::string_view type) {

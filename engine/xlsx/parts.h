@@ -55,6 +55,8 @@ class Parts {
   // The bytes of a part that no save has replaced.
   std::string read(const Part& part) const;
   std::unique_ptr<package::BlockReader> open(const Part& part) const;
+  // The same as UTF-8, for what looks at the text itself. Throws FileError.
+  std::string read_text(const Part& part) const;
 
   // The part is made when there is none of that name.
   void put(std::string_view name, std::string_view type, std::string bytes);

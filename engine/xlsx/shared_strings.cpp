@@ -70,7 +70,7 @@ Halves new_halves(std::uint64_t count, std::uint64_t unique) {
 }
 
 Halves cut(std::string stored, std::string_view part, std::uint64_t count, std::uint64_t unique) {
-  package::xml_to_utf8(stored);
+  package::declare_utf8(stored);
   package::MemoryReader reader(stored);
   XmlScanner scanner(reader, part);
   scanner.next();

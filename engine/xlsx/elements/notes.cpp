@@ -52,7 +52,7 @@ void NotesWriter::write_boxes(const SheetPatching& from, pugi::xml_node root,
   const Part* stored = relationship ? parts_.target(sheet, *relationship) : nullptr;
   if (!stored && from.sheet.contents().comments.empty()) return;
   const std::string name = stored ? stored->name : parts_.free_name("xl/drawings/vmlDrawing#.vml");
-  const std::string bytes = stored ? parts_.read(*stored) : std::string();
+  const std::string bytes = stored ? parts_.read_text(*stored) : std::string();
   parts_.put(name, kNotesDrawingType,
              write_notes_drawing(bytes, from.sheet.contents(), from.remains.comments,
                                  from.book.limits.grid, clusters_));
@@ -68,7 +68,7 @@ void NotesWriter::enter_drawings() {
   for (const auto& [key, part] : parts_.all()) {
     if (!key.ends_with(".vml")) continue;
     try {
-      clusters_.enter(parts_.read(part));
+      clusters_.enter(parts_.read_text(part));
     } catch (const package::FileError&) {
       continue;
     }
