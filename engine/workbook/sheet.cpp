@@ -143,7 +143,7 @@ Sheet::Sheet() = default;
 
 Sheet::~Sheet() = default;
 
-void Sheet::take(SheetContents contents) noexcept {
+void Sheet::take(SheetContents&& contents) noexcept {
   contents_ = std::move(contents);
   changed_ = false;
 }

@@ -158,7 +158,7 @@ class Sheet {
   // Restates the unit of column widths in a sheet that states none, which changes nothing in it.
   void set_digit_pixels(int digit) noexcept { contents_.digit_pixels = digit; }
   // Takes what a file holds, which is no change.
-  void take(SheetContents contents) noexcept;
+  void take(SheetContents&& contents) noexcept;
 
   // Whether the contents, or the rows outside of those that are loaded, were changed.
   bool changed() const;

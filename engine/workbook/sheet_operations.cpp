@@ -125,7 +125,7 @@ NewSheet make_copy(const Workbook& book, Document& document, const Sheet& origin
         text, formula::retarget_sheet_text(text, original.name, copy.name, book.limits.grid),
         tables, book.limits.grid);
   };
-  copy.take(original.contents());
+  copy.take(SheetContents(original.contents()));
   edit_copy(copy.change(), edit, &original);
   made.names = copies_of_names(book, edit, original, copy);
   return made;

@@ -51,7 +51,7 @@ Document::ArrivingSheet Document::new_sheet(const Sheet& sheet) {
       parts_.new_relationship(main_, workbook_part_.mentioned(), "worksheet", part.part);
   part.relationship = link.id;
   made.parts.add_relationship(main_, std::move(link));
-  part.id = workbook_part_.next_sheet_id();
+  part.id = workbook_part_.last_sheet_id() + 1;
   part.read = true;
   return made;
 }
@@ -67,6 +67,7 @@ void Document::begin_sheet(const Workbook& /*book*/, Sheet& sheet) {
 
 std::vector<formula::TableChange> Document::copy_sheet(const Workbook& book, const Sheet& original,
                                                        Sheet& copy) {
+  if (table_names_) table_names_->take_back();
   const SheetPart& from = part_of(original);
   ArrivingSheet made = new_sheet(copy);
   package::XmlTree& tree = made.part().tree;
@@ -88,6 +89,8 @@ std::vector<formula::TableChange> Document::copy_sheet(const Workbook& book, con
 }
 
 void Document::place_sheet(Sheet& /*sheet*/) noexcept {
+  workbook_part_.note_sheet_id(arriving_->part().id);
+  if (table_names_) table_names_->settle();
   sheets_.merge(arriving_->sheet);
   parts_.take(std::move(arriving_->parts));
   arriving_.reset();
@@ -96,10 +99,8 @@ void Document::place_sheet(Sheet& /*sheet*/) noexcept {
 // A part that no file has goes at once, one of the file with all that nothing else needs at the
 // save.
 void Document::remove_part(const SheetPart& gone) {
-  const bool is_new = gone.listed == 0;
-  parts_.relationships(main_);
-  if (is_new) parts_.forget(kSheetName, gone.part);
-  parts_.unrelate(main_, gone.relationship);
+  if (gone.listed == 0) parts_.forget(main_, gone.relationship, kSheetName, gone.part);
+  else parts_.unrelate(main_, gone.relationship);
 }
 
 void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) {

@@ -125,25 +125,34 @@ void Parts::exchange(const Part& part, std::shared_ptr<const std::string>& bytes
   const_cast<Part&>(part).bytes.swap(bytes);
 }
 
-std::string Parts::free_name(std::string_view pattern) const {
+std::string Parts::free_name(std::string_view pattern, const NewParts* pending) const {
   const std::size_t mark = pattern.find('#');
-  NameNumbers& numbers = numbers_.try_emplace(std::string(pattern)).first->second;
-  for (;;) {
-    const bool again = !numbers.freed.empty();
-    const std::size_t number = again ? *numbers.freed.begin() : ++numbers.last;
-    if (again) numbers.freed.erase(numbers.freed.begin());
+  const auto name_of = [&](std::size_t number) {
     std::string name(pattern.substr(0, mark));
-    name.append(std::to_string(number)).append(pattern.substr(mark + 1));
-    if (!find(name) && !is_mentioned(name)) return name;
+    return name.append(std::to_string(number)).append(pattern.substr(mark + 1));
+  };
+  NameNumbers& numbers = numbers_.try_emplace(std::string(pattern)).first->second;
+  std::string name;
+  while (!numbers.freed.empty()) {
+    name = name_of(*numbers.freed.begin());
+    if (!find(name) && !(pending && pending->has(name))) return name;
+    numbers.freed.erase(numbers.freed.begin());
+  }
+  for (std::size_t number = numbers.taken + 1;; ++number) {
+    name = name_of(number);
+    if (find(name) || is_mentioned(name)) numbers.taken = number;
+    else if (!pending || !pending->has(name)) return name;
   }
 }
 
-void Parts::forget(std::string_view pattern, std::string_view name) {
+void Parts::forget(std::string_view owner, std::string_view id, std::string_view pattern,
+                   std::string_view name) {
   const std::string key = lower_ascii(name);
-  const std::string_view digits = std::string_view(name).substr(pattern.find('#'));
+  const std::string_view digits = name.substr(pattern.find('#'));
   std::size_t number = 0;
   std::from_chars(digits.data(), digits.data() + digits.size(), number);
   numbers_.try_emplace(std::string(pattern)).first->second.freed.insert(number);
+  unrelate(owner, id);
   parts_.erase(key);
   links_.erase(key);
 }
@@ -255,13 +264,15 @@ void Parts::take(NewParts&& made) noexcept {
 
 std::string NewParts::add(std::string_view pattern, std::string_view type, std::string bytes) {
   Part part;
-  part.name = package_->free_name(pattern);
+  part.name = package_->free_name(pattern, this);
   part.type = type;
   part.bytes = std::make_shared<const std::string>(std::move(bytes));
   std::string name = part.name;
   parts_.emplace(lower_ascii(name), std::move(part));
   return name;
 }
+
+bool NewParts::has(std::string_view name) const { return parts_.contains(lower_ascii(name)); }
 
 void NewParts::add_relationship(std::string_view owner, Relationship relationship) {
   std::string key = lower_ascii(owner);

@@ -65,12 +65,13 @@ class Parts {
   // Gives one of these parts other bytes.
   void exchange(const Part& part, std::shared_ptr<const std::string>& bytes) noexcept;
 
-  // "xl/worksheets/sheet3.xml" for the pattern "xl/worksheets/sheet#.xml". No name is given out
-  // twice, nor one that something in the file mentions although there is no such part.
-  std::string free_name(std::string_view pattern) const;
-  // Removes a part that was made under such a name, which is free again. Throws before it changes
-  // anything.
-  void forget(std::string_view pattern, std::string_view name);
+  // "xl/worksheets/sheet3.xml" for the pattern "xl/worksheets/sheet#.xml": a name that no part has,
+  // none of those pending either, and that nothing in the file mentions.
+  std::string free_name(std::string_view pattern, const NewParts* pending = nullptr) const;
+  // Removes a relationship with the part that it leads to, which was made under such a name. Throws
+  // before it changes anything.
+  void forget(std::string_view owner, std::string_view id, std::string_view pattern,
+              std::string_view name);
 
   // Of a part; the empty name stands for the package. Throws FileError when they are damaged.
   const Relationships& relationships(std::string_view owner) const;
@@ -109,9 +110,9 @@ class Parts {
  private:
   friend class NewParts;
 
-  // The numbers of names that were given out.
+  // The numbers in names: up to `taken` none is free but those that were freed.
   struct NameNumbers {
-    std::size_t last = 0;
+    std::size_t taken = 0;
     std::set<std::size_t> freed;
   };
 
@@ -143,6 +144,7 @@ class NewParts {
 
   // A part under a free name of the pattern; gives the name.
   std::string add(std::string_view pattern, std::string_view type, std::string bytes);
+  bool has(std::string_view name) const;
   // By their names in lower case.
   std::map<std::string, Part>& all() { return parts_; }
 

@@ -32,8 +32,9 @@ class WorkbookPart {
   // Ids of relationships that the part mentions.
   const Ids& mentioned() const { return mentioned_; }
 
-  // An id that no sheet of the file has, nor one that was asked for before.
-  std::uint32_t next_sheet_id() { return ++last_sheet_id_; }
+  // The highest sheet id that was ever given out.
+  std::uint32_t last_sheet_id() const { return last_sheet_id_; }
+  void note_sheet_id(std::uint32_t id) noexcept { last_sheet_id_ = id; }
 
  private:
   void read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part, Workbook& book,

@@ -62,7 +62,7 @@ PartTexts edited(const PartTexts& parts) {
   book->sheet().change().comments[{4, 4}] = {"neu", "Zoë", 100, 100};
   NewSheet copy = make_copy(workbook, *book->document, book->sheet(), "Copy");
   make_room(workbook, copy);
-  place_sheet(workbook, 3, std::move(copy));
+  place_sheet(workbook, *book->document, 3, std::move(copy));
   activate_sheet(workbook, *book->document, 2);
   delete_sheet(workbook, *book->document, 1);
   return unzip(book->save());
