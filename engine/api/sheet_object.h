@@ -97,7 +97,6 @@ class SheetObject final : public UnsupportedSheet {
   bool take_text(const wchar_t* value, std::string_view what, std::size_t limit);
   // The text of a formula as the model keeps it; nothing, with the message set, when it is none.
   std::optional<std::string> take_formula(int row, int column, const wchar_t* expr);
-  std::string table_of(std::string_view formula, CellAddress at) const;
   // First row and column 0 and last ones -1 without cells.
   CellRange used_range() const;
 

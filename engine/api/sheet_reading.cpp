@@ -4,7 +4,6 @@
 #include "engine/api/format.h"
 #include "engine/api/messages.h"
 #include "engine/api/sheet_object.h"
-#include "engine/formula/file_text.h"
 #include "engine/formula/formula.h"
 #include "engine/text/number_text.h"
 
@@ -168,16 +167,13 @@ const wchar_t* SheetObject::readFormula(int row, int column, libxl::Format** for
   const CellRecord* record = cell ? formula_record(*cell, {row, column}, &anchor) : nullptr;
   give_format(cell, row, column, format);
   if (!record) return nullptr;
-  text_ = formula::from_file_text(record->formula, book_.workbook().limits.grid)
-              .value_or(record->formula);
   if (book_.workbook().r1c1) {
     // What a file brought and does not parse is given as it stands.
     const auto options = formula::ParseOptions::of_book(book_.workbook().limits.grid);
-    const auto parsed = formula::parse(text_, options);
-    if (parsed)
-      text_ = formula::print(*parsed, formula::Notation::kR1C1, {anchor.row, anchor.column});
+    if (const auto parsed = formula::parse(record->formula, options))
+      return book_.give(formula::print(*parsed, formula::Notation::kR1C1, anchor));
   }
-  return book_.give(text_);
+  return book_.give(record->formula);
 }
 
 const wchar_t* SheetObject::readComment(int row, int column) const {

@@ -3,7 +3,6 @@
 
 #include "engine/api/messages.h"
 #include "engine/api/sheet_object.h"
-#include "engine/formula/file_text.h"
 #include "engine/formula/formula.h"
 #include "engine/text/utf8.h"
 #include "engine/text/wide.h"
@@ -121,16 +120,8 @@ std::optional<std::string> SheetObject::take_formula(int row, int column, const 
   for (const std::string& sheet : formula::mentioned_sheets(*parsed))
     if (!workbook.find_sheet(sheet)) return refuse(messages::formula_unknown_sheet(text_, sheet));
   std::string text = formula::print(*parsed);
-  return formula::to_file_text(text, workbook.limits.grid, table_of(text, {row, column}))
-      .value_or(text);
-}
-
-// The table around the cell of a formula that may leave its name out, as [@Net] does.
-std::string SheetObject::table_of(std::string_view formula, CellAddress at) const {
-  if (formula.find('[') == std::string_view::npos) return {};
-  for (Table& table : book_.document().tables(book_.workbook(), *sheet_))
-    if (table.cells.contains(at.row, at.column)) return std::move(table.name);
-  return {};
+  auto shown = book_.document().shown_formula(workbook, text);
+  return shown ? shown : text;
 }
 
 bool SheetObject::writeFormula(int row, int column, const wchar_t* expr, libxl::Format* format) {

@@ -18,7 +18,9 @@ class Edits {
   void replace(std::size_t begin, std::size_t end, std::string with) {
     edits_.push_back({begin, end, std::move(with)});
   }
-  void insert(std::size_t at, std::string with) { replace(at, at, std::move(with)); }
+  void insert(std::size_t at, std::string with) {
+    if (!with.empty()) replace(at, at, std::move(with));
+  }
 
   // Nothing when there is no edit.
   std::optional<std::string> apply(std::string_view text) {

@@ -6,7 +6,8 @@
 // is settled while parsing, in place: addresses, known functions, TRUE and #N/A become upper case.
 //
 // Text comes without the leading "=", in UTF-8, with English names, "," between arguments and ";"
-// between rows of an array constant, and without the prefixes of a file (see file_text.h).
+// between rows of an array constant. The names that a file writes with prefixes of its own are
+// names here too, so that its texts parse as well.
 #pragma once
 
 #include <cstddef>

@@ -9,7 +9,7 @@
 namespace engine::formula {
 namespace {
 
-// Functions that came with the file format, in order.
+// Functions that came with the file formats, in order.
 constexpr std::string_view kClassicText =
     "ABS ACCRINT ACCRINTM ACOS ACOSH ADDRESS AMORDEGRC AMORLINC AND AREAS ASC ASIN ASINH ATAN "
     "ATAN2 ATANH AVEDEV AVERAGE AVERAGEA AVERAGEIF AVERAGEIFS BAHTTEXT BESSELI BESSELJ BESSELK "
@@ -43,7 +43,7 @@ constexpr std::string_view kClassicText =
     "TTEST TYPE UPPER USDOLLAR VALUE VAR VARA VARP VARPA VDB VLOOKUP WEEKDAY WEEKNUM WEIBULL "
     "WORKDAY WORKDAY.INTL XIRR XNPV YEAR YEARFRAC YIELD YIELDDISC YIELDMAT ZTEST";
 
-// Functions that files hold as _xlfn.NAME, in order.
+// Functions that came later, in order.
 constexpr std::string_view kNewerText =
     "ACOT ACOTH AGGREGATE ANCHORARRAY ARABIC ARRAYTOTEXT BASE BETA.DIST BETA.INV BINOM.DIST "
     "BINOM.DIST.RANGE BINOM.INV BITAND BITLSHIFT BITOR BITRSHIFT BITXOR BYCOL BYROW CEILING.MATH "
@@ -64,8 +64,8 @@ constexpr std::string_view kNewerText =
     "TRIMRANGE UNICHAR UNICODE UNIQUE VALUETOTEXT VAR.P VAR.S VSTACK WEBSERVICE WEIBULL.DIST "
     "WRAPCOLS WRAPROWS XLOOKUP XMATCH XOR Z.TEST";
 
-// Functions that files hold as _xlfn._xlws.NAME.
-constexpr std::string_view kNewerOfSheetsText = "FILTER PY SORT";
+// Later ones of worksheets only.
+constexpr std::string_view kNewerOfWorksheetsText = "FILTER PY SORT";
 
 constexpr std::size_t count_names(std::string_view text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), ' ')) + 1;
@@ -84,7 +84,8 @@ constexpr std::array<std::string_view, n> split(std::string_view text) {
 
 constexpr auto kClassic = split<count_names(kClassicText)>(kClassicText);
 constexpr auto kNewer = split<count_names(kNewerText)>(kNewerText);
-constexpr auto kNewerOfSheets = split<count_names(kNewerOfSheetsText)>(kNewerOfSheetsText);
+constexpr auto kNewerOfWorksheets =
+    split<count_names(kNewerOfWorksheetsText)>(kNewerOfWorksheetsText);
 
 static_assert(std::is_sorted(std::begin(kClassic), std::end(kClassic)));
 static_assert(std::is_sorted(std::begin(kNewer), std::end(kNewer)));
@@ -112,17 +113,12 @@ class Capitals {
 
 }  // namespace
 
-std::string_view file_prefix(std::string_view function) {
+FunctionKind function_kind(std::string_view function) {
   const Capitals name(function);
-  if (lists(kNewer, name.view())) return "_xlfn.";
-  if (lists(kNewerOfSheets, name.view())) return "_xlfn._xlws.";
-  return {};
-}
-
-bool is_known_function(std::string_view function) {
-  const Capitals name(function);
-  return lists(kClassic, name.view()) || lists(kNewer, name.view()) ||
-         lists(kNewerOfSheets, name.view());
+  if (lists(kClassic, name.view())) return FunctionKind::kClassic;
+  if (lists(kNewer, name.view())) return FunctionKind::kNewer;
+  if (lists(kNewerOfWorksheets, name.view())) return FunctionKind::kNewerOfWorksheets;
+  return FunctionKind::kUnknown;
 }
 
 }  // namespace engine::formula

@@ -1,14 +1,23 @@
 // Names of the worksheet functions.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 namespace engine::formula {
 
-// What a file puts before the name of a function that is newer than the file format; empty for the
-// functions that came with it, and for unknown ones. Names in any case.
-std::string_view file_prefix(std::string_view function);
+enum class FunctionKind : std::uint8_t {
+  kUnknown,
+  kClassic,            // as old as the file formats
+  kNewer,              // files hold it with a prefix
+  kNewerOfWorksheets,  // likewise, with one more
+};
 
-bool is_known_function(std::string_view function);
+// Names in any case.
+FunctionKind function_kind(std::string_view function);
+
+inline bool is_known_function(std::string_view function) {
+  return function_kind(function) != FunctionKind::kUnknown;
+}
 
 }  // namespace engine::formula

@@ -67,16 +67,17 @@ enum class FormulaForm : std::uint8_t { kNormal, kArray, kDataTable };
 // What few cells have.
 struct CellExtra {
   FormulaForm form = FormulaForm::kNormal;
-  CellRange range;              // the cells that an array formula or data table fills
-  std::string formula_details;  // kept for the codec: what else the file says of the formula
-  std::string details;          // kept for the codec: what else the file says of the cell
-  std::string children;         // kept for the codec: further content of the cell
+  CellRange range;               // the cells that an array formula or data table fills
+  std::string formula_details;   // kept for the codec: what else the file says of the formula
+  std::string formula_spelling;  // kept for the codec: the formula as only the file spells it
+  std::string details;           // kept for the codec: what else the file says of the cell
+  std::string children;          // kept for the codec: further content of the cell
 };
 
 // A cell with a formula, or with something that the engine carries without understanding it.
 struct CellRecord {
   Value value;          // a formula's cached value: kNone when it has none
-  std::string formula;  // text without "=", function names as the file spells them; empty: none
+  std::string formula;  // text without "=", as callers see it; empty: none
   std::unique_ptr<CellExtra> extra;
 
   CellRecord() = default;

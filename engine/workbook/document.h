@@ -62,6 +62,13 @@ class Document {
     return {};
   }
 
+  // A formula without what the format alone puts into it, which callers may write all the same;
+  // nothing when it has none of that.
+  virtual std::optional<std::string> shown_formula(const Workbook& /*book*/,
+                                                   std::string_view /*formula*/) const {
+    return std::nullopt;
+  }
+
   // Makes what the file will hold of a new, empty sheet. It enters the file with place_sheet().
   virtual void begin_sheet(const Workbook& /*book*/, Sheet& /*sheet*/) {}
 

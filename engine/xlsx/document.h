@@ -36,6 +36,8 @@ class Document : public engine::Document {
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
                                             const Sheet& sheet) const override;
   std::vector<Table> tables(const Workbook& book, const Sheet& sheet) const override;
+  std::optional<std::string> shown_formula(const Workbook& book,
+                                           std::string_view formula) const override;
   void begin_sheet(const Workbook& book, Sheet& sheet) override;
   std::vector<formula::TableChange> copy_sheet(const Workbook& book, const Sheet& original,
                                                Sheet& copy) override;

@@ -10,6 +10,7 @@
 #include "engine/xlsx/document.h"
 #include "engine/xlsx/formula_texts.h"
 #include "engine/xlsx/new_parts.h"
+#include "engine/xlsx/stored_formula.h"
 #include "engine/xlsx/worksheet_elements.h"
 
 namespace engine::xlsx {
@@ -132,6 +133,11 @@ bool holds_formulas(const Part& part) {
 }
 
 }  // namespace
+
+std::optional<std::string> Document::shown_formula(const Workbook& book,
+                                                   std::string_view formula) const {
+  return xlsx::shown_formula(formula, book.limits.grid);
+}
 
 void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
   edit_carried(book, edit, nullptr);

@@ -28,7 +28,15 @@ struct SavedSheet {
   bool rewritten = false;
   std::unique_ptr<OutsideRows> read_now;
   const OutsideRows* outside = nullptr;  // of a partly loaded sheet
+  std::vector<Table> tables;             // where a formula may need the name of one
 };
+
+// Whether a formula holds a bracket: before one a table's name may be left out.
+bool mentions_columns(const SheetContents& contents) {
+  return std::ranges::any_of(contents.records(), [](const CellRecord& record) {
+    return record.formula.find('[') != std::string::npos;
+  });
+}
 
 // Sheets without cells change in one thing only.
 void write_tab(Parts& parts, const SavedSheet& saved) {
@@ -132,15 +140,24 @@ class Document::Saving {
 
   void replace_sheets() {
     NotesWriter notes(parts_);
-    for (const SavedSheet& saved : sheets_) {
+    for (SavedSheet& saved : sheets_) {
       if (!saved.rewritten) continue;
+      saved.tables = tables_for_formulas(saved);
       package::XmlTree tree = saved.remains->tree.copy();
       patch_elements(tree.root(),
                      {book_, *saved.sheet, *saved.remains, saved.outside, styles_, parts_, notes});
       parts_.put_blocks(saved.remains->part, {},
                         write_worksheet(std::move(tree), *saved.sheet, saved.outside,
-                                        WriteContext{book_, styles_, texts_}));
+                                        WriteContext{book_, styles_, texts_, saved.tables}));
     }
+  }
+
+  // Tables that cannot be read complete no formula; they are carried as they are.
+  std::vector<Table> tables_for_formulas(const SavedSheet& saved) const try {
+    if (!mentions_columns(saved.sheet->contents())) return {};
+    return document_.tables(book_, *saved.sheet);
+  } catch (const package::FileError&) {
+    return {};
   }
 
   void replace_texts() {

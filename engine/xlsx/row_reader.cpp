@@ -18,6 +18,7 @@
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/iso_date.h"
 #include "engine/xlsx/plain_cells.h"
+#include "engine/xlsx/stored_formula.h"
 #include "engine/xlsx/string_item.h"
 
 namespace engine::xlsx {
@@ -78,7 +79,8 @@ struct CellText {
   }
   bool has_extra() const {
     return extra.form != FormulaForm::kNormal || !extra.details.empty() ||
-           !extra.formula_details.empty() || !extra.children.empty();
+           !extra.formula_details.empty() || !extra.formula_spelling.empty() ||
+           !extra.children.empty();
   }
 };
 
@@ -402,6 +404,7 @@ void RowReader::Machine::read_formula() {
   if (kind == "array") cell_.extra.form = FormulaForm::kArray;
   else if (kind == "dataTable") cell_.extra.form = FormulaForm::kDataTable;
   else if (kind == "shared") read_shared_formula(shared);
+  if (keeps_row_) show_formula(cell_.formula, grid_, cell_.extra.formula_spelling);
   const auto& [row_first, row_last, column_first, column_last] = cell_.extra.range;
   const bool many = row_first != row_last || column_first != column_last;
   // One that begins outside of the rows that are read may fill cells of them all the same.

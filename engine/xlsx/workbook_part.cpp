@@ -10,6 +10,7 @@
 #include "engine/xlsx/attributes.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/sheet_part.h"
+#include "engine/xlsx/stored_formula.h"
 
 namespace engine::xlsx {
 
@@ -127,17 +128,26 @@ void patch_sheets(pugi::xml_node root, const Workbook& book, const SheetParts& p
     if (!is_wanted[i]) list.remove_child(stored[i]);
 }
 
-bool says(pugi::xml_node node, const DefinedName& name, int scope, std::size_t sheets) {
-  return unescape(node.attribute("name").value()) == name.name &&
-         node.text().get() == name.definition && scope_of(node, sheets) == scope &&
-         node.attribute("hidden").as_bool() == name.hidden;
+// What the name stands for, as callers see it.
+std::string definition_of(pugi::xml_node name, const Grid& grid) {
+  const std::string_view stored = name.text().get();
+  auto shown = shown_formula(stored, grid);
+  return shown ? *std::move(shown) : std::string(stored);
 }
 
-void patch_name(pugi::xml_node node, const DefinedName& name, int scope) {
+bool says(pugi::xml_node node, const DefinedName& name, int scope, const Workbook& book,
+          std::size_t sheets) {
+  return unescape(node.attribute("name").value()) == name.name &&
+         definition_of(node, book.limits.grid) == name.definition &&
+         scope_of(node, sheets) == scope && node.attribute("hidden").as_bool() == name.hidden;
+}
+
+void patch_name(pugi::xml_node node, const DefinedName& name, int scope, const Grid& grid) {
   settle(node, "name", escape(name.name));
   settle(node, "localSheetId", scope < 0 ? "" : std::to_string(scope));
   settle_flag(node, "hidden", name.hidden);
-  node.text().set(name.definition.c_str());
+  if (definition_of(node, grid) == name.definition) return;
+  node.text().set(stored_formula(name.definition, grid).value_or(name.definition).c_str());
 }
 
 // Whether the model has the name: one that is local to a sheet which is not there is left alone as
@@ -161,7 +171,7 @@ void patch_names(pugi::xml_node root, const Workbook& book, std::size_t sheets) 
   bool same = modelled.size() == book.names.size();
   for (std::size_t i = 0; same && i < modelled.size(); ++i)
     same = node_of(book.names[i]) == modelled[i] &&
-           says(modelled[i], book.names[i], scope(book.names[i]), sheets);
+           says(modelled[i], book.names[i], scope(book.names[i]), book, sheets);
   if (same) return;
   const pugi::xml_node old = package::child(root, Family::Main, "definedNames");
   if (!book.names.empty()) {
@@ -170,7 +180,7 @@ void patch_names(pugi::xml_node root, const Workbook& book, std::size_t sheets) 
     for (const DefinedName& name : book.names) {
       const pugi::xml_node model = node_of(name);
       patch_name(model ? list.append_copy(model) : package::append_child(list, "definedName"), name,
-                 scope(name));
+                 scope(name), book.limits.grid);
     }
   }
   root.remove_child(old);
@@ -210,7 +220,7 @@ void read_names(pugi::xml_node root, Workbook& book) {
     if (!is_modelled(node, book.sheets.size())) continue;
     const int scope = scope_of(node, book.sheets.size()).value_or(-1);
     name.name = unescape(node.attribute("name").value());
-    name.definition = node.text().get();
+    name.definition = definition_of(node, book.limits.grid);
     name.hidden = node.attribute("hidden").as_bool();
     if (scope >= 0) name.scope = book.sheets[static_cast<std::size_t>(scope)].get();
     book.names.push_back(std::move(name));

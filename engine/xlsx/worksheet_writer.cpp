@@ -9,6 +9,7 @@
 #include "engine/package/xml_tree.h"
 #include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
+#include "engine/xlsx/stored_formula.h"
 
 namespace engine::xlsx {
 
@@ -22,6 +23,12 @@ constexpr std::size_t kCellsPerBlock = 10000;
 struct Piece {
   std::array<char, 15> text{};
   std::uint8_t size = 0;
+};
+
+// A row's number, from 0 and as the file writes it.
+struct RowNumber {
+  int number = 0;
+  Piece text;
 };
 
 // Collects text in a buffer of its own and hands it on when that is nearly full.
@@ -81,7 +88,20 @@ char* put_text_value(char* at, std::uint32_t number) {
   return put(put_count(at, number), "</v></c>");
 }
 
-void write_formula(std::string& out, const CellRecord& record) {
+// The text of the file for a formula, which keeps its own spelling until the formula changes.
+void append_formula(std::string& out, const CellRecord& record, const Grid& grid,
+                    const FormulaPlace& place) {
+  if (record.extra && !record.extra->formula_spelling.empty()) {
+    const std::string& spelling = record.extra->formula_spelling;
+    if (shown_formula(spelling, grid).value_or(spelling) == record.formula)
+      return package::append_xml_text(out, spelling);
+  }
+  const auto stored = stored_formula(record.formula, grid, place);
+  package::append_xml_text(out, stored ? *stored : record.formula);
+}
+
+void write_formula(std::string& out, const CellRecord& record, const Grid& grid,
+                   const FormulaPlace& place) {
   out.append("<f");
   if (const CellExtra* extra = record.extra.get()) {
     if (extra->form != FormulaForm::kNormal) {
@@ -97,7 +117,7 @@ void write_formula(std::string& out, const CellRecord& record) {
     return;
   }
   out.push_back('>');
-  package::append_xml_text(out, record.formula);
+  append_formula(out, record, grid, place);
   out.append("</f>");
 }
 
@@ -132,10 +152,11 @@ class WorksheetText {
 
   void write_row(TextBuffer& out, const RowRun& run, const Row& row) const;
   char* write_properties(char* at, const RowProperties& properties) const;
-  void write_cell(TextBuffer& out, const RowRun& run, const Piece& row, const Cell& cell) const;
-  void write_record(TextBuffer& out, const RowRun& run, const Piece& row, const Cell& cell) const;
+  void write_cell(TextBuffer& out, const RowRun& run, const RowNumber& row, const Cell& cell) const;
+  void write_record(TextBuffer& out, const RowRun& run, const RowNumber& row,
+                    const Cell& cell) const;
   void write_value(std::string& out, const RowRun& run, const Value& value) const;
-  char* put_reference(char* at, const Piece& row, const Cell& cell) const;
+  char* put_reference(char* at, const RowNumber& row, const Cell& cell) const;
   bool is_shared(const RowRun& run, std::uint32_t text) const {
     return run.workbook == &context_.workbook || text < run.first_text;
   }
@@ -268,11 +289,12 @@ void WorksheetText::make(std::size_t block, std::string& out) const {
 void WorksheetText::write_row(TextBuffer& out, const RowRun& run, const Row& row) const {
   const RowProperties* properties = run.sheet->properties(row);
   if (row.count == 0 && !properties) return;
-  Piece number;
-  number.size =
-      static_cast<std::uint8_t>(put_count(number.text.data(), row.number + 1) - number.text.data());
+  RowNumber number;
+  number.number = static_cast<int>(row.number);
+  auto& [digits, size] = number.text;
+  size = static_cast<std::uint8_t>(put_count(digits.data(), row.number + 1) - digits.data());
   char* at = put(out.begin(), "<row r=\"");
-  at = put(put(at, number), "\"");
+  at = put(put(at, number.text), "\"");
   std::string_view children;
   if (properties) {
     at = write_properties(at, *properties);
@@ -311,15 +333,15 @@ char* WorksheetText::write_properties(char* at, const RowProperties& properties)
   return at;
 }
 
-char* WorksheetText::put_reference(char* at, const Piece& row, const Cell& cell) const {
+char* WorksheetText::put_reference(char* at, const RowNumber& row, const Cell& cell) const {
   at = put(at, "<c r=\"");
   at = put(at, columns_[cell.column]);
-  at = put(at, row);
+  at = put(at, row.text);
   at = put(at, "\"");
   return put(at, styles_[cell.style]);
 }
 
-void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const Piece& row,
+void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const RowNumber& row,
                                const Cell& cell) const {
   if (cell.kind == CellKind::kRecord) return write_record(out, run, row, cell);
   char* at = put_reference(out.begin(), row, cell);
@@ -362,7 +384,7 @@ void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const Piece& 
   out.end(at);
 }
 
-void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const Piece& row,
+void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNumber& row,
                                  const Cell& cell) const {
   const CellRecord& record = *run.sheet->record(cell);
   const bool formula = has_formula_element(record);
@@ -390,7 +412,9 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const Piece
   }
   if (record.extra) text.append(record.extra->details);
   text.push_back('>');
-  if (formula) write_formula(text, record);
+  if (formula)
+    write_formula(text, record, context_.workbook.limits.grid,
+                  {context_.tables, {row.number, cell.column}});
   if (shared_text) {
     text.append("<v>").append(std::to_string(context_.texts.number(value.text()))).append("</v>");
   } else if (item) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/parts.h"
 #include "engine/xlsx/shared_strings.h"
@@ -23,6 +24,7 @@ struct WriteContext {
   const Workbook& workbook;
   const WrittenStyles& styles;
   const WrittenTexts& texts;
+  std::span<const Table> tables;  // of the sheet, where formulas may leave a table's name out
 };
 
 // The part of a sheet whose tree is patched. `outside` are the rows that a partial load left out;

@@ -199,9 +199,11 @@ TEST(Formulas, ColumnsOfTheTableAroundAreStoredWithItsName) {
       << stage.message();
   libxl::Sheet* sheet = stage.book->getSheet(0);
   EXPECT_TRUE(sheet->writeFormula(1, 1, L"[@Net]*2+SUM([Net])")) << stage.message();
-  EXPECT_STREQ(sheet->readFormula(1, 1), L"Sales[[#This Row],[Net]]*2+SUM(Sales[Net])");
   EXPECT_TRUE(sheet->writeFormula(5, 1, L"SUM([Net])")) << stage.message();
-  EXPECT_STREQ(sheet->readFormula(5, 1), L"SUM([Net])");
+  EXPECT_STREQ(sheet->readFormula(1, 1), L"[@Net]*2+SUM([Net])");
+  ASSERT_TRUE(stage.reload()) << stage.message();
+  EXPECT_STREQ(stage.sheet->readFormula(1, 1), L"Sales[[#This Row],[Net]]*2+SUM(Sales[Net])");
+  EXPECT_STREQ(stage.sheet->readFormula(5, 1), L"SUM([Net])");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+#include "engine/formula/function_names.h"
 #include "engine/formula/interval.h"
 #include "engine/formula/sheet_name.h"
 #include "tests/formula/grid.h"
@@ -106,6 +107,15 @@ TEST(Interval, FollowsInsertedAndRemoved) {
   EXPECT_EQ(moved(5, {Axis::kRows, Kind::kRemove, 4, 2}), std::nullopt);
   EXPECT_EQ(moved(5, {Axis::kRows, Kind::kRemove, 4, kLargest}), std::nullopt);
   EXPECT_EQ(moved(6, {Axis::kRows, Kind::kRemove, 4, 2}), 4);
+}
+
+TEST(FunctionNames, AreFoundInAnyCase) {
+  for (const char* name : {"sum", "Abs", "ZTEST", "xlookup", "F.DIST", "z.test", "Filter"})
+    EXPECT_TRUE(is_known_function(name)) << name;
+  for (const char* name : {"", "SU", "SUMM", "_xlfn.IFS"}) EXPECT_FALSE(is_known_function(name));
+  EXPECT_EQ(function_kind("ifs"), FunctionKind::kNewer);
+  EXPECT_EQ(function_kind("Sort"), FunctionKind::kNewerOfWorksheets);
+  EXPECT_EQ(function_kind("IF"), FunctionKind::kClassic);
 }
 
 TEST(SheetName, QuotesWhatCouldBeMisread) {

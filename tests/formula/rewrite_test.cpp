@@ -97,6 +97,8 @@ TEST(Sheets, Rename) {
       {"SUM('First one:Old'!A1)", "SUM('First one:New one'!A1)"},
       {"Old!#REF!", "'New one'!#REF!"},
       {"Old!F(Old!A1)", "'New one'!F('New one'!A1)"},
+      {"_xlfn.ANCHORARRAY(Old!A1)+_xlfn.LET(_xlpm.x,Old!B1,_xlpm.x)",
+       "_xlfn.ANCHORARRAY('New one'!A1)+_xlfn.LET(_xlpm.x,'New one'!B1,_xlpm.x)"},
       {"Older!A1+[1]Old!A1+'/[b.xls]Old'!A1+\"Old!A1\"+Old", nullptr},
   };
   check(kCases, [](const char* text) { return rename_sheet_text(text, "Old", "New one", kGrid); });

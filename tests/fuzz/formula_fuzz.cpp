@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "engine/formula/file_text.h"
 #include "engine/formula/formula.h"
 #include "engine/formula/formula_text.h"
+#include "engine/xlsx/stored_formula.h"
 
 namespace {
 
@@ -79,10 +79,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   check_a1(*formula);
-  if (const auto read = engine::formula::from_file_text(text, kGrid)) {
-    const auto written = engine::formula::to_file_text(*read, kGrid);
-    demand(written && *written == text);
+  if (const auto shown = engine::xlsx::shown_formula(text, kGrid)) {
+    const auto stored = engine::xlsx::stored_formula(*shown, kGrid);
+    demand(stored && *stored == text);
   }
-  check_changed(engine::formula::to_file_text(text, kGrid, "T"));
+  const engine::Table table = {"T", {0, 0, 0, 0}};
+  check_changed(engine::xlsx::stored_formula(text, kGrid, {std::span(&table, 1), {}}));
   return 0;
 }

@@ -1,4 +1,4 @@
-#include "engine/formula/file_text.h"
+#include "engine/xlsx/stored_formula.h"
 
 #include <algorithm>
 #include <vector>
@@ -10,15 +10,38 @@
 #include "engine/formula/sheet_name.h"
 #include "engine/text/fold.h"
 
-namespace engine::formula {
+namespace engine::xlsx {
+
 namespace {
 
+using formula::Edits;
+using formula::Formula;
+using formula::is_blank;
+using formula::is_word;
+using formula::Node;
+using formula::NodeKind;
+using formula::ParseOptions;
+using formula::PrefixKind;
+
 constexpr std::string_view kFunctionPrefix = "_xlfn.";
-constexpr std::string_view kSheetsPrefix = "_xlws.";
+constexpr std::string_view kWorksheetFunctionPrefix = "_xlfn._xlws.";
 constexpr std::string_view kParameterPrefix = "_xlpm.";
 constexpr std::string_view kSpillCall = "_xlfn.ANCHORARRAY(";
 constexpr std::string_view kSingleCall = "_xlfn.SINGLE(";
 constexpr std::string_view kThisRow = "[#This Row]";
+
+// What the file puts before a function's name; empty for those that came with the format, and for
+// unknown ones.
+std::string_view prefix_of(std::string_view function) {
+  switch (formula::function_kind(function)) {
+    case formula::FunctionKind::kNewer:
+      return kFunctionPrefix;
+    case formula::FunctionKind::kNewerOfWorksheets:
+      return kWorksheetFunctionPrefix;
+    default:
+      return {};
+  }
+}
 
 bool is_at_sign(const Node& node) { return node.kind == NodeKind::kPrefix && node.value == '@'; }
 
@@ -42,8 +65,8 @@ class Parameters {
       if (formula.nodes[i].kind != NodeKind::kCall) continue;
       std::string_view name = name_of(formula, formula.nodes[i]);
       if (name.starts_with(kFunctionPrefix)) name.remove_prefix(kFunctionPrefix.size());
-      if (equals_upper(name, "LET")) declare(i, 2);
-      if (equals_upper(name, "LAMBDA")) declare(i, 1);
+      if (formula::equals_upper(name, "LET")) declare(i, 2);
+      if (formula::equals_upper(name, "LAMBDA")) declare(i, 1);
     }
   }
 
@@ -79,12 +102,20 @@ class Parameters {
   std::vector<Declared> declared_;
 };
 
+// What the file puts before a name or call; nothing before what a caller wrote with its prefix.
+std::string prefix_of(const Formula& formula, const Node& node, const Parameters& parameters) {
+  const std::string_view name = name_of(formula, node);
+  const bool is_parameter = parameters.declares(node) && !name.starts_with(kParameterPrefix);
+  if (is_parameter) return std::string(kParameterPrefix);
+  return node.kind == NodeKind::kCall ? std::string(prefix_of(name)) : std::string();
+}
+
 // Whether the word before the parenthesis at `i` is a function that the file holds with a prefix.
 bool calls_newer_function(std::string_view text, std::size_t i) {
   while (i > 0 && is_blank(text[i - 1])) --i;
   std::size_t begin = i;
   while (begin > 0 && is_word(text[begin - 1])) --begin;
-  return begin < i && !file_prefix(text.substr(begin, i - begin)).empty();
+  return begin < i && !prefix_of(text.substr(begin, i - begin)).empty();
 }
 
 // Tells most formulas, which read the same in a file, by one look over the text: they call no newer
@@ -106,10 +137,10 @@ bool is_plain(std::string_view text) {
 
 // Table1[@Net] as Table1[[#This Row],[Net]]; the table's name is put before columns without one.
 void write_structured(Edits& edits, const Formula& formula, const Node& node,
-                      std::string_view table) {
+                      const FormulaPlace& place) {
   const std::string_view text = formula.text_of(node);
   const std::size_t bracket = text.find('[', static_cast<std::size_t>(node.mark - node.begin));
-  if (bracket == 0 && !table.empty()) edits.insert(node.begin, std::string(table));
+  if (bracket == 0) edits.insert(node.begin, std::string(place.table()));
   if (text[bracket + 1] != '@') return;
   const std::size_t at = node.begin + bracket + 1;
   std::string_view column = text.substr(bracket + 2, text.size() - bracket - 3);
@@ -142,19 +173,25 @@ void read_call(Edits& edits, const Formula& formula, const Node& call) {
     return;
   }
   const std::string_view name = name_of(formula, call);
-  std::string_view bare = name.substr(kFunctionPrefix.size());
-  if (bare.starts_with(kSheetsPrefix)) bare.remove_prefix(kSheetsPrefix.size());
-  const std::string_view prefix = file_prefix(bare);
-  if (!prefix.empty() && name.size() == prefix.size() + bare.size() && name.starts_with(prefix))
-    edits.replace(call.begin, call.begin + prefix.size(), {});
+  for (const std::string_view prefix : {kWorksheetFunctionPrefix, kFunctionPrefix})
+    if (name.starts_with(prefix) && prefix_of(name.substr(prefix.size())) == prefix) {
+      edits.replace(call.begin, call.begin + prefix.size(), {});
+      return;
+    }
 }
 
 }  // namespace
 
-std::optional<std::string> to_file_text(std::string_view text, const Grid& grid,
-                                        std::string_view table) {
+std::string_view FormulaPlace::table() const {
+  for (const Table& table : tables)
+    if (table.cells.contains(at.row, at.column)) return table.name;
+  return {};
+}
+
+std::optional<std::string> stored_formula(std::string_view text, const Grid& grid,
+                                          const FormulaPlace& place) {
   if (is_plain(text)) return std::nullopt;
-  const std::optional<Formula> formula = parse(text, ParseOptions::of_book(grid));
+  const std::optional<Formula> formula = formula::parse(text, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   const auto& nodes = formula->nodes;
   const Parameters parameters(*formula);
@@ -164,22 +201,20 @@ std::optional<std::string> to_file_text(std::string_view text, const Grid& grid,
     const Node& node = nodes[i];
     if (is_at_sign(node)) edits.replace(node.begin, node.begin + 1U, std::string(kSingleCall));
     else if (node.kind == NodeKind::kSpill) edits.insert(node.begin, std::string(kSpillCall));
-    else if (parameters.declares(node)) edits.insert(node.begin, std::string(kParameterPrefix));
-    else if (node.kind == NodeKind::kCall && node.prefix == PrefixKind::kNone)
-      if (const auto prefix = file_prefix(name_of(*formula, node)); !prefix.empty())
-        edits.insert(node.begin, std::string(prefix));
+    else if (may_be_parameter(node))
+      edits.insert(node.begin, prefix_of(*formula, node, parameters));
   }
   for (const Node& node : nodes) {
     if (is_at_sign(node)) edits.insert(node.end, ")");
     else if (node.kind == NodeKind::kSpill) edits.replace(node.end - 1U, node.end, ")");
-    else if (node.kind == NodeKind::kStructured) write_structured(edits, *formula, node, table);
+    else if (node.kind == NodeKind::kStructured) write_structured(edits, *formula, node, place);
   }
   return edits.apply(text);
 }
 
-std::optional<std::string> from_file_text(std::string_view text, const Grid& grid) {
+std::optional<std::string> shown_formula(std::string_view text, const Grid& grid) {
   if (text.find("_xl") == std::string_view::npos) return std::nullopt;
-  const std::optional<Formula> formula = parse(text, ParseOptions::of_book(grid));
+  const std::optional<Formula> formula = formula::parse(text, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   const Parameters parameters(*formula);
   Edits edits;
@@ -194,8 +229,18 @@ std::optional<std::string> from_file_text(std::string_view text, const Grid& gri
   // Without its prefixes a text may read differently: a parameter such as x1 is a cell. Then it
   // stays as the file has it.
   std::optional<std::string> read = edits.apply(text);
-  if (read && to_file_text(*read, grid) != text) return std::nullopt;
+  if (read && stored_formula(*read, grid) != text) return std::nullopt;
   return read;
 }
 
-}  // namespace engine::formula
+void show_formula(std::string& formula, const Grid& grid, std::string& spelling) {
+  std::optional<std::string> shown = shown_formula(formula, grid);
+  const std::string_view seen = shown ? *shown : formula;
+  // With a table around, so that columns without one do not stay as they are.
+  const Table any = {"_", {0, 0, 0, 0}};
+  const auto again = stored_formula(seen, grid, {std::span(&any, 1), {0, 0}});
+  if ((shown || again) && (again ? std::string_view(*again) : seen) != formula) spelling = formula;
+  if (shown) formula = *std::move(shown);
+}
+
+}  // namespace engine::xlsx
