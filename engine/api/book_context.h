@@ -88,6 +88,8 @@ class BookContext {
   BookContents& contents() { return contents_; }
   Workbook& workbook() { return *contents_.workbook; }
   Document& document() { return *contents_.document; }
+  // Reused by every formula that is parsed.
+  formula::Formula& formula() { return formula_; }
   bool info_only() const { return contents_.info_only; }
 
   // Whether colours are given as red, green and blue rather than as palette indices.
@@ -129,6 +131,7 @@ class BookContext {
   bool refused_ = false;
   bool rgb_mode_ = false;
   std::wstring given_;
+  formula::Formula formula_;
   // Those of the present contents, by list position; null until asked for.
   std::vector<FormatObject*> formats_;
   std::vector<FontObject*> fonts_;

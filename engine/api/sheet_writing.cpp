@@ -114,14 +114,16 @@ std::optional<std::string> SheetObject::take_formula(int row, int column, const 
   options.notation = workbook.r1c1 ? formula::Notation::kR1C1 : formula::Notation::kA1;
   options.base = {row, column};
   options.max_arguments = workbook.limits.arguments;
+  formula::Formula& formula = book_.formula();
   formula::ParseError error;
-  const auto parsed = formula::parse(text_, options, &error);
-  if (!parsed) return refuse(messages::formula_error(text_, error, workbook.limits.grid));
-  for (const std::string& sheet : formula::mentioned_sheets(*parsed))
-    if (!workbook.find_sheet(sheet)) return refuse(messages::formula_unknown_sheet(text_, sheet));
-  std::string text = formula::print(*parsed);
-  auto shown = book_.document().shown_formula(workbook, text);
-  return shown ? shown : text;
+  if (!formula::parse(formula, text_, options, &error))
+    return refuse(messages::formula_error(text_, error, workbook.limits.grid));
+  const auto known = [&](std::string_view name) { return workbook.find_sheet(name) != nullptr; };
+  if (const auto unknown = formula::unknown_sheet(formula, known))
+    return refuse(messages::formula_unknown_sheet(text_, *unknown));
+  if (workbook.r1c1) formula.text = formula::print(formula);
+  auto shown = book_.document().shown_formula(workbook, formula.text);
+  return shown ? shown : formula.text;
 }
 
 bool SheetObject::writeFormula(int row, int column, const wchar_t* expr, libxl::Format* format) {

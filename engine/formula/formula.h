@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -143,6 +144,9 @@ struct Formula {
 // not parse are kept as text by the caller.
 std::optional<Formula> parse(std::string_view text, const ParseOptions& options,
                              ParseError* error = nullptr);
+// The same into a formula whose memory is used again; false leaves something unfinished in it.
+bool parse(Formula& formula, std::string_view text, const ParseOptions& options,
+           ParseError* error = nullptr);
 
 // The formula in either notation, in R1C1 as it reads in cell `base`.
 std::string print(const Formula& formula, Notation notation = Notation::kA1, CellAddress base = {});
@@ -184,7 +188,9 @@ struct TableChange {
 std::optional<std::string> with_tables(const Formula& formula,
                                        std::span<const TableChange> changes);
 
-// Names of this book's sheets that the formula mentions, unquoted, each once.
-std::vector<std::string> mentioned_sheets(const Formula& formula);
+// The first of the sheets in the formula's prefixes, unquoted, that `known` denies to be one of the
+// book; nothing when all are.
+std::optional<std::string> unknown_sheet(const Formula& formula,
+                                         const std::function<bool(std::string_view)>& known);
 
 }  // namespace engine::formula

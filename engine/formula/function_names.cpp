@@ -9,7 +9,7 @@
 namespace engine::formula {
 namespace {
 
-// Functions that came with the file formats, in order.
+// Functions that came with the file formats.
 constexpr std::string_view kClassicText =
     "ABS ACCRINT ACCRINTM ACOS ACOSH ADDRESS AMORDEGRC AMORLINC AND AREAS ASC ASIN ASINH ATAN "
     "ATAN2 ATANH AVEDEV AVERAGE AVERAGEA AVERAGEIF AVERAGEIFS BAHTTEXT BESSELI BESSELJ BESSELK "
@@ -43,7 +43,7 @@ constexpr std::string_view kClassicText =
     "TTEST TYPE UPPER USDOLLAR VALUE VAR VARA VARP VARPA VDB VLOOKUP WEEKDAY WEEKNUM WEIBULL "
     "WORKDAY WORKDAY.INTL XIRR XNPV YEAR YEARFRAC YIELD YIELDDISC YIELDMAT ZTEST";
 
-// Functions that came later, in order.
+// Functions that came later.
 constexpr std::string_view kNewerText =
     "ACOT ACOTH AGGREGATE ANCHORARRAY ARABIC ARRAYTOTEXT BASE BETA.DIST BETA.INV BINOM.DIST "
     "BINOM.DIST.RANGE BINOM.INV BITAND BITLSHIFT BITOR BITRSHIFT BITXOR BYCOL BYROW CEILING.MATH "
@@ -71,54 +71,55 @@ constexpr std::size_t count_names(std::string_view text) {
   return static_cast<std::size_t>(std::count(text.begin(), text.end(), ' ')) + 1;
 }
 
-template <std::size_t n>
-constexpr std::array<std::string_view, n> split(std::string_view text) {
-  std::array<std::string_view, n> names;
-  for (std::string_view& name : names) {
-    const std::size_t blank = std::min(text.find(' '), text.size());
-    name = text.substr(0, blank);
-    text.remove_prefix(std::min(blank + 1, text.size()));
-  }
-  return names;
+constexpr std::size_t kClassic = count_names(kClassicText);
+constexpr std::size_t kNewer = count_names(kNewerText);
+constexpr std::size_t kNames = kClassic + kNewer + count_names(kNewerOfWorksheetsText);
+
+constexpr std::uint32_t hash(std::string_view name) {
+  std::uint32_t hash = 0;
+  for (const char c : name) hash = hash * 31 + static_cast<unsigned char>(upper_ascii(c));
+  return hash;
 }
 
-constexpr auto kClassic = split<count_names(kClassicText)>(kClassicText);
-constexpr auto kNewer = split<count_names(kNewerText)>(kNewerText);
-constexpr auto kNewerOfWorksheets =
-    split<count_names(kNewerOfWorksheetsText)>(kNewerOfWorksheetsText);
-
-static_assert(std::is_sorted(std::begin(kClassic), std::end(kClassic)));
-static_assert(std::is_sorted(std::begin(kNewer), std::end(kNewer)));
-
-constexpr std::size_t kLongestName = 32;
-
-template <std::size_t n>
-bool lists(const std::array<std::string_view, n>& names, std::string_view name) {
-  return std::binary_search(std::begin(names), std::end(names), name);
-}
-
-// A name in capitals, on the stack.
-class Capitals {
+// All names, classic ones first, and their places by hash: a slot that is taken leads on to the
+// next one.
+class FunctionTable {
  public:
-  explicit Capitals(std::string_view name) : size_(std::min(name.size(), kLongestName)) {
-    std::transform(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(size_), text_.begin(),
-                   upper_ascii);
+  constexpr FunctionTable() {
+    std::size_t number = 0;
+    for (std::string_view text : {kClassicText, kNewerText, kNewerOfWorksheetsText}) {
+      while (!text.empty()) {
+        const std::size_t blank = std::min(text.find(' '), text.size());
+        names_[number] = text.substr(0, blank);
+        text.remove_prefix(std::min(blank + 1, text.size()));
+        std::size_t slot = hash(names_[number]) % kSlots;
+        while (slots_[slot] != 0) slot = (slot + 1) % kSlots;
+        slots_[slot] = static_cast<std::uint16_t>(++number);
+      }
+    }
   }
-  std::string_view view() const { return {text_.data(), size_}; }
+
+  FunctionKind kind(std::string_view name) const {
+    for (std::size_t slot = hash(name) % kSlots; slots_[slot] != 0; slot = (slot + 1) % kSlots) {
+      const std::size_t number = slots_[slot] - 1U;
+      if (!equals_upper(name, names_[number])) continue;
+      if (number < kClassic) return FunctionKind::kClassic;
+      return number < kClassic + kNewer ? FunctionKind::kNewer : FunctionKind::kNewerOfWorksheets;
+    }
+    return FunctionKind::kUnknown;
+  }
 
  private:
-  std::array<char, kLongestName> text_{};
-  std::size_t size_;
+  static constexpr std::size_t kSlots = 2048;  // few names share one
+
+  std::array<std::string_view, kNames> names_;
+  std::array<std::uint16_t, kSlots> slots_{};
 };
+
+constexpr FunctionTable kFunctions;
 
 }  // namespace
 
-FunctionKind function_kind(std::string_view function) {
-  const Capitals name(function);
-  if (lists(kClassic, name.view())) return FunctionKind::kClassic;
-  if (lists(kNewer, name.view())) return FunctionKind::kNewer;
-  if (lists(kNewerOfWorksheets, name.view())) return FunctionKind::kNewerOfWorksheets;
-  return FunctionKind::kUnknown;
-}
+FunctionKind function_kind(std::string_view function) { return kFunctions.kind(function); }
 
 }  // namespace engine::formula

@@ -224,7 +224,7 @@ class Parser {
   bool bracket();
   bool after_prefix(const char* begin, PrefixKind prefix);
   bool word(const char* begin, PrefixKind prefix);
-  bool call(const char* begin, const char* name, PrefixKind prefix);
+  bool call(const char* begin, const char* name, const char* name_end, PrefixKind prefix);
   bool arguments(const char* begin, int& count);
   bool structured(const char* begin, const char* mark, PrefixKind prefix);
   PrefixKind skip_sheet_prefix();
@@ -241,8 +241,9 @@ class Parser {
     return p != nullptr && !is_word(*p) && *p != '(' && *p != '!' && *p != '[' && *p != '$';
   }
 
-  // Behind the colon of a range, or null.
+  // Behind the colon of a range, or null; `p` may be null too.
   static const char* behind_colon(const char* p) {
+    if (p == nullptr) return nullptr;
     while (is_blank(*p)) ++p;
     if (*p != ':') return nullptr;
     ++p;
@@ -615,13 +616,13 @@ bool Parser::word(const char* begin, PrefixKind prefix) {
   }
   if (end == start || is_digit(*start) || *start == '.' || *start == '?') return fail(start);
   p_ = end;
-  if (*p_ == '(') return call(begin, start, prefix);
+  if (*p_ == '(') return call(begin, start, end, prefix);
   if (*p_ == '[') return structured(begin, start, prefix);
   const std::string_view name(start, static_cast<std::size_t>(end - start));
   // A blank before the parenthesis intersects, but not end what can only be a function.
   if (is_blank(*p_) && (is_known_function(name) || name.starts_with("_xlfn."))) {
     skip_blanks();
-    if (*p_ == '(') return call(begin, start, prefix);
+    if (*p_ == '(') return call(begin, start, end, prefix);
     p_ = end;
   }
   if (prefix == PrefixKind::kNone && (equals_upper(name, "TRUE") || equals_upper(name, "FALSE"))) {
@@ -659,9 +660,8 @@ bool Parser::structured(const char* begin, const char* mark, PrefixKind prefix) 
 }
 
 // Stands on the opening parenthesis, behind the name that begins at `name`.
-bool Parser::call(const char* begin, const char* name, PrefixKind prefix) {
+bool Parser::call(const char* begin, const char* name, const char* name_end, PrefixKind prefix) {
   const std::uint16_t first = node_count();
-  const char* const name_end = scan_word(name);
   const bool lower = std::any_of(name, name_end, [](char c) { return c >= 'a' && c <= 'z'; });
   if (lower && is_known_function({name, static_cast<std::size_t>(name_end - name)}))
     capitalise(name, name_end);
@@ -701,40 +701,43 @@ Parser::Found Parser::reference(const char* begin, PrefixKind prefix) {
                                             : reference_r1c1(begin, prefix);
 }
 
+// One look at the letters and digits tells what can follow, as most words are calls and most
+// addresses single cells.
 Parser::Found Parser::reference_a1(const char* begin, PrefixKind prefix) {
   Reference reference;
-  Reference::Shape& shape = reference.shape;
   CellReference& first = reference.first;
   CellReference& last = reference.last;
   const char* const start = p_;
-  if (const char* const behind = scan_cell(start, end_, first); ends_address(behind)) {
-    if (first.column >= kAddressColumns) return Found::kNo;  // a name such as YTD2024
-    last = first;
-    const char* const second = behind_colon(behind);
+  const char* const behind_column = scan_column(start, end_, first.column, first.column_absolute);
+  const char* const behind_row = scan_row(behind_column == nullptr ? start : behind_column, end_,
+                                          first.row, first.row_absolute);
+  if (behind_column != nullptr && behind_row != nullptr) {
+    // A1, A1:B2; names such as YTD2024 have too many letters.
+    if (!ends_address(behind_row) || first.column >= kAddressColumns) return Found::kNo;
+    const char* const second = behind_colon(behind_row);
     const char* const area_end = second == nullptr ? nullptr : scan_cell(second, end_, last);
-    if (!ends_address(area_end)) {
-      last = first;
-      return add_reference(begin, behind, prefix, reference);
-    }
-    shape = Reference::Shape::kArea;
-    return add_reference(begin, area_end, prefix, reference);
+    const bool is_area = ends_address(area_end);
+    if (is_area) reference.shape = Reference::Shape::kArea;
+    else last = first;
+    return add_reference(begin, is_area ? area_end : behind_row, prefix, reference);
   }
-  const auto whole = [&](auto* scan, int CellReference::*position, bool CellReference::*absolute) {
-    first = last = {};
-    const char* p = scan(start, end_, first.*position, first.*absolute);
-    if (p != nullptr) p = behind_colon(p);
-    return p == nullptr ? p : scan(p, end_, last.*position, last.*absolute);
-  };
-  shape = Reference::Shape::kColumns;
-  if (const char* const behind =
-          whole(scan_column, &CellReference::column, &CellReference::column_absolute);
-      ends_address(behind) && std::max(first.column, last.column) <= kLastThreeLetters)
-    return add_reference(begin, behind, prefix, reference);
-  shape = Reference::Shape::kRows;
-  if (const char* const behind = whole(scan_row, &CellReference::row, &CellReference::row_absolute);
-      ends_address(behind))
-    return add_reference(begin, behind, prefix, reference);
-  return Found::kNo;
+  // A:C, 2:7
+  const bool columns = behind_column != nullptr;
+  const char* const second = behind_colon(columns ? behind_column : behind_row);
+  if (second == nullptr) return Found::kNo;
+  const char* const behind = columns ? scan_column(second, end_, last.column, last.column_absolute)
+                                     : scan_row(second, end_, last.row, last.row_absolute);
+  if (!ends_address(behind)) return Found::kNo;
+  if (columns) {
+    if (std::max(first.column, last.column) > kLastThreeLetters) return Found::kNo;
+    first.row = 0;
+    first.row_absolute = false;
+  } else {
+    first.column = 0;
+    first.column_absolute = false;
+  }
+  reference.shape = columns ? Reference::Shape::kColumns : Reference::Shape::kRows;
+  return add_reference(begin, behind, prefix, reference);
 }
 
 // One end of a reference in R1C1 notation: a cell, or R or C alone for whole rows and columns.
@@ -788,26 +791,33 @@ Parser::Found Parser::add_reference(const char* begin, const char* end, PrefixKi
 
 }  // namespace
 
-std::optional<Formula> parse(std::string_view text, const ParseOptions& options,
-                             ParseError* error) {
-  std::optional<Formula> formula(std::in_place);
+bool parse(Formula& formula, std::string_view text, const ParseOptions& options,
+           ParseError* error) {
   if (text.size() > kMaxFormulaLength) {
     const int length = length_of(text);
     const bool fits = options.lenient || length <= kMaxFormulaLength;
     if (text.size() > kMaxBytes || !fits) {
       if (error != nullptr) *error = {ParseError::Kind::kTooLong, 0, length, {}};
-      return std::nullopt;
+      return false;
     }
   }
-  formula->text = text;
-  formula->notation = options.notation;
-  formula->base = options.base;
-  formula->grid = options.grid;
-  formula->nodes.reserve(text.size() / 3 + 2);
-  Parser parser(*formula, options);
-  if (parser.run()) return formula;
+  formula.text = text;
+  formula.notation = options.notation;
+  formula.base = options.base;
+  formula.grid = options.grid;
+  formula.nodes.clear();
+  formula.references.clear();
+  Parser parser(formula, options);
+  if (parser.run()) return true;
   if (error != nullptr) *error = parser.error();
-  return std::nullopt;
+  return false;
+}
+
+std::optional<Formula> parse(std::string_view text, const ParseOptions& options,
+                             ParseError* error) {
+  std::optional<Formula> formula(std::in_place);
+  if (!parse(*formula, text, options, error)) formula.reset();
+  return formula;
 }
 
 }  // namespace engine::formula

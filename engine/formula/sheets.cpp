@@ -133,19 +133,21 @@ std::optional<std::string> without_sheet(const Formula& formula,
   return edits.apply(formula.text);
 }
 
-std::vector<std::string> mentioned_sheets(const Formula& formula) {
-  std::vector<std::string> names;
-  const auto mention = [&](std::string& name) {
-    const auto same = [&](const std::string& other) { return equal_ignoring_case(name, other); };
-    if (std::none_of(names.begin(), names.end(), same)) names.push_back(std::move(name));
-  };
+std::optional<std::string> unknown_sheet(const Formula& formula,
+                                         const std::function<bool(std::string_view)>& known) {
   for (const Node& node : formula.nodes) {
     if (!names_own_sheets(node)) continue;
+    std::string_view text = prefix_text(formula, node);
+    if (text.front() == '\'') text = text.substr(1, text.size() - 2);
+    if (node.prefix == PrefixKind::kSheet && text.find('\'') == std::string_view::npos) {
+      if (!known(text)) return std::string(text);
+      continue;
+    }
     SheetPrefix prefix = read_prefix(formula, node);
-    mention(prefix.first);
-    mention(prefix.last);
+    if (!known(prefix.first)) return std::move(prefix.first);
+    if (node.prefix == PrefixKind::kSheets && !known(prefix.last)) return std::move(prefix.last);
   }
-  return names;
+  return std::nullopt;
 }
 
 }  // namespace engine::formula

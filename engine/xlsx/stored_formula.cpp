@@ -1,6 +1,7 @@
 #include "engine/xlsx/stored_formula.h"
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include "engine/formula/edits.h"
@@ -118,19 +119,21 @@ bool calls_newer_function(std::string_view text, std::size_t i) {
   return begin < i && !prefix_of(text.substr(begin, i - begin)).empty();
 }
 
+// What a text has to be looked at for: quotes, what calls, and the signs of newer grammar.
+constexpr std::array<bool, 256> kTelling = [] {
+  std::array<bool, 256> telling{};
+  for (const unsigned char c : {'"', '\'', '@', '#', '[', '('}) telling[c] = true;
+  return telling;
+}();
+
 // Tells most formulas, which read the same in a file, by one look over the text: they call no newer
 // function and use no sign of newer grammar.
 bool is_plain(std::string_view text) {
-  char quote = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
-    if (quote != 0) {
-      if (c == quote) quote = 0;
-    } else if (c == '"' || c == '\'') {
-      quote = c;
-    } else if (c == '@' || c == '#' || c == '[' || (c == '(' && calls_newer_function(text, i))) {
-      return false;
-    }
+    if (!kTelling[static_cast<unsigned char>(c)]) continue;
+    if (c == '"' || c == '\'') i = std::min(text.find(c, i + 1), text.size());
+    else if (c != '(' || calls_newer_function(text, i)) return false;
   }
   return true;
 }

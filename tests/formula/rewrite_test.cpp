@@ -157,11 +157,17 @@ TEST(Tables, RenamedOrDeleted) {
   check(kCases, [&](const char* text) { return change_tables_text(text, changes, kGrid); });
 }
 
-TEST(Sheets, Mentioned) {
+TEST(Sheets, AreAskedForByName) {
   const auto formula =
       parse("Data!A1+'it''s'!B1+DATA!C1+SUM(X:Y!A1)+[1]Z!A1+[b]Z!A1+#REF!A1+Q!Rate", kGrid);
   ASSERT_TRUE(formula);
-  EXPECT_EQ(mentioned_sheets(*formula), (std::vector<std::string>{"Data", "it's", "X", "Y", "Q"}));
+  std::string asked;
+  const auto note = [&](std::string_view name) {
+    asked.append(name).append(" ");
+    return name != "Q";
+  };
+  EXPECT_EQ(unknown_sheet(*formula, note), "Q");
+  EXPECT_EQ(asked, "Data it's DATA X Y Q ");
 }
 
 TEST(Ranges, OfText) {
