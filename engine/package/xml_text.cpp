@@ -2,11 +2,16 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
 
 #include "engine/text/utf8.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace engine::package {
 namespace {
@@ -152,6 +157,38 @@ bool is_plain_xml(std::string_view raw) {
   }
   const auto rest = raw.substr(at);
   return rest.find_first_of("&\r") == std::string_view::npos && is_utf8(rest);
+}
+
+RawText find_text_end(std::string_view raw) {
+  RawText text;
+  std::size_t at = 0;
+#ifdef __SSE2__
+  const auto equal = [](__m128i bytes, char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+  const auto bits = [](__m128i bytes) { return static_cast<unsigned>(_mm_movemask_epi8(bytes)); };
+  for (; raw.size() - at >= sizeof(__m128i); at += sizeof(__m128i)) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(raw.data() + at));
+    const unsigned ends = bits(equal(bytes, '<'));
+    const unsigned before = ends == 0 ? 0xFFFFU : (ends & (0U - ends)) - 1;
+    text.beyond_ascii |= (bits(bytes) & before) != 0;
+    text.special |= (bits(_mm_or_si128(equal(bytes, '&'), equal(bytes, '\r'))) & before) != 0;
+    text.underscore |= (bits(equal(bytes, '_')) & before) != 0;
+    if (ends != 0) {
+      text.size = at + static_cast<std::size_t>(std::countr_zero(ends));
+      return text;
+    }
+  }
+#endif
+  for (; at < raw.size(); ++at) {
+    const char c = raw[at];
+    if (c == '<') {
+      text.size = at;
+      break;
+    }
+    text.beyond_ascii |= static_cast<signed char>(c) < 0;
+    text.special |= c == '&' || c == '\r';
+    text.underscore |= c == '_';
+  }
+  return text;
 }
 
 void append_xml_text(std::string& out, std::string_view text) {

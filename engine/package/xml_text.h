@@ -14,6 +14,15 @@ bool decode_xml_attribute(std::string_view raw, std::string& out);
 // Whether a raw text means just what it says and can be used as it lies.
 bool is_plain_xml(std::string_view raw);
 
+// Where the next "<" stands in a raw text, and what stands before it that has to be looked at.
+struct RawText {
+  std::size_t size = std::string_view::npos;  // of the text; npos when it does not end
+  bool beyond_ascii = false;
+  bool special = false;  // a reference, or a line end that is changed
+  bool underscore = false;
+};
+RawText find_text_end(std::string_view raw);
+
 // Appends UTF-8 text with what XML needs escaped. Line feed, carriage return and tab in an
 // attribute, and a carriage return in a text, become references, as a reader would change them.
 // Characters that XML cannot hold (below the blank, save those three) are the caller's concern.

@@ -1,6 +1,12 @@
 #include "engine/text/utf8.h"
 
+#include <array>
 #include <cstring>
+#include <type_traits>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace engine {
 
@@ -22,6 +28,61 @@ Sequence sequence_of(unsigned char lead) {
   if (lead >= 0xF0 && lead < 0xF8) return {4, lead & 0x07U, 0x10000};
   return {0, 0, 0};
 }
+
+#ifdef __SSE2__
+
+__m128i byte(unsigned value) { return _mm_set1_epi8(static_cast<char>(value)); }
+__m128i at_least(__m128i bytes, unsigned least) {
+  return _mm_cmpeq_epi8(_mm_max_epu8(bytes, byte(least)), bytes);
+}
+__m128i equal(__m128i bytes, unsigned value) { return _mm_cmpeq_epi8(bytes, byte(value)); }
+
+// Not zero when the sixteen bytes hold one that cannot follow those before it. A sequence that
+// their end cuts is the concern of the next sixteen.
+int wrong_bytes(__m128i bytes, __m128i before) {
+  const auto back = [&](auto count) {
+    return _mm_or_si128(_mm_slli_si128(bytes, count()), _mm_srli_si128(before, 16 - count()));
+  };
+  const __m128i first = back(std::integral_constant<int, 1>());
+  const __m128i second = back(std::integral_constant<int, 2>());
+  const __m128i third = back(std::integral_constant<int, 3>());
+  const __m128i continues = _mm_cmplt_epi8(bytes, byte(0xC0));
+  const __m128i must_continue = _mm_or_si128(
+      at_least(first, 0xC0), _mm_or_si128(at_least(second, 0xE0), at_least(third, 0xF0)));
+  // Leads of no sequence, and second bytes that would make one too long, a surrogate or too big.
+  __m128i wrong = _mm_xor_si128(continues, must_continue);
+  wrong = _mm_or_si128(wrong, _mm_or_si128(equal(bytes, 0xC0), equal(bytes, 0xC1)));
+  wrong = _mm_or_si128(wrong, at_least(bytes, 0xF5));
+  const auto after = [&](unsigned lead, __m128i second_byte) {
+    wrong = _mm_or_si128(wrong, _mm_and_si128(equal(first, lead), second_byte));
+  };
+  after(0xE0, _mm_cmplt_epi8(bytes, byte(0xA0)));
+  after(0xED, at_least(bytes, 0xA0));
+  after(0xF0, _mm_cmplt_epi8(bytes, byte(0x90)));
+  after(0xF4, at_least(bytes, 0x90));
+  return _mm_movemask_epi8(wrong);
+}
+
+// Of sixteen bytes or more.
+bool are_utf8_blocks(std::string_view text) {
+  __m128i before = _mm_setzero_si128();
+  int wrong = 0;
+  const auto take = [&](const char* block) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    // Sixteen ASCII characters behind others of the kind have nothing that could be wrong.
+    if (_mm_movemask_epi8(_mm_or_si128(bytes, before)) != 0) wrong |= wrong_bytes(bytes, before);
+    before = bytes;
+  };
+  std::size_t at = 0;
+  for (; text.size() - at >= sizeof before; at += sizeof before) take(text.data() + at);
+  // The rest, and at least one zero behind it that shows a sequence cut off.
+  std::array<char, sizeof before> rest{};
+  std::memcpy(rest.data(), text.data() + at, text.size() - at);
+  take(rest.data());
+  return wrong == 0;
+}
+
+#endif
 
 }  // namespace
 
@@ -67,6 +128,9 @@ std::uint32_t take_character(std::string_view& utf8) {
 }
 
 bool is_utf8(std::string_view text) {
+#ifdef __SSE2__
+  if (text.size() >= sizeof(__m128i)) return are_utf8_blocks(text);
+#endif
   const char* at = text.data();
   const char* const end = at + text.size();
   while (at != end) {

@@ -1,10 +1,15 @@
 #include "engine/text/wide.h"
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <cwchar>
 
 #include "engine/text/utf8.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace engine {
 
@@ -12,6 +17,83 @@ namespace {
 
 // Wide text has 32 bits an element, whatever sign they have.
 std::uint32_t unit_of(wchar_t element) { return std::bit_cast<std::uint32_t>(element); }
+
+void append_wide(std::uint32_t code, wchar_t*& out) {
+  if (code < 0x10000) {
+    *out++ = static_cast<wchar_t>(code);
+  } else {
+    *out++ = static_cast<wchar_t>(0xD800 + ((code - 0x10000) >> 10));
+    *out++ = static_cast<wchar_t>(0xDC00 + ((code - 0x10000) & 0x3FF));
+  }
+}
+
+#ifdef __SSE2__
+
+// Widens ASCII characters, up to the first other one or nearly to the end.
+void widen_ascii(const char*& at, const char* end, wchar_t*& out) {
+  const __m128i zero = _mm_setzero_si128();
+  for (; end - at >= 8; at += 8, out += 8) {
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at));
+    if (_mm_movemask_epi8(bytes) != 0) return;
+    const __m128i halves = _mm_unpacklo_epi8(bytes, zero);
+    auto* const to = reinterpret_cast<__m128i*>(out);
+    _mm_storeu_si128(to, _mm_unpacklo_epi16(halves, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(halves, zero));
+  }
+}
+
+constexpr std::ptrdiff_t kMixedRoom = 8 + 2;  // bytes that a step of widen_mixed() looks at
+
+// For each of the eight bytes: the character of at most three bytes that it begins.
+__m128i characters_at(const char* at) {
+  const __m128i zero = _mm_setzero_si128();
+  const auto load = [zero](const char* from) {
+    return _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(from)), zero);
+  };
+  const auto low_bits = [](__m128i halves, short bits) {
+    return _mm_and_si128(halves, _mm_set1_epi16(bits));
+  };
+  const auto choose = [](__m128i which, __m128i yes, __m128i no) {
+    return _mm_or_si128(_mm_and_si128(which, yes), _mm_andnot_si128(which, no));
+  };
+  const __m128i lead = load(at);
+  const __m128i next = low_bits(load(at + 1), 0x3F);
+  const __m128i two = _mm_or_si128(_mm_slli_epi16(low_bits(lead, 0x1F), 6), next);
+  const __m128i three =
+      _mm_or_si128(_mm_slli_epi16(lead, 12),
+                   _mm_or_si128(_mm_slli_epi16(next, 6), low_bits(load(at + 2), 0x3F)));
+  const __m128i longer = _mm_cmpgt_epi16(lead, _mm_set1_epi16(0xDF));
+  const __m128i single = _mm_cmplt_epi16(lead, _mm_set1_epi16(0x80));
+  return choose(single, lead, choose(longer, three, two));
+}
+
+// Widens text that is UTF-8 up to nearly its end, without a branch for each character: what begins
+// at each of eight bytes is worked out, and what begins at no character's first byte is written
+// over by what follows.
+void widen_mixed(const char*& at, const char* end, wchar_t*& out) {
+  while (end - at >= kMixedRoom) {
+    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at));
+    const __m128i four = _mm_set1_epi8(static_cast<char>(0xF0));
+    if (_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(bytes, four), bytes)) != 0) {
+      // A character of four bytes, which takes two units, is among the next.
+      std::uint32_t code = 0;
+      at += decode_utf8(at, end, code);
+      append_wide(code, out);
+      continue;
+    }
+    std::array<std::uint16_t, 8> units{};
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(units.data()), characters_at(at));
+    for (std::size_t i = 0; i < units.size(); ++i) {
+      *out = units[i];
+      out += static_cast<signed char>(at[i]) >= -64 ? 1 : 0;
+    }
+    at += 8;
+    // The next step begins with a character.
+    while (at != end && static_cast<signed char>(*at) < -64) ++at;
+  }
+}
+
+#endif
 
 }  // namespace
 
@@ -43,21 +125,19 @@ std::string to_utf8(const wchar_t* text) {
 }
 
 void to_wide(std::string_view utf8, std::wstring& wide) {
+  // No character has more units than bytes.
   wide.resize(utf8.size());
-  std::size_t ascii = 0;
-  for (; ascii < utf8.size() && static_cast<signed char>(utf8[ascii]) >= 0; ++ascii)
-    wide[ascii] = static_cast<unsigned char>(utf8[ascii]);
-  wide.resize(ascii);
-  utf8.remove_prefix(ascii);
-  while (!utf8.empty()) {
-    const std::uint32_t code = take_character(utf8);
-    if (code < 0x10000) {
-      wide.push_back(static_cast<wchar_t>(code));
-    } else {
-      wide.push_back(static_cast<wchar_t>(0xD800 + ((code - 0x10000) >> 10)));
-      wide.push_back(static_cast<wchar_t>(0xDC00 + ((code - 0x10000) & 0x3FF)));
-    }
-  }
+  const char* at = utf8.data();
+  const char* const end = at + utf8.size();
+  wchar_t* out = wide.data();
+#ifdef __SSE2__
+  widen_ascii(at, end, out);
+  if (end - at >= kMixedRoom && is_utf8({at, static_cast<std::size_t>(end - at)}))
+    widen_mixed(at, end, out);
+#endif
+  utf8.remove_prefix(static_cast<std::size_t>(at - utf8.data()));
+  while (!utf8.empty()) append_wide(take_character(utf8), out);
+  wide.resize(static_cast<std::size_t>(out - wide.data()));
 }
 
 std::wstring to_wide(std::string_view utf8) {

@@ -6,6 +6,7 @@
 
 #include "engine/package/xml_scanner.h"
 #include "engine/package/xml_text.h"
+#include "engine/text/utf8.h"
 #include "engine/xlsx/sheet_part.h"
 #include "engine/xlsx/string_item.h"
 
@@ -23,16 +24,20 @@ constexpr std::string_view kNamespace = "http://schemas.openxmlformats.org/sprea
 void read_plain_items(XmlScanner& scanner, StringPool& pool) {
   constexpr std::string_view kOpen = "<si><t>";
   constexpr std::string_view kClose = "</t></si>";
-  for (;;) {
-    const std::string_view ahead = scanner.ahead();
-    if (!ahead.starts_with(kOpen)) return;
-    const std::size_t end = ahead.find('<', kOpen.size());
-    if (end == std::string_view::npos || !ahead.substr(end).starts_with(kClose)) return;
-    const std::string_view text = ahead.substr(kOpen.size(), end - kOpen.size());
-    if (!package::is_plain_xml(text) || text.find("_x") != std::string_view::npos) return;
+  const std::string_view ahead = scanner.ahead();
+  std::size_t taken = 0;
+  for (std::string_view rest = ahead; rest.starts_with(kOpen); rest = ahead.substr(taken)) {
+    rest.remove_prefix(kOpen.size());
+    const package::RawText found = package::find_text_end(rest);
+    if (found.special || found.size == std::string_view::npos) break;
+    const std::string_view text = rest.substr(0, found.size);
+    if (found.underscore && text.find("_x") != std::string_view::npos) break;
+    if (found.beyond_ascii && !is_utf8(text)) break;
+    if (!rest.substr(found.size).starts_with(kClose)) break;
     pool.append(text);
-    scanner.consume(end + kClose.size());
+    taken = static_cast<std::size_t>(text.data() - ahead.data()) + text.size() + kClose.size();
   }
+  scanner.consume(taken);
 }
 
 // A start tag with other values for two of its attributes, and open where it closed itself.

@@ -44,6 +44,52 @@ TEST(Text, ReplacesBytesThatAreNotUtf8) {
   EXPECT_EQ(to_wide("\xED\xA0\x80").find(L'\xD800'), std::wstring::npos);
 }
 
+// Texts are checked and widened in steps of several bytes; characters of all lengths stand on every
+// border of a step here.
+TEST(Text, StepsMeetEveryCharacterEverywhere) {
+  constexpr const char* kCharacters[] = {"a", "\u00e4", "\u20ac", "\U0001F600"};
+  for (std::size_t lead = 0; lead < 20; ++lead)
+    for (int mixture = 0; mixture < 256; ++mixture) {
+      std::string utf8(lead, 'x');
+      for (int i = 0; i < 16; ++i) utf8 += kCharacters[mixture >> (i % 4 * 2) & 3];
+      ASSERT_TRUE(engine::is_utf8(utf8)) << utf8;
+      const std::wstring wide = to_wide(utf8);
+      ASSERT_EQ(wide.size(), engine::utf16_length(utf8)) << utf8;
+      ASSERT_EQ(to_utf8(wide.c_str()), utf8);
+    }
+}
+
+// One character after the other: whether all are UTF-8, and the text with U+FFFD for what is not.
+bool is_utf8_by_character(std::string_view text) {
+  std::uint32_t code = 0;
+  while (!text.empty()) {
+    const auto size = engine::decode_utf8(text.data(), text.data() + text.size(), code);
+    if (size == 0) return false;
+    text.remove_prefix(size);
+  }
+  return true;
+}
+
+std::string repaired(std::string_view text) {
+  std::string whole;
+  while (!text.empty()) engine::append_utf8(whole, engine::take_character(text));
+  return whole;
+}
+
+TEST(Text, TellsDamageAtEveryByte) {
+  const std::string whole = "plain text, \u00e4\u07ff\u0800\ud7fb\uffff\U00010000\U0010ffff, more";
+  for (std::size_t size = 0; size <= whole.size(); ++size)
+    for (int byte = 0; byte < 256 && size > 0; ++byte) {
+      std::string cut = whole.substr(0, size);
+      cut.back() = static_cast<char>(byte);
+      for (const std::string& text : {cut, cut + whole.substr(size)}) {
+        EXPECT_EQ(engine::is_utf8(text), is_utf8_by_character(text)) << size << " " << byte;
+        const std::wstring wide = to_wide(text);
+        EXPECT_EQ(wide, to_wide(repaired(text))) << size << " " << byte;
+      }
+    }
+}
+
 TEST(Text, MakesLineFeedsOfAllLineEnds) {
   std::string text = "a\r\nb\rc\nd\r\r\n";
   engine::normalize_line_ends(text);
