@@ -34,6 +34,7 @@ constexpr const Codec* kCodecs[] = {&xlsx::kCodec, &xls::kCodec};
 std::shared_ptr<const package::Source> open_source(const LoadRequest& request) {
   if (request.path.empty())
     return package::Source::from_bytes({request.bytes.begin(), request.bytes.end()});
+  if (request.info_only) return package::Source::look_into(request.path);
   if (request.temp_path.empty()) return package::Source::from_file(request.path);
   return package::Source::from_file_via(request.path, request.temp_path);
 }

@@ -140,18 +140,19 @@ bool SheetObject::isDate(int row, int column) const {
 // values without a formula.
 const CellRecord* SheetObject::formula_record(const Cell& cell, CellAddress at,
                                               CellAddress* anchor) const {
-  const auto formula_of = [&](const Cell& holder) -> const CellRecord* {
-    const CellRecord* record = contents().record(holder);
+  const auto formula_of = [&](const CellRecord* record) -> const CellRecord* {
     if (!record || record->formula.empty()) return nullptr;
     return record->extra && record->extra->form == FormulaForm::kDataTable ? nullptr : record;
   };
   if (anchor) *anchor = at;
-  if (const CellRecord* own = formula_of(cell)) return own;
+  if (const CellRecord* own = formula_of(contents().record(cell))) return own;
   const CellRange* array = contents().arrays.find(at);
   if (!array) return nullptr;
   if (anchor) *anchor = {array->row_first, array->column_first};
   const Cell* first = contents().cells.find(array->row_first, array->column_first);
-  return first ? formula_of(*first) : nullptr;
+  if (first) return formula_of(contents().record(*first));
+  const auto outer = contents().outer_arrays.find({array->row_first, array->column_first});
+  return outer == contents().outer_arrays.end() ? nullptr : &contents().records()[outer->second];
 }
 
 bool SheetObject::isFormula(int row, int column) const {

@@ -140,12 +140,20 @@ std::shared_ptr<const Source> Source::from_file_via(const std::string& path,
   return source;
 }
 
+std::shared_ptr<const Source> Source::look_into(const std::string& path) {
+  struct stat about {};
+  std::shared_ptr<Source> source(new Source);
+  source->handle_ = open_plain(path, about);
+  source->size_ = static_cast<std::uint64_t>(about.st_size);
+  return source;
+}
+
 void Source::read(std::uint64_t offset, std::span<char> into) const {
   if (offset > size_ || into.size() > size_ - offset) throw_damaged("file", "ends too early");
   if (handle_ < 0) {
     if (!into.empty()) std::memcpy(into.data(), view_.data() + offset, into.size());
   } else if (read_some(handle_, into.data(), into.size(), offset) != into.size()) {
-    throw FileError("cannot be read: the temporary file is too short");
+    throw FileError("cannot be read: the file has become shorter");
   }
 }
 

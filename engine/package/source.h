@@ -3,6 +3,7 @@
 // A source is complete once it exists: what others do to the file afterwards, changing, cutting or
 // deleting it, does not reach us. That is why nothing is mapped into memory. The bytes lie in
 // memory, or in a temporary file that has no name any more and is read through its open handle.
+// Only a source for a short look reads the file itself.
 #pragma once
 
 #include <cstdint>
@@ -25,6 +26,10 @@ class Source {
   // FileTargetError, as they concern the temporary file.
   static std::shared_ptr<const Source> from_file_via(const std::string& path,
                                                      const std::string& temp_path);
+
+  // Reads no more of the file than is asked for, when it is asked for; one that others cut
+  // meanwhile cannot be read. For a caller that is done with it at once.
+  static std::shared_ptr<const Source> look_into(const std::string& path);
 
   Source(const Source&) = delete;
   Source& operator=(const Source&) = delete;

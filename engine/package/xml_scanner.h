@@ -116,7 +116,7 @@ class XmlScanner {
 
   // The bytes at hand behind the current token, for a caller that knows what usually stands there
   // and recognises it faster than token by token; empty after a self-closing Start. It consumes
-  // whole elements and whole texts only.
+  // whole elements and texts only, or one element's end with the start of another of the same name.
   std::string_view ahead() const {
     return self_closing_ ? std::string_view()
                          : std::string_view(cursor_, static_cast<std::size_t>(limit_ - cursor_));

@@ -80,6 +80,9 @@ class SheetContents {
   int base_column_width = 8;  // characters, which count where there is no default width
   int default_row_pixels = 20;
   ArrayRanges arrays;
+  // The records that hold the formulas of arrays whose first cell is none of the loaded ones, by
+  // that cell.
+  std::map<CellAddress, std::uint32_t> outer_arrays;
   Comments comments;
 
   // What the cell shows, through its record if it has one.
@@ -106,7 +109,7 @@ class SheetContents {
   static Cell make_cell(int column, Value value, std::uint32_t style);
   std::uint32_t keep_record(CellRecord record);
 
-  // By number. Those that no cell names any more are empty.
+  // By number. Those that nothing names any more are empty.
   std::deque<CellRecord>& records() { return records_; }
   const std::deque<CellRecord>& records() const { return records_; }
 

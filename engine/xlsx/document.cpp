@@ -107,7 +107,12 @@ void Document::read_tab(Sheet& sheet) {
 
 SheetContext Document::context(Workbook& texts, const Workbook& book) const {
   const std::uint32_t shared = book.strings.count_from_file();
-  return {texts, shared, &texts == &book ? 0 : shared, formats_, book.date1904};
+  const pugi::xml_node settings =
+      package::child(workbook_part_.tree().root(), Family::Main, "workbookPr");
+  const bool compatible = settings.attribute("dateCompatibility").as_bool(true);
+  const DateBase base = compatible ? DateBase::k1900 : DateBase::kFull1900;
+  return {texts, shared, &texts == &book ? 0 : shared, formats_,
+          book.date1904 ? DateBase::k1904 : base};
 }
 
 void Document::read_sheet(Workbook& book, Sheet& sheet) {

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <chrono>
 #include <string>
+#include <utility>
 
 #include "engine/text/number_text.h"
 
@@ -27,8 +28,20 @@ bool take(std::string_view& text, char c) {
   return true;
 }
 
-// Days since the first of the system; the 1900 system has a 29 February 1900 that never was.
-std::optional<double> take_date(std::string_view& text, bool date1904) {
+// Some programs write a time of day as one of 1899-12-30, the day 0 of their own base, into books
+// of either base of 1900. In the one that has a day too many before March 1900 that is day 0 as
+// well, like the day behind it.
+double day_number(std::chrono::sys_days date, DateBase base) {
+  using std::chrono::sys_days;
+  constexpr sys_days kFirst1904 = std::chrono::year(1904) / 1 / 1;
+  constexpr sys_days kFirst1900 = std::chrono::year(1899) / 12 / 30;
+  constexpr auto kLeapError = 61;
+  const auto days = (date - (base == DateBase::k1904 ? kFirst1904 : kFirst1900)).count();
+  const bool one_less = base == DateBase::k1900 && days > 0 && days < kLeapError;
+  return static_cast<double>(one_less ? days - 1 : days);
+}
+
+std::optional<double> take_date(std::string_view& text, DateBase base) {
   int year = 0;
   int month = 0;
   int day = 0;
@@ -38,15 +51,31 @@ std::optional<double> take_date(std::string_view& text, bool date1904) {
   const std::chrono::year_month_day date(std::chrono::year(year),
                                          std::chrono::month(static_cast<unsigned>(month)),
                                          std::chrono::day(static_cast<unsigned>(day)));
-  if (!date.ok()) return std::nullopt;
-  using std::chrono::sys_days;
-  constexpr sys_days kFirst1904 = std::chrono::year(1904) / 1 / 1;
-  constexpr sys_days kBefore1900 = std::chrono::year(1899) / 12 / 30;
-  constexpr auto kLeapError = 61;
-  const auto days = (sys_days(date) - (date1904 ? kFirst1904 : kBefore1900)).count();
-  if (date1904) return days < 0 ? std::nullopt : std::optional<double>(static_cast<double>(days));
-  const auto serial = days < kLeapError ? days - 1 : days;
-  return serial < 0 ? std::nullopt : std::optional<double>(static_cast<double>(serial));
+  return date.ok() ? std::optional<double>(day_number(date, base)) : std::nullopt;
+}
+
+// Takes a number and the letter of its unit behind it; nothing when another unit follows.
+std::optional<double> take_amount(std::string_view& text, char unit) {
+  const std::size_t end = text.find_first_not_of("0123456789.");
+  if (end == std::string_view::npos || text[end] != unit) return std::nullopt;
+  const auto amount = parse_number(text.substr(0, end));
+  if (amount) text.remove_prefix(end + 1);
+  return amount;
+}
+
+// What stands behind the P of a duration. Years and months have no certain length.
+std::optional<double> parse_duration(std::string_view text) {
+  const auto days = take_amount(text, 'D');
+  double seconds = days.value_or(0) * 86400;
+  bool any = days.has_value();
+  if (take(text, 'T')) {
+    for (const auto& [unit, length] : {std::pair('H', 3600), std::pair('M', 60), std::pair('S', 1)})
+      if (const auto amount = take_amount(text, unit)) {
+        seconds += *amount * length;
+        any = true;
+      }
+  }
+  return any && text.empty() ? std::optional<double>(seconds / 86400) : std::nullopt;
 }
 
 // The part of a day.
@@ -73,10 +102,17 @@ std::optional<double> take_time(std::string_view& text) {
 
 }  // namespace
 
-std::optional<double> parse_iso_date(std::string_view text, bool date1904) {
+std::optional<double> parse_iso_date(std::string_view text, DateBase base) {
+  const bool negative = text.starts_with('-');
+  if (negative) text.remove_prefix(1);
+  if (take(text, 'P')) {
+    const auto duration = parse_duration(text);
+    return duration && negative ? -*duration : duration;
+  }
+  if (negative) return std::nullopt;
   double serial = 0;
   if (text.find('-') != std::string_view::npos) {
-    const auto date = take_date(text, date1904);
+    const auto date = take_date(text, base);
     if (!date) return std::nullopt;
     serial = *date;
     if (!text.empty() && !take(text, 'T')) return std::nullopt;

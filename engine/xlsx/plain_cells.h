@@ -7,6 +7,7 @@
 // reader that goes token by token.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -252,6 +253,53 @@ inline bool take_plain_row(const char*& at, int rows, int& row) {
   row = number - 1;
   at = end + 1;
   return true;
+}
+
+// Finds the next tag from `at` on that matters to a pass over cells which nobody wants: any but the
+// start tags of plain values and the end tags of what stands in a cell; `limit` when there is none.
+inline const char* find_notable_tag(const char* at, const char* limit) {
+#ifdef __SSE2__
+  const auto equal = [](const char* from, char c) {
+    return _mm_cmpeq_epi8(_mm_loadu_si128(reinterpret_cast<const __m128i*>(from)),
+                          _mm_set1_epi8(c));
+  };
+  for (; at < limit; at += 16) {
+    const __m128i value = _mm_and_si128(equal(at + 1, 'v'), equal(at + 2, '>'));
+    const __m128i end = _mm_andnot_si128(equal(at + 2, 'r'), equal(at + 1, '/'));
+    const auto found = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_andnot_si128(_mm_or_si128(value, end), equal(at, '<'))));
+    if (found != 0) return std::min(at + std::countr_zero(found), limit);
+  }
+  return limit;
+#else
+  const auto notable = [](const char* tag) {
+    return tag[1] == '/' ? tag[2] == 'r' : tag[1] != 'v' || tag[2] != '>';
+  };
+  while (at < limit && (*at != '<' || !notable(at))) ++at;
+  return at;
+#endif
+}
+
+// Goes behind the start tag of a formula of its own, of an inline text or of what that consists of,
+// and behind the end tag of a run.
+inline bool take_plain_content(const char*& at) {
+  constexpr Mark kFormula("<f");
+  constexpr Mark kRunEnd("</r");
+  constexpr std::array kOthers = {Mark("<is>"), Mark("<t>"), Mark("<t "), Mark("<r>")};
+  const char* end = at;
+  if (kFormula.take(end)) {
+    const std::string_view tag(end, 96);
+    const std::string_view attributes = tag.substr(0, tag.find('>'));
+    const bool own = attributes.size() < tag.size() && attributes.find(" t=") == attributes.npos;
+    if (!own || (*end != '>' && *end != ' ')) return false;
+    at = end;
+    return true;
+  }
+  if (kRunEnd.take(end) && (*end == '>' || *end == 'P')) {
+    at = end;
+    return true;
+  }
+  return std::ranges::any_of(kOthers, [&](const Mark& mark) { return mark.take(at); });
 }
 
 }  // namespace engine::xlsx

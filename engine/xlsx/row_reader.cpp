@@ -16,7 +16,6 @@
 #include "engine/package/xml_text.h"
 #include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
-#include "engine/xlsx/iso_date.h"
 #include "engine/xlsx/plain_cells.h"
 #include "engine/xlsx/stored_formula.h"
 #include "engine/xlsx/string_item.h"
@@ -117,7 +116,9 @@ class RowReader::Machine {
   std::uint32_t number_of_details(const std::string& details);
 
   void begin_row(int row);
+  void pass_plain_cells();
   void take_plain_cells();
+  void skip_plain_cells();
   bool store_plain(const PlainCell& plain);
   void read_cell();
   void read_cell_attributes();
@@ -172,8 +173,7 @@ void RowReader::Machine::read_row() {
   const std::uint32_t properties = read_row_attributes();
   begin_row(row_);
   if (properties != 0 && keeps_row_) sheet_.cells.row_at(row_).properties = properties;
-  children_.clear();
-  take_plain_cells();
+  pass_plain_cells();
   while (scanner_.next() != Token::End) {
     if (scanner_.token() != Token::Start) continue;
     if (scanner_.name() != "c") {
@@ -183,7 +183,7 @@ void RowReader::Machine::read_row() {
     read_cell();
     row_ = element_row_;
     keeps_row_ = filter_.keeps(row_);
-    take_plain_cells();
+    pass_plain_cells();
   }
   if (!children_.empty() && keeps_row_) keep_row_children();
 }
@@ -193,6 +193,7 @@ void RowReader::Machine::begin_row(int row) {
   column_ = -1;
   keeps_row_ = filter_.keeps(row);
   row_mark_ = RowMark(row);
+  children_.clear();
   target_ = nullptr;
 }
 
@@ -215,10 +216,10 @@ std::uint32_t RowReader::Machine::read_row_attributes() {
   for (XmlAttribute one; attributes.next(one);)
     if (!read_row_attribute(one, properties, any, custom_format, style))
       append_attribute(scratch_, one);
-  if (style && custom_format) properties.style = context_.format(*style);
+  if (custom_format) properties.style = context_.format(style.value_or(0));
+  if (!filter_.keeps(row_)) return 0;
   if (!scratch_.empty()) properties.details = number_of_details(scratch_);
   if (!any && !properties.style && properties.details == 0) return 0;
-  if (!filter_.keeps(row_)) return 0;
   sheet_.row_properties.push_back(properties);
   return static_cast<std::uint32_t>(sheet_.row_properties.size());
 }
@@ -268,10 +269,18 @@ std::uint32_t RowReader::Machine::number_of_details(const std::string& details) 
   return entry->second;
 }
 
-// Takes the cells that stand ahead in the form that nearly all have, and the borders between their
-// rows.
-void RowReader::Machine::take_plain_cells() {
+// Goes behind the cells that stand ahead in the form that nearly all have, and into the rows
+// behind.
+void RowReader::Machine::pass_plain_cells() {
   if (prefixed_) return;
+  for (bool kept = !keeps_row_; kept != keeps_row_;) {
+    kept = keeps_row_;
+    if (kept) take_plain_cells();
+    else skip_plain_cells();
+  }
+}
+
+void RowReader::Machine::take_plain_cells() {
   const std::string_view ahead = scanner_.ahead();
   const char* at = ahead.data();
   const char* const end = at + ahead.size();
@@ -288,6 +297,37 @@ void RowReader::Machine::take_plain_cells() {
     at = next;
   }
   scanner_.consume(static_cast<std::size_t>(at - ahead.data()));
+}
+
+// Passes over cells that are not kept. What matters all the same ends the pass in front of the cell
+// that holds it: a cell that names another row, a formula that others refer to, a comment, what is
+// not known.
+void RowReader::Machine::skip_plain_cells() {
+  constexpr Mark kRowEnd("</row>");
+  const std::string_view ahead = scanner_.ahead();
+  if (ahead.size() < kMaxPlainCell) return;
+  const char* passed = ahead.data();  // up to here only whole cells and rows
+  const char* const limit = passed + ahead.size() - kMaxPlainCell;
+  int next_column = column_;  // of the cell behind `passed`
+  int row = 0;
+  for (const char* at = passed; !keeps_row_ && (at = find_notable_tag(at, limit)) < limit;) {
+    const char* const tag = at;
+    int column = 0;
+    if (take_plain_address(at, row_mark_, column)) {
+      passed = tag;
+      column_ = std::exchange(next_column, column);
+    } else if (take_plain_row(at, grid_.rows, row)) {
+      passed = at;
+      begin_row(row);
+      next_column = column_;
+    } else if (kRowEnd.take(at)) {
+      passed = tag;
+      break;
+    } else if (!take_plain_content(at)) {
+      break;
+    }
+  }
+  scanner_.consume(static_cast<std::size_t>(passed - ahead.data()));
 }
 
 bool RowReader::Machine::store_plain(const PlainCell& plain) {
@@ -410,8 +450,12 @@ void RowReader::Machine::read_formula() {
   // One that begins outside of the rows that are read may fill cells of them all the same.
   const bool reaches_in =
       keeps_row_ || (!filter_.others && row_first <= filter_.last && row_last >= filter_.first);
-  if (many && cell_.extra.form != FormulaForm::kNormal && reaches_in)
-    sheet_.arrays.add(cell_.extra.range);
+  if (!many || cell_.extra.form == FormulaForm::kNormal || !reaches_in) return;
+  sheet_.arrays.add(cell_.extra.range);
+  if (keeps_row_ || cell_.extra.form != FormulaForm::kArray) return;
+  CellRecord record;
+  record.formula = cell_.formula;
+  sheet_.outer_arrays[{row_first, column_first}] = sheet_.keep_record(std::move(record));
 }
 
 // The text stands at the first cell of the group; the others have it moved by their distance. A
@@ -450,7 +494,7 @@ Value RowReader::Machine::value_of_cell() {
   }
   if (kind == "e") return Value::of_error(error_number(context_.workbook, value));
   if (kind != "d") fail("type \"" + std::string(kind.substr(0, 64)) + "\" is not known");
-  const auto date = parse_iso_date(value, context_.date1904);
+  const auto date = parse_iso_date(value, context_.dates);
   if (!date) fail("\"" + std::string(value.substr(0, 64)) + "\" is not a date");
   keep_date_text();
   return Value::of_number(*date);

@@ -12,6 +12,7 @@
 #include "engine/package/xml_scanner.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/workbook.h"
+#include "engine/xlsx/iso_date.h"
 #include "engine/xlsx/sheet_part.h"
 
 namespace engine::xlsx {
@@ -31,7 +32,7 @@ struct SheetContext {
   std::uint32_t shared_texts;  // number of entries in the book's list of shared texts
   std::uint32_t first_text;    // what the index of a text in the workbook's pool is counted from
   std::uint32_t formats;       // number of cell formats of the book
-  bool date1904 = false;
+  DateBase dates = DateBase::k1900;
 
   // A format that the book does not have is the first.
   std::uint32_t format(std::uint32_t style) const { return style < formats ? style : 0; }

@@ -37,8 +37,8 @@ void read_worksheet(package::BlockReader& reader, std::string_view part,
   }
   if (!found) tree.append(cells);
   remains.tree = package::XmlTree::parse(tree.append(end), part);
-  remains.tree.settle();
   read_elements(remains.tree.root(), {context, sheet, remains});
+  remains.tree.settle();
 }
 
 }  // namespace engine::xlsx

@@ -75,6 +75,46 @@ TEST(PartialLoad, KnowsArraysThatReachIn) {
   EXPECT_EQ(load_rows(1, 1, array("A1:B1"))->sheet().contents().arrays.find({0, 0}), nullptr);
 }
 
+// The same rows read whole and in part, in windows of every place and size: rows that are passed
+// over in one go, and what must be noticed in them all the same.
+TEST(PartialLoad, WindowsShowWhatTheWholeShows) {
+  constexpr std::string_view kPieces[] = {
+      R"(<row r="1"><c r="A1"><v>1</v></c><c r="B1" t="s"><v>1</v></c></row>)",
+      R"(<row r="2" spans="1:2"><c r="A2"><v>2</v></c><c r="C7"><v>27</v></c><c><v>3</v></c></row>)",
+      R"(<row r="3"><c r="A3"><f t="shared" ref="A3:A9" si="0">B1</f><v>1</v></c><!-- </row> -->)"
+      R"(<c r="B3" t="str"><v>own</v></c></row>)",
+      R"(<row><c r="A4"><f>1+1</f><v>2</v></c><c r="B4"><f ca="1">2+2</f><v>4</v></c></row>)",
+      "<row r=\"5\" />\n<row r=\"6\">\n<c r=\"A6\"><v>6</v></c>\n</row>\n",
+      R"(<row r="7"><c r="A7"><f t="shared" si="0"/></c><c r="D7" t="b"><v>1</v></c></row>)",
+      R"(<row r="8"><c s="0" r="A8"><v>8</v></c><c><v>88</v></c><c><f t="shared" ref="C8:C9" )"
+      R"(si="1">A1</f></c></row>)",
+      R"(<row r="9"><c r="A9" t="inlineStr"><is><r><t>a</t></r><r><rPr><b/></rPr><t>b</t></r></is>)"
+      R"(</c><c r="B9" t="str"><v><![CDATA[</row>]]></v></c><c r="C9"><f t="shared" si="1"/></c>)"
+      R"(</row>)",
+      R"(<row r="2"><c r="D2"><v>4</v></c><x><c r="A5"/></x></row>)",
+      R"(<row r="10"><c r="A10"><v>1</v><x><c r="A11"><v>5</v></c></x></c><c r="B10"/></row>)",
+  };
+  std::string rows;
+  for (const std::string_view piece : kPieces) rows.append(piece);
+  for (int row = 20; row < 40; ++row) {
+    const std::string name = std::to_string(row);
+    rows.append(R"(<row r=")" + name + R"("><c r="A)" + name + R"("><v>5</v></c></row>)");
+  }
+  const auto whole = load_rows(0, 1048575, rows);
+  for (int first = 0; first < 40; ++first)
+    for (int last = first; last < 40; ++last) {
+      const auto part = load_rows(first, last, rows);
+      std::size_t cells = 0;
+      for (int row = first; row <= last; ++row)
+        for (int column = 0; column < 5; ++column) {
+          ASSERT_EQ(part->show(row, column), whole->show(row, column))
+              << first << " " << last << ": " << row << " " << column;
+          cells += whole->sheet().contents().cells.find(row, column) != nullptr ? 1 : 0;
+        }
+      ASSERT_EQ(part->sheet().contents().cells.cell_count(), cells) << first << " " << last;
+    }
+}
+
 TEST(PartialLoad, FormulasOfTheOtherRowsFollow) {
   const auto book = load_rows(1, 1);
   {

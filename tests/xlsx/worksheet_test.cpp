@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "engine/workbook/metrics.h"
 #include "tests/xlsx/packages.h"
 
@@ -184,6 +186,105 @@ TEST(Worksheet, ColumnsAndRowsFollowTheModel) {
   EXPECT_THAT(saved, HasSubstr(R"(<row r="2" hidden="1" outlineLevel="2" collapsed="1"></row>)"
                                R"(<row r="8" ht="33"></row>)"));
   EXPECT_THAT(saved, HasSubstr(R"(outlineLevelRow="2" outlineLevelCol="1")"));
+}
+
+// A row that is to look like format 0 says so; else its empty places look like their columns.
+TEST(Worksheet, RowsMayHaveFormatZero) {
+  for (const char* attributes : {R"( s="0" customFormat="1")", R"( customFormat="1")"}) {
+    SCOPED_TRACE(attributes);
+    PartTexts parts = book_of(worksheet(R"(<row r="1")" + std::string(attributes) + "/>",
+                                        R"(<cols><col min="1" max="9" style="1"/></cols>)"));
+    for (int round = 0; round < 2; ++round) {
+      const auto book = load(parts);
+      Sheet& sheet = book->read();
+      const Row* row = sheet.contents().cells.find_row(0);
+      ASSERT_TRUE(row != nullptr);
+      EXPECT_EQ(sheet.contents().properties(*row)->style, 0u);
+      sheet.change();
+      parts = unzip(book->save());
+    }
+  }
+}
+
+TEST(Worksheet, ColumnsMayStandInAnyOrder) {
+  const auto book = load(book_of(worksheet(
+      {}, R"(<cols><col min="5" max="6" width="50" phonetic="1"/>)"
+          R"(<col min="1" max="1" width="10"/><col min="3" max="5" width="30"/></cols>)")));
+  Sheet& sheet = book->read();
+  ASSERT_EQ(sheet.contents().columns.size(), 3u);
+  EXPECT_EQ(sheet.contents().columns[0].width, 10);
+  EXPECT_EQ(sheet.contents().columns[1].width, 30);
+  EXPECT_EQ(sheet.contents().columns[2].width, 50);
+  sheet.change();
+  EXPECT_THAT(
+      unzip(book->save()).at("xl/worksheets/sheet1.xml"),
+      HasSubstr(R"(<cols><col min="1" max="1" width="10"/><col min="3" max="5" width="30"/>)"
+                R"(<col min="6" max="6" width="50" phonetic="1"/></cols>)"));
+}
+
+// Where a book renounces the compatible base of dates, day 0 is another day.
+TEST(Worksheet, DatesCountFromTheBaseOfTheBook) {
+  struct Case {
+    const char* settings;
+    const char* shown;
+  };
+  constexpr Case kCases[] = {
+      {"", "31."},
+      {R"(<workbookPr dateCompatibility="1"/>)", "31."},
+      {R"(<workbookPr dateCompatibility="0"/>)", "32."},
+      {R"(<workbookPr dateCompatibility="false" date1904="1"/>)", "-1430."},
+  };
+  for (const auto& [settings, shown] : kCases) {
+    SCOPED_TRACE(settings);
+    PartTexts parts = book_of(worksheet(R"(<row><c t="d"><v>1900-01-31</v></c></row>)"));
+    std::string& text = parts.at("xl/workbook.xml");
+    text.insert(text.find("<sheets>"), settings);
+    const auto book = load(parts);
+    book->read();
+    EXPECT_EQ(book->show(0, 0), shown);
+  }
+}
+
+// Numbers as files spell them, in cells that are taken as one piece: each must be the double that
+// the digits say.
+TEST(Worksheet, PlainNumbersAreExact) {
+  constexpr const char* kNumbers[] = {"0",
+                                      "-0.5",
+                                      "7",
+                                      "12345678",
+                                      "123456789",
+                                      "9007199254740992",
+                                      "9007199254740993",
+                                      "90071992547409931",
+                                      "1234567890123456789",
+                                      "0.1",
+                                      "5.",
+                                      ".5",
+                                      "0.12345678901234567",
+                                      "8.9999999999999982",
+                                      "99999999.99999999",
+                                      "524048569.5714286",
+                                      "-0.0000000000000001",
+                                      "123456789012345678901234567890.5",
+                                      "1E-7",
+                                      "-1.7976931348623157E+308",
+                                      "4.9406564584124654E-324",
+                                      "000000000000000000012"};
+  std::string rows;
+  for (int row = 1; const char* number : kNumbers) {
+    const std::string name = std::to_string(row++);
+    rows.append(R"(<row r=")" + name + R"("><c r="A)" + name + R"(" t="n"><v>)");
+    rows.append(number).append("</v></c></row>");
+  }
+  // The last cells of a block go the careful way, so there is something behind.
+  rows.append(R"(<row r="99"><c r="A99" t="str"><v>)" + std::string(300, 'x') + "</v></c></row>");
+  const auto book = load(book_of(worksheet(rows)));
+  const Sheet& sheet = book->read();
+  for (int row = 0; const char* number : kNumbers) {
+    const Cell* cell = sheet.contents().cells.find(row++, 0);
+    ASSERT_TRUE(cell != nullptr) << number;
+    EXPECT_EQ(cell->number, std::strtod(number, nullptr)) << number;
+  }
 }
 
 // Long enough for several blocks, with cells on both sides of every border.

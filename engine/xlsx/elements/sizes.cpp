@@ -63,9 +63,17 @@ void patch_default_sizes(pugi::xml_node root, const SheetPatching& from) {
   settle_attribute(format, "outlineLevelCol", std::to_string(columns), columns == 0);
 }
 
+// Some programs list columns in another order than their own; the tree is put in order as well, for
+// the writer. Of columns that several entries tell of the first of these counts.
 void read_columns(pugi::xml_node element, const SheetReading& to) {
+  const auto first = [](pugi::xml_node node) { return node.attribute("min").as_int(); };
+  std::vector<pugi::xml_node> nodes = package::children(element, Family::Main, "col");
+  if (!std::ranges::is_sorted(nodes, {}, first)) {
+    std::ranges::stable_sort(nodes, {}, first);
+    for (const pugi::xml_node node : nodes) element.append_move(node);
+  }
   std::vector<ColumnProperties>& columns = to.sheet.columns;
-  for (const pugi::xml_node node : package::children(element, Family::Main, "col")) {
+  for (const pugi::xml_node node : nodes) {
     ColumnProperties one;
     one.first = node.attribute("min").as_int() - 1;
     one.last =
