@@ -16,12 +16,10 @@ void give(T* out, T value) {
 
 }  // namespace
 
-bool SheetObject::check_cell(int row, int column) const {
+bool SheetObject::refuse_cell(int row, int column) const {
   const Grid& grid = limits().grid;
   if (row < 0 || row >= grid.rows) return book_.refuse(false, messages::row(row, grid));
-  if (column < 0 || column >= grid.columns)
-    return book_.refuse(false, messages::column(column, grid));
-  return true;
+  return book_.refuse(false, messages::column(column, grid));
 }
 
 bool SheetObject::check_format(const libxl::Format* format, Style* style) const {
@@ -33,8 +31,7 @@ bool SheetObject::check_format(const libxl::Format* format, Style* style) const 
   return true;
 }
 
-bool SheetObject::check_loaded(int row) const {
-  if (sheet_->loading != Loading::kPartly) return true;
+bool SheetObject::find_loaded(int row) const {
   const CellRange& rows = sheet_->loaded_rows;
   if (row >= rows.row_first && row <= rows.row_last) return true;
   return book_.refuse(false, messages::row_not_loaded(row, sheet_->name));
@@ -44,10 +41,6 @@ bool SheetObject::check_writable(int row, int column) const {
   if (!check_loaded(row)) return false;
   const CellRange* array = contents().arrays.find({row, column});
   return !array || book_.refuse(false, messages::part_of_array({row, column}, *array));
-}
-
-bool SheetObject::enter_cell(int row, int column) const {
-  return enter() && check_cell(row, column) && check_loaded(row);
 }
 
 bool SheetObject::check_write(int row, int column, const libxl::Format* format,

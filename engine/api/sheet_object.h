@@ -71,19 +71,32 @@ class SheetObject final : public UnsupportedSheet {
 
   // Steps of an operation, in the order in which refusals are told. Each sets the message.
   bool enter() const { return book_.enter(!sheet_, "sheet"); }
-  bool check_cell(int row, int column) const;
+  bool check_cell(int row, int column) const {
+    const Grid& grid = limits().grid;
+    if (row >= 0 && row < grid.rows && column >= 0 && column < grid.columns) [[likely]]
+      return true;
+    return refuse_cell(row, column);
+  }
   bool check_format(const libxl::Format* format, Style* style) const;
-  bool check_loaded(int row) const;
+  bool check_loaded(int row) const {
+    if (sheet_->loading != Loading::kPartly) [[likely]]
+      return true;
+    return find_loaded(row);
+  }
   // What follows the arguments of a write: the row is loaded, the cell stands in no array.
   bool check_writable(int row, int column) const;
   // The steps before an operation looks at a cell, and those before it writes one.
-  bool enter_cell(int row, int column) const;
+  bool enter_cell(int row, int column) const {
+    return enter() && check_cell(row, column) && check_loaded(row);
+  }
   bool check_write(int row, int column, const libxl::Format* format, Style* style) const;
   bool check_error(int error) const;
   bool check_comments() const;
   bool check_pixels(std::string_view property, int pixels) const;
 
   void refuse_unsupported(std::string_view operation) const override;
+  bool refuse_cell(int row, int column) const;
+  bool find_loaded(int row) const;
   void refuse_kind(int row, int column, ValueKind holds, ValueKind wanted) const;
 
   void give_format(const Cell* cell, int row, int column, libxl::Format** format) const;

@@ -62,6 +62,15 @@ struct Cell {
 };
 static_assert(sizeof(Cell) == 16 && std::is_trivially_copyable_v<Cell>);
 
+// What a cell without a record shows.
+inline Value value_of(const Cell& cell) {
+  static_assert(static_cast<int>(ValueKind::kError) == static_cast<int>(CellKind::kError));
+  Value value;
+  value.bits = cell.bits;
+  value.kind = static_cast<ValueKind>(cell.kind);
+  return value;
+}
+
 enum class FormulaForm : std::uint8_t { kNormal, kArray, kDataTable };
 
 // What few cells have.

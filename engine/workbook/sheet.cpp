@@ -7,30 +7,6 @@
 
 namespace engine {
 
-Value SheetContents::value(const Cell& cell) const {
-  Value value;
-  switch (cell.kind) {
-    case CellKind::kBlank:
-      return value;
-    case CellKind::kNumber:
-      value.kind = ValueKind::kNumber;
-      break;
-    case CellKind::kText:
-      value.kind = ValueKind::kText;
-      break;
-    case CellKind::kBoolean:
-      value.kind = ValueKind::kBoolean;
-      break;
-    case CellKind::kError:
-      value.kind = ValueKind::kError;
-      break;
-    case CellKind::kRecord:
-      return records_[cell.index()].value;
-  }
-  value.bits = cell.bits;
-  return value;
-}
-
 const CellRecord* SheetContents::record(const Cell& cell) const {
   return cell.kind == CellKind::kRecord ? &records_[cell.index()] : nullptr;
 }

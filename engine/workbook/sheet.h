@@ -86,7 +86,9 @@ class SheetContents {
   Comments comments;
 
   // What the cell shows, through its record if it has one.
-  Value value(const Cell& cell) const;
+  Value value(const Cell& cell) const {
+    return cell.kind == CellKind::kRecord ? records_[cell.index()].value : value_of(cell);
+  }
   const CellRecord* record(const Cell& cell) const;
   CellRecord* record(const Cell& cell);
   bool is_formula(const Cell& cell) const;
