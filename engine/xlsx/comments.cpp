@@ -19,6 +19,10 @@ constexpr std::string_view kEmptyPart =
     "<comments xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\">"
     "<authors/><commentList/></comments>";
 
+// The part names an author once and each comment in memory again: together they may take so many
+// times the part's size, which no real name comes near to.
+constexpr std::size_t kAuthorRoom = 16;
+
 std::optional<CellAddress> cell_of(pugi::xml_node comment) {
   const auto cell = formula::parse_cell(comment.attribute("ref").value());
   if (!cell) return std::nullopt;
@@ -29,11 +33,11 @@ std::optional<CellAddress> cell_of(pugi::xml_node comment) {
 std::string plain_text(pugi::xml_node rich) {
   std::string text;
   for (const pugi::xml_node node : rich.children()) {
-    if (package::is(node, Family::Main, "t")) text.append(node.text().get());
+    if (package::is(node, Family::Main, "t")) text.append(unescape(node.text().get()));
     if (package::is(node, Family::Main, "r"))
-      text.append(package::child(node, Family::Main, "t").text().get());
+      text.append(unescape(package::child(node, Family::Main, "t").text().get()));
   }
-  return unescape(text);
+  return text;
 }
 
 std::vector<std::string> authors_of(pugi::xml_node root) {
@@ -109,6 +113,7 @@ void read_comments(std::string_view xml, std::string_view part, Comments& commen
   const pugi::xml_node root = root_of(document, part);
   const std::vector<std::string> authors = authors_of(root);
   const pugi::xml_node list = package::child(root, Family::Main, "commentList");
+  std::size_t room = kAuthorRoom * xml.size();
   for (const pugi::xml_node node : package::children(list, Family::Main, "comment")) {
     const auto cell = cell_of(node);
     if (!cell) package::throw_damaged(part, "a comment without a cell");
@@ -116,6 +121,8 @@ void read_comments(std::string_view xml, std::string_view part, Comments& commen
     note.text = plain_text(package::child(node, Family::Main, "text"));
     const unsigned author = node.attribute("authorId").as_uint();
     if (author < authors.size()) note.author = authors[author];
+    if (note.author.size() > room) package::throw_damaged(part, "names of authors are too long");
+    room -= note.author.size();
     comments.insert_or_assign(*cell, std::move(note));
   }
 }
@@ -142,13 +149,14 @@ std::string write_threads(std::string_view stored, std::string_view part, const 
                           const Comments& as_read) {
   const auto document = package::XmlTree::parse(stored, part);
   pugi::xml_node root = document.root();
+  bool changed = false;
   for (pugi::xml_node node = root.first_child(); node;) {
     const pugi::xml_node next = node.next_sibling();
     const auto cell = cell_of(node);
-    if (cell && !is_as_read(comments, as_read, *cell)) root.remove_child(node);
+    if (cell && !is_as_read(comments, as_read, *cell)) changed |= root.remove_child(node);
     node = next;
   }
-  return document.serialize();
+  return changed ? document.serialize() : std::string(stored);
 }
 
 }  // namespace engine::xlsx

@@ -296,9 +296,8 @@ struct Prefixes {
     }
   }
 
-  // Markup of ours, which is in the usual prefixes.
-  std::string apply(std::string_view markup) const {
-    std::string made;
+  // Appends markup of ours, which is in the usual prefixes.
+  void append(std::string& out, std::string_view markup) const {
     while (!markup.empty()) {
       const std::size_t colon = markup.find(':');
       if (colon == std::string_view::npos) break;
@@ -308,12 +307,12 @@ struct Prefixes {
       const bool prefixed =
           usual != std::end(kVmlNamespaces) &&
           std::string_view("</ ").find(markup[letter - 1]) != std::string_view::npos;
-      made.append(markup.substr(0, prefixed ? letter : colon));
-      if (prefixed) made.append(names[static_cast<std::size_t>(usual - kVmlNamespaces)]);
-      made.push_back(':');
+      out.append(markup.substr(0, prefixed ? letter : colon));
+      if (prefixed) out.append(names[static_cast<std::size_t>(usual - kVmlNamespaces)]);
+      out.push_back(':');
       markup.remove_prefix(colon + 1);
     }
-    return made.append(markup);
+    out.append(markup);
   }
 
   std::array<std::string, std::size(kVmlNamespaces)> names;
@@ -395,17 +394,19 @@ std::string write_notes_drawing(std::string_view stored, const SheetContents& sh
 
   ShapeIds ids(drawing, clusters);
   const Boxes boxes(sheet, grid);
+  const Prefixes prefixes(*drawing.root);
   std::string added;
   int z_index = static_cast<int>(shown.size());
-  for (const auto& [cell, note] : sheet.comments)
-    if (!shown.contains(cell)) added.append(boxes.make(cell, note, ids.next(), ++z_index));
+  for (const auto& [cell, note] : sheet.comments) {
+    if (shown.contains(cell)) continue;
+    if (added.empty() && !drawing.has_box_type) prefixes.append(added, kBoxType);
+    prefixes.append(added, boxes.make(cell, note, ids.next(), ++z_index));
+  }
   if (!added.empty()) {
     const VmlTag& root = drawing.root->tag;
-    const Prefixes prefixes(*drawing.root);
     const std::size_t behind_name = root.begin + 1 + root.name.size();
     edits.push_back({behind_name, behind_name, prefixes.declarations});
-    if (!drawing.has_box_type) added.insert(0, kBoxType);
-    edits.push_back(at_end(drawing, prefixes.apply(added)));
+    edits.push_back(at_end(drawing, std::move(added)));
   }
   if (drawing.map) {
     const auto begin = static_cast<std::size_t>(drawing.map->data() - drawing.text.data());

@@ -52,7 +52,7 @@ TEST(XmlTree, RefusesHostileText) {
   std::string many = "<a>";
   for (int i = 0; i < 2000000; ++i) many += "<b/>";
   std::string wide = "<a";
-  for (int i = 0; i < 3000000; ++i) wide += " b=''";
+  for (int i = 0; i < 300; ++i) wide += " b=''";
   const struct {
     std::string text;
     const char* error;
@@ -67,7 +67,7 @@ TEST(XmlTree, RefusesHostileText) {
       {std::string("<a/>\0<b", 7), "zero byte"},
       {deep, "nests too deep"},
       {many + "</a>", "holds too many elements"},
-      {wide + "/>", "holds too many elements or attributes"},
+      {wide + "/>", "an element has too many attributes"},
   };
   for (const auto& [text, error] : cases) {
     try {
