@@ -169,6 +169,7 @@ bool BookObject::save(const wchar_t* path, bool) {
   return book_.attempt(
       false,
       [&] {
+        book_.document().settle_tables(book_.workbook());
         package::FileOutput output(target);
         book_.document().save(book_.workbook(), options, output);
         output.commit();
@@ -184,6 +185,7 @@ bool BookObject::saveRaw(const char** data, unsigned* size) {
   options.as_template = book_.workbook().is_template;
   saved_.reset();
   return book_.attempt(false, [&] {
+    book_.document().settle_tables(book_.workbook());
     auto output = std::make_unique<package::MemoryOutput>();
     book_.document().save(book_.workbook(), options, *output);
     saved_ = std::move(output);

@@ -13,10 +13,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/formula/interval.h"
@@ -192,5 +194,19 @@ std::optional<std::string> with_tables(const Formula& formula,
 // book; nothing when all are.
 std::optional<std::string> unknown_sheet(const Formula& formula,
                                          const std::function<bool(std::string_view)>& known);
+// New names of columns of tables.
+class ColumnChanges {
+ public:
+  void add(std::string_view table, std::string_view name, std::string renamed);
+  // The new name; null for a column that keeps its own.
+  const std::string* find(std::string_view table, std::string_view name) const;
+  bool empty() const { return renamed_.empty(); }
+
+ private:
+  std::map<std::pair<std::string, std::string>, std::string> renamed_;  // by both names, folded
+};
+
+// After columns of tables were renamed.
+std::optional<std::string> with_columns(const Formula& formula, const ColumnChanges& changes);
 
 }  // namespace engine::formula

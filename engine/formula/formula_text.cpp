@@ -80,6 +80,12 @@ std::optional<std::string> change_tables_text(std::string_view text,
   return made ? made : changed;
 }
 
+std::optional<std::string> change_columns_text(std::string_view text, const ColumnChanges& changes,
+                                               const Grid& grid) {
+  if (text.find('[') == std::string_view::npos) return std::nullopt;
+  return change(text, grid, [&](const Formula& formula) { return with_columns(formula, changes); });
+}
+
 std::vector<SheetRange> ranges_of_text(std::string_view text, const Grid& grid) {
   const std::optional<Formula> formula = parse(text, ParseOptions::of_book(grid));
   if (!formula) return {};

@@ -38,6 +38,9 @@ std::optional<std::string> change_tables_text(std::string_view text,
                                               std::span<const TableChange> changes,
                                               const Grid& grid);
 
+std::optional<std::string> change_columns_text(std::string_view text, const ColumnChanges& changes,
+                                               const Grid& grid);
+
 // A range together with the sheet its prefix names; `sheet` is empty without a prefix.
 struct SheetRange {
   std::string sheet;

@@ -1,4 +1,5 @@
-// What happens to the references to tables when these are renamed, copied or deleted.
+// What happens to the references to tables and their columns when these are renamed, copied or
+// deleted.
 #include <algorithm>
 
 #include "engine/formula/edits.h"
@@ -19,6 +20,44 @@ std::optional<std::size_t> end_of_table_name(const Formula& formula, const Node&
   return bracket == 0 ? std::nullopt : std::optional(leaf.begin + bracket);
 }
 
+// Characters that mean something inside of brackets.
+constexpr std::string_view kSpecial = "[]#'@";
+
+std::string quoted_column(std::string_view name) {
+  std::string text;
+  for (const char c : name) {
+    if (kSpecial.find(c) != std::string_view::npos) text.push_back('\'');
+    text.push_back(c);
+  }
+  return text;
+}
+
+std::string unquoted_column(std::string_view text) {
+  std::string name;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\'' && i + 1 < text.size()) ++i;
+    name.push_back(text[i]);
+  }
+  return name;
+}
+
+// Calls back with begin and end of each column's name between the brackets of `text`.
+template <class Use>
+void for_each_column(std::string_view text, std::size_t begin, std::size_t end, Use use) {
+  std::size_t name = 0;  // behind the innermost bracket that is open, else 0
+  for (std::size_t at = begin; at < end; ++at) {
+    if (text[at] == '\'') {
+      ++at;
+    } else if (text[at] == '[') {
+      name = at + 1;
+      if (text[name] == '@') ++name;
+    } else if (text[at] == ']') {
+      if (name != 0 && name < at && text[name] != '#') use(name, at);
+      name = 0;
+    }
+  }
+}
+
 }  // namespace
 
 std::optional<std::string> with_tables(const Formula& formula,
@@ -34,6 +73,31 @@ std::optional<std::string> with_tables(const Formula& formula,
     if (change == changes.end()) continue;
     if (change->renamed) edits.replace(node.begin, *end, *change->renamed);
     else edits.replace(node.begin, node.end, "#REF!");
+  }
+  return edits.apply(formula.text);
+}
+
+void ColumnChanges::add(std::string_view table, std::string_view name, std::string renamed) {
+  renamed_.insert_or_assign({fold_case(table), fold_case(name)}, std::move(renamed));
+}
+
+const std::string* ColumnChanges::find(std::string_view table, std::string_view name) const {
+  const auto found = renamed_.find({fold_case(table), fold_case(name)});
+  return found == renamed_.end() ? nullptr : &found->second;
+}
+
+std::optional<std::string> with_columns(const Formula& formula, const ColumnChanges& changes) {
+  Edits edits;
+  for (const Node& node : formula.nodes) {
+    const auto bracket = end_of_table_name(formula, node);
+    if (!bracket || node.kind != NodeKind::kStructured) continue;
+    const std::string_view text = formula.text;
+    const auto table = text.substr(node.begin, *bracket - node.begin);
+    for_each_column(text, *bracket, node.end, [&](std::size_t begin, std::size_t end) {
+      const std::string name = unquoted_column(text.substr(begin, end - begin));
+      if (const std::string* renamed = changes.find(table, name))
+        edits.replace(begin, end, quoted_column(*renamed));
+    });
   }
   return edits.apply(formula.text);
 }

@@ -90,6 +90,10 @@ class Document {
   // pivot sources. Sheets must have been read before.
   virtual void edit_formulas(Workbook& /*book*/, const FormulaEdit& /*edit*/) {}
 
+  // Brings into agreement what a file says twice, before it is written: the headers of tables and
+  // the names of their columns, which formulas use. Like an operation it changes all or nothing.
+  virtual void settle_tables(Workbook& /*book*/) {}
+
   // Writes the whole book. Neither book nor document changes: saving again gives the same bytes.
   virtual void save(const Workbook& book, const SaveOptions& options, package::Output& output) = 0;
 };

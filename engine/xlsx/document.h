@@ -38,6 +38,7 @@ class Document : public engine::Document {
   std::vector<Table> tables(const Workbook& book, const Sheet& sheet) const override;
   std::optional<std::string> shown_formula(const Workbook& book,
                                            std::string_view formula) const override;
+  void settle_tables(Workbook& book) override;
   void begin_sheet(const Workbook& book, Sheet& sheet) override;
   std::vector<formula::TableChange> copy_sheet(const Workbook& book, const Sheet& original,
                                                Sheet& copy) override;
@@ -67,6 +68,10 @@ class Document : public engine::Document {
   const SheetPart& part_of(const Sheet& sheet) const { return sheets_.at(&sheet); }
   // Throws before it changes anything.
   void remove_part(const SheetPart& gone);
+  std::vector<TablePart>& tables_of(const Workbook& book, const SheetPart& sheet) const;
+  std::vector<std::optional<std::string>> changed_headers(const Workbook& book, const Sheet& sheet,
+                                                          const TablePart& table) const;
+  void read_readable_sheets(Workbook& book);
   void edit_carried(Workbook& book, const FormulaEdit& edit, const SheetPart* gone);
 
   Parts parts_;

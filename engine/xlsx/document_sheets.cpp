@@ -110,23 +110,4 @@ void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edi
   sheets_.erase(&sheet);
 }
 
-// A table that cannot be read is none that formulas are known to mean.
-std::vector<Table> Document::tables(const Workbook& book, const Sheet& sheet) const {
-  std::vector<Table> all;
-  const SheetPart& remains = part_of(sheet);
-  for (const Relationship& one : parts_.relationships(remains.part)) {
-    const Part* part = one.kind() == "table" ? parts_.target(remains.part, one) : nullptr;
-    if (!part) continue;
-    try {
-      const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
-      const pugi::xml_node root = tree.root();
-      const auto cells = formula::parse_range(root.attribute("ref").value(), book.limits.grid);
-      if (cells) all.push_back({unescape(root.attribute("displayName").value()), *cells});
-    } catch (const package::FileError&) {
-      continue;
-    }
-  }
-  return all;
-}
-
 }  // namespace engine::xlsx

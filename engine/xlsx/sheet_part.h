@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
@@ -16,6 +17,7 @@
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/parts.h"
+#include "engine/xlsx/table_part.h"
 
 namespace engine::xlsx {
 
@@ -37,6 +39,9 @@ struct SheetPart {
   std::uint64_t text_cells = 0;  // cells that name a shared text in the file
   std::uint64_t formulas = 0;    // what formulas_of() gave when the sheet was read
   bool selected = false;         // the tab, in the file
+
+  // Its tables that can be read, once somebody asked for them.
+  mutable std::optional<std::vector<TablePart>> tables;
 
   // As they were read: those that the sheet still has are written as the file has them.
   Comments comments;

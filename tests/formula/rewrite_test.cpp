@@ -157,6 +157,21 @@ TEST(Tables, RenamedOrDeleted) {
   check(kCases, [&](const char* text) { return change_tables_text(text, changes, kGrid); });
 }
 
+TEST(Tables, RenamedColumns) {
+  ColumnChanges changes;
+  changes.add("Sales", "Net", "Sum");
+  changes.add("sales", "a#'b", "[c] d");
+  constexpr Change kCases[] = {
+      {"SUM(Sales[Net])", "SUM(Sales[Sum])"},
+      {"sales[[#This Row],[NET]]*Sales[[#Headers],[Net]:[Gross]]",
+       "sales[[#This Row],[Sum]]*Sales[[#Headers],[Sum]:[Gross]]"},
+      {"Sales[a'#''b]+Sales[[a'#''b]]", "Sales['[c'] d]+Sales[['[c'] d]]"},
+      {"Sales[@Net]+Sales[@[Net]]", "Sales[@Sum]+Sales[@[Sum]]"},
+      {"Sales2[Net]+Sales[#All]+Sales['#All]+Sales[]", nullptr},
+      {"Net+[1]!Sales[Net]+\"Sales[Net]\"", nullptr},
+  };
+  check(kCases, [&](const char* text) { return change_columns_text(text, changes, kGrid); });
+}
 TEST(Sheets, AreAskedForByName) {
   const auto formula =
       parse("Data!A1+'it''s'!B1+DATA!C1+SUM(X:Y!A1)+[1]Z!A1+[b]Z!A1+#REF!A1+Q!Rate", kGrid);

@@ -1,0 +1,38 @@
+// Tables: the part that says which cells are one, and the names of its columns.
+//
+// A column's name stands twice in a file, in this part and as the text of its header cell, and
+// programs take a file in which the two differ for damaged. Formulas call columns by these names.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/formula/reference.h"
+
+namespace engine::xlsx {
+
+struct TablePart {
+  std::string part;  // its name
+  std::string name;  // by which formulas call it
+  CellRange cells;   // header and totals included
+  bool has_header = true;
+  std::vector<std::string> columns;
+};
+
+// Nothing when the part tells no range. Throws FileError when it is damaged.
+std::optional<TablePart> read_table(std::string_view bytes, std::string_view part,
+                                    const Grid& grid);
+
+// The names that columns get from their header cells: nothing for a header that was left alone,
+// whose column keeps its name. As spreadsheet programs do, an empty header makes Column1 or the
+// next number that is free, and one that is taken gets a number behind: Net, Net2, Net3.
+std::vector<std::string> column_names(const std::vector<std::string>& present,
+                                      const std::vector<std::optional<std::string>>& headers);
+
+// The part with other names for its columns. Throws FileError when it is damaged.
+std::string rename_columns(std::string_view bytes, std::string_view part,
+                           const std::vector<std::string>& names);
+
+}  // namespace engine::xlsx
