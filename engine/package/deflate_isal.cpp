@@ -1,5 +1,7 @@
-// Deflate with ISA-L at its first level, the one with a hash table: about ten times as fast as
-// zlib's first at the same size.
+// Deflate with ISA-L at its first two levels, which know the places of earlier text by a hash:
+// about five times as fast as zlib's first and never larger. The second level's table is larger,
+// which saves a tenth on running text and costs next to nothing, but has to be cleared for each
+// part.
 #include <isa-l/crc.h>
 #include <isa-l/igzip_lib.h>
 #include <zlib.h>
@@ -16,6 +18,8 @@ namespace {
 // The library counts in 32 bits.
 constexpr std::size_t kMaxStep = std::size_t{1} << 30;
 
+constexpr std::size_t kLeastForSecondLevel = std::size_t{1} << 16;
+
 // The library's interface does not know const; it only reads its input.
 std::uint8_t* input(const char* bytes) {
   return const_cast<std::uint8_t*>(reinterpret_cast<const std::uint8_t*>(bytes));
@@ -25,7 +29,7 @@ std::uint8_t* input(const char* bytes) {
 
 struct Deflater::State {
   isal_zstream stream;
-  std::array<std::uint8_t, ISAL_DEF_LVL1_DEFAULT> level;
+  std::array<std::uint8_t, ISAL_DEF_LVL2_DEFAULT> level;
   std::array<std::uint8_t, 64 * 1024> packed;
 };
 
@@ -36,7 +40,7 @@ void Deflater::pack(std::string_view bytes, Ending ending, std::string& out) {
   if (!state_) state_ = std::make_unique_for_overwrite<State>();
   auto& stream = state_->stream;
   isal_deflate_init(&stream);
-  stream.level = 1;
+  stream.level = bytes.size() < kLeastForSecondLevel ? 1 : 2;
   stream.level_buf = state_->level.data();
   stream.level_buf_size = static_cast<std::uint32_t>(state_->level.size());
   stream.flush = ending == Ending::Joint ? FULL_FLUSH : NO_FLUSH;

@@ -87,20 +87,8 @@ bool are_utf8_blocks(std::string_view text) {
 }  // namespace
 
 void append_utf8(std::string& out, std::uint32_t code) {
-  const auto put = [&](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); };
-  if (code < 0x80) return put(code);
-  if (code < 0x800) {
-    put(0xC0 | (code >> 6));
-  } else {
-    if (code < 0x10000) {
-      put(0xE0 | (code >> 12));
-    } else {
-      put(0xF0 | (code >> 18));
-      put(0x80 | ((code >> 12) & 0x3F));
-    }
-    put(0x80 | ((code >> 6) & 0x3F));
-  }
-  put(0x80 | (code & 0x3F));
+  std::array<char, kMaxUtf8> bytes{};
+  out.append(bytes.data(), put_utf8(bytes.data(), code));
 }
 
 std::size_t decode_utf8(const char* at, const char* end, std::uint32_t& code) {

@@ -23,7 +23,31 @@ constexpr std::uint32_t join_surrogates(std::uint32_t high, std::uint32_t low) {
   return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
 }
 
-// Appends a character, which must be none of the surrogates and at most U+10FFFF.
+// The most bytes that a character takes.
+inline constexpr std::size_t kMaxUtf8 = 4;
+
+// Writes a character, which must be none of the surrogates and at most U+10FFFF, and returns the
+// end.
+inline char* put_utf8(char* out, std::uint32_t code) {
+  const auto put = [&](std::uint32_t byte) { *out++ = static_cast<char>(byte); };
+  if (code < 0x80) {
+    put(code);
+    return out;
+  }
+  if (code < 0x800) {
+    put(0xC0 | (code >> 6));
+  } else {
+    if (code < 0x10000) {
+      put(0xE0 | (code >> 12));
+    } else {
+      put(0xF0 | (code >> 18));
+      put(0x80 | ((code >> 12) & 0x3F));
+    }
+    put(0x80 | ((code >> 6) & 0x3F));
+  }
+  put(0x80 | (code & 0x3F));
+  return out;
+}
 void append_utf8(std::string& out, std::uint32_t code);
 
 // The number of bytes of the character at `at`, which becomes `code`; 0 when they are not UTF-8.

@@ -18,6 +18,22 @@ namespace {
 // Wide text has 32 bits an element, whatever sign they have.
 std::uint32_t unit_of(wchar_t element) { return std::bit_cast<std::uint32_t>(element); }
 
+// Copies a text as far as it is ASCII and tells how far. The blocks, each of a known length, are
+// what the compiler makes vector instructions of.
+std::size_t narrow_ascii(const wchar_t* text, std::size_t size, char* out) {
+  constexpr std::size_t kBlock = 16;
+  std::size_t done = 0;
+  for (; done + kBlock <= size; done += kBlock) {
+    std::uint32_t all = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) all |= unit_of(text[done + i]);
+    if (all >= 0x80) break;
+    for (std::size_t i = 0; i < kBlock; ++i) out[done + i] = static_cast<char>(text[done + i]);
+  }
+  for (; done < size && unit_of(text[done]) < 0x80; ++done)
+    out[done] = static_cast<char>(text[done]);
+  return done;
+}
+
 void append_wide(std::uint32_t code, wchar_t*& out) {
   if (code < 0x10000) {
     *out++ = static_cast<wchar_t>(code);
@@ -98,24 +114,25 @@ void widen_mixed(const char*& at, const char* end, wchar_t*& out) {
 }  // namespace
 
 void to_utf8(const wchar_t* text, std::string& utf8) {
-  utf8.clear();
-  if (!text) return;
-  // Most texts are ASCII from end to end.
-  utf8.resize(std::wcslen(text));
-  char* out = utf8.data();
-  for (; *text > 0 && *text < 0x80; ++text) *out++ = static_cast<char>(*text);
-  if (*text == 0) return;
-  utf8.resize(static_cast<std::size_t>(out - utf8.data()));
-  for (; *text != 0; ++text) {
-    std::uint32_t code = unit_of(*text);
-    if (is_high_surrogate(code) && is_low_surrogate(unit_of(text[1]))) {
-      code = join_surrogates(code, unit_of(text[1]));
-      ++text;
-    } else if (is_surrogate(code) || code > 0x10FFFF) {
-      code = kReplacementCharacter;
+  const std::size_t size = text ? std::wcslen(text) : 0;
+  utf8.resize(size);
+  const std::size_t ascii = narrow_ascii(text, size, utf8.data());
+  if (ascii == size) return;
+  utf8.resize(ascii + (size - ascii) * kMaxUtf8);
+  char* out = utf8.data() + ascii;
+  for (const wchar_t* at = text + ascii; *at != 0; ++at) {
+    std::uint32_t code = unit_of(*at);
+    if (code < 0x80) {
+      *out++ = static_cast<char>(code);
+      continue;
     }
-    append_utf8(utf8, code);
+    if (code >= 0x800 && (is_surrogate(code) || code > 0x10FFFF)) {
+      const bool pair = is_high_surrogate(code) && is_low_surrogate(unit_of(at[1]));
+      code = pair ? join_surrogates(code, unit_of(*++at)) : kReplacementCharacter;
+    }
+    out = put_utf8(out, code);
   }
+  utf8.resize(static_cast<std::size_t>(out - utf8.data()));
 }
 
 std::string to_utf8(const wchar_t* text) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "engine/package/xml_text.h"
 #include "engine/text/utf8.h"
 
 namespace engine::xlsx {
@@ -53,16 +54,30 @@ std::optional<std::uint32_t> unit_to_escape(std::string_view text) {
   return std::nullopt;
 }
 
-}  // namespace
-
-bool needs_escape(std::string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    const bool suspect = byte < ' ' || byte == '_' || byte == 0xEF;
-    if (suspect && unit_to_escape(text.substr(i))) return true;
-  }
-  return false;
+// All bits for a character that either layer may have to write in another way, else none.
+constexpr unsigned char special_bits(char c) {
+  const auto byte = static_cast<unsigned char>(c);
+  // Arithmetic, not a choice: the compiler makes vector instructions of nothing else.
+  const int bits = -int{byte < ' '} | -int{byte == '&'} | -int{byte == '<'} | -int{byte == '>'} |
+                   -int{byte == '_'} | -int{byte == 0xEF};
+  return static_cast<unsigned char>(bits);
 }
+
+// The length of a text up to its first special character.
+std::size_t plain_length(std::string_view text) {
+  constexpr std::size_t kBlock = 32;
+  std::size_t at = 0;
+  for (; at + kBlock <= text.size(); at += kBlock) {
+    unsigned char special = 0;
+    for (std::size_t i = 0; i < kBlock; ++i)
+      special = static_cast<unsigned char>(special | special_bits(text[at + i]));
+    if (special != 0) break;
+  }
+  while (at < text.size() && special_bits(text[at]) == 0) ++at;
+  return at;
+}
+
+}  // namespace
 
 std::string escape(std::string_view text) {
   std::string out;
@@ -74,6 +89,19 @@ std::string escape(std::string_view text) {
     text.remove_prefix(unit && *unit >= 0xFFFE ? 3 : 1);
   }
   return out;
+}
+
+void append_text(std::string& out, std::string_view text) {
+  for (;;) {
+    const std::size_t plain = plain_length(text);
+    out.append(text, 0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) return;
+    const auto unit = unit_to_escape(text);
+    if (unit) append_escaped(out, *unit);
+    else package::append_xml_text(out, text.substr(0, 1));
+    text.remove_prefix(unit && *unit >= 0xFFFE ? 3 : 1);
+  }
 }
 
 std::string unescape(std::string_view text) {

@@ -12,9 +12,10 @@
 
 namespace engine::xlsx {
 
-// Whether escape() would change the text.
-bool needs_escape(std::string_view text);
 std::string escape(std::string_view text);
+
+// Appends a text as the content of an element: escaped, and XML's own escapes on top.
+void append_text(std::string& out, std::string_view text);
 
 // Two escaped surrogates in sequence are one character, a lone one is U+FFFD.
 std::string unescape(std::string_view text);

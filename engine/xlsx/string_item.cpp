@@ -72,8 +72,7 @@ void append_string_item(std::string& out, std::string_view text) {
   const bool preserve = !text.empty() && (is_blank(text.front()) || is_blank(text.back()) ||
                                           text.find('\n') != std::string_view::npos);
   out.append(preserve ? "<si><t xml:space=\"preserve\">" : "<si><t>");
-  if (needs_escape(text)) package::append_xml_text(out, escape(text));
-  else package::append_xml_text(out, text);
+  append_text(out, text);
   out.append("</t></si>");
 }
 

@@ -78,11 +78,6 @@ char* put_count(char* at, std::uint32_t number) {
   return write_integer(at, static_cast<long long>(number));
 }
 
-void append_escaped(std::string& out, std::string_view text) {
-  if (needs_escape(text)) package::append_xml_text(out, escape(text));
-  else package::append_xml_text(out, text);
-}
-
 char* put_text_value(char* at, std::uint32_t number) {
   at = put(at, " t=\"s\"><v>");
   return put(put_count(at, number), "</v></c>");
@@ -370,7 +365,7 @@ void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const RowNumb
         break;
       }
       out.end(put(at, " t=\"str\"><v>"));
-      append_escaped(out.direct(), text_of(run, cell.index()));
+      append_text(out.direct(), text_of(run, cell.index()));
       at = put(out.begin(), "</v></c>");
       break;
     case CellKind::kError:
@@ -435,7 +430,7 @@ void WorksheetText::write_value(std::string& out, const RowRun& run, const Value
       append_number(out, value.number);
       break;
     case ValueKind::kText:
-      append_escaped(out, text_of(run, value.text()));
+      append_text(out, text_of(run, value.text()));
       break;
     case ValueKind::kBoolean:
       out.push_back(value.boolean() ? '1' : '0');

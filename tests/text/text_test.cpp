@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 #include "engine/text/fold.h"
 #include "engine/text/utf8.h"
 #include "engine/text/wide.h"
@@ -37,6 +39,41 @@ TEST(Text, PassesBetweenWideAndUtf8) {
     EXPECT_EQ(to_wide(utf8), given_back);
     EXPECT_EQ(engine::utf16_length(utf8), to_wide(utf8).size());
   }
+}
+
+// Texts are taken in blocks as long as they are ASCII.
+TEST(Text, PassesWhereverTheFirstCharacterBeyondAsciiStands) {
+  for (std::size_t before = 0; before < 40; ++before) {
+    const std::wstring wide = std::wstring(before, L'a') + L"\xE4\x20AC\xD83D\xDE00\x7F z";
+    const std::string utf8 = std::string(before, 'a') + "ä€😀\x7F z";
+    EXPECT_EQ(to_utf8(wide.c_str()), utf8);
+    EXPECT_EQ(to_wide(utf8), wide);
+  }
+}
+
+// The two ways of reading UTF-8 agree on every sequence of up to four bytes that matters: each lead
+// with continuations at and beside their bounds.
+TEST(Text, TellsUtf8FromOtherBytes) {
+  constexpr unsigned char kFollowing[] = {0x00, 0x7F, 0x80, 0x8F, 0x90,
+                                          0x9F, 0xA0, 0xBF, 0xC0, 0xFF};
+  int valid = 0;
+  for (int lead = 0; lead < 256; ++lead)
+    for (const unsigned char second : kFollowing)
+      for (const unsigned char third : kFollowing)
+        for (const unsigned char fourth : kFollowing) {
+          const unsigned char bytes[] = {static_cast<unsigned char>(lead), second, third, fourth};
+          const std::string text(std::begin(bytes), std::end(bytes));
+          std::size_t at = 0;
+          std::uint32_t code = 0;
+          std::size_t size = 1;
+          for (; at < text.size() && size != 0; at += size)
+            size = engine::decode_utf8(text.data() + at, text.data() + text.size(), code);
+          ASSERT_EQ(engine::is_utf8(text), size != 0)
+              << lead << " " << int{second} << " " << int{third};
+          ASSERT_EQ(engine::is_utf8("12345678" + text + "12345678"), size != 0);
+          if (size != 0) ++valid;
+        }
+  EXPECT_EQ(valid, 3688);  // as a decoder of another making counts them
 }
 
 TEST(Text, ReplacesBytesThatAreNotUtf8) {

@@ -29,8 +29,31 @@ TEST(Escapes, GoThereAndBack) {
   for (const auto& [text, escaped] : kCases) {
     SCOPED_TRACE(escaped);
     EXPECT_EQ(escape(text), escaped);
-    EXPECT_EQ(needs_escape(text), text != escaped);
     EXPECT_EQ(unescape(escaped), text);
+  }
+}
+
+// Both layers in one pass, wherever in a long text the character stands.
+TEST(Escapes, AreWrittenWithThoseOfXml) {
+  constexpr std::pair<const char*, const char*> kCases[] = {
+      {"&", "&amp;"},
+      {"<>", "&lt;&gt;"},
+      {"\r", "_x000D_"},
+      {"\t\n\"'", "\t\n\"'"},
+      {"_", "_"},
+      {"_x0041_", "_x005F_x0041_"},
+      {"\xEF\xBF\xBF", "_xFFFF_"},
+      {"\uFF0C", "\uFF0C"},
+      {"\x01&", "_x0001_&amp;"},
+  };
+  for (const auto& [text, written] : kCases) {
+    for (std::size_t before = 0; before < 70; ++before) {
+      for (const std::size_t behind : {0, 40}) {
+        std::string out = ">";
+        append_text(out, std::string(before, 'a') + text + std::string(behind, 'z'));
+        EXPECT_EQ(out, ">" + std::string(before, 'a') + written + std::string(behind, 'z'));
+      }
+    }
   }
 }
 
