@@ -46,15 +46,19 @@ class StringPool {
   struct Entry {
     const char* data;
     std::uint32_t length;
-    std::uint32_t hash;  // 0 until the index by hash is made
+  };
+  // Beside the number the hash, so that only equal texts are looked at.
+  struct Bucket {
+    std::uint32_t hash = 0;
+    std::uint32_t entry = 0;  // number plus one; 0 is free
   };
 
   const char* keep(std::string_view text);
-  void make_index(std::size_t buckets);
-  void enter(std::uint32_t index);
+  void make_room();
+  static void enter(std::vector<Bucket>& buckets, Bucket bucket);
 
   std::vector<Entry> entries_;
-  std::vector<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
+  std::vector<Bucket> buckets_;  // open addressing, a power of two; none until the first new text
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   std::size_t room_ = 0;
