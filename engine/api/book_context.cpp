@@ -65,13 +65,6 @@ SheetObject* BookContext::sheet_object(Sheet& sheet) {
   return place->second;
 }
 
-bool BookContext::change_default_font(FontChange change) {
-  return attempt(false, [&] {
-    engine::change_default_font(workbook(), document(), std::move(change));
-    return true;
-  });
-}
-
 void BookContext::exchange(BookContents contents) noexcept {
   for (FormatObject* format : formats_)
     if (format) format->detach();
@@ -92,23 +85,27 @@ void BookContext::detach(const Sheet& sheet) noexcept {
   sheets_.erase(found);
 }
 
-void BookContext::refuse_entry(bool detached, std::string_view thing) {
-  refuse(detached ? messages::gone(thing) : messages::only_information());
+void BookContext::refuse_entry(const std::string_view* gone) {
+  refuse(gone ? messages::gone(*gone) : messages::only_information());
 }
 
 // Called while an exception is handled.
-void BookContext::refuse_exception(std::string_view target) {
+void BookContext::refuse_exception() {
   try {
     throw;
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const package::FileTargetError& error) {
-    refuse(messages::file(target) + error.what());
   } catch (const package::FileError& error) {
     refuse(contents_.source + error.what());
-  } catch (const std::exception& error) {
+  } catch (const package::SizeError& error) {
     refuse(error.what());
+  } catch (const std::exception& error) {
+    refuse(messages::unexpected(error.what()));
   }
+}
+
+void BookPart::refuse_unsupported(std::string_view operation) const {
+  run([&] { book_.refuse(messages::not_supported(operation)); });
 }
 
 }  // namespace engine::api

@@ -1,12 +1,10 @@
 // What all objects of a book share: its contents, its message, and the objects handed out.
 //
-// Every operation begins by entering the context, which sets the message to "ok", and either is
-// done, answers, or refuses: return book.refuse(false, messages::empty("font name")). Objects are
-// made when they are first asked for and stay allocated as long as the book. Contents that are
-// replaced or removed go at once; the objects that stood for them are detached and refuse all.
-//
-// A FormatObject or FontObject is constructed from the context and the number of its list entry; it
-// has book(), index(), detached() and a detach() that does not throw.
+// The body of every operation runs inside the context's guard, run() or run_always(): nothing else
+// begins an operation, and no exception but std::bad_alloc gets past it. A body is done, answers,
+// or refuses: return book.refuse(false, messages::empty("font name")). Objects are made when they
+// are first asked for and stay allocated as long as the book. Contents that are replaced or removed
+// go at once; the objects that stood for them are detached and refuse all.
 #pragma once
 
 #include <cstddef>
@@ -15,11 +13,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "engine/workbook/codec.h"
-#include "engine/workbook/default_font.h"
 #include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
 
@@ -47,9 +45,44 @@ class BookContext {
   BookContext(const BookContext&) = delete;
   BookContext& operator=(const BookContext&) = delete;
 
+  // Runs the body of an operation and gives what it gives. Where the object has left the book or
+  // only the book's information was loaded the body does not run; then, and when the body throws,
+  // the message tells why and the result is `failure`. Short memory passes, as it does from every
+  // operation. `gone` is what messages call the object if it has left the book, else null.
+  template <class Failure, class Body>
+  std::invoke_result_t<Body&> run(const std::string_view* gone, Failure failure, Body&& body) {
+    return run_always(failure, [&]() -> std::invoke_result_t<Body&> {
+      if (gone || contents_.info_only) [[unlikely]] {
+        refuse_entry(gone);
+        return failure;
+      }
+      return body();
+    });
+  }
+  // The same of an operation without a result.
+  template <class Body>
+  void run(const std::string_view* gone, Body&& body) {
+    run(gone, false, [&] { return body(), true; });
+  }
+
+  // The same of an operation that works on a book of which only the information was loaded, too.
+  template <class Failure, class Body>
+  std::invoke_result_t<Body&> run_always(Failure failure, Body&& body) {
+    refused_ = false;
+    try {
+      return body();
+    } catch (...) {
+      refuse_exception();
+      return failure;
+    }
+  }
+  template <class Body>
+  void run_always(Body&& body) {
+    run_always(false, [&] { return body(), true; });
+  }
+
   // The message. The text of a refusal is made before anything is set, so that short memory leaves
   // the message at "ok".
-  void begin() { refused_ = false; }
   const char* message() const { return refused_ ? message_.c_str() : "ok"; }
   void refuse(std::string text) {
     message_ = std::move(text);
@@ -61,28 +94,6 @@ class BookContext {
     return failure;
   }
 
-  // Enters an operation on an object. False, with the message set, when the object has left the
-  // book or only the book's information was loaded. `thing` is what messages call the object.
-  bool enter(bool detached, std::string_view thing) {
-    refused_ = false;
-    if (!detached && !contents_.info_only) [[likely]]
-      return true;
-    refuse_entry(detached, thing);
-    return false;
-  }
-
-  // Runs what may fail because of a file; the failure becomes the message. Short memory passes, as
-  // it does from every operation. `target` is the file that is written, if one is.
-  template <class T, class Body>
-  T attempt(T failure, Body&& body, std::string_view target = {}) {
-    try {
-      return body();
-    } catch (...) {
-      refuse_exception(target);
-      return failure;
-    }
-  }
-
   // What all books of this one's kind have in common.
   const Codec& codec() const { return codec_; }
   BookContents& contents() { return contents_; }
@@ -90,7 +101,6 @@ class BookContext {
   Document& document() { return *contents_.document; }
   // Reused by every formula that is parsed.
   formula::Formula& formula() { return formula_; }
-  bool info_only() const { return contents_.info_only; }
 
   // Whether colours are given as red, green and blue rather than as palette indices.
   bool rgb_mode() const { return rgb_mode_; }
@@ -111,18 +121,14 @@ class BookContext {
   void prepare_font_object();
   SheetObject* sheet_object(Sheet& sheet);
 
-  // Changes font 0, by which columns are measured; false, with the message set, when a sheet that
-  // has to follow is damaged.
-  bool change_default_font(FontChange change);
-
   // Replaces the contents and detaches every object of the former ones.
   void exchange(BookContents contents) noexcept;
   // Detaches the object of a sheet that leaves the book.
   void detach(const Sheet& sheet) noexcept;
 
  private:
-  void refuse_entry(bool detached, std::string_view thing);
-  void refuse_exception(std::string_view target);
+  [[gnu::cold]] void refuse_entry(const std::string_view* gone);
+  [[gnu::cold]] void refuse_exception();
   FormatObject* make_format_object(std::uint32_t index);
 
   const Codec& codec_;
@@ -140,6 +146,36 @@ class BookContext {
   std::vector<std::unique_ptr<FormatObject>> all_formats_;
   std::vector<std::unique_ptr<FontObject>> all_fonts_;
   std::vector<std::unique_ptr<SheetObject>> all_sheets_;
+};
+
+// What a book hands out. It refuses everything once it has left the book.
+class BookPart {
+ public:
+  BookPart(const BookPart&) = delete;
+  BookPart& operator=(const BookPart&) = delete;
+
+  BookContext& book() const { return book_; }
+  bool detached() const { return detached_; }
+  void detach() noexcept { detached_ = true; }
+
+ protected:
+  // `thing` is what messages call the object.
+  BookPart(BookContext& book, std::string_view thing) : book_(book), thing_(thing) {}
+  ~BookPart() = default;
+
+  // Every operation of the object is a run(failure, body) or, without a result, a run(body).
+  template <class... Operation>
+  decltype(auto) run(Operation&&... operation) const {
+    return book_.run(detached_ ? &thing_ : nullptr, std::forward<Operation>(operation)...);
+  }
+  // An operation that the engine does not do yet.
+  void refuse_unsupported(std::string_view operation) const;
+
+  BookContext& book_;
+
+ private:
+  const std::string_view thing_;
+  bool detached_ = false;
 };
 
 }  // namespace engine::api

@@ -43,23 +43,18 @@ bool BookObject::take_rows(int first, int last, std::optional<CellRange>* rows) 
 
 bool BookObject::load_with(std::string_view operation, const LoadRequest& request) {
   if (!book_.codec().load) return book_.refuse(false, messages::not_supported(operation));
-  return book_.attempt(
-      false,
-      [&] {
-        BookContents contents;
-        try {
-          contents = load_contents(book_.codec(), request);
-          if (!choose_sheet(request, contents)) return false;
-        } catch (const package::FileTargetError&) {
-          throw;
-        } catch (const package::FileError& error) {
-          return book_.refuse(false, source_name(request) + error.what());
-        }
-        saved_.reset();
-        book_.exchange(std::move(contents));
-        return true;
-      },
-      request.temp_path);
+  BookContents contents;
+  try {
+    contents = load_contents(book_.codec(), request);
+    if (!choose_sheet(request, contents)) return false;
+  } catch (const package::FileTargetError& error) {
+    return book_.refuse(false, messages::file(request.temp_path) + error.what());
+  } catch (const package::FileError& error) {
+    return book_.refuse(false, source_name(request) + error.what());
+  }
+  saved_.reset();
+  book_.exchange(std::move(contents));
+  return true;
 }
 
 bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents) {
@@ -81,55 +76,60 @@ bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents
 }
 
 bool BookObject::load(const wchar_t* path, const wchar_t* tempFile) {
-  book_.begin();
-  LoadRequest request;
-  request.path = to_utf8(path);
-  request.temp_path = to_utf8(tempFile);
-  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-  return load_with("load", request);
+  return book_.run_always(false, [&] {
+    LoadRequest request;
+    request.path = to_utf8(path);
+    request.temp_path = to_utf8(tempFile);
+    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+    return load_with("load", request);
+  });
 }
 
 bool BookObject::loadRaw(const char* data, unsigned size, int sheetIndex, int firstRow,
                          int lastRow) {
-  book_.begin();
-  if (!data || size == 0) return book_.refuse(false, messages::empty("workbook data"));
-  LoadRequest request;
-  request.bytes = {data, size};
-  if (sheetIndex != -1) {
-    request.sheet = sheetIndex;
-    if (firstRow >= 0 && !take_rows(firstRow, lastRow, &request.rows)) return false;
-  }
-  return load_with("loadRaw", request);
+  return book_.run_always(false, [&] {
+    if (!data || size == 0) return book_.refuse(false, messages::empty("workbook data"));
+    LoadRequest request;
+    request.bytes = {data, size};
+    if (sheetIndex != -1) {
+      request.sheet = sheetIndex;
+      if (firstRow >= 0 && !take_rows(firstRow, lastRow, &request.rows)) return false;
+    }
+    return load_with("loadRaw", request);
+  });
 }
 
 bool BookObject::loadSheet(const wchar_t* path, int sheetIndex, const wchar_t* tempFile) {
-  book_.begin();
-  LoadRequest request;
-  request.path = to_utf8(path);
-  request.temp_path = to_utf8(tempFile);
-  request.sheet = sheetIndex;
-  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-  return load_with("loadSheet", request);
+  return book_.run_always(false, [&] {
+    LoadRequest request;
+    request.path = to_utf8(path);
+    request.temp_path = to_utf8(tempFile);
+    request.sheet = sheetIndex;
+    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+    return load_with("loadSheet", request);
+  });
 }
 
 bool BookObject::loadPartially(const wchar_t* path, int sheetIndex, int firstRow, int lastRow,
                                const wchar_t* tempFile) {
-  book_.begin();
-  LoadRequest request;
-  request.path = to_utf8(path);
-  request.temp_path = to_utf8(tempFile);
-  request.sheet = sheetIndex;
-  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-  return take_rows(firstRow, lastRow, &request.rows) && load_with("loadPartially", request);
+  return book_.run_always(false, [&] {
+    LoadRequest request;
+    request.path = to_utf8(path);
+    request.temp_path = to_utf8(tempFile);
+    request.sheet = sheetIndex;
+    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+    return take_rows(firstRow, lastRow, &request.rows) && load_with("loadPartially", request);
+  });
 }
 
 bool BookObject::loadInfo(const wchar_t* path) {
-  book_.begin();
-  LoadRequest request;
-  request.path = to_utf8(path);
-  request.info_only = true;
-  if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-  return load_with("loadInfo", request);
+  return book_.run_always(false, [&] {
+    LoadRequest request;
+    request.path = to_utf8(path);
+    request.info_only = true;
+    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
+    return load_with("loadInfo", request);
+  });
 }
 
 // Saving.
@@ -155,36 +155,36 @@ void BookObject::settle_calculation() {
 }
 
 bool BookObject::save(const wchar_t* path, bool) {
-  if (!enter()) return false;
-  const std::string target = to_utf8(path);
-  if (target.empty()) return book_.refuse(false, messages::empty("file name"));
-  if (!check_savable("save")) return false;
-  settle_calculation();
-  // A file that was filled from a template and is saved as a workbook is one.
-  const FileEnding* ending = ending_of(target, book_.codec());
-  const bool dropped = book_.contents().template_from_file && ending && !ending->is_template;
-  SaveOptions options;
-  if (ending) options.with_macros = ending->with_macros;
-  options.as_template = book_.workbook().is_template && !dropped;
-  return book_.attempt(
-      false,
-      [&] {
-        book_.document().settle_tables(book_.workbook());
-        package::FileOutput output(target);
-        book_.document().save(book_.workbook(), options, output);
-        output.commit();
-        return true;
-      },
-      target);
+  return run(false, [&] {
+    const std::string target = to_utf8(path);
+    if (target.empty()) return book_.refuse(false, messages::empty("file name"));
+    if (!check_savable("save")) return false;
+    settle_calculation();
+    // A file that was filled from a template and is saved as a workbook is one.
+    const FileEnding* ending = ending_of(target, book_.codec());
+    const bool dropped = book_.contents().template_from_file && ending && !ending->is_template;
+    SaveOptions options;
+    if (ending) options.with_macros = ending->with_macros;
+    options.as_template = book_.workbook().is_template && !dropped;
+    try {
+      book_.document().settle_tables(book_.workbook());
+      package::FileOutput output(target);
+      book_.document().save(book_.workbook(), options, output);
+      output.commit();
+      return true;
+    } catch (const package::FileTargetError& error) {
+      return book_.refuse(false, messages::file(target) + error.what());
+    }
+  });
 }
 
 bool BookObject::saveRaw(const char** data, unsigned* size) {
-  if (!enter() || !check_savable("saveRaw")) return false;
-  settle_calculation();
-  SaveOptions options;
-  options.as_template = book_.workbook().is_template;
-  saved_.reset();
-  return book_.attempt(false, [&] {
+  return run(false, [&] {
+    if (!check_savable("saveRaw")) return false;
+    settle_calculation();
+    SaveOptions options;
+    options.as_template = book_.workbook().is_template;
+    saved_.reset();
     book_.document().settle_tables(book_.workbook());
     auto output = std::make_unique<package::MemoryOutput>();
     book_.document().save(book_.workbook(), options, *output);

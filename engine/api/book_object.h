@@ -6,6 +6,7 @@
 
 #include "engine/api/book_context.h"
 #include "engine/api/book_files.h"
+#include "engine/api/messages.h"
 #include "engine/package/output.h"
 #include "platform/libxl/libxl.h"
 
@@ -80,8 +81,18 @@ class BookObject final : public libxl::Book {
  private:
   ~BookObject() = default;
 
-  // Operations that do not enter work on a book of which only the information was loaded, too.
-  bool enter() const { return book_.enter(false, "book"); }
+  // Every operation is a run(failure, body) or, without a result, a run(body); book_.run_always
+  // those that work on a book of which only the information was loaded, too.
+  template <class... Operation>
+  decltype(auto) run(Operation&&... operation) const {
+    return book_.run(nullptr, std::forward<Operation>(operation)...);
+  }
+  // An operation that the engine does not do yet.
+  template <class T>
+  T unsupported(T failure, std::string_view name) const {
+    return run(failure, [&] { return book_.refuse(failure, messages::not_supported(name)); });
+  }
+
   bool check_index(std::string_view thing, int index, std::size_t count) const;
   bool check_sheet_index(int index) const;
   bool check_sheet_name(const std::string& name) const;
@@ -95,13 +106,6 @@ class BookObject final : public libxl::Book {
   bool choose_sheet(const LoadRequest& request, BookContents& contents);
   void settle_calculation();
   libxl::Sheet* insert(std::size_t position, const wchar_t* name, const libxl::Sheet* original);
-
-  void refuse_unsupported(std::string_view operation) const;
-  template <class T>
-  T unsupported(T failure, std::string_view operation) const {
-    refuse_unsupported(operation);
-    return failure;
-  }
 
   // Operations that only ask are const in the interface but set the message and may read a sheet.
   mutable BookContext book_;

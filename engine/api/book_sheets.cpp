@@ -72,17 +72,18 @@ bool BookObject::check_original(const libxl::Sheet* original, const Sheet** shee
 }
 
 libxl::Sheet* BookObject::addSheet(const wchar_t* name, libxl::Sheet* initSheet) {
-  return enter() ? insert(book_.workbook().sheets.size(), name, initSheet) : nullptr;
+  return run(nullptr, [&] { return insert(book_.workbook().sheets.size(), name, initSheet); });
 }
 
 libxl::Sheet* BookObject::insertSheet(int index, const wchar_t* name, libxl::Sheet* initSheet) {
-  if (!enter()) return nullptr;
-  const std::size_t count = book_.workbook().sheets.size();
-  if (index < 0 || static_cast<std::size_t>(index) > count) {
-    const auto last = static_cast<int>(count);
-    return book_.refuse(nullptr, messages::out_of_range("sheet position", index, 0, last));
-  }
-  return insert(static_cast<std::size_t>(index), name, initSheet);
+  return run(nullptr, [&]() -> libxl::Sheet* {
+    const std::size_t count = book_.workbook().sheets.size();
+    if (index < 0 || static_cast<std::size_t>(index) > count) {
+      const auto last = static_cast<int>(count);
+      return book_.refuse(nullptr, messages::out_of_range("sheet position", index, 0, last));
+    }
+    return insert(static_cast<std::size_t>(index), name, initSheet);
+  });
 }
 
 libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
@@ -95,55 +96,57 @@ libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
     return book_.refuse(nullptr, messages::sheet_partly_loaded(model->name));
   if (workbook.sheets.size() >= workbook.limits.sheets)
     return book_.refuse(nullptr, messages::too_many("sheets", workbook.limits.sheets));
-  return book_.attempt<libxl::Sheet*>(nullptr, [&] {
-    NewSheet made = model ? make_copy(workbook, book_.document(), *model, std::move(text))
-                          : make_sheet(workbook, book_.document(), std::move(text));
-    make_room(workbook, made);
-    SheetObject* object = book_.sheet_object(*made.sheet);
-    place_sheet(workbook, book_.document(), position, std::move(made));
-    if (model) book_.contents().values_changed = true;
-    return object;
-  });
+  NewSheet made = model ? make_copy(workbook, book_.document(), *model, std::move(text))
+                        : make_sheet(workbook, book_.document(), std::move(text));
+  make_room(workbook, made);
+  SheetObject* object = book_.sheet_object(*made.sheet);
+  place_sheet(workbook, book_.document(), position, std::move(made));
+  if (model) book_.contents().values_changed = true;
+  return object;
 }
 
 libxl::Sheet* BookObject::getSheet(int index) const {
-  if (!enter() || !check_sheet_index(index)) return nullptr;
-  Workbook& workbook = book_.workbook();
-  Sheet& sheet = *workbook.sheets[static_cast<std::size_t>(index)];
-  if (sheet.kind != SheetKind::kWorksheet)
-    return book_.refuse(nullptr, messages::not_worksheet(index));
-  if (sheet.loading == Loading::kExcluded)
-    return book_.refuse(nullptr, messages::sheet_not_loaded(sheet.name));
-  return book_.attempt<libxl::Sheet*>(nullptr, [&] {
+  return run(nullptr, [&]() -> libxl::Sheet* {
+    if (!check_sheet_index(index)) return nullptr;
+    Workbook& workbook = book_.workbook();
+    Sheet& sheet = *workbook.sheets[static_cast<std::size_t>(index)];
+    if (sheet.kind != SheetKind::kWorksheet)
+      return book_.refuse(nullptr, messages::not_worksheet(index));
+    if (sheet.loading == Loading::kExcluded)
+      return book_.refuse(nullptr, messages::sheet_not_loaded(sheet.name));
     if (sheet.loading == Loading::kUnread) book_.document().read_sheet(workbook, sheet);
     return book_.sheet_object(sheet);
   });
 }
 
 const wchar_t* BookObject::getSheetName(int index) const {
-  book_.begin();
-  if (!check_sheet_index(index)) return nullptr;
-  return book_.give(book_.workbook().sheets[static_cast<std::size_t>(index)]->name);
+  return book_.run_always(nullptr, [&]() -> const wchar_t* {
+    if (!check_sheet_index(index)) return nullptr;
+    return book_.give(book_.workbook().sheets[static_cast<std::size_t>(index)]->name);
+  });
 }
 
 libxl::SheetType BookObject::sheetType(int index) const {
-  book_.begin();
-  if (!check_sheet_index(index)) return libxl::SheetUnknown;
-  return type_of(book_.workbook().sheets[static_cast<std::size_t>(index)]->kind);
+  return book_.run_always(libxl::SheetUnknown, [&] {
+    if (!check_sheet_index(index)) return libxl::SheetUnknown;
+    return type_of(book_.workbook().sheets[static_cast<std::size_t>(index)]->kind);
+  });
 }
 
 bool BookObject::moveSheet(int srcIndex, int dstIndex) {
-  if (!enter() || !check_sheet_index(srcIndex) || !check_sheet_index(dstIndex)) return false;
-  move_sheet(book_.workbook(), static_cast<std::size_t>(srcIndex),
-             static_cast<std::size_t>(dstIndex));
-  if (srcIndex != dstIndex) book_.contents().values_changed = true;
-  return true;
+  return run(false, [&] {
+    if (!check_sheet_index(srcIndex) || !check_sheet_index(dstIndex)) return false;
+    move_sheet(book_.workbook(), static_cast<std::size_t>(srcIndex),
+               static_cast<std::size_t>(dstIndex));
+    if (srcIndex != dstIndex) book_.contents().values_changed = true;
+    return true;
+  });
 }
 
 bool BookObject::delSheet(int index) {
-  if (!enter() || !check_sheet_index(index)) return false;
-  const auto position = static_cast<std::size_t>(index);
-  return book_.attempt(false, [&] {
+  return run(false, [&] {
+    if (!check_sheet_index(index)) return false;
+    const auto position = static_cast<std::size_t>(index);
     book_.detach(*delete_sheet(book_.workbook(), book_.document(), position));
     book_.contents().values_changed = true;
     return true;
@@ -151,24 +154,21 @@ bool BookObject::delSheet(int index) {
 }
 
 int BookObject::sheetCount() const {
-  book_.begin();
-  return static_cast<int>(book_.workbook().sheets.size());
+  return book_.run_always(0, [&] { return static_cast<int>(book_.workbook().sheets.size()); });
 }
 
 int BookObject::activeSheet() const {
-  book_.begin();
-  return static_cast<int>(book_.workbook().active_sheet);
+  return book_.run_always(0, [&] { return static_cast<int>(book_.workbook().active_sheet); });
 }
 
 void BookObject::setActiveSheet(int index) {
-  if (!enter() || !check_sheet_index(index)) return;
-  Workbook& workbook = book_.workbook();
-  const auto position = static_cast<std::size_t>(index);
-  if (workbook.sheets[position]->visibility != SheetVisibility::kVisible)
-    return book_.refuse(messages::sheet_hidden(index));
-  book_.attempt(false, [&] {
+  run([&] {
+    if (!check_sheet_index(index)) return;
+    Workbook& workbook = book_.workbook();
+    const auto position = static_cast<std::size_t>(index);
+    if (workbook.sheets[position]->visibility != SheetVisibility::kVisible)
+      return book_.refuse(messages::sheet_hidden(index));
     activate_sheet(workbook, book_.document(), position);
-    return true;
   });
 }
 

@@ -8,14 +8,11 @@
 
 namespace engine::api {
 
-class FontObject final : public libxl::Font {
+class FontObject final : public libxl::Font, public BookPart {
  public:
-  FontObject(BookContext& book, std::uint32_t index) : book_(book), index_(index) {}
+  FontObject(BookContext& book, std::uint32_t index) : BookPart(book, "font"), index_(index) {}
 
-  BookContext& book() const { return book_; }
   std::uint32_t index() const { return index_; }
-  bool detached() const { return detached_; }
-  void detach() noexcept { detached_ = true; }
 
   int size() const override;
   void setSize(int size) override;
@@ -35,15 +32,12 @@ class FontObject final : public libxl::Font {
   bool setName(const wchar_t* name) override;
 
  private:
-  bool enter() const { return book_.enter(detached_, "font"); }
   const FontRecord& record() const { return book_.workbook().styles.font(index_); }
   FontRecord& change(unsigned aspects) {
     return book_.workbook().styles.change_font(index_, aspects);
   }
 
-  BookContext& book_;
   const std::uint32_t index_;
-  bool detached_ = false;
 };
 
 }  // namespace engine::api

@@ -33,118 +33,145 @@ libxl::Color FormatObject::number(const Color& color, int absent) const {
 // Font and number format.
 
 libxl::Font* FormatObject::font() const {
-  return enter() ? book_.font_object(styles().font_of(index_)) : nullptr;
+  return run(nullptr, [&] { return book_.font_object(styles().font_of(index_)); });
 }
 
 bool FormatObject::setFont(libxl::Font* font) {
-  if (!enter()) return false;
-  std::uint32_t chosen = 0;
-  if (font) {
-    const auto& object = static_cast<const FontObject&>(*font);
-    if (&object.book() != &book_) return book_.refuse(false, messages::foreign("font"));
-    if (object.detached()) return book_.refuse(false, messages::gone("font"));
-    chosen = object.index();
-  }
-  change(kFormatFont).font = chosen;
-  return true;
+  return run(false, [&] {
+    std::uint32_t chosen = 0;
+    if (font) {
+      const auto& object = static_cast<const FontObject&>(*font);
+      if (&object.book() != &book_) return book_.refuse(false, messages::foreign("font"));
+      if (object.detached()) return book_.refuse(false, messages::gone("font"));
+      chosen = object.index();
+    }
+    change(kFormatFont).font = chosen;
+    return true;
+  });
 }
 
 int FormatObject::numFormat() const {
-  return enter() ? static_cast<int>(record().number_format) : 0;
+  return run(0, [&] { return static_cast<int>(record().number_format); });
 }
 
 void FormatObject::setNumFormat(int numFormat) {
-  if (!enter()) return;
-  if (numFormat < 0 || !styles().is_number_format(static_cast<std::uint32_t>(numFormat)))
-    return book_.refuse(messages::unknown("number format", numFormat));
-  change(kFormatNumber).number_format = static_cast<std::uint32_t>(numFormat);
+  run([&] {
+    if (numFormat < 0 || !styles().is_number_format(static_cast<std::uint32_t>(numFormat)))
+      return book_.refuse(messages::unknown("number format", numFormat));
+    change(kFormatNumber).number_format = static_cast<std::uint32_t>(numFormat);
+  });
 }
 
 // Alignment.
 
 libxl::AlignH FormatObject::alignH() const {
-  return enter() ? static_cast<libxl::AlignH>(record().alignment.horizontal) : libxl::AlignHGeneral;
+  return run(libxl::AlignHGeneral,
+             [&] { return static_cast<libxl::AlignH>(record().alignment.horizontal); });
 }
 
 void FormatObject::setAlignH(libxl::AlignH align) {
-  if (!enter() || !check("horizontal alignment", align, libxl::AlignHDistributed)) return;
-  change(kFormatAlignment).alignment.horizontal = static_cast<std::uint8_t>(align);
+  run([&] {
+    if (!check("horizontal alignment", align, libxl::AlignHDistributed)) return;
+    change(kFormatAlignment).alignment.horizontal = static_cast<std::uint8_t>(align);
+  });
 }
 
 libxl::AlignV FormatObject::alignV() const {
-  return enter() ? static_cast<libxl::AlignV>(record().alignment.vertical) : libxl::AlignVBottom;
+  return run(libxl::AlignVBottom,
+             [&] { return static_cast<libxl::AlignV>(record().alignment.vertical); });
 }
 
 void FormatObject::setAlignV(libxl::AlignV align) {
-  if (!enter() || !check("vertical alignment", align, libxl::AlignVDistributed)) return;
-  change(kFormatAlignment).alignment.vertical = static_cast<std::uint8_t>(align);
+  run([&] {
+    if (!check("vertical alignment", align, libxl::AlignVDistributed)) return;
+    change(kFormatAlignment).alignment.vertical = static_cast<std::uint8_t>(align);
+  });
 }
 
-bool FormatObject::wrap() const { return enter() && record().alignment.wrap; }
+bool FormatObject::wrap() const {
+  return run(false, [&] { return record().alignment.wrap; });
+}
 
 void FormatObject::setWrap(bool wrap) {
-  if (enter()) change(kFormatAlignment).alignment.wrap = wrap;
+  run([&] { change(kFormatAlignment).alignment.wrap = wrap; });
 }
 
-int FormatObject::rotation() const { return enter() ? record().alignment.rotation : 0; }
+int FormatObject::rotation() const {
+  return run(0, [&] { return static_cast<int>(record().alignment.rotation); });
+}
 
 // Angles that cannot be are an answer, not a refusal: the caller gets false and no message.
 bool FormatObject::setRotation(int rotation) {
-  if (!enter()) return false;
-  if (rotation < 0 && rotation >= -kRightAngle) rotation = kRightAngle - rotation;
-  constexpr int kStacked = 255;
-  if (rotation != kStacked && (rotation < 0 || rotation > 2 * kRightAngle)) return false;
-  change(kFormatAlignment).alignment.rotation = static_cast<std::uint8_t>(rotation);
-  return true;
+  return run(false, [&] {
+    if (rotation < 0 && rotation >= -kRightAngle) rotation = kRightAngle - rotation;
+    constexpr int kStacked = 255;
+    if (rotation != kStacked && (rotation < 0 || rotation > 2 * kRightAngle)) return false;
+    change(kFormatAlignment).alignment.rotation = static_cast<std::uint8_t>(rotation);
+    return true;
+  });
 }
 
-int FormatObject::indent() const { return enter() ? record().alignment.indent : 0; }
+int FormatObject::indent() const {
+  return run(0, [&] { return static_cast<int>(record().alignment.indent); });
+}
 
 void FormatObject::setIndent(int indent) {
-  if (!enter() || !check("indent", indent, styles().limits.indent)) return;
-  change(kFormatAlignment).alignment.indent = static_cast<std::uint8_t>(indent);
+  run([&] {
+    if (!check("indent", indent, styles().limits.indent)) return;
+    change(kFormatAlignment).alignment.indent = static_cast<std::uint8_t>(indent);
+  });
 }
 
-bool FormatObject::shrinkToFit() const { return enter() && record().alignment.shrink_to_fit; }
+bool FormatObject::shrinkToFit() const {
+  return run(false, [&] { return record().alignment.shrink_to_fit; });
+}
 
 void FormatObject::setShrinkToFit(bool shrinkToFit) {
-  if (enter()) change(kFormatAlignment).alignment.shrink_to_fit = shrinkToFit;
+  run([&] { change(kFormatAlignment).alignment.shrink_to_fit = shrinkToFit; });
 }
 
 // Borders.
 
 libxl::BorderStyle FormatObject::side_style(Side side) const {
-  return enter() ? static_cast<libxl::BorderStyle>((record().border.*side).style)
-                 : libxl::BorderNone;
+  return run(libxl::BorderNone,
+             [&] { return static_cast<libxl::BorderStyle>((record().border.*side).style); });
 }
 
 void FormatObject::set_side_style(Side side, libxl::BorderStyle style) {
-  if (!enter() || !check("border style", style, libxl::BorderSlantDashDot)) return;
-  (change(kFormatBorder).border.*side).style = static_cast<std::uint8_t>(style);
+  run([&] {
+    if (!check("border style", style, libxl::BorderSlantDashDot)) return;
+    (change(kFormatBorder).border.*side).style = static_cast<std::uint8_t>(style);
+  });
 }
 
 libxl::Color FormatObject::side_color(Side side) const {
-  if (!enter()) return libxl::ColorDefaultForeground;
-  return number((record().border.*side).color, kForegroundNumber);
+  return run(libxl::ColorDefaultForeground,
+             [&] { return number((record().border.*side).color, kForegroundNumber); });
 }
 
 void FormatObject::set_side_color(Side side, libxl::Color color) {
-  Color stored;
-  if (!enter() || !check_color(color, &stored)) return;
-  (change(kFormatBorder).border.*side).color = stored;
+  run([&] {
+    Color stored;
+    if (!check_color(color, &stored)) return;
+    (change(kFormatBorder).border.*side).color = stored;
+  });
 }
 
 void FormatObject::setBorder(libxl::BorderStyle style) {
-  if (!enter() || !check("border style", style, libxl::BorderSlantDashDot)) return;
-  Border& border = change(kFormatBorder).border;
-  for (const Side side : kSides) (border.*side).style = static_cast<std::uint8_t>(style);
+  run([&] {
+    if (!check("border style", style, libxl::BorderSlantDashDot)) return;
+    Border& border = change(kFormatBorder).border;
+    for (const Side side : kSides) (border.*side).style = static_cast<std::uint8_t>(style);
+  });
 }
 
 void FormatObject::setBorderColor(libxl::Color color) {
-  Color stored;
-  if (!enter() || !check_color(color, &stored)) return;
-  Border& border = change(kFormatBorder).border;
-  for (const Side side : kSides) (border.*side).color = stored;
+  run([&] {
+    Color stored;
+    if (!check_color(color, &stored)) return;
+    Border& border = change(kFormatBorder).border;
+    for (const Side side : kSides) (border.*side).color = stored;
+  });
 }
 
 libxl::BorderStyle FormatObject::borderLeft() const { return side_style(&Border::left); }
@@ -186,17 +213,19 @@ void FormatObject::setBorderDiagonalColor(libxl::Color color) {
 }
 
 libxl::BorderDiagonal FormatObject::borderDiagonal() const {
-  return enter() ? static_cast<libxl::BorderDiagonal>(record().border.diagonals)
-                 : libxl::DiagonalNone;
+  return run(libxl::DiagonalNone,
+             [&] { return static_cast<libxl::BorderDiagonal>(record().border.diagonals); });
 }
 
 // A diagonal without a style would not show.
 void FormatObject::setBorderDiagonal(libxl::BorderDiagonal border) {
-  if (!enter() || !check("diagonal border", border, libxl::DiagonalBoth)) return;
-  Border& changed = change(kFormatBorder).border;
-  changed.diagonals = static_cast<std::uint8_t>(border);
-  if (changed.diagonals != 0 && changed.diagonal.style == libxl::BorderNone)
-    changed.diagonal.style = libxl::BorderThin;
+  run([&] {
+    if (!check("diagonal border", border, libxl::DiagonalBoth)) return;
+    Border& changed = change(kFormatBorder).border;
+    changed.diagonals = static_cast<std::uint8_t>(border);
+    if (changed.diagonals != 0 && changed.diagonal.style == libxl::BorderNone)
+      changed.diagonal.style = libxl::BorderThin;
+  });
 }
 
 // Fill and protection.
@@ -209,44 +238,55 @@ Fill& FormatObject::change_fill() {
 }
 
 libxl::FillPattern FormatObject::fillPattern() const {
-  return enter() ? static_cast<libxl::FillPattern>(record().fill.pattern) : libxl::FillNone;
+  return run(libxl::FillNone,
+             [&] { return static_cast<libxl::FillPattern>(record().fill.pattern); });
 }
 
 void FormatObject::setFillPattern(libxl::FillPattern pattern) {
-  if (!enter() || !check("fill pattern", pattern, libxl::FillGray6)) return;
-  change_fill().pattern = static_cast<std::uint8_t>(pattern);
+  run([&] {
+    if (!check("fill pattern", pattern, libxl::FillGray6)) return;
+    change_fill().pattern = static_cast<std::uint8_t>(pattern);
+  });
 }
 
 libxl::Color FormatObject::patternForegroundColor() const {
-  if (!enter()) return libxl::ColorDefaultForeground;
-  return number(record().fill.foreground, kForegroundNumber);
+  return run(libxl::ColorDefaultForeground,
+             [&] { return number(record().fill.foreground, kForegroundNumber); });
 }
 
 void FormatObject::setPatternForegroundColor(libxl::Color color) {
-  Color stored;
-  if (enter() && check_color(color, &stored)) change_fill().foreground = stored;
+  run([&] {
+    Color stored;
+    if (check_color(color, &stored)) change_fill().foreground = stored;
+  });
 }
 
 libxl::Color FormatObject::patternBackgroundColor() const {
-  if (!enter()) return libxl::ColorDefaultBackground;
-  return number(record().fill.background, kBackgroundNumber);
+  return run(libxl::ColorDefaultBackground,
+             [&] { return number(record().fill.background, kBackgroundNumber); });
 }
 
 void FormatObject::setPatternBackgroundColor(libxl::Color color) {
-  Color stored;
-  if (enter() && check_color(color, &stored)) change_fill().background = stored;
+  run([&] {
+    Color stored;
+    if (check_color(color, &stored)) change_fill().background = stored;
+  });
 }
 
-bool FormatObject::locked() const { return enter() && record().locked; }
+bool FormatObject::locked() const {
+  return run(false, [&] { return record().locked; });
+}
 
 void FormatObject::setLocked(bool locked) {
-  if (enter()) change(kFormatProtection).locked = locked;
+  run([&] { change(kFormatProtection).locked = locked; });
 }
 
-bool FormatObject::hidden() const { return enter() && record().hidden; }
+bool FormatObject::hidden() const {
+  return run(false, [&] { return record().hidden; });
+}
 
 void FormatObject::setHidden(bool hidden) {
-  if (enter()) change(kFormatProtection).hidden = hidden;
+  run([&] { change(kFormatProtection).hidden = hidden; });
 }
 
 }  // namespace engine::api

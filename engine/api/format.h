@@ -8,14 +8,11 @@
 
 namespace engine::api {
 
-class FormatObject final : public libxl::Format {
+class FormatObject final : public libxl::Format, public BookPart {
  public:
-  FormatObject(BookContext& book, std::uint32_t index) : book_(book), index_(index) {}
+  FormatObject(BookContext& book, std::uint32_t index) : BookPart(book, "format"), index_(index) {}
 
-  BookContext& book() const { return book_; }
   std::uint32_t index() const { return index_; }
-  bool detached() const { return detached_; }
-  void detach() noexcept { detached_ = true; }
 
   libxl::Font* font() const override;
   bool setFont(libxl::Font* font) override;
@@ -71,7 +68,6 @@ class FormatObject final : public libxl::Format {
  private:
   using Side = BorderSide Border::*;
 
-  bool enter() const { return book_.enter(detached_, "format"); }
   Styles& styles() const { return book_.workbook().styles; }
   const FormatRecord& record() const { return styles().format(index_); }
   FormatRecord& change(unsigned aspects) { return styles().change_format(index_, aspects); }
@@ -86,9 +82,7 @@ class FormatObject final : public libxl::Format {
   libxl::Color side_color(Side side) const;
   void set_side_color(Side side, libxl::Color color);
 
-  BookContext& book_;
   const std::uint32_t index_;
-  bool detached_ = false;
 };
 
 }  // namespace engine::api

@@ -201,4 +201,6 @@ std::string not_supported(std::string_view operation) {
   return join(operation, " is not supported yet");
 }
 
+std::string unexpected(std::string_view fault) { return join("the operation failed: ", fault); }
+
 }  // namespace engine::api::messages

@@ -48,45 +48,54 @@ bool SheetObject::check_write(int row, int column, const libxl::Format* format,
   return check_format(format, style) && check_writable(row, column);
 }
 
-void SheetObject::refuse_unsupported(std::string_view operation) const {
-  if (enter()) book_.refuse(messages::not_supported(operation));
-}
-
 // The used range. Rows may be kept for their properties alone: only those with cells count.
 CellRange SheetObject::used_range() const {
   CellRange range{0, -1, 0, -1};
-  if (enter()) contents().cells.used_range(&range);
+  contents().cells.used_range(&range);
   return range;
 }
 
-int SheetObject::firstRow() const { return used_range().row_first; }
-int SheetObject::lastRow() const { return used_range().row_last + 1; }
-int SheetObject::firstCol() const { return used_range().column_first; }
-int SheetObject::lastCol() const { return used_range().column_last + 1; }
+int SheetObject::firstRow() const {
+  return run(0, [&] { return used_range().row_first; });
+}
+int SheetObject::lastRow() const {
+  return run(0, [&] { return used_range().row_last + 1; });
+}
+int SheetObject::firstCol() const {
+  return run(0, [&] { return used_range().column_first; });
+}
+int SheetObject::lastCol() const {
+  return run(0, [&] { return used_range().column_last + 1; });
+}
 
-const wchar_t* SheetObject::name() const { return enter() ? book_.give(sheet_->name) : nullptr; }
+const wchar_t* SheetObject::name() const {
+  return run(nullptr, [&] { return book_.give(sheet_->name); });
+}
 
 void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,
                                bool* colRelative) {
-  if (!enter()) return;
-  to_utf8(addr, text_);
-  if (text_.empty()) return book_.refuse(messages::empty("address"));
-  const auto cell = formula::parse_cell(text_);
-  if (!cell) return book_.refuse(messages::invalid_address(text_));
-  const Grid& grid = limits().grid;
-  if (cell->row >= grid.rows || cell->column >= grid.columns)
-    return book_.refuse(messages::address_beyond_grid(text_, grid));
-  give(row, cell->row);
-  give(column, cell->column);
-  give(rowRelative, !cell->row_absolute);
-  give(colRelative, !cell->column_absolute);
+  run([&] {
+    to_utf8(addr, text_);
+    if (text_.empty()) return book_.refuse(messages::empty("address"));
+    const auto cell = formula::parse_cell(text_);
+    if (!cell) return book_.refuse(messages::invalid_address(text_));
+    const Grid& grid = limits().grid;
+    if (cell->row >= grid.rows || cell->column >= grid.columns)
+      return book_.refuse(messages::address_beyond_grid(text_, grid));
+    give(row, cell->row);
+    give(column, cell->column);
+    give(rowRelative, !cell->row_absolute);
+    give(colRelative, !cell->column_absolute);
+  });
 }
 
 const wchar_t* SheetObject::rowColToAddr(int row, int column, bool rowRelative, bool colRelative) {
-  if (!enter() || !check_cell(row, column)) return nullptr;
-  text_.clear();
-  formula::append_cell(text_, formula::CellReference{row, column, !rowRelative, !colRelative});
-  return book_.give(text_);
+  return run(nullptr, [&]() -> const wchar_t* {
+    if (!check_cell(row, column)) return nullptr;
+    text_.clear();
+    formula::append_cell(text_, formula::CellReference{row, column, !rowRelative, !colRelative});
+    return book_.give(text_);
+  });
 }
 
 }  // namespace engine::api

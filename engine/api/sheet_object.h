@@ -13,12 +13,12 @@ namespace engine::api {
 
 class SheetObject final : public UnsupportedSheet {
  public:
-  SheetObject(BookContext& book, engine::Sheet& sheet) : book_(book), sheet_(&sheet) {}
+  SheetObject(BookContext& book, engine::Sheet& sheet) : UnsupportedSheet(book), sheet_(&sheet) {}
 
-  BookContext& book() const { return book_; }
   // Null once the sheet has left the book.
   engine::Sheet* sheet() const { return sheet_; }
   void detach() noexcept {
+    BookPart::detach();
     sheet_ = nullptr;
     std::string().swap(text_);
   }
@@ -70,7 +70,6 @@ class SheetObject final : public UnsupportedSheet {
   const Limits& limits() const { return book_.workbook().limits; }
 
   // Steps of an operation, in the order in which refusals are told. Each sets the message.
-  bool enter() const { return book_.enter(!sheet_, "sheet"); }
   bool check_cell(int row, int column) const {
     const Grid& grid = limits().grid;
     if (row >= 0 && row < grid.rows && column >= 0 && column < grid.columns) [[likely]]
@@ -86,15 +85,14 @@ class SheetObject final : public UnsupportedSheet {
   // What follows the arguments of a write: the row is loaded, the cell stands in no array.
   bool check_writable(int row, int column) const;
   // The steps before an operation looks at a cell, and those before it writes one.
-  bool enter_cell(int row, int column) const {
-    return enter() && check_cell(row, column) && check_loaded(row);
+  bool check_read(int row, int column) const {
+    return check_cell(row, column) && check_loaded(row);
   }
   bool check_write(int row, int column, const libxl::Format* format, Style* style) const;
   bool check_error(int error) const;
   bool check_comments() const;
   bool check_pixels(std::string_view property, int pixels) const;
 
-  void refuse_unsupported(std::string_view operation) const override;
   bool refuse_cell(int row, int column) const;
   bool find_loaded(int row) const;
   void refuse_kind(int row, int column, ValueKind holds, ValueKind wanted) const;
@@ -113,7 +111,6 @@ class SheetObject final : public UnsupportedSheet {
   // First row and column 0 and last ones -1 without cells.
   CellRange used_range() const;
 
-  BookContext& book_;
   engine::Sheet* sheet_;
   std::string text_;  // reused by every text that is taken
 };

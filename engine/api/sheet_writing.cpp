@@ -42,44 +42,51 @@ bool SheetObject::take_text(const wchar_t* value, std::string_view what, std::si
 }
 
 void SheetObject::setCellFormat(int row, int column, libxl::Format* format) {
-  Style style;
-  if (!enter() || !check_cell(row, column) || !check_format(format, &style)) return;
-  if (!check_loaded(row)) return;
-  if (!style && !contents().cells.find(row, column)) return;
-  sheet_->change(
-      [&](SheetContents& contents) { contents.put_style(row, column, style.value_or(0)); });
+  run([&] {
+    Style style;
+    if (!check_cell(row, column) || !check_format(format, &style)) return;
+    if (!check_loaded(row)) return;
+    if (!style && !contents().cells.find(row, column)) return;
+    sheet_->change(
+        [&](SheetContents& contents) { contents.put_style(row, column, style.value_or(0)); });
+  });
 }
 
 bool SheetObject::writeStr(int row, int column, const wchar_t* value, libxl::Format* format,
                            libxl::CellType type) {
-  Style style;
-  if (!enter() || !check_cell(row, column) || !take_text(value, "text", limits().text))
-    return false;
-  if (!check_format(format, &style)) return false;
-  if (type != libxl::CellText) return book_.refuse(false, messages::unknown("cell type", type));
-  if (!check_writable(row, column)) return false;
-  if (text_.empty()) return put(row, column, Value(), style);
-  return put(row, column, Value::of_text(book_.workbook().strings.add(text_)), style);
+  return run(false, [&] {
+    Style style;
+    if (!check_cell(row, column) || !take_text(value, "text", limits().text)) return false;
+    if (!check_format(format, &style)) return false;
+    if (type != libxl::CellText) return book_.refuse(false, messages::unknown("cell type", type));
+    if (!check_writable(row, column)) return false;
+    if (text_.empty()) return put(row, column, Value(), style);
+    return put(row, column, Value::of_text(book_.workbook().strings.add(text_)), style);
+  });
 }
 
 bool SheetObject::writeNum(int row, int column, double value, libxl::Format* format) {
-  Style style;
-  if (!enter() || !check_cell(row, column)) return false;
-  if (!std::isfinite(value)) return book_.refuse(false, messages::not_finite("number"));
-  return check_write(row, column, format, &style) &&
-         put(row, column, Value::of_number(value), style);
+  return run(false, [&] {
+    Style style;
+    if (!check_cell(row, column)) return false;
+    if (!std::isfinite(value)) return book_.refuse(false, messages::not_finite("number"));
+    return check_write(row, column, format, &style) &&
+           put(row, column, Value::of_number(value), style);
+  });
 }
 
 bool SheetObject::writeBool(int row, int column, bool value, libxl::Format* format,
                             libxl::ErrorType error) {
-  Style style;
-  if (!enter() || !check_cell(row, column) || !check_format(format, &style)) return false;
-  Value written = Value::of_boolean(value);
-  if (error != libxl::ErrorNone) {
-    if (!check_error(error)) return false;
-    written = Value::of_error(static_cast<std::uint32_t>(error));
-  }
-  return check_writable(row, column) && put(row, column, written, style);
+  return run(false, [&] {
+    Style style;
+    if (!check_cell(row, column) || !check_format(format, &style)) return false;
+    Value written = Value::of_boolean(value);
+    if (error != libxl::ErrorNone) {
+      if (!check_error(error)) return false;
+      written = Value::of_error(static_cast<std::uint32_t>(error));
+    }
+    return check_writable(row, column) && put(row, column, written, style);
+  });
 }
 
 bool SheetObject::check_error(int error) const {
@@ -87,16 +94,20 @@ bool SheetObject::check_error(int error) const {
 }
 
 void SheetObject::writeError(int row, int column, libxl::ErrorType error, libxl::Format* format) {
-  Style style;
-  if (!enter() || !check_cell(row, column) || !check_error(error)) return;
-  if (!check_write(row, column, format, &style)) return;
-  put(row, column, Value::of_error(static_cast<std::uint32_t>(error)), style);
+  run([&] {
+    Style style;
+    if (!check_cell(row, column) || !check_error(error)) return;
+    if (!check_write(row, column, format, &style)) return;
+    put(row, column, Value::of_error(static_cast<std::uint32_t>(error)), style);
+  });
 }
 
 bool SheetObject::writeBlank(int row, int column, libxl::Format* format) {
-  Style style;
-  return enter() && check_cell(row, column) && check_write(row, column, format, &style) &&
-         put(row, column, Value(), style);
+  return run(false, [&] {
+    Style style;
+    return check_cell(row, column) && check_write(row, column, format, &style) &&
+           put(row, column, Value(), style);
+  });
 }
 
 // Formulas. Those that are written have to parse, whatever was loaded.
@@ -127,42 +138,50 @@ std::optional<std::string> SheetObject::take_formula(int row, int column, const 
 }
 
 bool SheetObject::writeFormula(int row, int column, const wchar_t* expr, libxl::Format* format) {
-  Style style;
-  if (!enter() || !check_cell(row, column)) return false;
-  auto formula = take_formula(row, column, expr);
-  return formula && check_write(row, column, format, &style) &&
-         put_formula(row, column, *std::move(formula), Value(), style);
+  return run(false, [&] {
+    Style style;
+    if (!check_cell(row, column)) return false;
+    auto formula = take_formula(row, column, expr);
+    return formula && check_write(row, column, format, &style) &&
+           put_formula(row, column, *std::move(formula), Value(), style);
+  });
 }
 
 bool SheetObject::writeFormulaNum(int row, int column, const wchar_t* expr, double value,
                                   libxl::Format* format) {
-  Style style;
-  if (!enter() || !check_cell(row, column)) return false;
-  auto formula = take_formula(row, column, expr);
-  if (!formula) return false;
-  if (!std::isfinite(value)) return book_.refuse(false, messages::not_finite("number"));
-  return check_write(row, column, format, &style) &&
-         put_formula(row, column, *std::move(formula), Value::of_number(value), style);
+  return run(false, [&] {
+    Style style;
+    if (!check_cell(row, column)) return false;
+    auto formula = take_formula(row, column, expr);
+    if (!formula) return false;
+    if (!std::isfinite(value)) return book_.refuse(false, messages::not_finite("number"));
+    return check_write(row, column, format, &style) &&
+           put_formula(row, column, *std::move(formula), Value::of_number(value), style);
+  });
 }
 
 bool SheetObject::writeFormulaStr(int row, int column, const wchar_t* expr, const wchar_t* value,
                                   libxl::Format* format) {
-  Style style;
-  if (!enter() || !check_cell(row, column)) return false;
-  auto formula = take_formula(row, column, expr);
-  if (!formula || !take_text(value, "text", limits().text)) return false;
-  if (!check_write(row, column, format, &style)) return false;
-  const std::uint32_t text = book_.workbook().strings.add(text_);
-  return put_formula(row, column, *std::move(formula), Value::of_text(text), style);
+  return run(false, [&] {
+    Style style;
+    if (!check_cell(row, column)) return false;
+    auto formula = take_formula(row, column, expr);
+    if (!formula || !take_text(value, "text", limits().text)) return false;
+    if (!check_write(row, column, format, &style)) return false;
+    const std::uint32_t text = book_.workbook().strings.add(text_);
+    return put_formula(row, column, *std::move(formula), Value::of_text(text), style);
+  });
 }
 
 bool SheetObject::writeFormulaBool(int row, int column, const wchar_t* expr, bool value,
                                    libxl::Format* format) {
-  Style style;
-  if (!enter() || !check_cell(row, column)) return false;
-  auto formula = take_formula(row, column, expr);
-  return formula && check_write(row, column, format, &style) &&
-         put_formula(row, column, *std::move(formula), Value::of_boolean(value), style);
+  return run(false, [&] {
+    Style style;
+    if (!check_cell(row, column)) return false;
+    auto formula = take_formula(row, column, expr);
+    return formula && check_write(row, column, format, &style) &&
+           put_formula(row, column, *std::move(formula), Value::of_boolean(value), style);
+  });
 }
 
 bool SheetObject::check_comments() const {
@@ -177,23 +196,27 @@ bool SheetObject::check_pixels(std::string_view property, int pixels) const {
 
 void SheetObject::writeComment(int row, int column, const wchar_t* value, const wchar_t* author,
                                int width, int height) {
-  if (!enter() || !check_cell(row, column) || !take_text(value, "text", limits().text)) return;
-  Comment comment;
-  comment.text = text_;
-  if (!take_text(author, "author", limits().author)) return;
-  comment.author = text_;
-  if (!check_pixels("comment width", width) || !check_pixels("comment height", height)) return;
-  if (!check_loaded(row) || !check_comments()) return;
-  comment.width = width;
-  comment.height = height;
-  sheet_->change([&](SheetContents& contents) {
-    contents.comments.insert_or_assign({row, column}, std::move(comment));
+  run([&] {
+    if (!check_cell(row, column) || !take_text(value, "text", limits().text)) return;
+    Comment comment;
+    comment.text = text_;
+    if (!take_text(author, "author", limits().author)) return;
+    comment.author = text_;
+    if (!check_pixels("comment width", width) || !check_pixels("comment height", height)) return;
+    if (!check_loaded(row) || !check_comments()) return;
+    comment.width = width;
+    comment.height = height;
+    sheet_->change([&](SheetContents& contents) {
+      contents.comments.insert_or_assign({row, column}, std::move(comment));
+    });
   });
 }
 
 void SheetObject::removeComment(int row, int column) {
-  if (!enter_cell(row, column) || !check_comments()) return;
-  if (contents().comments.contains({row, column})) sheet_->change().comments.erase({row, column});
+  run([&] {
+    if (!check_read(row, column) || !check_comments()) return;
+    if (contents().comments.contains({row, column})) sheet_->change().comments.erase({row, column});
+  });
 }
 
 }  // namespace engine::api

@@ -5,11 +5,12 @@
 
 #include <string_view>
 
+#include "engine/api/book_context.h"
 #include "platform/libxl/libxl.h"
 
 namespace engine::api {
 
-class UnsupportedSheet : public libxl::Sheet {
+class UnsupportedSheet : public libxl::Sheet, public BookPart {
  public:
   double colWidth(int) const override { return unsupported(0.0, "colWidth"); }
   double rowHeight(int) const override { return unsupported(0.0, "rowHeight"); }
@@ -160,10 +161,8 @@ class UnsupportedSheet : public libxl::Sheet {
   void removeDataValidations() override { unsupported("removeDataValidations"); }
 
  protected:
-  UnsupportedSheet() = default;
+  explicit UnsupportedSheet(BookContext& book) : BookPart(book, "sheet") {}
   ~UnsupportedSheet() = default;
-
-  virtual void refuse_unsupported(std::string_view operation) const = 0;
 
  private:
   void unsupported(std::string_view operation) const { refuse_unsupported(operation); }
