@@ -46,8 +46,12 @@ class Source {
  private:
   Source() = default;
 
+  struct Freed {
+    void operator()(char* block) const;
+  };
+
   std::vector<char> bytes_;
-  std::unique_ptr<char[]> block_;
+  std::unique_ptr<char[], Freed> block_;
   int handle_ = -1;
   std::string_view view_;
   std::uint64_t size_ = 0;

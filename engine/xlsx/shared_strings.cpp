@@ -1,5 +1,6 @@
 #include "engine/xlsx/shared_strings.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <memory>
@@ -18,6 +19,7 @@ using package::XmlScanner;
 
 constexpr std::size_t kSliceSize = 512 * 1024;
 constexpr std::size_t kTextsPerBlock = 8192;
+constexpr std::uint64_t kMaxReserved = 1 << 18;  // entries that a part may announce unseen
 constexpr std::string_view kNamespace = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 
 // Takes plain texts, <si><t>text</t></si>, as long as they stand there just so.
@@ -122,9 +124,14 @@ std::uint64_t read_shared_strings(package::BlockReader& reader, std::string_view
   XmlScanner scanner(reader, part);
   if (scanner.next() != XmlScanner::Token::Start || scanner.name() != "sst")
     scanner.fail("not a list of texts");
-  std::uint64_t count = 0;
-  const std::string_view raw = scanner.attributes().find("count");
-  std::from_chars(raw.data(), raw.data() + raw.size(), count);
+  const auto number_of = [&](std::string_view name) {
+    std::uint64_t number = 0;
+    const std::string_view raw = scanner.attributes().find(name);
+    std::from_chars(raw.data(), raw.data() + raw.size(), number);
+    return number;
+  };
+  const std::uint64_t count = number_of("count");
+  pool.reserve(static_cast<std::size_t>(std::min(number_of("uniqueCount"), kMaxReserved)));
   const bool prefixed = scanner.qualified_name() != scanner.name();
   StringItem item;
   if (!prefixed) read_plain_items(scanner, pool);
