@@ -7,15 +7,7 @@
 #include <new>
 
 // The allocator that stands behind ours: the sanitizers' when the program has one.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define SANITIZED 1
-#endif
-#endif
-
-#ifdef SANITIZED
+#ifdef VORNELIX_SANITIZED
 #define BEHIND(function) __interceptor_##function
 #else
 #define BEHIND(function) __libc_##function
@@ -83,14 +75,14 @@ extern "C" {
   return fails() ? nullptr : counted(BEHIND(malloc)(size));
 }
 
-[[gnu::visibility("default")]] void* calloc(std::size_t count, std::size_t size) noexcept {
-  return fails() ? nullptr : counted(BEHIND(calloc)(count, size));
+[[gnu::visibility("default")]] void* calloc(std::size_t nmemb, std::size_t size) noexcept {
+  return fails() ? nullptr : counted(BEHIND(calloc)(nmemb, size));
 }
 
-[[gnu::visibility("default")]] void* realloc(void* block, std::size_t size) noexcept {
+[[gnu::visibility("default")]] void* realloc(void* ptr, std::size_t size) noexcept {
   if (fails()) return nullptr;
-  void* const moved = BEHIND(realloc)(block, size);
-  return block == nullptr ? counted(moved) : moved;
+  void* const moved = BEHIND(realloc)(ptr, size);
+  return ptr == nullptr ? counted(moved) : moved;
 }
 
 [[gnu::visibility("default")]] void* aligned_alloc(std::size_t alignment,
@@ -98,15 +90,15 @@ extern "C" {
   return fails() ? nullptr : counted(BEHIND(memalign)(alignment, size));
 }
 
-[[gnu::visibility("default")]] void free(void* block) noexcept {
-  if (block != nullptr) --g_blocks;
-  BEHIND(free)(block);
+[[gnu::visibility("default")]] void free(void* ptr) noexcept {
+  if (ptr != nullptr) --g_blocks;
+  BEHIND(free)(ptr);
 }
 
 }  // extern "C"
 
 // The sanitizers' operators would go past malloc.
-#ifdef SANITIZED
+#ifdef VORNELIX_SANITIZED
 void* operator new(std::size_t size) {
   if (void* const block = malloc(size == 0 ? 1 : size)) return block;
   throw std::bad_alloc();

@@ -44,7 +44,7 @@ PartTexts package_in(const Encoding* encoding) {
     if (name.ends_with(".png")) continue;
     for (std::size_t at = 0; (at = text.find("note", at)) != std::string::npos; at += 4)
       text.replace(at, 4, "nöt😀");
-    text.insert(0, std::string("<?xml version=\"1.0\" encoding=\"") +
+    text.insert(0, std::string(R"(<?xml version="1.0" encoding=")") +
                        (encoding ? "UTF-16" : "UTF-8") + "\" standalone=\"yes\"?>\r\n");
     if (encoding) text = utf16(text, *encoding);
   }
