@@ -9,6 +9,8 @@ namespace engine {
 
 namespace {
 
+constexpr std::size_t kSheetsLookedAt = 8;  // which is quicker than remembering where they are
+
 struct ClassicError {
   std::uint32_t number;
   std::string_view text;
@@ -25,8 +27,19 @@ Workbook::Workbook(const Limits& format_limits) : limits(format_limits) {
 }
 
 Sheet* Workbook::find_sheet(std::string_view name) const {
-  for (const auto& sheet : sheets)
-    if (equal_ignoring_case(sheet->name, name)) return sheet.get();
+  const auto is_at = [&](std::size_t place) {
+    return place < sheets.size() && equal_ignoring_case(sheets[place]->name, name);
+  };
+  const auto seen = places_seen_.find(name);
+  if (seen != places_seen_.end() && is_at(seen->second)) return sheets[seen->second].get();
+  for (std::size_t place = 0; place < sheets.size(); ++place) {
+    if (!is_at(place)) continue;
+    if (place >= kSheetsLookedAt) {
+      if (places_seen_.size() > 2 * sheets.size()) places_seen_.clear();
+      places_seen_.insert_or_assign(std::string(name), place);
+    }
+    return sheets[place].get();
+  }
   return nullptr;
 }
 

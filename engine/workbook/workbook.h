@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "engine/workbook/cell.h"
@@ -50,6 +52,17 @@ class Workbook {
   Sheet* find_sheet(std::string_view name) const;
   // The place of a sheet of this book among its tabs.
   std::size_t position(const Sheet& sheet) const;
+
+ private:
+  // Where sheets stood when they were last asked for, by the name as it was spelled: formulas ask
+  // for the same ones again and again. Names and places change, so each is but where to look first.
+  struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view text) const {
+      return std::hash<std::string_view>()(text);
+    }
+  };
+  mutable std::unordered_map<std::string, std::size_t, TextHash, std::equal_to<>> places_seen_;
 };
 
 // Rows that a partial load left out. They have texts and errors of their own; only numbers of
