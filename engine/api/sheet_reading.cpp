@@ -157,7 +157,7 @@ bool SheetObject::isDate(int row, int column) const {
 const CellRecord* SheetObject::formula_record(const Cell& cell, CellAddress at,
                                               CellAddress* anchor) const {
   const auto formula_of = [&](const CellRecord* record) -> const CellRecord* {
-    if (!record || record->formula.empty()) return nullptr;
+    if (!record || !record->has_formula()) return nullptr;
     return record->extra && record->extra->form == FormulaForm::kDataTable ? nullptr : record;
   };
   if (anchor) *anchor = at;
@@ -187,13 +187,14 @@ const wchar_t* SheetObject::readFormula(int row, int column, libxl::Format** for
     const CellRecord* record = cell ? formula_record(*cell, {row, column}, &anchor) : nullptr;
     give_format(cell, row, column, format);
     if (!record) return nullptr;
+    const std::string_view text = contents().formula(*record, anchor, limits().grid, text_);
     if (book_.workbook().r1c1) {
       // What a file brought and does not parse is given as it stands.
-      const auto options = formula::ParseOptions::of_book(book_.workbook().limits.grid);
-      if (const auto parsed = formula::parse(record->formula, options))
+      const auto options = formula::ParseOptions::of_book(limits().grid);
+      if (const auto parsed = formula::parse(text, options))
         return book_.give(formula::print(*parsed, formula::Notation::kR1C1, anchor));
     }
-    return book_.give(record->formula);
+    return book_.give(text);
   });
 }
 

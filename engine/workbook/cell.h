@@ -83,11 +83,23 @@ struct CellExtra {
   std::string children;          // kept for the codec: further content of the cell
 };
 
+// A formula that many cells have, each with its references moved by its distance from the first. It
+// stands in memory once: a file can name a long one from any number of cells.
+struct SharedFormula {
+  std::string text;  // as the cell at `at` has it
+  CellAddress at;
+  CellRange cells;       // that share it, as far as the file says
+  std::string spelling;  // kept for the codec: as CellExtra::formula_spelling
+};
+
 // A cell with a formula, or with something that the engine carries without understanding it.
 struct CellRecord {
   Value value;          // a formula's cached value: kNone when it has none
-  std::string formula;  // text without "=", as callers see it; empty: none
+  std::string formula;  // text without "=", as callers see it; empty: none, or a shared one
   std::unique_ptr<CellExtra> extra;
+  std::uint32_t shared = 0;  // number of a formula that cells of the sheet share, plus one; or 0
+
+  bool has_formula() const { return !formula.empty() || shared != 0; }
 
   CellRecord() = default;
   CellRecord(CellRecord&&) noexcept = default;
@@ -95,7 +107,8 @@ struct CellRecord {
   CellRecord(const CellRecord& other)
       : value(other.value),
         formula(other.formula),
-        extra(other.extra ? std::make_unique<CellExtra>(*other.extra) : nullptr) {}
+        extra(other.extra ? std::make_unique<CellExtra>(*other.extra) : nullptr),
+        shared(other.shared) {}
   CellRecord& operator=(const CellRecord& other) { return *this = CellRecord(other); }
   ~CellRecord() = default;
 };

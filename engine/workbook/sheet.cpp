@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/formula/formula_text.h"
 #include "engine/workbook/workbook.h"
 
 namespace engine {
@@ -17,7 +18,18 @@ CellRecord* SheetContents::record(const Cell& cell) {
 
 bool SheetContents::is_formula(const Cell& cell) const {
   const CellRecord* found = record(cell);
-  return found && !found->formula.empty();
+  return found && found->has_formula();
+}
+
+std::string_view SheetContents::formula(const CellRecord& record, CellAddress at, const Grid& grid,
+                                        std::string& moved) const {
+  if (record.shared == 0) return record.formula;
+  const SharedFormula& shared = shared_formulas[record.shared - 1];
+  auto text =
+      formula::shift_text(shared.text, at.row - shared.at.row, at.column - shared.at.column, grid);
+  if (!text) return shared.text;
+  moved = *std::move(text);
+  return moved;
 }
 
 std::uint32_t SheetContents::style_at(int row, int column) const {

@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/workbook/array_ranges.h"
@@ -84,6 +85,7 @@ class SheetContents {
   // that cell.
   std::map<CellAddress, std::uint32_t> outer_arrays;
   Comments comments;
+  std::deque<SharedFormula> shared_formulas;  // by number
 
   // What the cell shows, through its record if it has one.
   Value value(const Cell& cell) const {
@@ -92,6 +94,10 @@ class SheetContents {
   const CellRecord* record(const Cell& cell) const;
   CellRecord* record(const Cell& cell);
   bool is_formula(const Cell& cell) const;
+  // The text of the formula of the cell at a place, which may be a shared one; `moved` holds it
+  // then.
+  std::string_view formula(const CellRecord& record, CellAddress at, const Grid& grid,
+                           std::string& moved) const;
 
   // The format of the place: the cell's, else its row's, else its column's, else 0.
   std::uint32_t style_at(int row, int column) const;

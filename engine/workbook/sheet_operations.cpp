@@ -18,6 +18,8 @@ void edit_copy(SheetContents& copy, const FormulaEdit& edit, const Sheet* origin
   for (CellRecord& record : copy.records())
     if (!record.formula.empty())
       if (auto text = edit(original, record.formula)) record.formula = *std::move(text);
+  for (SharedFormula& shared : copy.shared_formulas)
+    if (auto text = edit(original, shared.text)) shared.text = *std::move(text);
 }
 
 std::vector<DefinedName> copies_of_names(const Workbook& book, const FormulaEdit& edit,
@@ -70,14 +72,19 @@ void FormulaEdits::collect_cells(Sheet& rows, const Sheet& sheet, const FormulaE
         cells_.push_back({&rows, number, *std::move(text)});
     ++number;
   }
+  for (std::uint32_t number = 0; const SharedFormula& shared : rows.contents().shared_formulas) {
+    if (auto text = edit(&sheet, shared.text)) shared_.push_back({&rows, number, *std::move(text)});
+    ++number;
+  }
 }
 
 void FormulaEdits::apply(Workbook& book) noexcept {
-  for (CellEdit& edit : cells_) {
-    edit.sheet->change().records()[edit.record].formula.swap(edit.formula);
-  }
+  for (CellEdit& edit : cells_)
+    edit.sheet->change().records()[edit.number].formula.swap(edit.formula);
+  for (CellEdit& edit : shared_)
+    edit.sheet->change().shared_formulas[edit.number].text.swap(edit.formula);
   for (NameEdit& edit : names_) edit.name->definition.swap(edit.definition);
-  if (!cells_.empty() || !names_.empty()) book.needs_calculation = true;
+  if (!cells_.empty() || !shared_.empty() || !names_.empty()) book.needs_calculation = true;
 }
 
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {

@@ -15,7 +15,8 @@
 
 namespace engine {
 
-// New texts for the formulas of the cells and names of a book, held until all of them are made.
+// New texts for the formulas of the cells and names of a book, held until all of them are made. A
+// shared formula is asked about once: what an edit does to it must not depend on the cell.
 class FormulaEdits {
  public:
   // Asks `edit` about every formula in memory but those of `except`, a sheet that goes.
@@ -30,7 +31,7 @@ class FormulaEdits {
 
   struct CellEdit {
     Sheet* sheet;
-    std::uint32_t record;
+    std::uint32_t number;  // of the record or of the shared formula
     std::string formula;
   };
   struct NameEdit {
@@ -39,6 +40,7 @@ class FormulaEdits {
   };
 
   std::vector<CellEdit> cells_;
+  std::vector<CellEdit> shared_;
   std::vector<NameEdit> names_;
 };
 

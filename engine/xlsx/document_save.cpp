@@ -33,9 +33,9 @@ struct SavedSheet {
 
 // Whether a formula holds a bracket: before one a table's name may be left out.
 bool mentions_columns(const SheetContents& contents) {
-  return std::ranges::any_of(contents.records(), [](const CellRecord& record) {
-    return record.formula.find('[') != std::string::npos;
-  });
+  const auto mentions = [](const std::string& text) { return text.find('[') != text.npos; };
+  return std::ranges::any_of(contents.records(), mentions, &CellRecord::formula) ||
+         std::ranges::any_of(contents.shared_formulas, mentions, &SharedFormula::text);
 }
 
 // Sheets without cells change in one thing only.

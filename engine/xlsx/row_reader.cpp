@@ -47,12 +47,6 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) + 1 - first);
 }
 
-// A formula that other cells share, as its first cell has it.
-struct SharedFormula {
-  std::string text;
-  CellAddress at;
-};
-
 // What the file says of one cell. The texts are reused from cell to cell.
 struct CellText {
   std::optional<CellAddress> at;
@@ -62,6 +56,7 @@ struct CellText {
   bool has_value = false;
   bool has_formula = false;
   std::string formula;
+  std::uint32_t shared = 0;  // as in CellRecord
   std::string inline_item;
   CellExtra extra;
 
@@ -73,6 +68,7 @@ struct CellText {
     has_value = false;
     has_formula = false;
     formula.clear();
+    shared = 0;
     inline_item.clear();
     extra = {};
   }
@@ -156,7 +152,7 @@ class RowReader::Machine {
   Row* target_ = nullptr;  // the row that cells are put into; null until it has one
   CellText cell_;
   std::string scratch_;
-  std::unordered_map<std::uint32_t, SharedFormula> shared_;
+  std::unordered_map<std::uint32_t, std::uint32_t> shared_;  // by the number in the file
   std::map<std::string, std::uint32_t> details_;
 };
 
@@ -363,12 +359,13 @@ void RowReader::Machine::read_cell() {
   read_cell_children();
   if (!keeps_row_) return;
   const Value value = value_of_cell();
-  const bool has_formula = !cell_.formula.empty();
+  const bool has_formula = !cell_.formula.empty() || cell_.shared != 0;
   if (!has_formula && !cell_.has_extra())
     return store(SheetContents::make_cell(column_, value, cell_.style));
   CellRecord record;
   record.value = value;
   record.formula = cell_.formula;
+  record.shared = cell_.shared;
   if (cell_.has_extra()) record.extra = std::make_unique<CellExtra>(std::move(cell_.extra));
   Cell cell;
   cell.bits = sheet_.keep_record(std::move(record));
@@ -443,7 +440,7 @@ void RowReader::Machine::read_formula() {
   scanner_.append_text(cell_.formula);
   if (kind == "array") cell_.extra.form = FormulaForm::kArray;
   else if (kind == "dataTable") cell_.extra.form = FormulaForm::kDataTable;
-  else if (kind == "shared") read_shared_formula(shared);
+  else if (kind == "shared") return read_shared_formula(shared);
   if (keeps_row_) show_formula(cell_.formula, grid_, cell_.extra.formula_spelling);
   const auto& [row_first, row_last, column_first, column_last] = cell_.extra.range;
   const bool many = row_first != row_last || column_first != column_last;
@@ -462,17 +459,18 @@ void RowReader::Machine::read_formula() {
 // later text with the same number holds for what follows.
 void RowReader::Machine::read_shared_formula(std::string_view index) {
   const auto number = parse_whole<std::uint32_t>(index);
-  if (!number) return;
+  if (!number) return show_formula(cell_.formula, grid_, cell_.extra.formula_spelling);
   if (!cell_.formula.empty()) {
-    shared_.insert_or_assign(*number, SharedFormula{cell_.formula, *cell_.at});
-    return;
+    SharedFormula& made = sheet_.shared_formulas.emplace_back();
+    made.text = std::exchange(cell_.formula, {});
+    made.at = *cell_.at;
+    made.cells = cell_.extra.range;
+    show_formula(made.text, grid_, made.spelling);
+    shared_.insert_or_assign(*number, static_cast<std::uint32_t>(sheet_.shared_formulas.size()));
   }
-  const auto master = shared_.find(*number);
-  if (master == shared_.end()) fail("shared formula " + std::string(index) + " is missing");
-  if (!keeps_row_) return;
-  const auto& [text, at] = master->second;
-  const auto moved = formula::shift_text(text, row_ - at.row, column_ - at.column, grid_);
-  cell_.formula = moved ? *moved : text;
+  const auto known = shared_.find(*number);
+  if (known == shared_.end()) fail("shared formula " + std::string(index) + " is missing");
+  cell_.shared = known->second;
 }
 
 Value RowReader::Machine::value_of_cell() {

@@ -24,8 +24,8 @@ constexpr std::string_view kNewWorksheet =
 }  // namespace
 
 bool has_formula_element(const CellRecord& record) {
-  return !record.formula.empty() || (record.extra && (record.extra->form != FormulaForm::kNormal ||
-                                                      !record.extra->formula_details.empty()));
+  return record.has_formula() || (record.extra && (record.extra->form != FormulaForm::kNormal ||
+                                                   !record.extra->formula_details.empty()));
 }
 
 std::uint64_t formulas_of(const SheetContents& sheet) {
@@ -34,7 +34,8 @@ std::uint64_t formulas_of(const SheetContents& sheet) {
     for (const Cell& cell : row.span()) {
       if (cell.kind != CellKind::kRecord || !has_formula_element(*sheet.record(cell))) continue;
       const std::uint64_t place = (std::uint64_t{row.number} << 16) | cell.column;
-      sum = (sum ^ place ^ std::hash<std::string>()(sheet.record(cell)->formula)) *
+      const CellRecord& record = *sheet.record(cell);
+      sum = (sum ^ place ^ record.shared ^ std::hash<std::string>()(record.formula)) *
             0x9E3779B97F4A7C15u;
       sum ^= sum >> 29;
     }

@@ -84,36 +84,21 @@ char* put_text_value(char* at, std::uint32_t number) {
 }
 
 // The text of the file for a formula, which keeps its own spelling until the formula changes.
-void append_formula(std::string& out, const CellRecord& record, const Grid& grid,
-                    const FormulaPlace& place) {
-  if (record.extra && !record.extra->formula_spelling.empty()) {
-    const std::string& spelling = record.extra->formula_spelling;
-    if (shown_formula(spelling, grid).value_or(spelling) == record.formula)
+void append_formula(std::string& out, std::string_view text, std::string_view spelling,
+                    const Grid& grid, const FormulaPlace& place) {
+  if (!spelling.empty()) {
+    const auto shown = shown_formula(spelling, grid);
+    if ((shown ? std::string_view(*shown) : spelling) == text)
       return package::append_xml_text(out, spelling);
   }
-  const auto stored = stored_formula(record.formula, grid, place);
-  package::append_xml_text(out, stored ? *stored : record.formula);
+  const auto stored = stored_formula(text, grid, place);
+  package::append_xml_text(out, stored ? std::string_view(*stored) : text);
 }
 
-void write_formula(std::string& out, const CellRecord& record, const Grid& grid,
-                   const FormulaPlace& place) {
-  out.append("<f");
-  if (const CellExtra* extra = record.extra.get()) {
-    if (extra->form != FormulaForm::kNormal) {
-      out.append(extra->form == FormulaForm::kArray ? " t=\"array\"" : " t=\"dataTable\"");
-      out.append(" ref=\"");
-      formula::append_range(out, extra->range);
-      out.push_back('"');
-    }
-    out.append(extra->formula_details);
-  }
-  if (record.formula.empty()) {
-    out.append("/>");
-    return;
-  }
-  out.push_back('>');
-  append_formula(out, record, grid, place);
-  out.append("</f>");
+void append_range_attribute(std::string& out, const CellRange& range) {
+  out.append(" ref=\"");
+  formula::append_range(out, range);
+  out.push_back('"');
 }
 
 // Rows of one store with what their cells refer to. Texts beyond the shared ones of the file are
@@ -143,6 +128,7 @@ class WorksheetText {
                std::uint32_t first_text);
   void cut_into_blocks();
   void make_pieces();
+  void find_shared();
   void render_ends(const package::XmlTree& tree);
 
   void write_row(TextBuffer& out, const RowRun& run, const Row& row) const;
@@ -150,6 +136,8 @@ class WorksheetText {
   void write_cell(TextBuffer& out, const RowRun& run, const RowNumber& row, const Cell& cell) const;
   void write_record(TextBuffer& out, const RowRun& run, const RowNumber& row,
                     const Cell& cell) const;
+  void write_formula(std::string& out, const RowRun& run, const CellRecord& record,
+                     CellAddress at) const;
   void write_value(std::string& out, const RowRun& run, const Value& value) const;
   char* put_reference(char* at, const RowNumber& row, const Cell& cell) const;
   bool is_shared(const RowRun& run, std::uint32_t text) const {
@@ -168,8 +156,9 @@ class WorksheetText {
   const WriteContext context_;
   std::vector<RowRun> runs_;
   std::vector<Block> blocks_;
-  std::vector<Piece> columns_;  // letters
-  std::vector<Piece> styles_;   // ` s="12"`, empty for format 0
+  std::vector<Piece> columns_;      // letters
+  std::vector<Piece> styles_;       // ` s="12"`, empty for format 0
+  std::vector<bool> stays_shared_;  // by number
   std::string head_;
   std::string tail_;
 };
@@ -185,6 +174,7 @@ WorksheetText::WorksheetText(const package::XmlTree& tree, const Sheet& sheet,
   if (others) add_run(others->rows(split), outside->rows, outside->texts, first_text);
   cut_into_blocks();
   make_pieces();
+  find_shared();
   render_ends(tree);
 }
 
@@ -407,9 +397,7 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNu
   }
   if (record.extra) text.append(record.extra->details);
   text.push_back('>');
-  if (formula)
-    write_formula(text, record, context_.workbook.limits.grid,
-                  {context_.tables, {row.number, cell.column}});
+  if (formula) write_formula(text, run, record, {row.number, cell.column});
   if (shared_text) {
     text.append("<v>").append(std::to_string(context_.texts.number(value.text()))).append("</v>");
   } else if (item) {
@@ -419,6 +407,58 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNu
   }
   if (record.extra) text.append(record.extra->children);
   text.append("</c>");
+}
+
+// A shared formula stays one as long as its first cell has it; otherwise each cell gets its own
+// text. Rows of a partial load and the others do not share.
+void WorksheetText::find_shared() {
+  const SheetContents& sheet = *runs_.front().sheet;
+  if (runs_.size() > 1) return;
+  for (std::uint32_t number = 1; const SharedFormula& shared : sheet.shared_formulas) {
+    const Cell* first = sheet.cells.find(shared.at.row, shared.at.column);
+    const CellRecord* its = first ? sheet.record(*first) : nullptr;
+    stays_shared_.push_back(its && its->shared == number &&
+                            shared.cells.contains(shared.at.row, shared.at.column));
+    ++number;
+  }
+}
+
+void WorksheetText::write_formula(std::string& out, const RowRun& run, const CellRecord& record,
+                                  CellAddress at) const {
+  const Grid& grid = context_.workbook.limits.grid;
+  const FormulaPlace place{context_.tables, at};
+  out.append("<f");
+  std::string_view spelling;
+  if (const CellExtra* extra = record.extra.get()) {
+    if (extra->form != FormulaForm::kNormal) {
+      out.append(extra->form == FormulaForm::kArray ? " t=\"array\"" : " t=\"dataTable\"");
+      append_range_attribute(out, extra->range);
+    }
+    out.append(extra->formula_details);
+    spelling = extra->formula_spelling;
+  }
+  std::string moved;
+  std::string_view text = record.formula;
+  if (record.shared != 0 && record.shared <= stays_shared_.size() &&
+      stays_shared_[record.shared - 1]) {
+    const SharedFormula& shared = run.sheet->shared_formulas[record.shared - 1];
+    out.append(" t=\"shared\"");
+    if (at == shared.at) {
+      append_range_attribute(out, shared.cells);
+      text = shared.text;
+      spelling = shared.spelling;
+    }
+    out.append(" si=\"").append(std::to_string(record.shared - 1)).push_back('"');
+  } else if (record.shared != 0) {
+    text = run.sheet->formula(record, at, grid, moved);
+  }
+  if (text.empty()) {
+    out.append("/>");
+    return;
+  }
+  out.push_back('>');
+  append_formula(out, text, spelling, grid, place);
+  out.append("</f>");
 }
 
 void WorksheetText::write_value(std::string& out, const RowRun& run, const Value& value) const {

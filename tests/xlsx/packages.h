@@ -124,7 +124,12 @@ struct Book {
     const CellRecord* record = at.contents().record(*cell);
     const Value value = at.contents().value(*cell);
     std::string text;
-    if (record && !record->formula.empty()) text = "=" + record->formula + ": ";
+    std::string moved;
+    if (record && record->has_formula())
+      text =
+          "=" +
+          std::string(at.contents().formula(*record, {row, column}, workbook.limits.grid, moved)) +
+          ": ";
     switch (value.kind) {
       case ValueKind::kNone:
         return text + "-";

@@ -69,11 +69,35 @@ TEST(Parts, PruningTakesOnlyWhatNothingElseNeeds) {
   EXPECT_EQ(saved.at("[Content_Types].xml").find("sheet1.xml"), std::string::npos);
 }
 
+// Older spreadsheet programs state the type of each part of relationships by itself.
+TEST(Parts, RelationshipsKeepTheirTypes) {
+  PartTexts texts = book_of(worksheet(""));
+  constexpr const char* kType =
+      "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>";
+  std::string& list = texts["[Content_Types].xml"];
+  const std::string usual = std::string("<Default Extension=\"rels\" ") + kType;
+  list.replace(list.find(usual), usual.size(),
+               std::string("<Override PartName=\"/_rels/.rels\" ") + kType +
+                   "<Override PartName=\"/xl/_rels/workbook.xml.rels\" " + kType);
+  const auto book = load(texts);
+  EXPECT_EQ(unzip(book->save()), texts);
+  book->read().change().comments[{0, 0}] = {"note", "me", 100, 100};
+  const std::string saved = unzip(book->save()).at("[Content_Types].xml");
+  for (const char* name :
+       {"/_rels/.rels", "/xl/_rels/workbook.xml.rels", "/xl/worksheets/_rels/sheet1.xml.rels"})
+    EXPECT_NE(saved.find(std::string("<Override PartName=\"") + name + "\" " + kType),
+              std::string::npos)
+        << name;
+}
+
 TEST(Parts, NewNamesAndIdsAreFree) {
   PartTexts texts = book_of(worksheet(""));
   texts["xl/worksheets/SHEET2.xml"] = "";
   Parts parts(source_of(zip(texts)));
   EXPECT_EQ(parts.free_name("xl/worksheets/sheet#.xml"), "xl/worksheets/sheet3.xml");
+  texts["xl/worksheets/_rels/sheet1.xml.rels"] = relations({{"drawing", "sheet3.xml"}});
+  EXPECT_EQ(Parts(source_of(zip(texts))).free_name("xl/worksheets/sheet#.xml"),
+            "xl/worksheets/sheet4.xml");
   EXPECT_EQ(parts.relate("xl/workbook.xml", {"rId3"}, "styles", "xl/styles.xml"), "rId4");
 }
 

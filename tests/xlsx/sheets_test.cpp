@@ -114,6 +114,49 @@ TEST(Sheets, ACopyHasWhatBelongsToItAlone) {
   EXPECT_EQ(refusal(bytes), "");
 }
 
+// What leads to a part of the original is left out; what leads out of the book, or to a place in
+// it, stays.
+TEST(Sheets, ACopyHoldsNoIdsThatLeadNowhere) {
+  PartTexts parts = book_with_parts();
+  std::string& sheet = parts["xl/worksheets/sheet1.xml"];
+  sheet.insert(sheet.find("<conditionalFormatting"),
+               "<dataConsolidate><dataRefs count=\"2\"><dataRef ref=\"A1\" r:id=\"rId1\"/>"
+               "<dataRef ref=\"A2\" r:id=\"rId3\"/></dataRefs></dataConsolidate><customSheetViews>"
+               "<customSheetView guid=\"{1}\"><pageSetup r:id=\"rId3\"/></customSheetView>"
+               "</customSheetViews>");
+  std::string& links = parts["xl/_rels/drawing1.xml.rels"];
+  links.insert(links.find("</Relationships>"),
+               "<Relationship Id=\"rId3\" Type=\"h/hyperlink\" Target=\"#One!A1\"/>");
+  std::string& drawing = parts["xl/drawing1.xml"];
+  drawing.insert(drawing.find("</x:pic>"), "<click r:id=\"rId3\"/>");
+  const auto book = load(parts);
+  NewSheet made = make_copy(book->workbook, *book->document, book->read(), "Copy");
+  make_room(book->workbook, made);
+  place_sheet(book->workbook, *book->document, 2, std::move(made));
+
+  PartTexts saved = unzip(book->save());
+  EXPECT_THAT(saved.at("xl/worksheets/sheet3.xml"),
+              HasSubstr("<dataRefs count=\"1\"><dataRef ref=\"A1\" r:id=\"rId1\"/></dataRefs>"));
+  EXPECT_THAT(saved.at("xl/worksheets/sheet3.xml"),
+              HasSubstr("<customSheetView guid=\"{1}\"><pageSetup/></customSheetView>"));
+  EXPECT_THAT(saved.at("xl/drawings/_rels/drawing1.xml.rels"), HasSubstr("Target=\"#One!A1\""));
+}
+
+// Modules of old programs are listed without a part.
+TEST(Sheets, ListedWithoutAPartStayAsTheyAre) {
+  PartTexts parts = book_with_parts();
+  std::string& workbook = parts["xl/workbook.xml"];
+  const std::string module = "<sheet name=\"Module1\" sheetId=\"7\" r:id=\"\"/>";
+  workbook.insert(workbook.find("<sheet "), module);
+  const auto book = load(parts);
+  EXPECT_EQ(book->sheet(0).kind, SheetKind::kOther);
+  delete_sheet(book->workbook, *book->document, 1);
+  book->add_sheet("New");
+  const PartTexts saved = unzip(book->save());
+  EXPECT_THAT(saved.at("xl/workbook.xml"), HasSubstr("<sheets>" + module + "<sheet name=\"Two\""));
+  EXPECT_THAT(saved.at("xl/worksheets/sheet3.xml"), HasSubstr("<worksheet "));
+}
+
 // The chart stays behind; the picture's part is both drawings', and the copy's alone in the end.
 TEST(Sheets, PicturesOutliveTheSheetTheyWereCopiedFrom) {
   const auto book = load(book_with_parts());

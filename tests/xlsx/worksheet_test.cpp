@@ -115,7 +115,7 @@ TEST(Worksheet, ReadsPrefixesAndStrictNamespaces) {
   EXPECT_EQ(strict_book->workbook.strings.size(), 2u);
 }
 
-TEST(Worksheet, ExpandsSharedFormulas) {
+TEST(Worksheet, SharedFormulasStayShared) {
   const auto book = load(book_of(
       worksheet(R"(<row r="2"><c r="B2"><f t="shared" ref="B2:C4" si="0" ca="1">A1+$A$1+A2</f>)"
                 R"(<v>1</v></c><c r="C2"><f t="shared" si="0"/><v>2</v></c></row>)"
@@ -129,8 +129,35 @@ TEST(Worksheet, ExpandsSharedFormulas) {
   EXPECT_EQ(book->show(3, 2), "=C2*2: -");
   book->sheet().change();
   const std::string sheet = unzip(book->save()).at("xl/worksheets/sheet1.xml");
-  EXPECT_THAT(sheet, HasSubstr(R"(<c r="B2"><f ca="1">A1+$A$1+A2</f><v>1</v></c>)"));
-  EXPECT_EQ(sheet.find("shared"), std::string::npos);
+  EXPECT_THAT(sheet, HasSubstr(R"(<c r="B2"><f ca="1" t="shared" ref="B2:C4" si="0">A1+$A$1+A2</f>)"
+                               R"(<v>1</v></c><c r="C2"><f t="shared" si="0"/><v>2</v></c>)"));
+  EXPECT_THAT(sheet, HasSubstr(R"(<f t="shared" ref="C3:C9" si="1">C1*2</f>)"));
+
+  // Without the first cell nobody would know the text: then the others have their own.
+  book->sheet().change().put_value(1, 1, Value::of_number(7), {});
+  const std::string changed = unzip(book->save()).at("xl/worksheets/sheet1.xml");
+  EXPECT_THAT(changed, HasSubstr(R"(<c r="C2"><f>B1+$A$1+B2</f><v>2</v></c>)"));
+  EXPECT_THAT(changed, HasSubstr(R"(<c r="B3"><f>A2+$A$1+A3</f></c>)"));
+  EXPECT_THAT(changed, HasSubstr(R"(<c r="C4"><f t="shared" si="1"/></c>)"));
+}
+
+// A small file can name a long formula from any number of cells.
+TEST(Worksheet, SharedFormulasStandInMemoryOnce) {
+  std::string text = "A1";
+  while (text.size() < 8000) text += "+A1";
+  std::string rows = "<row r=\"1\"><c r=\"B1\"><f t=\"shared\" ref=\"B1:B9999\" si=\"0\">" + text +
+                     "</f></c></row>";
+  for (int row = 2; row < 10000; ++row)
+    rows += "<row><c r=\"B" + std::to_string(row) + "\"><f t=\"shared\" si=\"0\"/></c></row>";
+  const auto book = load(book_of(worksheet(rows)));
+  book->read();
+  std::size_t held = 0;
+  for (const CellRecord& record : book->sheet().contents().records())
+    held += record.formula.capacity();
+  EXPECT_LT(held, 1000000u);
+  EXPECT_THAT(book->show(9998, 1), testing::StartsWith("=A9999+A9999+"));
+  book->sheet().change();
+  EXPECT_LT(unzip(book->save()).at("xl/worksheets/sheet1.xml").size(), 1000000u);
 }
 
 TEST(Worksheet, WritesBackWhatItDoesNotKnow) {

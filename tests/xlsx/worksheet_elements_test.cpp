@@ -1,0 +1,56 @@
+// The table of a worksheet's elements.
+#include "engine/xlsx/worksheet_elements.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/package/xml_tree.h"
+#include "tests/xlsx/packages.h"
+
+namespace engine::xlsx {
+namespace {
+
+// What is left of elements in front of or behind the rows after a move.
+TEST(WorksheetElements, CellsThatTheyNameMove) {
+  using formula::Axis;
+  using Kind = formula::Move::Kind;
+  const struct {
+    const char* elements;
+    formula::Move move;
+    const char* moved;
+  } cases[] = {
+      {R"(<mergeCells count="2"><mergeCell ref="A1:B2"/><mergeCell ref="A5:B6"/></mergeCells>)",
+       {Axis::kRows, Kind::kInsert, 1, 3},
+       R"(<mergeCells count="2"><mergeCell ref="A1:B5"/><mergeCell ref="A8:B9"/></mergeCells>)"},
+      {R"(<mergeCells count="2"><mergeCell ref="A1:B2"/><mergeCell ref="A5:B6"/></mergeCells>)",
+       {Axis::kRows, Kind::kRemove, 4, 2},
+       R"(<mergeCells count="1"><mergeCell ref="A1:B2"/></mergeCells>)"},
+      {R"(<hyperlinks><hyperlink ref="C3"/></hyperlinks>)",
+       {Axis::kColumns, Kind::kRemove, 2, 1},
+       ""},
+      {R"(<conditionalFormatting sqref="A1:A9 C1 E:E"><cfRule/></conditionalFormatting>)",
+       {Axis::kColumns, Kind::kRemove, 2, 1},
+       R"(<conditionalFormatting sqref="A1:A9 D1:D1048576"><cfRule/></conditionalFormatting>)"},
+      {R"(<sheetViews><sheetView><selection activeCell="B2" sqref="B2"/></sheetView></sheetViews>)",
+       {Axis::kRows, Kind::kRemove, 1, 1},
+       R"(<sheetViews><sheetView><selection/></sheetView></sheetViews>)"},
+      {R"(<autoFilter ref="A1:C9"><sortState ref="A2:C9"><sortCondition ref="B2:B9"/></sortState>)"
+       R"(</autoFilter>)",
+       {Axis::kRows, Kind::kRemove, 0, 20},
+       ""},
+      {R"(<own ref="A5"/><phoneticPr fontId="5"/>)", {Axis::kRows, Kind::kInsert, 0, 1}, nullptr},
+      {R"(<mergeCells><mergeCell ref="A:B"/></mergeCells>)",
+       {Axis::kRows, Kind::kInsert, 3, 1},
+       nullptr},
+  };
+  for (const auto& [elements, move, moved] : cases) {
+    SCOPED_TRACE(elements);
+    const auto tree = package::XmlTree::parse(worksheet("", elements), "sheet");
+    EXPECT_EQ(move_cells(tree.root(), move, Limits().grid), moved != nullptr);
+    EXPECT_NE(tree.serialize().find(std::string(moved ? moved : elements) + "<sheetData"),
+              std::string::npos)
+        << tree.serialize();
+  }
+}
+
+}  // namespace
+}  // namespace engine::xlsx
