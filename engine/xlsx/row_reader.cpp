@@ -193,10 +193,14 @@ void RowReader::Machine::begin_row(int row) {
   target_ = nullptr;
 }
 
+// Of a row that the file has twice, the later children count, as later attributes do.
 void RowReader::Machine::keep_row_children() {
   RowProperties& properties = sheet_.properties_at(row_);
   std::string details;
-  if (properties.details != 0) details = sheet_.row_details[properties.details - 1];
+  if (properties.details != 0) {
+    details = sheet_.row_details[properties.details - 1];
+    details.resize(std::min(details.find(kDetailsEnd), details.size()));
+  }
   details.append(1, kDetailsEnd).append(children_);
   properties.details = number_of_details(details);
 }
@@ -452,6 +456,8 @@ void RowReader::Machine::read_formula() {
   if (keeps_row_ || cell_.extra.form != FormulaForm::kArray) return;
   CellRecord record;
   record.formula = cell_.formula;
+  std::string spelling;  // of the cell outside, which is not written from here
+  show_formula(record.formula, grid_, spelling);
   sheet_.outer_arrays[{row_first, column_first}] = sheet_.keep_record(std::move(record));
 }
 

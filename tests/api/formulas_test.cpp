@@ -184,16 +184,16 @@ TEST(Formulas, CellsOfAnArrayKeepItInAPartialLoad) {
   Stage stage;
   const std::string bytes =
       with_replaced(three_sheets(), "xl/worksheets/sheet1.xml", R"(<c r="A1"><v>)",
-                    R"(<c r="A1"><f t="array" ref="A1:A2">Two!B1:B2*2</f><v>)");
+                    R"(<c r="A1"><f t="array" ref="A1:A2">_xlfn.CONCAT(Two!B1:B2)</f><v>)");
   ASSERT_TRUE(load(*stage.book, bytes, 0, 1, 3)) << stage.message();
   libxl::Sheet* sheet = stage.book->getSheet(0);
   EXPECT_TRUE(sheet->isFormula(1, 0));
   EXPECT_FALSE(sheet->isFormula(2, 0));
-  EXPECT_STREQ(sheet->readFormula(1, 0), L"Two!B1:B2*2");
+  EXPECT_STREQ(sheet->readFormula(1, 0), L"CONCAT(Two!B1:B2)");
   ASSERT_TRUE(stage.book->delSheet(1)) << stage.message();
-  EXPECT_STREQ(sheet->readFormula(1, 0), L"#REF!B1:B2*2");
+  EXPECT_STREQ(sheet->readFormula(1, 0), L"CONCAT(#REF!B1:B2)");
   ASSERT_TRUE(load(*stage.book, saved(*stage.book))) << stage.message();
-  EXPECT_STREQ(stage.book->getSheet(0)->readFormula(1, 0), L"#REF!B1:B2*2");
+  EXPECT_STREQ(stage.book->getSheet(0)->readFormula(1, 0), L"CONCAT(#REF!B1:B2)");
 }
 
 // A spreadsheet takes columns without a table's name only while they are typed: files have it.

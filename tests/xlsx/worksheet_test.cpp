@@ -272,6 +272,16 @@ TEST(Worksheet, DatesCountFromTheBaseOfTheBook) {
   }
 }
 
+// What a row holds besides cells is kept once, however often the file has the row.
+TEST(Worksheet, RepeatedRowsKeepTheirLastChildren) {
+  const auto book = load(book_of(worksheet(
+      R"(<row r="1" x="1"><a/></row><row r="1"><b/></row><row r="1"><c r="A1"/><e/></row>)")));
+  Sheet& sheet = book->read();
+  sheet.change();
+  EXPECT_THAT(unzip(book->save()).at("xl/worksheets/sheet1.xml"),
+              HasSubstr(R"(<sheetData><row r="1" x="1"><c r="A1"/><e/></row></sheetData>)"));
+}
+
 // Numbers as files spell them, in cells that are taken as one piece: each must be the double that
 // the digits say.
 TEST(Worksheet, PlainNumbersAreExact) {
