@@ -194,7 +194,9 @@ std::optional<std::string> with_tables(const Formula& formula,
 // book; nothing when all are.
 std::optional<std::string> unknown_sheet(const Formula& formula,
                                          const std::function<bool(std::string_view)>& known);
-// New names of columns of tables.
+
+// New names of columns of tables. A formula inside of a table may leave its name out: columns of
+// the table without a name are those.
 class ColumnChanges {
  public:
   void add(std::string_view table, std::string_view name, std::string renamed);

@@ -89,11 +89,11 @@ const std::string* ColumnChanges::find(std::string_view table, std::string_view 
 std::optional<std::string> with_columns(const Formula& formula, const ColumnChanges& changes) {
   Edits edits;
   for (const Node& node : formula.nodes) {
-    const auto bracket = end_of_table_name(formula, node);
-    if (!bracket || node.kind != NodeKind::kStructured) continue;
+    if (node.kind != NodeKind::kStructured || node.prefix != PrefixKind::kNone) continue;
     const std::string_view text = formula.text;
-    const auto table = text.substr(node.begin, *bracket - node.begin);
-    for_each_column(text, *bracket, node.end, [&](std::size_t begin, std::size_t end) {
+    const std::size_t bracket = text.find('[', node.begin);
+    const auto table = text.substr(node.begin, bracket - node.begin);
+    for_each_column(text, bracket, node.end, [&](std::size_t begin, std::size_t end) {
       const std::string name = unquoted_column(text.substr(begin, end - begin));
       if (const std::string* renamed = changes.find(table, name))
         edits.replace(begin, end, quoted_column(*renamed));

@@ -61,6 +61,24 @@ struct Renaming {
   std::shared_ptr<const std::string> bytes;  // of the part
 };
 
+// New texts for the formulas inside of a table that leave its name out.
+std::vector<std::pair<CellAddress, std::string>> own_formulas(const SheetContents& sheet,
+                                                              const CellRange& cells,
+                                                              const formula::ColumnChanges& own,
+                                                              const Grid& grid) {
+  std::vector<std::pair<CellAddress, std::string>> texts;
+  for (const Row& row : sheet.cells.rows()) {
+    const int number = static_cast<int>(row.number);
+    if (number < cells.row_first || number > cells.row_last) continue;
+    for (const Cell& cell : row.span()) {
+      if (!sheet.is_formula(cell) || !cells.contains(number, cell.column)) continue;
+      auto text = formula::change_columns_text(sheet.record(cell)->formula, own, grid);
+      if (text) texts.push_back({{number, cell.column}, *std::move(text)});
+    }
+  }
+  return texts;
+}
+
 // The contents of a sheet with the texts that header cells have to show.
 struct Headers {
   Sheet* sheet = nullptr;
@@ -143,15 +161,24 @@ void Document::settle_tables(Workbook& book) {
       const Part* part = parts_.find(table.part);
       auto names = column_names(table.columns, changed);
       auto bytes = rename_columns(parts_.read(*part), table.part, names);
+      formula::ColumnChanges own;
       for (std::size_t i = 0; i < changed.size(); ++i) {
         if (!changed[i]) continue;
-        if (names[i] != table.columns[i]) changes.add(table.name, table.columns[i], names[i]);
+        if (names[i] != table.columns[i]) {
+          changes.add(table.name, table.columns[i], names[i]);
+          own.add({}, table.columns[i], names[i]);
+        }
         const int row = table.cells.row_first;
         const int column = table.cells.column_first + static_cast<int>(i);
         const Header shown = header_at(book, book, sheet->contents(), row, column);
         if (shown == Header{names[i], true}) continue;
         if (!made.sheet) made = {sheet.get(), sheet->contents(), sheet->contents()};
         made.now.put_value(row, column, Value::of_text(book.strings.add(names[i])), {});
+      }
+      for (auto& [at, text] : own_formulas(sheet->contents(), table.cells, own, book.limits.grid)) {
+        if (!made.sheet) made = {sheet.get(), sheet->contents(), sheet->contents()};
+        const Cell* cell = made.now.cells.find(at.row, at.column);
+        if (cell && made.now.is_formula(*cell)) made.now.record(*cell)->formula = std::move(text);
       }
       renamings.push_back(
           {&table, part, std::move(names), std::make_shared<const std::string>(std::move(bytes))});

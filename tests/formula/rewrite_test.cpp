@@ -161,6 +161,7 @@ TEST(Tables, RenamedColumns) {
   ColumnChanges changes;
   changes.add("Sales", "Net", "Sum");
   changes.add("sales", "a#'b", "[c] d");
+  changes.add("", "own", "Mine");
   constexpr Change kCases[] = {
       {"SUM(Sales[Net])", "SUM(Sales[Sum])"},
       {"sales[[#This Row],[NET]]*Sales[[#Headers],[Net]:[Gross]]",
@@ -168,10 +169,12 @@ TEST(Tables, RenamedColumns) {
       {"Sales[a'#''b]+Sales[[a'#''b]]", "Sales['[c'] d]+Sales[['[c'] d]]"},
       {"Sales[@Net]+Sales[@[Net]]", "Sales[@Sum]+Sales[@[Sum]]"},
       {"Sales2[Net]+Sales[#All]+Sales['#All]+Sales[]", nullptr},
-      {"Net+[1]!Sales[Net]+\"Sales[Net]\"", nullptr},
+      {"Net+[1]!Sales[Net]+\"Sales[Net]\"+[Net]", nullptr},
+      {"[@Own]+[[#Totals],[Own]]+Sales[Own]", "[@Mine]+[[#Totals],[Mine]]+Sales[Own]"},
   };
   check(kCases, [&](const char* text) { return change_columns_text(text, changes, kGrid); });
 }
+
 TEST(Sheets, AreAskedForByName) {
   const auto formula =
       parse("Data!A1+'it''s'!B1+DATA!C1+SUM(X:Y!A1)+[1]Z!A1+[b]Z!A1+#REF!A1+Q!Rate", kGrid);

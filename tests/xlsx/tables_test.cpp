@@ -144,7 +144,16 @@ TEST(Tables, FormulasFollowWhereverTheyStand) {
   book->read();
   put_text(*book, 1, "Sum");
   put_text(*book, 2, "Brutto");
+  for (const int column : {3, 4}) {  // inside and beside of the table
+    CellRecord record;
+    record.formula = "[@Net]+T[@Net]";
+    book->sheet().change().put_record(3, column, std::move(record), {});
+  }
   const PartTexts parts = saved(*book);
+  EXPECT_EQ(book->show(3, 3), "=[@Sum]+T[@Sum]: -");
+  EXPECT_EQ(book->show(3, 4), "=[@Net]+T[@Sum]: -");
+  EXPECT_THAT(parts.at("xl/worksheets/sheet1.xml"),
+              HasSubstr("<f>T[[#This Row],[Sum]]+T[[#This Row],[Sum]]</f>"));
   EXPECT_THAT(parts.at("xl/tables/table1.xml"),
               HasSubstr("<calculatedColumnFormula>T[[#This Row],[Sum]]*2<"));
   EXPECT_THAT(parts.at("xl/worksheets/sheet1.xml"), HasSubstr("<f>T[[#This Row],[Sum]]*2</f>"));
