@@ -118,8 +118,10 @@ SheetContext Document::context(Workbook& texts, const Workbook& book) const {
 void Document::read_sheet(Workbook& book, Sheet& sheet) {
   SheetPart& known = sheets_.at(&sheet);
   if (known.read || sheet.kind != SheetKind::kWorksheet) return;
+  if (known.part.empty())
+    package::throw_damaged(main_, "nothing leads to sheet \"" + sheet.name + "\"");
   const Part* part = parts_.find(known.part);
-  if (!part) package::throw_damaged(known.part.empty() ? main_ : known.part, "is missing");
+  if (!part) package::throw_damaged(known.part, "is missing");
 
   SheetContents contents;
   SheetPart made;
