@@ -4,6 +4,9 @@
 #include <charconv>
 #include <cstring>
 #include <memory>
+#include <span>
+#include <utility>
+#include <vector>
 
 #include "engine/package/xml_scanner.h"
 #include "engine/package/xml_text.h"
@@ -17,8 +20,8 @@ namespace {
 
 using package::XmlScanner;
 
-constexpr std::size_t kSliceSize = 512 * 1024;
-constexpr std::size_t kTextsPerBlock = 8192;
+constexpr std::size_t kSliceSize = std::size_t{1} << 20;
+constexpr std::size_t kItemSize = 20;            // around a text, about
 constexpr std::uint64_t kMaxReserved = 1 << 18;  // entries that a part may announce unseen
 constexpr std::string_view kNamespace = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 
@@ -108,13 +111,31 @@ Halves cut(std::string stored, std::string_view part, std::uint64_t count, std::
   return halves;
 }
 
-void append_text(std::string& out, const StringPool& pool, std::uint32_t index,
+void append_item(std::string& out, const StringPool& pool, std::uint32_t index,
                  std::string_view open) {
   constexpr std::string_view kPlainOpen = "<si>";
   const std::size_t begin = out.size();
   if (const std::string* rich = pool.rich(index)) out.append("<si>").append(*rich).append("</si>");
   else append_string_item(out, pool[index]);
   if (open != kPlainOpen) out.replace(begin, kPlainOpen.size(), open);
+}
+
+// Runs of texts that are about a slice long; one that is empty when there are no texts.
+std::vector<std::span<const std::uint32_t>> groups_of(const StringPool& pool,
+                                                      std::span<const std::uint32_t> texts) {
+  std::vector<std::span<const std::uint32_t>> groups;
+  std::size_t first = 0;
+  std::size_t size = 0;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    if (size >= kSliceSize) {
+      groups.push_back(texts.subspan(first, i - first));
+      first = i;
+      size = 0;
+    }
+    size += pool[texts[i]].size() + kItemSize;
+  }
+  groups.push_back(texts.subspan(first));
+  return groups;
 }
 
 }  // namespace
@@ -185,21 +206,19 @@ PartBlocks write_shared_strings(std::string stored, std::string_view part, const
   // What is left of the head behind its whole slices goes with the first texts, and the tail with
   // the last: a small table is one block.
   const std::size_t slices = halves->head.size() / kSliceSize;
-  const std::size_t groups = (texts.added().size() + kTextsPerBlock - 1) / kTextsPerBlock;
+  std::vector<std::span<const std::uint32_t>> groups = groups_of(pool, texts.added());
   PartBlocks blocks;
-  blocks.count = slices + std::max<std::size_t>(groups, 1);
-  blocks.make = [halves, slices, last_block = blocks.count - 1, &pool, &texts](std::size_t block,
-                                                                               std::string& out) {
+  blocks.count = slices + groups.size();
+  blocks.make = [halves, slices, groups = std::move(groups), &pool](std::size_t block,
+                                                                    std::string& out) {
     if (block < slices) {
       out.append(halves->head, block * kSliceSize, kSliceSize);
       return;
     }
     if (block == slices) out.append(halves->head, slices * kSliceSize);
-    const std::size_t first = (block - slices) * kTextsPerBlock;
-    const std::size_t last = std::min(first + kTextsPerBlock, texts.added().size());
-    for (std::size_t i = first; i < last; ++i)
-      append_text(out, pool, texts.added()[i], halves->item_open);
-    if (block == last_block) out.append(halves->tail);
+    for (const std::uint32_t text : groups[block - slices])
+      append_item(out, pool, text, halves->item_open);
+    if (block - slices + 1 == groups.size()) out.append(halves->tail);
   };
   return blocks;
 }
