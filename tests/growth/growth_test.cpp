@@ -1,0 +1,169 @@
+// Twice the input is about twice the work: no operation is quadratic in what it is given.
+//
+// A case does something whose size is `n`, building its input included. To add one, add a row; the
+// size has to be so large that a quadratic part would outweigh what is linear.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/api/stage.h"
+#include "tests/growth/work.h"
+#include "tests/xlsx/packages.h"
+
+namespace {
+
+using engine::xlsx::PartTexts;
+
+// A book of one sheet with these rows.
+Stage loaded(const std::string& rows) {
+  const std::string bytes = engine::xlsx::zip(engine::xlsx::book_of(engine::xlsx::worksheet(rows)));
+  Stage stage;
+  EXPECT_TRUE(stage.book->loadRaw(bytes.data(), static_cast<unsigned>(bytes.size())));
+  stage.sheet = stage.book->getSheet(0);
+  EXPECT_TRUE(stage.sheet) << stage.message();
+  return stage;
+}
+
+std::string cell(int row, const std::string& attributes, const std::string& content) {
+  const std::string number = std::to_string(row + 1);
+  return "<row r=\"" + number + "\"><c r=\"A" + number + "\" " + attributes + ">" + content +
+         "</c></row>";
+}
+
+void rows_upwards(int n) {
+  Stage stage;
+  for (int row = n; row-- > 0;) stage.sheet->writeNum(row, 0, row);
+}
+
+void cells_in_any_order(int n) {
+  Stage stage;
+  constexpr long long kStep = 7919;  // a prime that no n here is a multiple of
+  for (long long i = 0; i < n; ++i) {
+    const auto place = static_cast<int>(i * kStep % n);
+    stage.sheet->writeNum(place / 5, place % 5, 1);
+  }
+}
+
+// What a row is given for a start must not follow the widest one.
+void narrow_rows_below_a_wide_one(int n) {
+  Stage stage;
+  for (int column = 0; column < n; ++column) stage.sheet->writeNum(0, column, 1);
+  for (int row = n; row > 0; --row) stage.sheet->writeNum(row, 0, 1);
+}
+
+void used_range_of_each_row(int n) {
+  Stage stage;
+  for (int row = 0; row < n; ++row) {
+    stage.sheet->writeNum(row, 0, 1);
+    EXPECT_EQ(stage.sheet->lastRow(), row + 1);
+    EXPECT_EQ(stage.sheet->lastCol(), 1);
+  }
+}
+
+void formulas_and_values_in_turn(int n) {
+  Stage stage;
+  for (int round = 0; round < 2; ++round) {
+    for (int row = 0; row < n; ++row) stage.sheet->writeFormulaNum(row, 0, L"B1+1", 2);
+    for (int row = 0; row < n; ++row) stage.sheet->writeNum(row, 0, 1);
+  }
+}
+
+void different_texts(int n) {
+  Stage stage;
+  for (int row = 0; row < n; ++row)
+    stage.sheet->writeStr(row, 0, (L"text " + std::to_wstring(row)).c_str());
+  EXPECT_TRUE(stage.reload());
+  for (int row = 0; row < n; ++row)
+    stage.sheet->writeStr(row, 1, (L"text " + std::to_wstring(row)).c_str());
+}
+
+void different_formats(int n) {
+  Stage stage;
+  for (int row = 0; row < n; ++row) {
+    libxl::Font* font = stage.book->addFont();
+    font->setSize(1 + row);
+    libxl::Format* format = stage.book->addFormat();
+    format->setFont(font);
+    stage.sheet->writeNum(row, 0, 1, format);
+  }
+  EXPECT_TRUE(stage.reload());
+}
+
+void comments_saved_and_loaded(int n) {
+  Stage stage;
+  for (int row = 0; row < n; ++row) stage.sheet->writeComment(row, 0, L"note", L"author", 129, 75);
+  EXPECT_TRUE(stage.reload());
+  EXPECT_STREQ(stage.sheet->readComment(n - 1, 0), L"note");
+}
+
+void formulas_loaded(int n) {
+  std::string rows;
+  for (int row = 0; row < n; ++row) rows += cell(row, "", "<f>B1+1</f><v>2</v>");
+  loaded(rows);
+}
+
+void rows_in_descending_order(int n) {
+  std::string rows;
+  for (int row = n; row-- > 0;) rows += cell(row, "", "<v>2</v>");
+  EXPECT_EQ(loaded(rows).sheet->lastRow(), n);
+}
+
+void different_errors(int n) {
+  std::string rows;
+  for (int row = 0; row < n; ++row)
+    rows += cell(row, "t=\"e\"", "<v>#E" + std::to_string(row) + "!</v>");
+  EXPECT_TRUE(loaded(rows).reload());
+}
+
+// One array a row, each reaching down to the end of the sheet beside all the others.
+void arrays_over_one_another(int n) {
+  std::string rows;
+  for (int row = 0; row < n; ++row)
+    rows += cell(row, "",
+                 "<f t=\"array\" ref=\"B" + std::to_string(row + 1) + ":B1048576\">1</f><v>1</v>");
+  const Stage stage = loaded(rows);
+  int refused = 0;
+  for (int row = 0; row < n; ++row) {
+    EXPECT_TRUE(stage.sheet->isFormula(row, 0));
+    EXPECT_TRUE(stage.sheet->writeNum(row, 2, 1));
+    if (!stage.sheet->writeNum(row, 1, 1)) ++refused;
+  }
+  EXPECT_EQ(refused, n);
+}
+
+struct Case {
+  const char* name;
+  void (*run)(int n);
+  int n;
+};
+constexpr Case kCases[] = {
+    {"rows upwards", rows_upwards, 6000},
+    {"cells in any order", cells_in_any_order, 12000},
+    {"narrow rows below a wide one", narrow_rows_below_a_wide_one, 6000},
+    {"used range of each row", used_range_of_each_row, 3000},
+    {"formulas and values in turn", formulas_and_values_in_turn, 12000},
+    {"different texts", different_texts, 6000},
+    {"different formats", different_formats, 1500},
+    {"comments saved and loaded", comments_saved_and_loaded, 3000},
+    {"formulas loaded", formulas_loaded, 12000},
+    {"rows in descending order", rows_in_descending_order, 12000},
+    {"different errors", different_errors, 6000},
+    {"arrays over one another", arrays_over_one_another, 3000},
+};
+
+std::uint64_t work_of(const Case& one, int n) {
+  const std::uint64_t before = work_done();
+  one.run(n);
+  return work_done() - before;
+}
+
+TEST(Growth, TwiceTheInputIsAboutTwiceTheWork) {
+  for (const Case& one : kCases) {
+    SCOPED_TRACE(one.name);
+    const auto once = static_cast<double>(work_of(one, one.n));
+    const auto twice = static_cast<double>(work_of(one, one.n * 2));
+    EXPECT_LT(twice / once, 2.5) << once << " steps, then " << twice;
+  }
+}
+
+}  // namespace
