@@ -67,6 +67,8 @@ TEST(Damage, PackagesThatAreNoWorkbook) {
       types({{"xl/workbook.xml", "vnd.ms-excel.sheet.binary.macroEnabled.main"}});
   PartTexts no_sheet = good;
   no_sheet.erase("xl/worksheets/sheet1.xml");
+  PartTexts no_relations = good;
+  no_relations.erase("xl/_rels/workbook.xml.rels");
   const std::pair<std::string, const char*> kCases[] = {
       {zip({{"a.txt", "x"}}), "is not an .xlsx workbook"},
       {zip(document), "is not an .xlsx workbook"},
@@ -78,6 +80,7 @@ TEST(Damage, PackagesThatAreNoWorkbook) {
       {zip(binary), "is a binary .xlsb workbook"},
       {zip(no_main), "is damaged: xl/workbook.xml, is missing"},
       {zip(no_sheet), "is damaged: xl/worksheets/sheet1.xml, is missing"},
+      {zip(no_relations), "is damaged: xl/workbook.xml, nothing leads to sheet \"One\""},
   };
   for (const auto& [bytes, text] : kCases) EXPECT_EQ(refusal(bytes), text);
 }
