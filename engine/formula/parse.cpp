@@ -272,7 +272,8 @@ bool Parser::expression(int level) {
   while (true) {
     const char* const behind = p_;
     skip_blanks();
-    const Infix infix = infix_at(p_ != behind);
+    const bool ends = *p_ == ')' || *p_ == 0 || (*p_ == ',' && !unions_);
+    const Infix infix = ends ? Infix() : infix_at(p_ != behind);
     if (infix.level == kNoOperator || infix.level < level) {
       p_ = behind;
       --depth_;

@@ -40,32 +40,6 @@ bool equals_upper(std::string_view text, std::string_view upper_case) {
                     [](char a, char b) { return upper_ascii(a) == b; });
 }
 
-const char* scan_column(const char* p, const char* end, int& column, bool& absolute) {
-  absolute = p != end && *p == '$';
-  if (absolute) ++p;
-  const char* const start = p;
-  int number = 0;
-  for (; p != end && is_letter(*p); ++p) {
-    if (p - start == 4) return nullptr;
-    number = number * 26 + (upper_ascii(*p) - 'A' + 1);
-  }
-  column = number - 1;
-  return p == start ? nullptr : p;
-}
-
-const char* scan_row(const char* p, const char* end, int& row, bool& absolute) {
-  absolute = p != end && *p == '$';
-  if (absolute) ++p;
-  const char* const start = p;
-  int number = 0;
-  for (; p != end && is_digit(*p); ++p) {
-    if (p - start == 9) return nullptr;
-    number = number * 10 + (*p - '0');
-  }
-  row = number - 1;
-  return p == start || *start == '0' ? nullptr : p;
-}
-
 const char* scan_cell(const char* p, const char* end, CellReference& cell) {
   p = scan_column(p, end, cell.column, cell.column_absolute);
   return p == nullptr ? nullptr : scan_row(p, end, cell.row, cell.row_absolute);

@@ -42,8 +42,30 @@ bool equals_upper(std::string_view text, std::string_view upper_case);
 
 // $A, $1 and $A$1. Columns of up to four letters and rows of up to nine digits are read, so that
 // what lies past the grid can be told from what is no address.
-const char* scan_column(const char* p, const char* end, int& column, bool& absolute);
-const char* scan_row(const char* p, const char* end, int& row, bool& absolute);
+inline const char* scan_column(const char* p, const char* end, int& column, bool& absolute) {
+  absolute = p != end && *p == '$';
+  if (absolute) ++p;
+  const char* const start = p;
+  int number = 0;
+  for (; p != end && is_letter(*p); ++p) {
+    if (p - start == 4) return nullptr;
+    number = number * 26 + (*p & 0x1F);  // 1 for A in either case
+  }
+  column = number - 1;
+  return p == start ? nullptr : p;
+}
+inline const char* scan_row(const char* p, const char* end, int& row, bool& absolute) {
+  absolute = p != end && *p == '$';
+  if (absolute) ++p;
+  const char* const start = p;
+  int number = 0;
+  for (; p != end && is_digit(*p); ++p) {
+    if (p - start == 9) return nullptr;
+    number = number * 10 + (*p - '0');
+  }
+  row = number - 1;
+  return p == start || *start == '0' ? nullptr : p;
+}
 const char* scan_cell(const char* p, const char* end, CellReference& cell);
 
 // R, R5 or R[-2] (`letter` is 'R' or 'C') as position and flag; offsets count from `base` and wrap

@@ -43,10 +43,11 @@ std::string fold_case(std::string_view utf8) {
 
 bool equal_ignoring_case(std::string_view a, std::string_view b) {
   while (!a.empty() && !b.empty()) {
-    if (a.front() == b.front() && static_cast<unsigned char>(a.front()) < 0x80) {
+    const bool is_ascii = static_cast<unsigned char>(a.front() | b.front()) < 0x80;
+    if (is_ascii && lower_ascii(a.front()) == lower_ascii(b.front())) {
       a.remove_prefix(1);
       b.remove_prefix(1);
-    } else if (take_folded(a) != take_folded(b)) {
+    } else if (is_ascii || take_folded(a) != take_folded(b)) {
       return false;
     }
   }
