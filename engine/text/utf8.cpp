@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstring>
-#include <type_traits>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -37,15 +36,18 @@ __m128i at_least(__m128i bytes, unsigned least) {
 }
 __m128i equal(__m128i bytes, unsigned value) { return _mm_cmpeq_epi8(bytes, byte(value)); }
 
+// The bytes that stand so many places before the sixteen.
+template <int kCount>
+__m128i back(__m128i bytes, __m128i before) {
+  return _mm_or_si128(_mm_slli_si128(bytes, kCount), _mm_srli_si128(before, 16 - kCount));
+}
+
 // Not zero when the sixteen bytes hold one that cannot follow those before it. A sequence that
 // their end cuts is the concern of the next sixteen.
 int wrong_bytes(__m128i bytes, __m128i before) {
-  const auto back = [&](auto count) {
-    return _mm_or_si128(_mm_slli_si128(bytes, count()), _mm_srli_si128(before, 16 - count()));
-  };
-  const __m128i first = back(std::integral_constant<int, 1>());
-  const __m128i second = back(std::integral_constant<int, 2>());
-  const __m128i third = back(std::integral_constant<int, 3>());
+  const __m128i first = back<1>(bytes, before);
+  const __m128i second = back<2>(bytes, before);
+  const __m128i third = back<3>(bytes, before);
   const __m128i continues = _mm_cmplt_epi8(bytes, byte(0xC0));
   const __m128i must_continue = _mm_or_si128(
       at_least(first, 0xC0), _mm_or_si128(at_least(second, 0xE0), at_least(third, 0xF0)));
