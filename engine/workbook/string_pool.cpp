@@ -1,41 +1,41 @@
 #include "engine/workbook/string_pool.h"
 
 #include <algorithm>
-#include <bit>
 #include <functional>
 
 namespace engine {
 
 namespace {
 
-constexpr std::size_t kFirstBuckets = 64;
 constexpr std::size_t kFirstBlock = 1024;
 constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
 
 std::uint32_t hash_of(std::string_view text) {
   const std::uint64_t wide = std::hash<std::string_view>()(text);
-  return static_cast<std::uint32_t>(wide ^ (wide >> 32));
+  const auto folded = static_cast<std::uint32_t>(wide ^ (wide >> 32));
+  return folded == 0 ? 1 : folded;
 }
 
 }  // namespace
 
 std::uint32_t StringPool::add(std::string_view text) {
-  if ((entries_.size() + 1) * 2 > buckets_.size()) make_room();
+  if ((entries_.size() + 1) * 2 > buckets_.size()) make_index((entries_.size() + 8) * 4);
   const std::uint32_t hash = hash_of(text);
   const std::size_t mask = buckets_.size() - 1;
-  std::size_t at = hash & mask;
-  for (; buckets_[at].entry != 0; at = (at + 1) & mask) {
-    const auto [known, entry] = buckets_[at];
-    if (known == hash && (*this)[entry - 1] == text) return entry - 1;
+  for (std::size_t at = hash & mask; buckets_[at] != 0; at = (at + 1) & mask) {
+    const Entry& entry = entries_[buckets_[at] - 1];
+    if (entry.hash == hash && std::string_view(entry.data, entry.length) == text)
+      return buckets_[at] - 1;
   }
   const std::uint32_t index = append(text);
-  buckets_[at] = {hash, index + 1};
+  entries_[index].hash = hash;
+  enter(index);
   return index;
 }
 
 std::uint32_t StringPool::append(std::string_view text) {
   const char* data = keep(text);
-  entries_.push_back({data, static_cast<std::uint32_t>(text.size())});
+  entries_.push_back({data, static_cast<std::uint32_t>(text.size()), 0});
   return size() - 1;
 }
 
@@ -66,23 +66,24 @@ const char* StringPool::keep(std::string_view text) {
 }
 
 // Rich entries stay out of the index: a plain text that is equal gets an entry of its own.
-void StringPool::make_room() {
-  std::vector<Bucket> made(std::bit_ceil(std::max(kFirstBuckets, (entries_.size() + 1) * 2)));
-  if (buckets_.empty()) {
-    for (std::uint32_t index = 0; index < size(); ++index)
-      if (rich_.empty() || !rich_.contains(index))
-        enter(made, {hash_of((*this)[index]), index + 1});
-  }
-  for (const Bucket& bucket : buckets_)
-    if (bucket.entry != 0) enter(made, bucket);
+void StringPool::make_index(std::size_t buckets) {
+  std::size_t size = 64;
+  while (size < buckets) size *= 2;
+  std::vector<std::uint32_t> made(size);
   buckets_.swap(made);
+  for (std::uint32_t index = 0; index < entries_.size(); ++index) {
+    if (!rich_.empty() && rich_.contains(index)) continue;
+    Entry& entry = entries_[index];
+    if (entry.hash == 0) entry.hash = hash_of({entry.data, entry.length});
+    enter(index);
+  }
 }
 
-void StringPool::enter(std::vector<Bucket>& buckets, Bucket bucket) {
-  const std::size_t mask = buckets.size() - 1;
-  std::size_t at = bucket.hash & mask;
-  while (buckets[at].entry != 0) at = (at + 1) & mask;
-  buckets[at] = bucket;
+void StringPool::enter(std::uint32_t index) {
+  const std::size_t mask = buckets_.size() - 1;
+  std::size_t at = entries_[index].hash & mask;
+  while (buckets_[at] != 0) at = (at + 1) & mask;
+  buckets_[at] = index + 1;
 }
 
 }  // namespace engine

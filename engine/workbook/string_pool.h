@@ -46,19 +46,15 @@ class StringPool {
   struct Entry {
     const char* data;
     std::uint32_t length;
-  };
-  // Beside the number the hash, so that only equal texts are looked at.
-  struct Bucket {
-    std::uint32_t hash = 0;
-    std::uint32_t entry = 0;  // number plus one; 0 is free
+    std::uint32_t hash;  // 0 until the index by hash is made
   };
 
   const char* keep(std::string_view text);
-  void make_room();
-  static void enter(std::vector<Bucket>& buckets, Bucket bucket);
+  void make_index(std::size_t buckets);
+  void enter(std::uint32_t index);
 
   std::vector<Entry> entries_;
-  std::vector<Bucket> buckets_;  // open addressing, a power of two; none until the first new text
+  std::vector<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   std::size_t room_ = 0;
