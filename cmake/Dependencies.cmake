@@ -13,6 +13,25 @@ if(VORNELIX_ISAL AND ISAL_LIBRARY)
   target_compile_definitions(isal INTERFACE VORNELIX_ISAL)
 endif()
 
+# ISA-L is not on every system: it lies beside the library that is built with it, under the name that
+# this asks for.
+function(ship_isal library)
+  if(NOT TARGET isal)
+    return()
+  endif()
+  file(REAL_PATH ${ISAL_LIBRARY} isal_file)
+  execute_process(COMMAND ${CMAKE_OBJDUMP} -p ${isal_file} OUTPUT_VARIABLE isal_headers)
+  if(NOT isal_headers MATCHES "SONAME +([^ \n]+)")
+    message(FATAL_ERROR "${isal_file} has no name to be found by")
+  endif()
+  set(isal_name ${CMAKE_MATCH_1})
+  add_custom_command(TARGET ${library} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${isal_file}
+            ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${isal_name}
+    VERBATIM)
+  install(PROGRAMS ${isal_file} DESTINATION lib RENAME ${isal_name})
+endfunction()
+
 function(find_static_library name archive)
   find_library(${name}_ARCHIVE ${archive} REQUIRED)
   add_library(${name} STATIC IMPORTED)

@@ -42,7 +42,7 @@ std::string last_cell(const Grid& grid) {
 }
 
 std::string padded(int value, std::size_t width) {
-  std::string digits = std::to_string(std::abs(value));
+  std::string digits = std::to_string(std::abs(static_cast<long long>(value)));
   digits.insert(0, width - std::min(width, digits.size()), '0');
   return value < 0 ? "-" + digits : digits;
 }
@@ -83,14 +83,6 @@ std::string out_of_range(std::string_view property, int value, int low, int high
 
 std::string out_of_range(std::string_view property, double value, double low, double high) {
   return range_text(property, value, low, high);
-}
-
-std::string too_small(std::string_view property, int value, int low) {
-  return join(property, " ", value, " is out of range: it must be at least ", low);
-}
-
-std::string too_small(std::string_view property, double value, double low) {
-  return join(property, " ", value, " is out of range: it must be at least ", low);
 }
 
 std::string not_finite(std::string_view property) {

@@ -24,8 +24,6 @@ std::string index(std::string_view thing, long long index, std::size_t count);
 // Arguments. `property` is what the value stands for ("zoom", "font size", "colour").
 std::string out_of_range(std::string_view property, int value, int low, int high);
 std::string out_of_range(std::string_view property, double value, double low, double high);
-std::string too_small(std::string_view property, int value, int low);
-std::string too_small(std::string_view property, double value, double low);
 std::string not_finite(std::string_view property);
 std::string unknown(std::string_view property, long long value);
 std::string empty(std::string_view what);

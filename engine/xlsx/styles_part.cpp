@@ -34,7 +34,6 @@ void StylesPart::read(std::string_view bytes, std::string_view part, std::string
   styles.colors.theme = read_theme(theme);
   document.settle();
   document_ = std::move(document);
-  stored_ = !bytes.empty();
 }
 
 }  // namespace engine::xlsx

@@ -35,17 +35,12 @@ class StylesPart {
   // counts, indices beyond their lists and missing pieces are read with defaults.
   void read(std::string_view bytes, std::string_view part, std::string_view theme, Styles& styles);
 
-  // Whether the part must be written: something was changed or added since, or there was no part.
-  // Otherwise the stored bytes hold and every format has the number that it has in the book.
-  bool changed(const Styles& styles) const { return !stored_ || styles.changed(); }
-
   // The part as it is to be saved. Nothing changes: writing again gives the same bytes. The lists
   // never outgrow the format, as the workbook's do not.
   WrittenStyles write(const Styles& styles) const;
 
  private:
   package::XmlTree document_;
-  bool stored_ = false;
 };
 
 }  // namespace engine::xlsx

@@ -96,7 +96,7 @@ TEST(StylesPart, ReadsTheLooks) {
   EXPECT_EQ(styles.colors.palette[0], 8U);
   EXPECT_EQ(styles.colors.palette[1], 0x123456U);
   EXPECT_EQ(styles.colors.palette[2], kDefaultPalette[2]);
-  EXPECT_FALSE(book.part.changed(styles));
+  EXPECT_FALSE(styles.changed());
 }
 
 // Only what was changed differs in the bytes, and the count that was wrong.
@@ -192,7 +192,7 @@ TEST(StylesPart, PatchesInPlace) {
     SCOPED_TRACE(what);
     Book book(kSample);
     change(book.styles);
-    EXPECT_TRUE(book.part.changed(book.styles));
+    EXPECT_TRUE(book.styles.changed());
     const WrittenStyles written = book.part.write(book.styles);
     std::string expected = std::string(kDeclaration).append(kSample);
     expected = replaced(expected, R"(<cellXfs count="99">)", R"(<cellXfs count="3">)");
@@ -329,7 +329,6 @@ TEST(StylesPart, CopiesStandForThemselves) {
 TEST(StylesPart, NewBooksComeBack) {
   Book book;
   Styles& styles = book.styles;
-  EXPECT_TRUE(book.part.changed(styles));
   const auto add = [&](unsigned aspect) -> FormatRecord& {
     return styles.change_format(*styles.add_format(), aspect);
   };
