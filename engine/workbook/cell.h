@@ -88,7 +88,6 @@ struct CellExtra {
 struct SharedFormula {
   std::string text;  // as the cell at `at` has it
   CellAddress at;
-  CellRange cells;       // that share it, as far as the file says
   std::string spelling;  // kept for the codec: as CellExtra::formula_spelling
 };
 

@@ -54,7 +54,7 @@ std::string related_or_new(Parts& parts, std::string_view main, const Ids& menti
                            std::string_view kind, std::string_view name, std::string_view type) {
   if (const Part* part = parts.related(main, kind)) return part->name;
   std::string free(name);
-  if (parts.find(name)) {
+  if (parts.find(name) || parts.is_mentioned(name)) {
     const std::size_t dot = name.rfind('.');
     free = parts.free_name(free.substr(0, dot).append("#").append(name.substr(dot)));
   }

@@ -67,12 +67,15 @@ std::vector<std::pair<CellAddress, std::string>> own_formulas(const SheetContent
                                                               const formula::ColumnChanges& own,
                                                               const Grid& grid) {
   std::vector<std::pair<CellAddress, std::string>> texts;
+  std::string moved;
   for (const Row& row : sheet.cells.rows()) {
     const int number = static_cast<int>(row.number);
     if (number < cells.row_first || number > cells.row_last) continue;
     for (const Cell& cell : row.span()) {
       if (!sheet.is_formula(cell) || !cells.contains(number, cell.column)) continue;
-      auto text = formula::change_columns_text(sheet.record(cell)->formula, own, grid);
+      const CellAddress at{number, cell.column};
+      auto text = formula::change_columns_text(sheet.formula(*sheet.record(cell), at, grid, moved),
+                                               own, grid);
       if (text) texts.push_back({{number, cell.column}, *std::move(text)});
     }
   }
@@ -178,7 +181,10 @@ void Document::settle_tables(Workbook& book) {
       for (auto& [at, text] : own_formulas(sheet->contents(), table.cells, own, book.limits.grid)) {
         if (!made.sheet) made = {sheet.get(), sheet->contents(), sheet->contents()};
         const Cell* cell = made.now.cells.find(at.row, at.column);
-        if (cell && made.now.is_formula(*cell)) made.now.record(*cell)->formula = std::move(text);
+        if (!cell || !made.now.is_formula(*cell)) continue;
+        CellRecord& record = *made.now.record(*cell);
+        record.formula = std::move(text);
+        record.shared = 0;
       }
       renamings.push_back(
           {&table, part, std::move(names), std::make_shared<const std::string>(std::move(bytes))});

@@ -157,7 +157,6 @@ void Parts::forget(std::string_view owner, std::string_view id, std::string_view
   links_.erase(key);
 }
 
-// Whether a relationship or a content type of the file speaks of a part that is not there.
 bool Parts::is_mentioned(std::string_view name) const {
   if (!archive_) return false;
   if (!mentioned_) {

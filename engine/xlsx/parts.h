@@ -68,6 +68,8 @@ class Parts {
   // "xl/worksheets/sheet3.xml" for the pattern "xl/worksheets/sheet#.xml": a name that no part has,
   // none of those pending either, and that nothing in the file mentions.
   std::string free_name(std::string_view pattern, const NewParts* pending = nullptr) const;
+  // Whether a relationship or a content type of the file speaks of a part that is not there.
+  bool is_mentioned(std::string_view name) const;
   // Removes a relationship with the part that it leads to, which was made under such a name. Throws
   // before it changes anything.
   void forget(std::string_view owner, std::string_view id, std::string_view pattern,
@@ -121,7 +123,6 @@ class Parts {
   Part& make(std::string_view name, std::string_view type);
   PartLinks& links(std::string_view owner) const;
   Relationships stored_relationships(std::string_view owner) const;
-  bool is_mentioned(std::string_view name) const;
   std::set<std::string> reachable(bool in_file) const;
   bool has_relationships(std::string_view owner) const;
   std::string written_types() const;

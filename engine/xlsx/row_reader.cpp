@@ -470,7 +470,6 @@ void RowReader::Machine::read_shared_formula(std::string_view index) {
     SharedFormula& made = sheet_.shared_formulas.emplace_back();
     made.text = std::exchange(cell_.formula, {});
     made.at = *cell_.at;
-    made.cells = cell_.extra.range;
     show_formula(made.text, grid_, made.spelling);
     shared_.insert_or_assign(*number, static_cast<std::uint32_t>(sheet_.shared_formulas.size()));
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <map>
 
 #include "engine/formula/reference.h"
 #include "engine/package/xml_text.h"
@@ -108,6 +109,23 @@ struct RowRun {
   const SheetContents* sheet = nullptr;
   const Workbook* workbook = nullptr;
   std::uint32_t first_text = 0;
+  std::size_t first_shared = 0;  // number in the file of its shared formula 1
+};
+
+// The cells of a shared formula: the first that is written, and the range around all.
+struct SharedCells {
+  CellAddress first{-1, 0};
+  CellRange range;
+
+  void enter(int row, int column) {
+    if (first.row < 0) {
+      first = {row, column};
+      range = {row, row, column, column};
+    }
+    range.row_last = std::max(range.row_last, row);
+    range.column_first = std::min(range.column_first, column);
+    range.column_last = std::max(range.column_last, column);
+  }
 };
 
 struct Block {
@@ -156,9 +174,9 @@ class WorksheetText {
   const WriteContext context_;
   std::vector<RowRun> runs_;
   std::vector<Block> blocks_;
-  std::vector<Piece> columns_;      // letters
-  std::vector<Piece> styles_;       // ` s="12"`, empty for format 0
-  std::vector<bool> stays_shared_;  // by number
+  std::vector<Piece> columns_;       // letters
+  std::vector<Piece> styles_;        // ` s="12"`, empty for format 0
+  std::vector<SharedCells> shared_;  // by number in the file
   std::string head_;
   std::string tail_;
 };
@@ -409,17 +427,20 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNu
   text.append("</c>");
 }
 
-// A shared formula stays one as long as its first cell has it; otherwise each cell gets its own
-// text. Rows of a partial load and the others do not share.
+// Of the cells that share a formula the first that is written has its text, whichever cell had it
+// in the file: a reader has to know the text before it meets the others. Rows of a partial load and
+// the rows outside share apart.
 void WorksheetText::find_shared() {
-  const SheetContents& sheet = *runs_.front().sheet;
-  if (runs_.size() > 1) return;
-  for (std::uint32_t number = 1; const SharedFormula& shared : sheet.shared_formulas) {
-    const Cell* first = sheet.cells.find(shared.at.row, shared.at.column);
-    const CellRecord* its = first ? sheet.record(*first) : nullptr;
-    stays_shared_.push_back(its && its->shared == number &&
-                            shared.cells.contains(shared.at.row, shared.at.column));
-    ++number;
+  std::map<const SheetContents*, std::size_t> firsts;
+  for (RowRun& run : runs_) {
+    if (run.sheet->shared_formulas.empty()) continue;
+    run.first_shared = firsts.try_emplace(run.sheet, shared_.size()).first->second;
+    shared_.resize(std::max(shared_.size(), run.first_shared + run.sheet->shared_formulas.size()));
+    for (const Row& row : run.rows)
+      for (const Cell& cell : row.span())
+        if (const CellRecord* record = run.sheet->record(cell); record && record->shared != 0)
+          shared_[run.first_shared + record->shared - 1].enter(static_cast<int>(row.number),
+                                                               cell.column);
   }
 }
 
@@ -439,18 +460,17 @@ void WorksheetText::write_formula(std::string& out, const RowRun& run, const Cel
   }
   std::string moved;
   std::string_view text = record.formula;
-  if (record.shared != 0 && record.shared <= stays_shared_.size() &&
-      stays_shared_[record.shared - 1]) {
+  if (record.shared != 0) {
     const SharedFormula& shared = run.sheet->shared_formulas[record.shared - 1];
+    const std::size_t number = run.first_shared + record.shared - 1;
+    const SharedCells& cells = shared_[number];
     out.append(" t=\"shared\"");
-    if (at == shared.at) {
-      append_range_attribute(out, shared.cells);
-      text = shared.text;
-      spelling = shared.spelling;
+    if (at == cells.first) {
+      append_range_attribute(out, cells.range);
+      text = run.sheet->formula(record, at, grid, moved);
+      if (at == shared.at) spelling = shared.spelling;
     }
-    out.append(" si=\"").append(std::to_string(record.shared - 1)).push_back('"');
-  } else if (record.shared != 0) {
-    text = run.sheet->formula(record, at, grid, moved);
+    out.append(" si=\"").append(std::to_string(number)).push_back('"');
   }
   if (text.empty()) {
     out.append("/>");

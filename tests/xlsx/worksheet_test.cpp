@@ -129,16 +129,27 @@ TEST(Worksheet, SharedFormulasStayShared) {
   EXPECT_EQ(book->show(3, 2), "=C2*2: -");
   book->sheet().change();
   const std::string sheet = unzip(book->save()).at("xl/worksheets/sheet1.xml");
-  EXPECT_THAT(sheet, HasSubstr(R"(<c r="B2"><f ca="1" t="shared" ref="B2:C4" si="0">A1+$A$1+A2</f>)"
+  EXPECT_THAT(sheet, HasSubstr(R"(<c r="B2"><f ca="1" t="shared" ref="B2:C3" si="0">A1+$A$1+A2</f>)"
                                R"(<v>1</v></c><c r="C2"><f t="shared" si="0"/><v>2</v></c>)"));
-  EXPECT_THAT(sheet, HasSubstr(R"(<f t="shared" ref="C3:C9" si="1">C1*2</f>)"));
+  EXPECT_THAT(sheet, HasSubstr(R"(<f t="shared" ref="C3:C4" si="1">C1*2</f>)"));
 
-  // Without the first cell nobody would know the text: then the others have their own.
+  // Without the cell that had the text the next one has it.
   book->sheet().change().put_value(1, 1, Value::of_number(7), {});
   const std::string changed = unzip(book->save()).at("xl/worksheets/sheet1.xml");
-  EXPECT_THAT(changed, HasSubstr(R"(<c r="C2"><f>B1+$A$1+B2</f><v>2</v></c>)"));
-  EXPECT_THAT(changed, HasSubstr(R"(<c r="B3"><f>A2+$A$1+A3</f></c>)"));
-  EXPECT_THAT(changed, HasSubstr(R"(<c r="C4"><f t="shared" si="1"/></c>)"));
+  EXPECT_THAT(changed, HasSubstr(R"(ref="B2:C3" si="0">B1+$A$1+B2</f><v>2</v>)"));
+  EXPECT_THAT(changed, HasSubstr(R"(<c r="B3"><f t="shared" si="0"/></c>)"));
+}
+
+// A reader meets the text first, in whatever order the file had the cells.
+TEST(Worksheet, SharedFormulasOfRowsInDescendingOrderComeBack) {
+  const auto book = load(
+      book_of(worksheet(R"(<row r="9"><c r="B9"><f t="shared" ref="B1:B9" si="3">A9</f></c></row>)"
+                        R"(<row r="1"><c r="B1"><f t="shared" si="3"/></c></row>)")));
+  book->read().change();
+  const auto again = load(book->save());
+  again->read();
+  EXPECT_EQ(again->show(0, 1), "=A1: -");
+  EXPECT_EQ(again->show(8, 1), "=A9: -");
 }
 
 // A small file can name a long formula from any number of cells.
