@@ -31,6 +31,13 @@ bool may_hold_formula(const Sheet& sheet) {
 
 }  // namespace
 
+bool BookObject::take_paths(const wchar_t* path, const wchar_t* temp_path,
+                            LoadRequest* request) const {
+  request->path = to_utf8(path);
+  request->temp_path = to_utf8(temp_path);
+  return !request->path.empty() || book_.refuse(false, messages::empty("file name"));
+}
+
 bool BookObject::take_rows(int first, int last, std::optional<CellRange>* rows) const {
   const Grid& grid = book_.workbook().limits.grid;
   if (first < 0 || first >= grid.rows) return book_.refuse(false, messages::row(first, grid));
@@ -78,10 +85,7 @@ bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents
 bool BookObject::load(const wchar_t* path, const wchar_t* tempFile) {
   return book_.run_always(false, [&] {
     LoadRequest request;
-    request.path = to_utf8(path);
-    request.temp_path = to_utf8(tempFile);
-    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-    return load_with("load", request);
+    return take_paths(path, tempFile, &request) && load_with("load", request);
   });
 }
 
@@ -102,11 +106,8 @@ bool BookObject::loadRaw(const char* data, unsigned size, int sheetIndex, int fi
 bool BookObject::loadSheet(const wchar_t* path, int sheetIndex, const wchar_t* tempFile) {
   return book_.run_always(false, [&] {
     LoadRequest request;
-    request.path = to_utf8(path);
-    request.temp_path = to_utf8(tempFile);
     request.sheet = sheetIndex;
-    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-    return load_with("loadSheet", request);
+    return take_paths(path, tempFile, &request) && load_with("loadSheet", request);
   });
 }
 
@@ -114,21 +115,17 @@ bool BookObject::loadPartially(const wchar_t* path, int sheetIndex, int firstRow
                                const wchar_t* tempFile) {
   return book_.run_always(false, [&] {
     LoadRequest request;
-    request.path = to_utf8(path);
-    request.temp_path = to_utf8(tempFile);
     request.sheet = sheetIndex;
-    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-    return take_rows(firstRow, lastRow, &request.rows) && load_with("loadPartially", request);
+    return take_paths(path, tempFile, &request) && take_rows(firstRow, lastRow, &request.rows) &&
+           load_with("loadPartially", request);
   });
 }
 
 bool BookObject::loadInfo(const wchar_t* path) {
   return book_.run_always(false, [&] {
     LoadRequest request;
-    request.path = to_utf8(path);
     request.info_only = true;
-    if (request.path.empty()) return book_.refuse(false, messages::empty("file name"));
-    return load_with("loadInfo", request);
+    return take_paths(path, nullptr, &request) && load_with("loadInfo", request);
   });
 }
 

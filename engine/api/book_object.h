@@ -98,6 +98,8 @@ class BookObject final : public libxl::Book {
   bool check_sheet_name(const std::string& name) const;
   bool check_original(const libxl::Sheet* original, const Sheet** sheet) const;
   bool check_savable(std::string_view operation) const;
+  // The file of a load, and the one that keeps its bytes if one shall.
+  bool take_paths(const wchar_t* path, const wchar_t* temp_path, LoadRequest* request) const;
   // The rows of a partial load, cut to the grid.
   bool take_rows(int first, int last, std::optional<CellRange>* rows) const;
 

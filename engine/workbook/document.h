@@ -38,8 +38,8 @@ struct Table {
 
 struct SaveOptions {
   bool as_template = false;  // the kind of file that makes new workbooks rather than being one
-  std::optional<bool>
-      with_macros;  // what the target's name promises; nothing when it tells nothing
+  // What the target's name promises; nothing when it tells nothing.
+  std::optional<bool> with_macros;
 };
 
 class Document {

@@ -59,15 +59,9 @@ SheetKind kind_of(std::string_view relationship_kind) {
 // Sets an attribute whose absence means `usual`; one that says the same already stays.
 void settle(pugi::xml_node node, const char* name, std::string_view value,
             std::string_view usual = {}) {
-  pugi::xml_attribute attribute = node.attribute(name);
+  const pugi::xml_attribute attribute = node.attribute(name);
   const std::string_view present = attribute ? attribute.value() : usual;
-  if (present == value) return;
-  if (value == usual) {
-    node.remove_attribute(attribute);
-    return;
-  }
-  if (!attribute) attribute = node.append_attribute(name);
-  attribute = std::string(value).c_str();
+  if (present != value) settle_attribute(node, name, value, value == usual);
 }
 
 void settle_flag(pugi::xml_node node, const char* name, bool value) {
