@@ -166,8 +166,6 @@ bool move_attribute(pugi::xml_node element, const CellsAttribute& cells, const f
 
 }  // namespace
 
-std::span<const WorksheetElement> worksheet_elements() { return kElements; }
-
 void read_elements(pugi::xml_node root, const SheetReading& to) {
   for (const WorksheetElement& row : kElements)
     if (row.read) row.read(package::child(root, Family::Main, row.name), to);

@@ -83,8 +83,6 @@ struct WorksheetElement {
   std::span<const CellsAttribute> cells = {};
 };
 
-std::span<const WorksheetElement> worksheet_elements();
-
 // What the table says of all elements of a worksheet.
 void read_elements(pugi::xml_node root, const SheetReading& to);
 void patch_elements(pugi::xml_node root, const SheetPatching& from);
