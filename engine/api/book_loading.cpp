@@ -66,7 +66,7 @@ bool BookObject::load_with(std::string_view operation, const LoadRequest& reques
 
 bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents) {
   if (!request.sheet) return true;
-  auto& sheets = contents.workbook->sheets;
+  const auto& sheets = contents.workbook->sheets();
   if (!check_index("sheet", *request.sheet, sheets.size())) return false;
   Sheet& chosen = *sheets[static_cast<std::size_t>(*request.sheet)];
   if (chosen.kind != SheetKind::kWorksheet)
@@ -133,7 +133,7 @@ bool BookObject::loadInfo(const wchar_t* path) {
 
 bool BookObject::check_savable(std::string_view operation) const {
   if (!book_.codec().load) return book_.refuse(false, messages::not_supported(operation));
-  const auto& sheets = book_.workbook().sheets;
+  const auto& sheets = book_.workbook().sheets();
   if (sheets.empty()) return book_.refuse(false, messages::no_sheets());
   const bool any_visible = std::ranges::any_of(
       sheets, [](const auto& sheet) { return sheet->visibility == SheetVisibility::kVisible; });
@@ -148,7 +148,7 @@ void BookObject::settle_calculation() {
   Workbook& workbook = book_.workbook();
   if (workbook.needs_calculation || !contents.values_changed || !contents.formulas_possible) return;
   workbook.needs_calculation = std::ranges::any_of(
-      workbook.sheets, [](const auto& sheet) { return may_hold_formula(*sheet); });
+      workbook.sheets(), [](const auto& sheet) { return may_hold_formula(*sheet); });
 }
 
 bool BookObject::save(const wchar_t* path, bool) {

@@ -41,7 +41,7 @@ std::string forbidden_character(std::string_view name) {
 }  // namespace
 
 bool BookObject::check_sheet_index(int index) const {
-  return check_index("sheet", index, book_.workbook().sheets.size());
+  return check_index("sheet", index, book_.workbook().sheets().size());
 }
 
 bool BookObject::check_sheet_name(const std::string& name) const {
@@ -72,12 +72,12 @@ bool BookObject::check_original(const libxl::Sheet* original, const Sheet** shee
 }
 
 libxl::Sheet* BookObject::addSheet(const wchar_t* name, libxl::Sheet* initSheet) {
-  return run(nullptr, [&] { return insert(book_.workbook().sheets.size(), name, initSheet); });
+  return run(nullptr, [&] { return insert(book_.workbook().sheets().size(), name, initSheet); });
 }
 
 libxl::Sheet* BookObject::insertSheet(int index, const wchar_t* name, libxl::Sheet* initSheet) {
   return run(nullptr, [&]() -> libxl::Sheet* {
-    const std::size_t count = book_.workbook().sheets.size();
+    const std::size_t count = book_.workbook().sheets().size();
     if (index < 0 || static_cast<std::size_t>(index) > count) {
       const auto last = static_cast<int>(count);
       return book_.refuse(nullptr, messages::out_of_range("sheet position", index, 0, last));
@@ -93,8 +93,8 @@ libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
   const Sheet* model = nullptr;
   if (!check_sheet_name(text) || !check_original(original, &model)) return nullptr;
   if (model && model->loading == Loading::kPartly)
-    return book_.refuse(nullptr, messages::sheet_partly_loaded(model->name));
-  if (workbook.sheets.size() >= workbook.limits.sheets)
+    return book_.refuse(nullptr, messages::sheet_partly_loaded(model->name()));
+  if (workbook.sheets().size() >= workbook.limits.sheets)
     return book_.refuse(nullptr, messages::too_many("sheets", workbook.limits.sheets));
   NewSheet made = model ? make_copy(workbook, book_.document(), *model, std::move(text))
                         : make_sheet(workbook, book_.document(), std::move(text));
@@ -109,11 +109,11 @@ libxl::Sheet* BookObject::getSheet(int index) const {
   return run(nullptr, [&]() -> libxl::Sheet* {
     if (!check_sheet_index(index)) return nullptr;
     Workbook& workbook = book_.workbook();
-    Sheet& sheet = *workbook.sheets[static_cast<std::size_t>(index)];
+    Sheet& sheet = *workbook.sheets()[static_cast<std::size_t>(index)];
     if (sheet.kind != SheetKind::kWorksheet)
       return book_.refuse(nullptr, messages::not_worksheet(index));
     if (sheet.loading == Loading::kExcluded)
-      return book_.refuse(nullptr, messages::sheet_not_loaded(sheet.name));
+      return book_.refuse(nullptr, messages::sheet_not_loaded(sheet.name()));
     if (sheet.loading == Loading::kUnread) book_.document().read_sheet(workbook, sheet);
     return book_.sheet_object(sheet);
   });
@@ -122,14 +122,14 @@ libxl::Sheet* BookObject::getSheet(int index) const {
 const wchar_t* BookObject::getSheetName(int index) const {
   return book_.run_always(nullptr, [&]() -> const wchar_t* {
     if (!check_sheet_index(index)) return nullptr;
-    return book_.give(book_.workbook().sheets[static_cast<std::size_t>(index)]->name);
+    return book_.give(book_.workbook().sheets()[static_cast<std::size_t>(index)]->name());
   });
 }
 
 libxl::SheetType BookObject::sheetType(int index) const {
   return book_.run_always(libxl::SheetUnknown, [&] {
     if (!check_sheet_index(index)) return libxl::SheetUnknown;
-    return type_of(book_.workbook().sheets[static_cast<std::size_t>(index)]->kind);
+    return type_of(book_.workbook().sheets()[static_cast<std::size_t>(index)]->kind);
   });
 }
 
@@ -154,7 +154,7 @@ bool BookObject::delSheet(int index) {
 }
 
 int BookObject::sheetCount() const {
-  return book_.run_always(0, [&] { return static_cast<int>(book_.workbook().sheets.size()); });
+  return book_.run_always(0, [&] { return static_cast<int>(book_.workbook().sheets().size()); });
 }
 
 int BookObject::activeSheet() const {
@@ -166,7 +166,7 @@ void BookObject::setActiveSheet(int index) {
     if (!check_sheet_index(index)) return;
     Workbook& workbook = book_.workbook();
     const auto position = static_cast<std::size_t>(index);
-    if (workbook.sheets[position]->visibility != SheetVisibility::kVisible)
+    if (workbook.sheets()[position]->visibility != SheetVisibility::kVisible)
       return book_.refuse(messages::sheet_hidden(index));
     activate_sheet(workbook, book_.document(), position);
   });

@@ -34,7 +34,7 @@ bool SheetObject::check_format(const libxl::Format* format, Style* style) const 
 bool SheetObject::find_loaded(int row) const {
   const CellRange& rows = sheet_->loaded_rows;
   if (row >= rows.row_first && row <= rows.row_last) return true;
-  return book_.refuse(false, messages::row_not_loaded(row, sheet_->name));
+  return book_.refuse(false, messages::row_not_loaded(row, sheet_->name()));
 }
 
 bool SheetObject::check_writable(int row, int column) const {
@@ -69,7 +69,7 @@ int SheetObject::lastCol() const {
 }
 
 const wchar_t* SheetObject::name() const {
-  return run(nullptr, [&] { return book_.give(sheet_->name); });
+  return run(nullptr, [&] { return book_.give(sheet_->name()); });
 }
 
 void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,

@@ -18,6 +18,11 @@ constexpr std::uint32_t kDotlessSmallI = 0x131;
 
 // Takes the next character off a text, folded.
 std::uint32_t take_folded(std::string_view& rest) {
+  const char first = rest.front();
+  if (static_cast<unsigned char>(first) < 0x80) {
+    rest.remove_prefix(1);
+    return static_cast<unsigned char>(lower_ascii(first));
+  }
   std::uint32_t code = 0;
   const std::size_t size = decode_utf8(rest.data(), rest.data() + rest.size(), code);
   if (size == 0) code = kFirstByte + static_cast<unsigned char>(rest.front());

@@ -53,7 +53,7 @@ void change_default_font(Workbook& book, Document& document, FontChange change) 
   font.name = std::move(next.name);
   font.size = next.size;
   if (!is_other_digit) return;
-  for (const auto& sheet : book.sheets) restate_widths(*sheet, digit);
+  for (const auto& sheet : book.sheets()) restate_widths(*sheet, digit);
 }
 
 }  // namespace engine

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "engine/formula/formula_text.h"
+#include "engine/text/fold.h"
 #include "engine/workbook/workbook.h"
 
 namespace engine {
@@ -127,7 +128,7 @@ RowProperties& SheetContents::properties_at(int row) {
   return row_properties[at.properties - 1];
 }
 
-Sheet::Sheet() = default;
+Sheet::Sheet(std::string its_name) : name_(std::move(its_name)), folded_name_(fold_case(name_)) {}
 
 Sheet::~Sheet() = default;
 

@@ -138,12 +138,15 @@ struct OutsideRows;
 
 class Sheet {
  public:
-  Sheet();
+  explicit Sheet(std::string its_name = {});
   Sheet(const Sheet&) = delete;
   Sheet& operator=(const Sheet&) = delete;
   ~Sheet();
 
-  std::string name;
+  const std::string& name() const { return name_; }
+  // By which the book finds it: equal names of different case have the same.
+  const std::string& folded_name() const { return folded_name_; }
+
   SheetKind kind = SheetKind::kWorksheet;
   SheetVisibility visibility = SheetVisibility::kVisible;
   Loading loading = Loading::kRead;
@@ -175,6 +178,10 @@ class Sheet {
   bool changed() const;
 
  private:
+  friend class Workbook;  // which renames sheets
+
+  std::string name_;
+  std::string folded_name_;
   SheetContents contents_;
   bool changed_ = false;
 };

@@ -41,19 +41,19 @@ bool is_visible(const std::unique_ptr<Sheet>& sheet) {
 // The sheet that becomes active where the active one stood: the next visible one, else the previous
 // one.
 std::size_t heir_of_active(const Workbook& book, std::size_t position) {
-  const auto at = book.sheets.begin() + static_cast<std::ptrdiff_t>(position);
-  const auto next = std::find_if(at, book.sheets.end(), is_visible);
-  if (next != book.sheets.end()) return static_cast<std::size_t>(next - book.sheets.begin());
+  const auto at = book.sheets().begin() + static_cast<std::ptrdiff_t>(position);
+  const auto next = std::find_if(at, book.sheets().end(), is_visible);
+  if (next != book.sheets().end()) return static_cast<std::size_t>(next - book.sheets().begin());
   const auto previous =
-      std::find_if(std::make_reverse_iterator(at), book.sheets.rend(), is_visible);
-  if (previous == book.sheets.rend()) return 0;
-  return static_cast<std::size_t>(book.sheets.rend() - previous) - 1;
+      std::find_if(std::make_reverse_iterator(at), book.sheets().rend(), is_visible);
+  if (previous == book.sheets().rend()) return 0;
+  return static_cast<std::size_t>(book.sheets().rend() - previous) - 1;
 }
 
 }  // namespace
 
 void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet* except) {
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     if (sheet.get() == except) continue;
     collect_cells(*sheet, *sheet, edit);
     if (sheet->outside) collect_cells(sheet->outside->rows, *sheet, edit);
@@ -88,7 +88,7 @@ void FormulaEdits::apply(Workbook& book) noexcept {
 }
 
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     if (sheet.get() == except || sheet->kind != SheetKind::kWorksheet) continue;
     if (sheet->loading == Loading::kUnread || sheet->loading == Loading::kExcluded)
       document.read_sheet(book, *sheet);
@@ -96,7 +96,7 @@ void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {
 }
 
 AllRows::AllRows(Workbook& book, const Document& document, const Sheet* except) {
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     if (sheet.get() == except || sheet->loading != Loading::kPartly || sheet->outside) continue;
     auto rows = document.read_outside(book, *sheet);
     read_.push_back(sheet.get());
@@ -111,8 +111,7 @@ AllRows::~AllRows() {
 
 NewSheet make_sheet(const Workbook& book, Document& document, std::string name) {
   NewSheet made;
-  made.sheet = std::make_unique<Sheet>();
-  made.sheet->name = std::move(name);
+  made.sheet = std::make_unique<Sheet>(std::move(name));
   SheetContents& contents = made.sheet->change();
   contents.digit_pixels = digit_pixels(book.styles.font(0));
   contents.default_row_pixels = book.new_row_pixels;
@@ -123,13 +122,12 @@ NewSheet make_sheet(const Workbook& book, Document& document, std::string name) 
 NewSheet make_copy(const Workbook& book, Document& document, const Sheet& original,
                    std::string name) {
   NewSheet made;
-  made.sheet = std::make_unique<Sheet>();
+  made.sheet = std::make_unique<Sheet>(std::move(name));
   Sheet& copy = *made.sheet;
-  copy.name = std::move(name);
   const std::vector<formula::TableChange> tables = document.copy_sheet(book, original, copy);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::change_tables_text(
-        text, formula::retarget_sheet_text(text, original.name, copy.name, book.limits.grid),
+        text, formula::retarget_sheet_text(text, original.name(), copy.name(), book.limits.grid),
         tables, book.limits.grid);
   };
   copy.take(SheetContents(original.contents()));
@@ -138,34 +136,33 @@ NewSheet make_copy(const Workbook& book, Document& document, const Sheet& origin
   return made;
 }
 
-void make_room(Workbook& book, const NewSheet& made) {
-  book.names.reserve(book.names.size() + made.names.size());
-  book.sheets.reserve(book.sheets.size() + 1);
+void make_room(Workbook& book, NewSheet& made) {
+  const std::size_t names = book.names.size() + made.names.size();
+  if (names > book.names.capacity()) book.names.reserve(2 * names);
+  book.make_room_for_sheet();
+  made.index = {made.sheet.get()};
 }
 
 void place_sheet(Workbook& book, Document& document, std::size_t position, NewSheet made) noexcept {
   document.place_sheet(*made.sheet);
-  if (book.sheets.empty()) made.sheet->selected = true;
+  if (book.sheets().empty()) made.sheet->selected = true;
   else if (position <= book.active_sheet) ++book.active_sheet;
   std::ranges::move(made.names, std::back_inserter(book.names));
-  book.sheets.insert(book.sheets.begin() + static_cast<std::ptrdiff_t>(position),
-                     std::move(made.sheet));
+  book.insert_sheet(position, std::move(made.sheet), std::move(made.index));
 }
 
 void move_sheet(Workbook& book, std::size_t from, std::size_t to) noexcept {
-  const Sheet* active = book.sheets[book.active_sheet].get();
-  const auto at = [&](std::size_t i) { return book.sheets.begin() + static_cast<int>(i); };
-  if (from < to) std::rotate(at(from), at(from + 1), at(to + 1));
-  else std::rotate(at(to), at(from), at(from + 1));
+  const Sheet* active = book.sheets()[book.active_sheet].get();
+  book.move_sheet(from, to);
   book.active_sheet = book.position(*active);
 }
 
 std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::size_t position) {
-  Sheet& gone = *book.sheets[position];
+  Sheet& gone = *book.sheets()[position];
   read_all_sheets(book, document, &gone);
   const AllRows all_rows(book, document, &gone);
   std::vector<std::string_view> order;
-  for (const auto& sheet : book.sheets) order.push_back(sheet->name);
+  for (const auto& sheet : book.sheets()) order.push_back(sheet->name());
   std::vector<formula::TableChange> tables;
   for (Table& table : document.tables(book, gone)) tables.push_back({std::move(table.name), {}});
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
@@ -179,22 +176,20 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
 
   edits.apply(book);
   std::erase_if(book.names, [&](const DefinedName& name) { return name.scope == &gone; });
-  const auto at = book.sheets.begin() + static_cast<std::ptrdiff_t>(position);
-  std::unique_ptr<Sheet> removed = std::move(*at);
-  book.sheets.erase(at);
+  std::unique_ptr<Sheet> removed = book.remove_sheet(position);
   if (position < book.active_sheet) {
     --book.active_sheet;
   } else if (position == book.active_sheet) {
     book.active_sheet = heir_of_active(book, position);
-    if (!book.sheets.empty()) book.sheets[book.active_sheet]->selected = true;
+    if (!book.sheets().empty()) book.sheets()[book.active_sheet]->selected = true;
   }
   return removed;
 }
 
 void activate_sheet(Workbook& book, Document& document, std::size_t position) {
   read_all_sheets(book, document);
-  const Sheet* active = book.sheets[position].get();
-  for (const auto& sheet : book.sheets) sheet->selected = sheet.get() == active;
+  const Sheet* active = book.sheets()[position].get();
+  for (const auto& sheet : book.sheets()) sheet->selected = sheet.get() == active;
   book.active_sheet = position;
 }
 

@@ -65,6 +65,7 @@ class AllRows {
 struct NewSheet {
   std::unique_ptr<Sheet> sheet;
   std::vector<DefinedName> names;
+  SheetNames index = {};  // the sheet, once there is room for it
 };
 
 NewSheet make_sheet(const Workbook& book, Document& document, std::string name);
@@ -75,7 +76,7 @@ NewSheet make_copy(const Workbook& book, Document& document, const Sheet& origin
                    std::string name);
 
 // Makes room for a new sheet, so that placing it cannot fail.
-void make_room(Workbook& book, const NewSheet& made);
+void make_room(Workbook& book, NewSheet& made);
 // The first sheet of a book becomes the active one, any other leaves the active one as it is.
 void place_sheet(Workbook& book, Document& document, std::size_t position, NewSheet made) noexcept;
 

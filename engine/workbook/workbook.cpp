@@ -9,8 +9,6 @@ namespace engine {
 
 namespace {
 
-constexpr std::size_t kSheetsLookedAt = 8;  // which is quicker than remembering where they are
-
 struct ClassicError {
   std::uint32_t number;
   std::string_view text;
@@ -27,26 +25,59 @@ Workbook::Workbook(const Limits& format_limits) : limits(format_limits) {
 }
 
 Sheet* Workbook::find_sheet(std::string_view name) const {
-  const auto is_at = [&](std::size_t place) {
-    return place < sheets.size() && equal_ignoring_case(sheets[place]->name, name);
-  };
-  const auto seen = places_seen_.find(name);
-  if (seen != places_seen_.end() && is_at(seen->second)) return sheets[seen->second].get();
-  for (std::size_t place = 0; place < sheets.size(); ++place) {
-    if (!is_at(place)) continue;
-    if (place >= kSheetsLookedAt) {
-      if (places_seen_.size() > 2 * sheets.size()) places_seen_.clear();
-      places_seen_.insert_or_assign(std::string(name), place);
-    }
-    return sheets[place].get();
-  }
-  return nullptr;
+  const std::string folded = fold_case(name);
+  const auto found = sheet_names_.lower_bound(std::string_view(folded));
+  return found != sheet_names_.end() && (*found)->folded_name() == folded ? *found : nullptr;
 }
 
 std::size_t Workbook::position(const Sheet& sheet) const {
-  const auto found = std::ranges::find(sheets, &sheet, &std::unique_ptr<Sheet>::get);
-  assert(found != sheets.end());
-  return static_cast<std::size_t>(found - sheets.begin());
+  const auto found = std::ranges::find(sheets_, &sheet, &std::unique_ptr<Sheet>::get);
+  assert(found != sheets_.end());
+  return static_cast<std::size_t>(found - sheets_.begin());
+}
+
+void Workbook::add_sheet(std::unique_ptr<Sheet> sheet) {
+  make_room_for_sheet();
+  SheetNames its_name = {sheet.get()};
+  insert_sheet(sheets_.size(), std::move(sheet), std::move(its_name));
+}
+
+void Workbook::make_room_for_sheet() {
+  if (sheets_.size() == sheets_.capacity()) sheets_.reserve(2 * sheets_.size() + 1);
+}
+
+void Workbook::insert_sheet(std::size_t position, std::unique_ptr<Sheet> sheet,
+                            SheetNames its_name) noexcept {
+  sheet_names_.merge(its_name);
+  sheets_.insert(sheets_.begin() + static_cast<std::ptrdiff_t>(position), std::move(sheet));
+}
+
+std::unique_ptr<Sheet> Workbook::remove_sheet(std::size_t position) noexcept {
+  const auto at = sheets_.begin() + static_cast<std::ptrdiff_t>(position);
+  sheet_names_.erase(place_in_names(**at));
+  std::unique_ptr<Sheet> removed = std::move(*at);
+  sheets_.erase(at);
+  return removed;
+}
+
+void Workbook::move_sheet(std::size_t from, std::size_t to) noexcept {
+  const auto at = [&](std::size_t i) { return sheets_.begin() + static_cast<std::ptrdiff_t>(i); };
+  if (from < to) std::rotate(at(from), at(from + 1), at(to + 1));
+  else std::rotate(at(to), at(from), at(from + 1));
+}
+
+void Workbook::rename_sheet(Sheet& sheet, std::string name) {
+  std::string folded = fold_case(name);
+  auto its_name = sheet_names_.extract(place_in_names(sheet));
+  sheet.name_.swap(name);
+  sheet.folded_name_.swap(folded);
+  sheet_names_.insert(std::move(its_name));
+}
+
+SheetNames::iterator Workbook::place_in_names(const Sheet& sheet) const {
+  auto at = sheet_names_.lower_bound(std::string_view(sheet.folded_name()));
+  while (*at != &sheet) ++at;
+  return at;
 }
 
 std::string_view error_text(const Workbook& book, std::uint32_t error) {

@@ -3,11 +3,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "engine/workbook/cell.h"
@@ -27,12 +26,23 @@ struct DefinedName {
   std::string details;  // kept for the codec: what else the file says of the name
 };
 
+// Sheets by their folded names. Of sheets that share one, as those of a damaged file may, the first
+// that came to the book stands first.
+struct SheetNameLess {
+  using is_transparent = void;
+  bool operator()(const Sheet* a, const Sheet* b) const {
+    return a->folded_name() < b->folded_name();
+  }
+  bool operator()(const Sheet* a, std::string_view b) const { return a->folded_name() < b; }
+  bool operator()(std::string_view a, const Sheet* b) const { return a < b->folded_name(); }
+};
+using SheetNames = std::multiset<Sheet*, SheetNameLess>;
+
 class Workbook {
  public:
   explicit Workbook(const Limits& format_limits);
 
   const Limits limits;
-  std::vector<std::unique_ptr<Sheet>> sheets;  // in the order of their tabs
   StringPool strings;
   Styles styles;
   std::vector<DefinedName> names;
@@ -48,21 +58,31 @@ class Workbook {
   // Texts of errors that came after the classic seven; a cell's error is kNewError plus its number.
   StringPool new_errors;
 
+  // In the order of their tabs.
+  const std::vector<std::unique_ptr<Sheet>>& sheets() const { return sheets_; }
   // The sheet of that name, ignoring case; else null.
   Sheet* find_sheet(std::string_view name) const;
   // The place of a sheet of this book among its tabs.
   std::size_t position(const Sheet& sheet) const;
 
+  // Puts a sheet behind the others.
+  void add_sheet(std::unique_ptr<Sheet> sheet);
+  // The same at any position without allocating: there is room for one more, and `its_name` holds
+  // the sheet and nothing else.
+  void make_room_for_sheet();
+  void insert_sheet(std::size_t position, std::unique_ptr<Sheet> sheet,
+                    SheetNames its_name) noexcept;
+  std::unique_ptr<Sheet> remove_sheet(std::size_t position) noexcept;
+  // The others keep their order.
+  void move_sheet(std::size_t from, std::size_t to) noexcept;
+  // Changes the name and nothing that mentions it. Throws before it changes anything.
+  void rename_sheet(Sheet& sheet, std::string name);
+
  private:
-  // Where sheets stood when they were last asked for, by the name as it was spelled: formulas ask
-  // for the same ones again and again. Names and places change, so each is but where to look first.
-  struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const {
-      return std::hash<std::string_view>()(text);
-    }
-  };
-  mutable std::unordered_map<std::string, std::size_t, TextHash, std::equal_to<>> places_seen_;
+  SheetNames::iterator place_in_names(const Sheet& sheet) const;
+
+  std::vector<std::unique_ptr<Sheet>> sheets_;
+  SheetNames sheet_names_;
 };
 
 // Rows that a partial load left out. They have texts and errors of their own; only numbers of

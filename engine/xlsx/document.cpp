@@ -84,7 +84,7 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
   if (const Part* texts = parts.related(main->name, "sharedStrings"))
     made->text_cells_ = read_shared_strings(*parts.open(*texts), texts->name, book.strings);
   else book.strings.end_of_file_entries();
-  for (const auto& sheet : book.sheets) made->read_tab(*sheet);
+  for (const auto& sheet : book.sheets()) made->read_tab(*sheet);
   return made;
 }
 
@@ -119,7 +119,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   SheetPart& known = sheets_.at(&sheet);
   if (known.read || sheet.kind != SheetKind::kWorksheet) return;
   if (known.part.empty())
-    package::throw_damaged(main_, "nothing leads to sheet \"" + sheet.name + "\"");
+    package::throw_damaged(main_, "nothing leads to sheet \"" + sheet.name() + "\"");
   const Part* part = parts_.find(known.part);
   if (!part) package::throw_damaged(known.part, "is missing");
 

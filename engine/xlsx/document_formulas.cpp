@@ -147,7 +147,7 @@ void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
 void Document::edit_carried(Workbook& book, const FormulaEdit& edit, const SheetPart* gone) {
   RecordEdits records;
   TreeEdits trees;
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     const SheetPart& remains = part_of(*sheet);
     if (!remains.read || &remains == gone) continue;
     if (auto tree = edited_tree(remains.tree, *sheet, edit))

@@ -88,7 +88,7 @@ class Document::Saving {
   void run(const SaveOptions& options, package::Output& output) {
     parts_.remove_signatures();
     replace_styles();
-    for (const auto& sheet : book_.sheets) enter(*sheet);
+    for (const auto& sheet : book_.sheets()) enter(*sheet);
     texts_.settle();
     if (document_.has_calculation_chain_ && formulas_moved_)
       remove_calculation_chain(parts_, main_);

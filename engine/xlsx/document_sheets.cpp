@@ -76,7 +76,7 @@ std::vector<formula::TableChange> Document::copy_sheet(const Workbook& book, con
   copy_elements(tree.root(), {book, parts_, from, made.part(), made.parts, table_names_, tables});
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::change_tables_text(
-        text, formula::retarget_sheet_text(text, original.name, copy.name, book.limits.grid),
+        text, formula::retarget_sheet_text(text, original.name(), copy.name(), book.limits.grid),
         tables, book.limits.grid);
   };
   edit_tables(made.parts, edit);

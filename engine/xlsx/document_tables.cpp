@@ -154,7 +154,7 @@ void Document::settle_tables(Workbook& book) {
   std::vector<Renaming> renamings;
   std::vector<Headers> headers;
   formula::ColumnChanges changes;
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     const SheetPart& its = part_of(*sheet);
     if (!its.read || !sheet->changed()) continue;
     Headers made;
@@ -215,7 +215,7 @@ void Document::settle_tables(Workbook& book) {
 
 // One that is damaged is written as it is stored, and what it says nobody can tell.
 void Document::read_readable_sheets(Workbook& book) {
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     if (sheet->loading != Loading::kUnread && sheet->loading != Loading::kExcluded) continue;
     try {
       read_sheet(book, *sheet);

@@ -106,12 +106,12 @@ void patch_sheets(pugi::xml_node root, const Workbook& book, const SheetParts& p
   pugi::xml_node list = workbook_child(root, "sheets");
   std::vector<pugi::xml_node> wanted;
   std::vector<bool> is_wanted(stored.size());
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     const SheetPart& part = parts.at(sheet.get());
     const pugi::xml_node node = sheet_node(list, stored, part);
     if (part.listed != 0) is_wanted[part.listed - 1] = true;
-    if (unescape(node.attribute("name").value()) != sheet->name)
-      settle(node, "name", escape(sheet->name));
+    if (unescape(node.attribute("name").value()) != sheet->name())
+      settle(node, "name", escape(sheet->name()));
     if (visibility_of(node.attribute("state").value()) != sheet->visibility)
       settle(node, "state", state_text(sheet->visibility));
     wanted.push_back(node);
@@ -154,7 +154,7 @@ bool is_modelled(pugi::xml_node name, std::size_t sheets) {
 void patch_names(pugi::xml_node root, const Workbook& book, std::size_t sheets) {
   const std::vector<pugi::xml_node> stored = name_nodes(root);
   std::unordered_map<const Sheet*, int> positions{{nullptr, -1}};
-  for (int position = 0; const auto& sheet : book.sheets) positions[sheet.get()] = position++;
+  for (int position = 0; const auto& sheet : book.sheets()) positions[sheet.get()] = position++;
   const auto scope = [&](const DefinedName& name) { return positions.at(name.scope); };
   const auto node_of = [&](const DefinedName& name) {
     const std::size_t index = name.details.empty() ? stored.size() : std::stoul(name.details);
@@ -190,8 +190,8 @@ void patch_views(pugi::xml_node root, const Workbook& book) {
   if (view.attribute("activeTab").as_uint() != book.active_sheet)
     settle(view, "activeTab", std::to_string(book.active_sheet), "0");
   const std::size_t first = view.attribute("firstSheet").as_uint();
-  const bool fits = first < book.sheets.size() &&
-                    (first == 0 || book.sheets[first]->visibility == SheetVisibility::kVisible);
+  const bool fits = first < book.sheets().size() &&
+                    (first == 0 || book.sheets()[first]->visibility == SheetVisibility::kVisible);
   if (!fits) view.remove_attribute("firstSheet");
 }
 
@@ -211,12 +211,12 @@ void read_names(pugi::xml_node root, Workbook& book) {
   for (const pugi::xml_node node : name_nodes(root)) {
     DefinedName name;
     name.details = std::to_string(index++);
-    if (!is_modelled(node, book.sheets.size())) continue;
-    const int scope = scope_of(node, book.sheets.size()).value_or(-1);
+    if (!is_modelled(node, book.sheets().size())) continue;
+    const int scope = scope_of(node, book.sheets().size()).value_or(-1);
     name.name = unescape(node.attribute("name").value());
     name.definition = definition_of(node, book.limits.grid);
     name.hidden = node.attribute("hidden").as_bool();
-    if (scope >= 0) name.scope = book.sheets[static_cast<std::size_t>(scope)].get();
+    if (scope >= 0) name.scope = book.sheets()[static_cast<std::size_t>(scope)].get();
     book.names.push_back(std::move(name));
   }
 }
@@ -245,20 +245,19 @@ void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_
   const pugi::xml_node view =
       package::child(package::child(root, Family::Main, "bookViews"), Family::Main, "workbookView");
   const std::size_t active = view.attribute("activeTab").as_uint();
-  book.active_sheet = active < book.sheets.size() ? active : 0;
+  book.active_sheet = active < book.sheets().size() ? active : 0;
 }
 
 void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part,
                                Workbook& book, SheetParts& sheets) {
   for (const pugi::xml_node node : sheet_nodes(root)) {
-    auto sheet = std::make_unique<Sheet>();
+    auto sheet = std::make_unique<Sheet>(unescape(node.attribute("name").value()));
     SheetPart& remains = sheets[sheet.get()];
-    sheet->name = unescape(node.attribute("name").value());
     sheet->visibility = visibility_of(node.attribute("state").value());
     sheet->loading = Loading::kUnread;
     remains.id = node.attribute("sheetId").as_uint();
     remains.relationship = relationship_of(node);
-    remains.listed = static_cast<std::uint32_t>(book.sheets.size() + 1);
+    remains.listed = static_cast<std::uint32_t>(book.sheets().size() + 1);
     last_sheet_id_ = std::max(last_sheet_id_, remains.id);
     const Relationship* relationship = parts.relationship(part, remains.relationship);
     if (relationship) {
@@ -268,7 +267,7 @@ void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::str
     } else if (remains.relationship.empty()) {
       sheet->kind = SheetKind::kOther;  // modules of old programs are listed without a part
     }
-    book.sheets.push_back(std::move(sheet));
+    book.add_sheet(std::move(sheet));
   }
   mentioned_ = mentioned_ids(root);
 }

@@ -17,7 +17,7 @@ std::unique_ptr<engine::xlsx::Document> load(std::string_view bytes, engine::Wor
 
 // Reads every sheet that is not damaged and has it written anew.
 void read_all(engine::xlsx::Document& document, engine::Workbook& book) {
-  for (const auto& sheet : book.sheets) {
+  for (const auto& sheet : book.sheets()) {
     try {
       document.read_sheet(book, *sheet);
       if (sheet->kind == engine::SheetKind::kWorksheet) sheet->change();
@@ -37,5 +37,5 @@ void fuzz::decode(std::string_view bytes) {
   document->save(book, {}, output);
   engine::Workbook again{engine::Limits()};
   load(output.view(), again);
-  if (again.sheets.size() != book.sheets.size()) std::abort();
+  if (again.sheets().size() != book.sheets().size()) std::abort();
 }

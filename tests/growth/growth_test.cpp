@@ -131,6 +131,12 @@ void arrays_over_one_another(int n) {
   EXPECT_EQ(refused, n);
 }
 
+void sheets_added(int n) {
+  Stage stage;
+  for (int number = 0; number < n; ++number)
+    EXPECT_TRUE(stage.book->addSheet((L"Sheet " + std::to_wstring(number)).c_str()));
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -149,6 +155,7 @@ constexpr Case kCases[] = {
     {"rows in descending order", rows_in_descending_order, 12000},
     {"different errors", different_errors, 6000},
     {"arrays over one another", arrays_over_one_another, 3000},
+    {"sheets added", sheets_added, 1500},
 };
 
 std::uint64_t work_of(const Case& one, int n) {

@@ -82,7 +82,9 @@ TEST(LoadedBook, ChangesTouchOnlyWhatTheyConcern) {
        [](Book& b) { b.read().change().put_value(0, 1, Value::of_number(1), {}); },
        {"[Content_Types].xml", "xl/_rels/workbook.xml.rels", "xl/calcChain.xml",
         "xl/worksheets/sheet1.xml"}},
-      {"sheet renamed", [](Book& b) { b.sheet().name = "New"; }, {"xl/workbook.xml"}},
+      {"sheet renamed",
+       [](Book& b) { b.workbook.rename_sheet(b.sheet(), "New"); },
+       {"xl/workbook.xml"}},
       {"name", [](Book& b) { b.workbook.names[0].definition = "2"; }, {"xl/workbook.xml"}},
       {"tab", [](Book& b) { b.sheet(1).selected = true; }, {"xl/chartsheets/sheet1.xml"}},
   };
@@ -101,12 +103,12 @@ TEST(LoadedBook, ChangesTouchOnlyWhatTheyConcern) {
 TEST(LoadedBook, WorkbookPartKeepsWhatItHas) {
   const auto book = load(rich_book());
   Workbook& workbook = book->workbook;
-  ASSERT_EQ(workbook.sheets.size(), 2u);
+  ASSERT_EQ(workbook.sheets().size(), 2u);
   EXPECT_EQ(book->sheet(1).kind, SheetKind::kChart);
   ASSERT_EQ(workbook.names.size(), 1u);
   workbook.names[0].name = "M";
   workbook.names.push_back({"L", "One!$B$2", &book->sheet(1), false, ""});
-  std::swap(workbook.sheets[0], workbook.sheets[1]);
+  workbook.move_sheet(0, 1);
   book->add_sheet("Third");
   workbook.active_sheet = 2;
   const PartTexts saved = unzip(book->save());

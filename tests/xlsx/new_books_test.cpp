@@ -40,8 +40,8 @@ TEST(NewBook, ComesBackAsItWas) {
   const auto again = load(book->save());
   const Workbook& read = again->workbook;
   again->read(0);
-  ASSERT_EQ(read.sheets.size(), 2u);
-  EXPECT_EQ(read.sheets[0]->name, "Größe & <Maß>");
+  ASSERT_EQ(read.sheets().size(), 2u);
+  EXPECT_EQ(read.sheets()[0]->name(), "Größe & <Maß>");
   EXPECT_EQ(again->sheet(1).visibility, SheetVisibility::kVeryHidden);
   EXPECT_TRUE(again->read(1).selected && !again->sheet(0).selected);
   EXPECT_TRUE(read.date1904 && read.r1c1);

@@ -100,11 +100,12 @@ struct Book {
   Workbook workbook{Limits()};
   std::unique_ptr<Document> document;
 
-  Sheet& sheet(std::size_t index = 0) { return *workbook.sheets[index]; }
+  Sheet& sheet(std::size_t index = 0) { return *workbook.sheets()[index]; }
   Sheet& add_sheet(std::string name) {
     NewSheet made = make_sheet(workbook, *document, std::move(name));
-    place_sheet(workbook, *document, workbook.sheets.size(), std::move(made));
-    return *workbook.sheets.back();
+    make_room(workbook, made);
+    place_sheet(workbook, *document, workbook.sheets().size(), std::move(made));
+    return *workbook.sheets().back();
   }
   Sheet& read(std::size_t index = 0) {
     document->read_sheet(workbook, sheet(index));
@@ -173,7 +174,7 @@ inline PartTexts unzip(std::string_view bytes) {
 // What loading and reading all sheets is refused with; empty when nothing is refused.
 inline std::string refusal(std::string_view bytes) try {
   const auto book = load(bytes);
-  for (std::size_t i = 0; i < book->workbook.sheets.size(); ++i) book->read(i);
+  for (std::size_t i = 0; i < book->workbook.sheets().size(); ++i) book->read(i);
   return "";
 } catch (const package::FileError& error) {
   return error.what();
