@@ -95,13 +95,15 @@ void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {
   }
 }
 
+// A sheet whose rows cannot be read leaves the others as they were.
 AllRows::AllRows(Workbook& book, const Document& document, const Sheet* except) {
+  std::vector<std::unique_ptr<OutsideRows>> rows;
   for (const auto& sheet : book.sheets()) {
     if (sheet.get() == except || sheet->loading != Loading::kPartly || sheet->outside) continue;
-    auto rows = document.read_outside(book, *sheet);
+    rows.push_back(document.read_outside(book, *sheet));
     read_.push_back(sheet.get());
-    sheet->outside = std::move(rows);
   }
+  for (std::size_t i = 0; i < rows.size(); ++i) read_[i]->outside = std::move(rows[i]);
 }
 
 AllRows::~AllRows() {

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "engine/package/file_error.h"
 #include "engine/workbook/sheet_operations.h"
 #include "tests/xlsx/packages.h"
 
@@ -130,6 +131,26 @@ TEST(PartialLoad, FormulasOfTheOtherRowsFollow) {
   EXPECT_EQ(again->show(3, 2), "=Two!B4: \"result\"");
   EXPECT_EQ(again->show(3, 0), "\"own\"");
   EXPECT_EQ(again->show(1, 0), "=B2: 2.");
+}
+
+// The second sheet's part is damaged in front of the rows that were read.
+TEST(PartialLoad, RowsThatCannotBeReadLeaveNoneBehind) {
+  PartTexts parts = book_of(worksheet(kRows));
+  parts["xl/worksheets/sheet2.xml"] = worksheet(R"(<row r="1"><c r="A1" t="s"><v>9</v></c></row>)");
+  parts["xl/workbook.xml"] = workbook_text(
+      "<sheet name=\"One\" sheetId=\"4\" r:id=\"rId1\"/><sheet name=\"Two\" sheetId=\"5\" "
+      "r:id=\"rId3\"/>");
+  parts["xl/_rels/workbook.xml.rels"] = relations({{"worksheet", "worksheets/sheet1.xml"},
+                                                   {"sharedStrings", "sharedStrings.xml"},
+                                                   {"worksheet", "worksheets/sheet2.xml"}});
+  const auto book = load(parts);
+  for (const auto& sheet : book->workbook.sheets()) {
+    sheet->loading = Loading::kPartly;
+    sheet->loaded_rows = {1, 1, 0, 16383};
+    book->document->read_sheet(book->workbook, *sheet);
+  }
+  EXPECT_THROW(AllRows(book->workbook, *book->document), package::FileError);
+  EXPECT_EQ(book->sheet(0).outside, nullptr);
 }
 
 TEST(PartialLoad, ExcludedSheetsStayExcluded) {
