@@ -42,14 +42,6 @@ std::string read_theme(const Parts& parts, std::string_view main) {
   }
 }
 
-// The part with the boxes of a sheet's notes; null when there is none.
-const Part* notes_drawing_of(const Parts& parts, const SheetPart& sheet) {
-  const pugi::xml_node link = package::child(sheet.tree.root(), Family::Main, "legacyDrawing");
-  const std::string_view id = package::attribute(link, Family::Relationships, "id").value();
-  const Relationship* relationship = link ? parts.relationship(sheet.part, id) : nullptr;
-  return relationship ? parts.target(sheet.part, *relationship) : nullptr;
-}
-
 }  // namespace
 
 std::unique_ptr<Document> Document::make_new(Workbook& book) {
@@ -169,7 +161,8 @@ std::string Document::read_notes(const SheetPart& sheet, SheetContents& contents
     damage = error.what();
   }
   try {
-    const Part* boxes = notes_drawing_of(parts_, sheet);
+    const pugi::xml_node link = package::child(sheet.tree.root(), Family::Main, "legacyDrawing");
+    const Part* boxes = parts_.named_by(link, sheet.part).part;
     if (boxes) read_note_sizes(parts_.read_text(*boxes), contents.comments);
   } catch (const FileError& error) {
     damage = error.what();

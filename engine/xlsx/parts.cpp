@@ -207,6 +207,12 @@ const Part* Parts::target(std::string_view owner, const Relationship& relationsh
   return found ? found : find(decode_percent(name));
 }
 
+NamedPart Parts::named_by(pugi::xml_node element, std::string_view owner) const {
+  const pugi::xml_attribute id = package::attribute(element, package::Family::Relationships, "id");
+  const Relationship* link = id ? relationship(owner, id.value()) : nullptr;
+  return {link, link ? target(owner, *link) : nullptr};
+}
+
 const Part* Parts::related(std::string_view owner, std::string_view kind) const {
   for (const Relationship& one : relationships(owner))
     if (one.kind() == kind)

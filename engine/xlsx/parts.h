@@ -40,6 +40,12 @@ struct PartLinks {
   bool changed = false;
 };
 
+// A relationship with the part that it leads to; null where there is none.
+struct NamedPart {
+  const Relationship* link = nullptr;
+  const Part* part = nullptr;
+};
+
 class NewParts;
 
 class Parts {
@@ -81,6 +87,8 @@ class Parts {
 
   // The part that a relationship leads to; null when it is external or there is no such part.
   const Part* target(std::string_view owner, const Relationship& relationship) const;
+  // What an element of the owner names by its r:id.
+  NamedPart named_by(pugi::xml_node element, std::string_view owner) const;
   // The first part that a relationship of the kind leads to.
   const Part* related(std::string_view owner, std::string_view kind) const;
 

@@ -8,8 +8,6 @@ namespace engine::xlsx {
 
 namespace {
 
-using package::Family;
-
 // The relationship as another part has it. Targets inside the part itself, as "#Sheet1!A1" of a
 // picture that leads to a cell, mean the same there.
 Relationship moved_link(Relationship link, std::string_view from) {
@@ -24,9 +22,7 @@ Relationship moved_link(Relationship link, std::string_view from) {
 
 // Of a drawing the pictures are copied.
 void copy_drawing(pugi::xml_node element, const SheetCopying& to) {
-  const std::string id = package::attribute(element, Family::Relationships, "id").value();
-  const Relationship* link = to.parts.relationship(to.original.part, id);
-  const Part* part = link ? to.parts.target(to.original.part, *link) : nullptr;
+  const auto [link, part] = to.parts.named_by(element, to.original.part);
   auto pictures = part ? copy_pictures(to.parts.read(*part), part->name) : std::nullopt;
   if (!pictures) {
     element.parent().remove_child(element);
@@ -37,7 +33,7 @@ void copy_drawing(pugi::xml_node element, const SheetCopying& to) {
   for (const Relationship& one : to.parts.relationships(part->name))
     if (pictures->ids.contains(one.id)) to.made.add_relationship(name, moved_link(one, part->name));
   to.made.add_relationship(to.copy.part,
-                           {id, link->type, relative_target(to.copy.part, name), false});
+                           {link->id, link->type, relative_target(to.copy.part, name), false});
 }
 
 }  // namespace engine::xlsx

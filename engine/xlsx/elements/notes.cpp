@@ -47,9 +47,7 @@ void NotesWriter::write_boxes(const SheetPatching& from, pugi::xml_node root,
   enter_drawings();
   const std::string& sheet = from.remains.part;
   pugi::xml_node link = package::child(root, Family::Main, "legacyDrawing");
-  const std::string_view id = package::attribute(link, Family::Relationships, "id").value();
-  const Relationship* relationship = link ? parts_.relationship(sheet, id) : nullptr;
-  const Part* stored = relationship ? parts_.target(sheet, *relationship) : nullptr;
+  const Part* stored = parts_.named_by(link, sheet).part;
   if (!stored && from.sheet.contents().comments.empty()) return;
   const std::string name = stored ? stored->name : parts_.free_name("xl/drawings/vmlDrawing#.vml");
   const std::string bytes = stored ? parts_.read_text(*stored) : std::string();

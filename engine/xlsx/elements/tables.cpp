@@ -31,9 +31,7 @@ std::string copy_of_table(const std::string& bytes, std::string_view part, const
 void copy_tables(pugi::xml_node element, const SheetCopying& to) {
   std::size_t count = 0;
   for (const pugi::xml_node table : package::children(element, Family::Main, "tablePart")) {
-    const std::string id = package::attribute(table, Family::Relationships, "id").value();
-    const Relationship* link = to.parts.relationship(to.original.part, id);
-    const Part* part = link ? to.parts.target(to.original.part, *link) : nullptr;
+    const auto [link, part] = to.parts.named_by(table, to.original.part);
     if (!part) {
       element.remove_child(table);
       continue;
@@ -41,7 +39,7 @@ void copy_tables(pugi::xml_node element, const SheetCopying& to) {
     const std::string name = to.made.add("xl/tables/table#.xml", kTableType,
                                          copy_of_table(to.parts.read(*part), part->name, to));
     to.made.add_relationship(to.copy.part,
-                             {id, link->type, relative_target(to.copy.part, name), false});
+                             {link->id, link->type, relative_target(to.copy.part, name), false});
     ++count;
   }
   if (count == 0) element.parent().remove_child(element);
