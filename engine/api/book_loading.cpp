@@ -21,7 +21,7 @@ const FileEnding* ending_of(std::string_view path, const Codec& codec) {
 
 // A sheet that is not in memory whole may hold any.
 bool may_hold_formula(const Sheet& sheet) {
-  if (sheet.kind != SheetKind::kWorksheet) return false;
+  if (sheet.kind != SheetKind::kWorksheet || sheet.loading == Loading::kMissing) return false;
   if (sheet.loading != Loading::kRead) return true;
   for (const Row& row : sheet.contents().cells.rows())
     for (const Cell& cell : row.span())
@@ -72,7 +72,8 @@ bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents
   if (chosen.kind != SheetKind::kWorksheet)
     return book_.refuse(false, messages::not_worksheet(*request.sheet));
   for (const auto& sheet : sheets)
-    if (sheet->kind == SheetKind::kWorksheet) sheet->loading = Loading::kExcluded;
+    if (sheet->kind == SheetKind::kWorksheet && sheet->loading == Loading::kUnread)
+      sheet->loading = Loading::kExcluded;
   chosen.loading = Loading::kUnread;
   if (request.rows) {
     chosen.loading = Loading::kPartly;

@@ -114,7 +114,8 @@ libxl::Sheet* BookObject::getSheet(int index) const {
       return book_.refuse(nullptr, messages::not_worksheet(index));
     if (sheet.loading == Loading::kExcluded)
       return book_.refuse(nullptr, messages::sheet_not_loaded(sheet.name()));
-    if (sheet.loading == Loading::kUnread) book_.document().read_sheet(workbook, sheet);
+    if (sheet.loading == Loading::kUnread || sheet.loading == Loading::kMissing)
+      book_.document().read_sheet(workbook, sheet);
     return book_.sheet_object(sheet);
   });
 }

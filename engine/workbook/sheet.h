@@ -67,6 +67,7 @@ enum class Loading : std::uint8_t {
   kRead,      // complete in memory
   kPartly,    // complete but for the cells and rows outside `loaded_rows`
   kExcluded,  // left out by the caller of a partial load
+  kMissing,   // listed in the file, which has no such sheet
 };
 
 // Everything that a caller can set or ask for in a sheet.

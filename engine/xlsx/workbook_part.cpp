@@ -259,14 +259,14 @@ void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::str
     remains.relationship = relationship_of(node);
     remains.listed = static_cast<std::uint32_t>(book.sheets().size() + 1);
     last_sheet_id_ = std::max(last_sheet_id_, remains.id);
-    const Relationship* relationship = parts.relationship(part, remains.relationship);
-    if (relationship) {
-      sheet->kind = kind_of(relationship->kind());
-      if (const Part* found = parts.target(part, *relationship)) remains.part = found->name;
-      else remains.part = resolve_target(part, relationship->target);
+    const auto [link, stored] = parts.named_by(node, part);
+    if (link) {
+      sheet->kind = kind_of(link->kind());
+      remains.part = stored ? stored->name : resolve_target(part, link->target);
     } else if (remains.relationship.empty()) {
       sheet->kind = SheetKind::kOther;  // modules of old programs are listed without a part
     }
+    if (!stored) sheet->loading = Loading::kMissing;
     book.add_sheet(std::move(sheet));
   }
   mentioned_ = mentioned_ids(root);

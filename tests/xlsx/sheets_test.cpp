@@ -157,6 +157,30 @@ TEST(Sheets, ListedWithoutAPartStayAsTheyAre) {
   EXPECT_THAT(saved.at("xl/worksheets/sheet3.xml"), HasSubstr("<worksheet "));
 }
 
+// Nothing can be read of them, and so nothing in them has to be changed.
+TEST(Sheets, WithoutTheirPartsLetOthersGo) {
+  PartTexts dangling = book_with_parts();
+  std::string& workbook = dangling["xl/workbook.xml"];
+  workbook.insert(workbook.find("<sheet "), "<sheet name=\"Lost\" sheetId=\"7\" r:id=\"rId9\"/>");
+  PartTexts gone = dangling;
+  std::string& links = gone["xl/_rels/workbook.xml.rels"];
+  links.insert(links.find("</Relationships>"),
+               "<Relationship Id=\"rId9\" Type=\"h/worksheet\" Target=\"gone.xml\"/>");
+  for (const auto& [parts, message] :
+       {std::pair{&dangling, "is damaged: xl/workbook.xml, nothing leads to sheet \"Lost\""},
+        std::pair{&gone, "is damaged: xl/gone.xml, is missing"}}) {
+    SCOPED_TRACE(message);
+    EXPECT_EQ(refusal(zip(*parts)), message);
+    const auto book = load(*parts);
+    delete_sheet(book->workbook, *book->document, 1);
+    activate_sheet(book->workbook, *book->document, 1);
+    const PartTexts saved = unzip(book->save());
+    EXPECT_THAT(saved.at("xl/worksheets/sheet2.xml"), HasSubstr("<f>#REF!B1+Two!B1</f>"));
+    EXPECT_THAT(saved.at("xl/workbook.xml"),
+                HasSubstr("<sheets><sheet name=\"Lost\" sheetId=\"7\" r:id=\"rId9\"/><sheet "));
+  }
+}
+
 // The chart stays behind; the picture's part is both drawings', and the copy's alone in the end.
 TEST(Sheets, PicturesOutliveTheSheetTheyWereCopiedFrom) {
   const auto book = load(book_with_parts());
