@@ -144,12 +144,11 @@ bool BookObject::check_savable(std::string_view operation) const {
 // Cells that were written, and sheets that a 3-D reference has lost or won, may feed formulas, also
 // ones of sheets that nobody has read: their cached values may be old. Whoever opens the file
 // calculates them.
-void BookObject::settle_calculation() {
+bool BookObject::values_may_be_old() const {
   const BookContents& contents = book_.contents();
-  Workbook& workbook = book_.workbook();
-  if (workbook.needs_calculation || !contents.values_changed || !contents.formulas_possible) return;
-  workbook.needs_calculation = std::ranges::any_of(
-      workbook.sheets(), [](const auto& sheet) { return may_hold_formula(*sheet); });
+  return contents.values_changed && contents.formulas_possible &&
+         std::ranges::any_of(book_.workbook().sheets(),
+                             [](const auto& sheet) { return may_hold_formula(*sheet); });
 }
 
 bool BookObject::save(const wchar_t* path, bool) {
@@ -157,13 +156,13 @@ bool BookObject::save(const wchar_t* path, bool) {
     const std::string target = to_utf8(path);
     if (target.empty()) return book_.refuse(false, messages::empty("file name"));
     if (!check_savable("save")) return false;
-    settle_calculation();
     // A file that was filled from a template and is saved as a workbook is one.
     const FileEnding* ending = ending_of(target, book_.codec());
     const bool dropped = book_.contents().template_from_file && ending && !ending->is_template;
     SaveOptions options;
     if (ending) options.with_macros = ending->with_macros;
     options.as_template = book_.workbook().is_template && !dropped;
+    options.calculate = values_may_be_old();
     try {
       book_.document().settle_tables(book_.workbook());
       package::FileOutput output(target);
@@ -179,9 +178,9 @@ bool BookObject::save(const wchar_t* path, bool) {
 bool BookObject::saveRaw(const char** data, unsigned* size) {
   return run(false, [&] {
     if (!check_savable("saveRaw")) return false;
-    settle_calculation();
     SaveOptions options;
     options.as_template = book_.workbook().is_template;
+    options.calculate = values_may_be_old();
     saved_.reset();
     book_.document().settle_tables(book_.workbook());
     auto output = std::make_unique<package::MemoryOutput>();

@@ -106,7 +106,7 @@ class BookObject final : public libxl::Book {
   bool load_with(std::string_view operation, const LoadRequest& request);
   // Reads the one sheet that a partial load asks for and closes the others.
   bool choose_sheet(const LoadRequest& request, BookContents& contents);
-  void settle_calculation();
+  bool values_may_be_old() const;
   libxl::Sheet* insert(std::size_t position, const wchar_t* name, const libxl::Sheet* original);
 
   // Operations that only ask are const in the interface but set the message and may read a sheet.

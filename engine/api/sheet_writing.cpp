@@ -28,7 +28,6 @@ bool SheetObject::put_formula(int row, int column, std::string formula, Value va
   sheet_->change(
       [&](SheetContents& contents) { contents.put_record(row, column, std::move(record), style); });
   book_.contents().formulas_possible = true;
-  if (value.kind == ValueKind::kNone) book_.workbook().needs_calculation = true;
   book_.contents().values_changed = true;
   return true;
 }

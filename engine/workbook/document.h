@@ -40,6 +40,9 @@ struct SaveOptions {
   bool as_template = false;  // the kind of file that makes new workbooks rather than being one
   // What the target's name promises; nothing when it tells nothing.
   std::optional<bool> with_macros;
+  // Cached values of formulas may be old: who opens the file is asked to calculate anew. What the
+  // file itself says of that stays.
+  bool calculate = false;
 };
 
 class Document {

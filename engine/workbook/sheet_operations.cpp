@@ -78,13 +78,12 @@ void FormulaEdits::collect_cells(Sheet& rows, const Sheet& sheet, const FormulaE
   }
 }
 
-void FormulaEdits::apply(Workbook& book) noexcept {
+void FormulaEdits::apply() noexcept {
   for (CellEdit& edit : cells_)
     edit.sheet->change().records()[edit.number].formula.swap(edit.formula);
   for (CellEdit& edit : shared_)
     edit.sheet->change().shared_formulas[edit.number].text.swap(edit.formula);
   for (NameEdit& edit : names_) edit.name->definition.swap(edit.definition);
-  if (!cells_.empty() || !shared_.empty() || !names_.empty()) book.needs_calculation = true;
 }
 
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {
@@ -176,7 +175,7 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
   edits.collect(book, edit, &gone);
   document.remove_sheet(book, gone, edit);
 
-  edits.apply(book);
+  edits.apply();
   std::erase_if(book.names, [&](const DefinedName& name) { return name.scope == &gone; });
   std::unique_ptr<Sheet> removed = book.remove_sheet(position);
   if (position < book.active_sheet) {

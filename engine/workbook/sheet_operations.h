@@ -21,9 +21,8 @@ class FormulaEdits {
  public:
   // Asks `edit` about every formula in memory but those of `except`, a sheet that goes.
   void collect(Workbook& book, const FormulaEdit& edit, const Sheet* except = nullptr);
-  // Puts the new texts in place. The sheets that hold one count as changed, and the cached values
-  // of the book as old.
-  void apply(Workbook& book) noexcept;
+  // Puts the new texts in place. The sheets that hold one count as changed.
+  void apply() noexcept;
 
  private:
   // Those of the cells of `rows`, which belong to a sheet of the book.

@@ -52,9 +52,6 @@ class Workbook {
   bool is_template = false;
   int new_row_pixels = 20;  // of the rows of a new sheet
 
-  // Cached values of formulas may be old: who opens the saved book is asked to calculate anew.
-  bool needs_calculation = false;
-
   // Texts of errors that came after the classic seven; a cell's error is kNewError plus its number.
   StringPool new_errors;
 

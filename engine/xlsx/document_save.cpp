@@ -173,7 +173,7 @@ class Document::Saving {
 
   void replace_workbook(const SaveOptions& options) {
     const WorkbookPart& part = document_.workbook_part_;
-    std::string bytes = part.patched(book_, document_.sheets_).serialize();
+    std::string bytes = part.patched(book_, document_.sheets_, options.calculate).serialize();
     if (is_new_ || bytes != part.tree().serialize()) parts_.put(main_, {}, std::move(bytes));
     const std::string_view type = parts_.find(main_)->type;
     if (type.empty() || is_workbook_type(type))

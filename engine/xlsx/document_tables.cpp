@@ -209,7 +209,7 @@ void Document::settle_tables(Workbook& book) {
     for (Headers& one : headers) one.sheet->change() = std::move(one.before);
     throw;
   }
-  edits.apply(book);
+  edits.apply();
   for (Renaming& one : renamings) one.table->columns.swap(one.names);
 }
 

@@ -195,15 +195,14 @@ void patch_views(pugi::xml_node root, const Workbook& book) {
   if (!fits) view.remove_attribute("firstSheet");
 }
 
-void patch_settings(pugi::xml_node root, const Workbook& book) {
+void patch_settings(pugi::xml_node root, const Workbook& book, bool calculate) {
   pugi::xml_node settings = package::child(root, Family::Main, "workbookPr");
   if (!settings && book.date1904) settings = workbook_child(root, "workbookPr");
   settle_flag(settings, "date1904", book.date1904);
   pugi::xml_node calculation = package::child(root, Family::Main, "calcPr");
-  if (!calculation && (book.r1c1 || book.needs_calculation))
-    calculation = workbook_child(root, "calcPr");
+  if (!calculation && (book.r1c1 || calculate)) calculation = workbook_child(root, "calcPr");
   settle(calculation, "refMode", book.r1c1 ? "R1C1" : "A1", "A1");
-  if (book.needs_calculation) settle_flag(calculation, "fullCalcOnLoad", true);
+  if (calculate) settle_flag(calculation, "fullCalcOnLoad", true);
 }
 
 void read_names(pugi::xml_node root, Workbook& book) {
@@ -272,13 +271,14 @@ void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::str
   mentioned_ = mentioned_ids(root);
 }
 
-package::XmlTree WorkbookPart::patched(const Workbook& book, const SheetParts& parts) const {
+package::XmlTree WorkbookPart::patched(const Workbook& book, const SheetParts& parts,
+                                       bool calculate) const {
   package::XmlTree copy = document_.copy();
   const pugi::xml_node root = copy.root();
   patch_names(root, book, sheet_nodes(root).size());
   patch_sheets(root, book, parts);
   patch_views(root, book);
-  patch_settings(root, book);
+  patch_settings(root, book, calculate);
   return copy;
 }
 

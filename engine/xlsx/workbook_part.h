@@ -24,7 +24,7 @@ class WorkbookPart {
             SheetParts& sheets);
 
   // The tree with all that the book says.
-  package::XmlTree patched(const Workbook& book, const SheetParts& parts) const;
+  package::XmlTree patched(const Workbook& book, const SheetParts& parts, bool calculate) const;
 
   // The formulas of the part belong to the model, all of them: names.
   const package::XmlTree& tree() const { return document_; }

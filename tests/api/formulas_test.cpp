@@ -128,6 +128,12 @@ TEST(Formulas, OldValuesAreCalculatedByWhoOpensTheBook) {
   EXPECT_FALSE(asks_for_calculation(loaded)) << "no formula in sight";
   loaded.sheet->writeFormulaNum(0, 1, L"A1", 2);
   EXPECT_TRUE(asks_for_calculation(loaded)) << "a value may be old";
+  loaded.sheet->writeNum(0, 1, 2);
+  EXPECT_FALSE(asks_for_calculation(loaded)) << "the formula went";
+
+  ASSERT_TRUE(stage.reload()) << stage.message();
+  stage.sheet->writeNum(0, 1, 2);
+  EXPECT_TRUE(asks_for_calculation(stage)) << "the file asks itself";
 }
 
 // A 3-D reference covers the sheets between its ends: its text stays, its value does not.

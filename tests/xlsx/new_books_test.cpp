@@ -20,7 +20,6 @@ TEST(NewBook, ComesBackAsItWas) {
   workbook.active_sheet = 1;
   workbook.date1904 = true;
   workbook.r1c1 = true;
-  workbook.needs_calculation = true;
   workbook.names = {{"Rate", "0.19", nullptr, false, ""},
                     {"_xlnm.Print_Area", "Hidden!$A$1:$B$2", &hidden, true, ""}};
   const auto text = [&](const char* value) { return Value::of_text(workbook.strings.add(value)); };
@@ -57,7 +56,8 @@ TEST(NewBook, ComesBackAsItWas) {
   EXPECT_EQ(again->show(6, 6), "-");
   EXPECT_EQ(again->show(3, 3), "=A1&\"<>\": \"of \x02 formula\"");
   EXPECT_EQ(again->sheet().contents().comments.at({2, 2}).text, "note");
-  EXPECT_THAT(unzip(book->save()).at("xl/workbook.xml"), HasSubstr("fullCalcOnLoad=\"1\""));
+  EXPECT_THAT(unzip(book->save({.calculate = true})).at("xl/workbook.xml"),
+              HasSubstr("fullCalcOnLoad=\"1\""));
 }
 
 TEST(NewBook, SavingAgainGivesTheSameBytes) {

@@ -116,7 +116,7 @@ TEST(StoredFormula, IsWrittenAsItStoodUntilItChanges) {
   edits.collect(book->workbook, [](const Sheet*, std::string_view text) {
     return formula::rename_sheet_text(text, "One", "Two", kGrid);
   });
-  edits.apply(book->workbook);
+  edits.apply();
   saved = unzip(book->save());
   for (const char* text : {"<f>Two!B1+_xlfn.IFS(1,2)</f>", "<f>SUM([Net])</f>",
                            "<f>_xlfn.FUTURE(1)</f>", "<f>_xlfn.IFS(1,Two!B1)</f>"})
