@@ -99,7 +99,7 @@ void Document::place_sheet(Sheet& /*sheet*/) noexcept {
 // A part that no file has goes at once, one of the file with all that nothing else needs at the
 // save.
 void Document::remove_part(const SheetPart& gone) {
-  if (gone.listed == 0) parts_.forget(main_, gone.relationship, kSheetName, gone.part);
+  if (gone.listed == 0) parts_.forget(main_, gone.relationship);
   else parts_.unrelate(main_, gone.relationship);
 }
 

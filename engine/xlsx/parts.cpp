@@ -145,16 +145,54 @@ std::string Parts::free_name(std::string_view pattern, const NewParts* pending) 
   }
 }
 
-void Parts::forget(std::string_view owner, std::string_view id, std::string_view pattern,
-                   std::string_view name) {
-  const std::string key = lower_ascii(name);
-  const std::string_view digits = name.substr(pattern.find('#'));
-  std::size_t number = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  numbers_.try_emplace(std::string(pattern)).first->second.freed.insert(number);
+void Parts::forget(std::string_view owner, std::string_view id) {
+  const Relationship* link = relationship(owner, id);
+  const Part* part = link ? target(owner, *link) : nullptr;
+  std::set<std::string> gone;
+  if (part) gone = made_behind(*part);
+  // What was made since is reached through relationships that came since, and no others.
+  for (const auto& [key, its] : links_) {
+    if (!its.changed || gone.contains(key)) continue;
+    for (const Relationship& one : its.items) {
+      const Part* needed = &one == link ? nullptr : target(key, one);
+      if (!needed || !gone.contains(lower_ascii(needed->name))) continue;
+      for (const std::string& kept : made_behind(*needed)) gone.erase(kept);
+    }
+  }
+  for (const std::string& key : gone) release_name(parts_.at(key).name);
   unrelate(owner, id);
-  parts_.erase(key);
-  links_.erase(key);
+  for (const std::string& key : gone) {
+    parts_.erase(key);
+    links_.erase(key);
+  }
+}
+
+// The keys of a part and of those that it leads to, one through the other, as far as no file has
+// them.
+std::set<std::string> Parts::made_behind(const Part& first) const {
+  std::set<std::string> found;
+  std::vector<const Part*> open;
+  const auto enter = [&](const Part* part) {
+    if (part && !part->stored && found.insert(lower_ascii(part->name)).second) open.push_back(part);
+  };
+  enter(&first);
+  while (!open.empty()) {
+    const std::string& owner = open.back()->name;
+    open.pop_back();
+    for (const Relationship& one : relationships(owner)) enter(target(owner, one));
+  }
+  return found;
+}
+
+// A number that a pattern gave is free for it again.
+void Parts::release_name(const std::string& name) {
+  const std::size_t end = name.rfind('.');
+  if (end == std::string::npos) return;
+  const std::size_t begin = name.find_last_not_of("0123456789", end - 1) + 1;
+  const auto pattern = numbers_.find(name.substr(0, begin) + "#" + name.substr(end));
+  std::size_t number = 0;
+  std::from_chars(name.data() + begin, name.data() + end, number);
+  if (pattern != numbers_.end() && number != 0) pattern->second.freed.insert(number);
 }
 
 bool Parts::is_mentioned(std::string_view name) const {

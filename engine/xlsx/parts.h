@@ -76,10 +76,9 @@ class Parts {
   std::string free_name(std::string_view pattern, const NewParts* pending = nullptr) const;
   // Whether a relationship or a content type of the file speaks of a part that is not there.
   bool is_mentioned(std::string_view name) const;
-  // Removes a relationship with the part that it leads to, which was made under such a name. Throws
-  // before it changes anything.
-  void forget(std::string_view owner, std::string_view id, std::string_view pattern,
-              std::string_view name);
+  // Removes a relationship with the part that it leads to and all that is left without an owner,
+  // as far as no file has it. Their names are free again. Throws before it changes anything.
+  void forget(std::string_view owner, std::string_view id);
 
   // Of a part; the empty name stands for the package. Throws FileError when they are damaged.
   const Relationships& relationships(std::string_view owner) const;
@@ -132,6 +131,8 @@ class Parts {
   PartLinks& links(std::string_view owner) const;
   Relationships stored_relationships(std::string_view owner) const;
   std::set<std::string> reachable(bool in_file) const;
+  std::set<std::string> made_behind(const Part& first) const;
+  void release_name(const std::string& name);
   bool has_relationships(std::string_view owner) const;
   std::string written_types() const;
   void write_relationships_of(std::string_view owner, package::ArchiveWriter& archive) const;

@@ -137,6 +137,29 @@ void sheets_added(int n) {
     EXPECT_TRUE(stage.book->addSheet((L"Sheet " + std::to_wstring(number)).c_str()));
 }
 
+// The copies' tables must go with them: each deletion looks for formulas in all that there are.
+void sheets_copied_and_deleted(int n) {
+  PartTexts parts = engine::xlsx::book_of(
+      engine::xlsx::worksheet("", "", R"(<tableParts><tablePart r:id="rId1"/></tableParts>)"));
+  parts["xl/worksheets/_rels/sheet1.xml.rels"] =
+      engine::xlsx::relations({{"table", "../tables/table1.xml"}});
+  std::string& table = parts["xl/tables/table1.xml"];
+  table = "<table xmlns=\"" + std::string(engine::xlsx::kMainNamespace) +
+          "\" id=\"1\" name=\"T\" displayName=\"T\" ref=\"A1:A2\"><tableColumns>";
+  for (int column = 0; column < 50; ++column) table += "<tableColumn/>";
+  table += "</tableColumns></table>";
+  parts["[Content_Types].xml"] = engine::xlsx::types(
+      {{"xl/workbook.xml", "vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml"},
+       {"xl/tables/table1.xml", "vnd.openxmlformats-officedocument.spreadsheetml.table+xml"}});
+  const std::string bytes = engine::xlsx::zip(parts);
+  const Stage stage;
+  EXPECT_TRUE(stage.book->loadRaw(bytes.data(), static_cast<unsigned>(bytes.size())));
+  for (int number = 0; number < n; ++number) {
+    EXPECT_TRUE(stage.book->addSheet(L"Copy", stage.book->getSheet(0))) << stage.message();
+    EXPECT_TRUE(stage.book->delSheet(1)) << stage.message();
+  }
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -156,6 +179,7 @@ constexpr Case kCases[] = {
     {"different errors", different_errors, 6000},
     {"arrays over one another", arrays_over_one_another, 3000},
     {"sheets added", sheets_added, 1500},
+    {"sheets copied and deleted", sheets_copied_and_deleted, 100},
 };
 
 std::uint64_t work_of(const Case& one, int n) {

@@ -90,6 +90,33 @@ TEST(Parts, RelationshipsKeepTheirTypes) {
         << name;
 }
 
+// A part that was made, with what it leads to: what another needs too stays, as does what the file
+// has.
+TEST(Parts, ForgettingTakesWhatWasMadeForAPartAlone) {
+  PartTexts texts = book_of(worksheet(""));
+  texts["xl/media/stored.png"] = "png";
+  Parts parts(source_of(zip(texts)));
+  const std::string main = "xl/workbook.xml";
+  const std::string sheet = parts.free_name("xl/worksheets/sheet#.xml");
+  for (const char* name : {"xl/drawings/drawing1.xml", "xl/media/own.png", "xl/media/shared.png"})
+    parts.put(name, "", "");
+  parts.put(sheet, "", "");
+  const std::string id = parts.relate(main, {}, "worksheet", sheet);
+  parts.relate(sheet, {}, "drawing", "xl/drawings/drawing1.xml");
+  parts.relate("xl/drawings/drawing1.xml", {}, "worksheet", sheet);
+  for (const char* name : {"xl/media/own.png", "xl/media/shared.png", "xl/media/stored.png"})
+    parts.relate("xl/drawings/drawing1.xml", {}, "image", name);
+  parts.relate("xl/worksheets/sheet1.xml", {}, "image", "xl/media/shared.png");
+  parts.forget(main, id);
+  for (const char* name :
+       {"xl/worksheets/sheet2.xml", "xl/drawings/drawing1.xml", "xl/media/own.png"})
+    EXPECT_EQ(parts.find(name), nullptr) << name;
+  for (const char* name : {"xl/media/shared.png", "xl/media/stored.png"})
+    EXPECT_NE(parts.find(name), nullptr) << name;
+  EXPECT_EQ(parts.relationship(main, id), nullptr);
+  EXPECT_EQ(parts.free_name("xl/worksheets/sheet#.xml"), sheet);
+}
+
 TEST(Parts, NewNamesAndIdsAreFree) {
   PartTexts texts = book_of(worksheet(""));
   texts["xl/worksheets/SHEET2.xml"] = "";
