@@ -150,7 +150,8 @@ std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
   return outside;
 }
 
-// Comments that cannot be read are carried; what is wrong is told when one is to be changed.
+// Comments that cannot be read are carried; what is wrong is told when one is to be changed. So are
+// those whose boxes or threads cannot be rewritten.
 std::string Document::read_notes(const SheetPart& sheet, SheetContents& contents) const {
   std::string damage;
   try {
@@ -164,6 +165,8 @@ std::string Document::read_notes(const SheetPart& sheet, SheetContents& contents
     const pugi::xml_node link = package::child(sheet.tree.root(), Family::Main, "legacyDrawing");
     const Part* boxes = parts_.named_by(link, sheet.part).part;
     if (boxes) read_note_sizes(parts_.read_text(*boxes), contents.comments);
+    const Part* threads = parts_.related(sheet.part, "threadedComment");
+    if (threads) package::XmlTree::parse(parts_.read(*threads), threads->name);
   } catch (const FileError& error) {
     damage = error.what();
   }

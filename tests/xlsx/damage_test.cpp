@@ -121,6 +121,17 @@ TEST(Damage, DrawingsThatDoNotUnpackStopNothing) {
   EXPECT_NO_THROW(book->save());
 }
 
+// Threads go when their note changes, which takes a part that can be read.
+TEST(Damage, ThreadsThatCannotBeReadKeepTheirNotes) {
+  PartTexts parts = book_of(worksheet("<row><c><v>1</v></c></row>"));
+  parts["xl/threads.xml"] = "<broken";
+  parts["xl/worksheets/_rels/sheet1.xml.rels"] = relations({{"threadedComment", "../threads.xml"}});
+  const auto book = load(parts);
+  book->read().change().put_blank(0, 0, {});
+  EXPECT_THAT(book->sheet().comments_damage, StartsWith("is damaged: xl/threads.xml"));
+  EXPECT_EQ(unzip(book->save()).at("xl/threads.xml"), "<broken");
+}
+
 // Whatever is cut off, the file is refused or what is there is read.
 TEST(Damage, EveryPrefixOfAFileIsRefused) {
   const std::string file = zip(book_of(worksheet("<row><c t=\"s\"><v>1</v></c></row>")));
