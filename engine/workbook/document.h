@@ -1,8 +1,8 @@
 // The file behind a workbook, as the workbook's operations see it.
 //
 // A codec makes one when it loads a book or when a new book is begun. It reads sheets on demand,
-// carries what the engine has no model of, and writes the book. A book that lives in memory only has
-// nothing to read and nothing to carry, which is what most duties do here.
+// carries what the engine has no model of, and writes the book. A book that lives in memory only
+// has nothing to read and nothing to carry, which is what most duties do here.
 #pragma once
 
 #include <functional>

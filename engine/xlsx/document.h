@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -71,6 +72,7 @@ class Document : public engine::Document {
   std::vector<TablePart>& tables_of(const Workbook& book, const SheetPart& sheet) const;
   std::vector<std::optional<std::string>> changed_headers(const Workbook& book, const Sheet& sheet,
                                                           const TablePart& table) const;
+  std::map<CellAddress, Header> odd_headers(const Workbook& book, const Sheet& sheet) const;
   void read_readable_sheets(Workbook& book);
   void edit_carried(Workbook& book, const FormulaEdit& edit, const SheetPart* gone);
 

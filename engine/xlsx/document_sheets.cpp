@@ -84,6 +84,7 @@ std::vector<formula::TableChange> Document::copy_sheet(const Workbook& book, con
   collect_formulas(tree.root(), texts);
   texts.apply();
   tree.settle();
+  made.part().copied_headers = odd_headers(book, original);
   arriving_ = std::move(made);
   return tables;
 }

@@ -16,14 +16,6 @@ namespace engine::xlsx {
 
 namespace {
 
-// What a header cell shows, and whether it is a text as header cells have to be.
-struct Header {
-  std::string text;
-  bool is_text = false;
-
-  friend bool operator==(const Header&, const Header&) = default;
-};
-
 // `texts` is the book, or the owner of the texts of rows that were read apart.
 Header header_at(const Workbook& book, const Workbook& texts, const SheetContents& sheet, int row,
                  int column) {
@@ -116,7 +108,7 @@ std::vector<Table> Document::tables(const Workbook& book, const Sheet& sheet) co
 }
 
 // The texts of header cells that differ from the names of their columns. A difference that the file
-// has itself is its own concern.
+// has itself, or the sheet that this one is a copy of, is its own concern.
 std::vector<std::optional<std::string>> Document::changed_headers(const Workbook& book,
                                                                   const Sheet& sheet,
                                                                   const TablePart& table) const {
@@ -125,6 +117,7 @@ std::vector<std::optional<std::string>> Document::changed_headers(const Workbook
                          (row >= sheet.loaded_rows.row_first && row <= sheet.loaded_rows.row_last);
   if (!table.has_header || !is_loaded) return {};
   const SheetContents& contents = sheet.contents();
+  const SheetPart& its = part_of(sheet);
   const auto width = static_cast<std::size_t>(table.cells.column_last - table.cells.column_first);
   std::vector<std::optional<std::string>> changed(std::min(width + 1, table.columns.size()));
   std::unique_ptr<OutsideRows> stored;
@@ -132,7 +125,8 @@ std::vector<std::optional<std::string>> Document::changed_headers(const Workbook
     const int column = table.cells.column_first + static_cast<int>(i);
     Header header = header_at(book, book, contents, row, column);
     if (header == Header{table.columns[i], true} || contents.arrays.find({row, column})) continue;
-    const SheetPart& its = part_of(sheet);
+    const auto copied = its.copied_headers.find({row, column});
+    if (copied != its.copied_headers.end() && copied->second == header) continue;
     if (its.listed != 0 && !stored) {
       stored = std::make_unique<OutsideRows>(book);
       SheetContents rows;
@@ -146,6 +140,23 @@ std::vector<std::optional<std::string>> Document::changed_headers(const Workbook
     if (!is_as_stored) changed[i] = std::move(header.text);
   }
   return changed;
+}
+
+// Header cells that may differ from the names of their columns in a copy too.
+std::map<CellAddress, Header> Document::odd_headers(const Workbook& book,
+                                                    const Sheet& sheet) const {
+  std::map<CellAddress, Header> odd;
+  for (const TablePart& table : tables_of(book, part_of(sheet))) {
+    if (!table.has_header) continue;
+    const auto changed = changed_headers(book, sheet, table);
+    for (std::size_t i = 0; i < changed.size(); ++i) {
+      const CellAddress at{table.cells.row_first, table.cells.column_first + static_cast<int>(i)};
+      Header header = header_at(book, book, sheet.contents(), at.row, at.column);
+      if (!changed[i] && header != Header{table.columns[i], true})
+        odd.emplace(at, std::move(header));
+    }
+  }
+  return odd;
 }
 
 // All that is new is made first; only the formulas can be asked for when the columns have their

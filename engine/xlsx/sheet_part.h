@@ -43,6 +43,10 @@ struct SheetPart {
   // Its tables that can be read, once somebody asked for them.
   mutable std::optional<std::vector<TablePart>> tables;
 
+  // Of a sheet that is a copy: what header cells of tables showed when it was made, where that is
+  // not the name of the column.
+  std::map<CellAddress, Header> copied_headers;
+
   // As they were read: those that the sheet still has are written as the file has them.
   Comments comments;
 };

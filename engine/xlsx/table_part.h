@@ -21,6 +21,14 @@ struct TablePart {
   std::vector<std::string> columns;
 };
 
+// What a header cell shows, and whether it is a text as header cells have to be.
+struct Header {
+  std::string text;
+  bool is_text = false;
+
+  friend bool operator==(const Header&, const Header&) = default;
+};
+
 // Nothing when the part tells no range. Throws FileError when it is damaged.
 std::optional<TablePart> read_table(std::string_view bytes, std::string_view part,
                                     const Grid& grid);

@@ -178,6 +178,30 @@ TEST(Tables, CopiesHaveColumnsOfTheirOwn) {
   EXPECT_EQ(book->show(2, 2), "=T[[#This Row],[Net]]*2: -");
 }
 
+// What differs in the file differs in a copy and in a copy of that, until somebody writes there.
+TEST(Tables, CopiesDifferWhereTheOriginalDoes) {
+  const auto book = load(book_with_table("", "other"));
+  book->read();
+  put_text(*book, 2, "new");
+  for (const std::size_t original : {0U, 2U}) {
+    NewSheet copy = make_copy(book->workbook, *book->document, book->sheet(original),
+                              "Copy" + std::to_string(original));
+    make_room(book->workbook, copy);
+    place_sheet(book->workbook, *book->document, 2, std::move(copy));
+  }
+  PartTexts parts = saved(*book);
+  for (const char* name :
+       {"xl/tables/table1.xml", "xl/tables/table2.xml", "xl/tables/table3.xml"}) {
+    EXPECT_THAT(parts.at(name), HasSubstr("name=\"C\"")) << name;
+    EXPECT_THAT(parts.at(name), HasSubstr("name=\"new\"")) << name;
+  }
+  const std::uint32_t text = book->workbook.strings.add("third");
+  book->sheet(3).change().put_value(1, 3, Value::of_text(text), {});
+  parts = saved(*book);
+  EXPECT_THAT(parts.at("xl/tables/table2.xml"), HasSubstr("name=\"third\""));
+  EXPECT_THAT(parts.at("xl/tables/table3.xml"), HasSubstr("name=\"C\""));
+}
+
 // What the file has itself, or what is no header, changes nothing.
 TEST(Tables, OtherDifferencesStay) {
   struct Case {
