@@ -103,11 +103,12 @@ class SheetObject final : public UnsupportedSheet {
   const CellRecord* formula_record(const Cell& cell, CellAddress at, CellAddress* anchor) const;
 
   bool put(int row, int column, Value value, Style style);
-  bool put_formula(int row, int column, std::string formula, Value value, Style style);
+  bool put_formula(int row, int column, std::string_view formula, Value value, Style style);
   // Takes a text into text_. False, with the message set, when it is too long.
   bool take_text(const wchar_t* value, std::string_view what, std::size_t limit);
-  // The text of a formula as the model keeps it; nothing, with the message set, when it is none.
-  std::optional<std::string> take_formula(int row, int column, const wchar_t* expr);
+  // The text of a formula as the model keeps it, valid until the book's next one; nothing, with
+  // the message set, when it is none.
+  std::optional<std::string_view> take_formula(int row, int column, const wchar_t* expr);
   // First row and column 0 and last ones -1 without cells.
   CellRange used_range() const;
 

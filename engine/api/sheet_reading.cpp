@@ -158,7 +158,8 @@ const CellRecord* SheetObject::formula_record(const Cell& cell, CellAddress at,
                                               CellAddress* anchor) const {
   const auto formula_of = [&](const CellRecord* record) -> const CellRecord* {
     if (!record || !record->has_formula()) return nullptr;
-    return record->extra && record->extra->form == FormulaForm::kDataTable ? nullptr : record;
+    const CellExtra* extra = contents().extra(*record);
+    return extra && extra->form == FormulaForm::kDataTable ? nullptr : record;
   };
   if (anchor) *anchor = at;
   if (const CellRecord* own = formula_of(contents().record(cell))) return own;

@@ -21,12 +21,13 @@ bool SheetObject::put(int row, int column, Value value, Style style) {
   return true;
 }
 
-bool SheetObject::put_formula(int row, int column, std::string formula, Value value, Style style) {
+bool SheetObject::put_formula(int row, int column, std::string_view formula, Value value,
+                              Style style) {
   CellRecord record;
   record.value = value;
-  record.formula = std::move(formula);
+  record.formula = formula;
   sheet_->change(
-      [&](SheetContents& contents) { contents.put_record(row, column, std::move(record), style); });
+      [&](SheetContents& contents) { contents.put_record(row, column, record, style); });
   book_.contents().formulas_possible = true;
   book_.contents().values_changed = true;
   return true;
@@ -110,7 +111,8 @@ bool SheetObject::writeBlank(int row, int column, libxl::Format* format) {
 }
 
 // Formulas. Those that are written have to parse, whatever was loaded.
-std::optional<std::string> SheetObject::take_formula(int row, int column, const wchar_t* expr) {
+std::optional<std::string_view> SheetObject::take_formula(int row, int column,
+                                                          const wchar_t* expr) {
   const auto refuse = [&](std::string text) {
     book_.refuse(std::move(text));
     return std::nullopt;
@@ -132,17 +134,18 @@ std::optional<std::string> SheetObject::take_formula(int row, int column, const 
   if (const auto unknown = formula::unknown_sheet(formula, known))
     return refuse(messages::formula_unknown_sheet(text_, *unknown));
   if (workbook.r1c1) formula.text = formula::print(formula);
-  auto shown = book_.document().shown_formula(workbook, formula.text);
-  return shown ? shown : formula.text;
+  if (auto shown = book_.document().shown_formula(workbook, formula.text))
+    formula.text = *std::move(shown);
+  return formula.text;
 }
 
 bool SheetObject::writeFormula(int row, int column, const wchar_t* expr, libxl::Format* format) {
   return run(false, [&] {
     Style style;
     if (!check_cell(row, column)) return false;
-    auto formula = take_formula(row, column, expr);
+    const auto formula = take_formula(row, column, expr);
     return formula && check_write(row, column, format, &style) &&
-           put_formula(row, column, *std::move(formula), Value(), style);
+           put_formula(row, column, *formula, Value(), style);
   });
 }
 
@@ -151,11 +154,11 @@ bool SheetObject::writeFormulaNum(int row, int column, const wchar_t* expr, doub
   return run(false, [&] {
     Style style;
     if (!check_cell(row, column)) return false;
-    auto formula = take_formula(row, column, expr);
+    const auto formula = take_formula(row, column, expr);
     if (!formula) return false;
     if (!std::isfinite(value)) return book_.refuse(false, messages::not_finite("number"));
     return check_write(row, column, format, &style) &&
-           put_formula(row, column, *std::move(formula), Value::of_number(value), style);
+           put_formula(row, column, *formula, Value::of_number(value), style);
   });
 }
 
@@ -164,11 +167,11 @@ bool SheetObject::writeFormulaStr(int row, int column, const wchar_t* expr, cons
   return run(false, [&] {
     Style style;
     if (!check_cell(row, column)) return false;
-    auto formula = take_formula(row, column, expr);
+    const auto formula = take_formula(row, column, expr);
     if (!formula || !take_text(value, "text", limits().text)) return false;
     if (!check_write(row, column, format, &style)) return false;
     const std::uint32_t text = book_.workbook().strings.add(text_);
-    return put_formula(row, column, *std::move(formula), Value::of_text(text), style);
+    return put_formula(row, column, *formula, Value::of_text(text), style);
   });
 }
 
@@ -177,9 +180,9 @@ bool SheetObject::writeFormulaBool(int row, int column, const wchar_t* expr, boo
   return run(false, [&] {
     Style style;
     if (!check_cell(row, column)) return false;
-    auto formula = take_formula(row, column, expr);
+    const auto formula = take_formula(row, column, expr);
     return formula && check_write(row, column, format, &style) &&
-           put_formula(row, column, *std::move(formula), Value::of_boolean(value), style);
+           put_formula(row, column, *formula, Value::of_boolean(value), style);
   });
 }
 

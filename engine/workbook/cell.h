@@ -2,12 +2,13 @@
 //
 // A cell is a value word, the number of its cell format, its column and a kind. What does not fit
 // into the word (a formula with its cached value, what a file says about a cell beyond its value)
-// stands in a record of the sheet, and the word holds the record's number.
+// stands in a record of the sheet, and the word holds the record's number. A record is plain data
+// as well: the sheet keeps the texts of formulas and the rare rest apart.
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "engine/formula/reference.h"
@@ -93,23 +94,13 @@ struct SharedFormula {
 
 // A cell with a formula, or with something that the engine carries without understanding it.
 struct CellRecord {
-  Value value;          // a formula's cached value: kNone when it has none
-  std::string formula;  // text without "=", as callers see it; empty: none, or a shared one
-  std::unique_ptr<CellExtra> extra;
+  Value value;               // a formula's cached value: kNone when it has none
+  std::string_view formula;  // without "=", as callers see it; empty: none, or a shared one
   std::uint32_t shared = 0;  // number of a formula that cells of the sheet share, plus one; or 0
+  std::uint32_t extra = 0;   // number of the CellExtra in the sheet, plus one; or 0
 
   bool has_formula() const { return !formula.empty() || shared != 0; }
-
-  CellRecord() = default;
-  CellRecord(CellRecord&&) noexcept = default;
-  CellRecord& operator=(CellRecord&&) noexcept = default;
-  CellRecord(const CellRecord& other)
-      : value(other.value),
-        formula(other.formula),
-        extra(other.extra ? std::make_unique<CellExtra>(*other.extra) : nullptr),
-        shared(other.shared) {}
-  CellRecord& operator=(const CellRecord& other) { return *this = CellRecord(other); }
-  ~CellRecord() = default;
 };
+static_assert(std::is_trivially_copyable_v<CellRecord>);
 
 }  // namespace engine

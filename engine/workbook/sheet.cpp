@@ -62,14 +62,17 @@ void SheetContents::put_value(int row, int column, Value value,
   cell = make_cell(column, value, cell.style);
 }
 
-void SheetContents::put_record(int row, int column, CellRecord record,
+void SheetContents::put_record(int row, int column, const CellRecord& record,
                                std::optional<std::uint32_t> style) {
+  drop_unused_texts();
+  CellRecord kept = record;
+  kept.formula = keep_text(record.formula);
   Cell* found = cells.find(row, column);
   if (found && found->kind == CellKind::kRecord) {
-    records_[found->index()] = std::move(record);
+    replace(records_[found->index()], kept);
     if (style) found->style = *style;
   } else {
-    const std::uint32_t index = keep_record(std::move(record));
+    const std::uint32_t index = keep_record(kept);
     Cell& cell = place(row, column, style);
     cell.kind = CellKind::kRecord;
     cell.bits = index;
@@ -95,24 +98,65 @@ Cell& SheetContents::place(int row, int column, std::optional<std::uint32_t> sty
   return cell;
 }
 
-std::uint32_t SheetContents::keep_record(CellRecord record) {
-  if (free_record_ == kNoRecord) {
-    records_.push_back(std::move(record));
-    return static_cast<std::uint32_t>(records_.size() - 1);
+std::uint32_t SheetContents::keep_record(const CellRecord& record) {
+  std::uint32_t index = free_record_;
+  if (index == kNoRecord) {
+    index = static_cast<std::uint32_t>(records_.size());
+    records_.emplace_back();
+  } else {
+    free_record_ = static_cast<std::uint32_t>(records_[index].value.bits);
   }
-  const std::uint32_t index = free_record_;
-  free_record_ = static_cast<std::uint32_t>(records_[index].value.bits);
-  records_[index] = std::move(record);
+  replace(records_[index], record);
   return index;
+}
+
+std::uint32_t SheetContents::keep_extra(CellExtra extra) {
+  extras_.push_back(std::move(extra));
+  return static_cast<std::uint32_t>(extras_.size());
 }
 
 // Never allocates: free records are a chain through the words of their values.
 void SheetContents::forget_record(const Cell& cell) {
   if (cell.kind != CellKind::kRecord) return;
   CellRecord& record = records_[cell.index()];
-  record = CellRecord();
+  replace(record, {});
   record.value.bits = free_record_;
   free_record_ = cell.index();
+}
+
+// All that records are given and lose goes through here, so that what nothing uses is counted.
+void SheetContents::replace(CellRecord& record, const CellRecord& by) noexcept {
+  unused_text_ += record.formula.size();
+  unused_text_ -= by.formula.size();
+  if (record.extra != 0 && record.extra != by.extra) extras_[record.extra - 1] = {};
+  record = by;
+}
+
+std::string_view SheetContents::keep_text(std::string_view text) {
+  const std::string_view kept = texts_.keep(text);
+  unused_text_ += text.size();
+  return kept;
+}
+
+void SheetContents::set_formula(CellRecord& record, std::string_view kept) noexcept {
+  CellRecord changed = record;
+  changed.formula = kept;
+  changed.shared = 0;
+  replace(record, changed);
+}
+
+// The texts in use move only when at least as much is freed, so each byte that is kept pays for
+// one that moves.
+void SheetContents::drop_unused_texts() {
+  constexpr std::size_t kTolerated = std::size_t{1} << 16;
+  if (unused_text_ < kTolerated || unused_text_ < texts_.size() / 2) return;
+  std::size_t used = 0;
+  for (const CellRecord& record : records_) used += record.formula.size();
+  TextArena kept;
+  kept.reserve(used);
+  for (CellRecord& record : records_) record.formula = kept.keep(record.formula);
+  texts_ = std::move(kept);
+  unused_text_ = 0;
 }
 
 const RowProperties* SheetContents::properties(const Row& row) const {

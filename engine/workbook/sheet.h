@@ -19,6 +19,7 @@
 #include "engine/workbook/array_ranges.h"
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
+#include "engine/workbook/text_arena.h"
 
 namespace engine {
 
@@ -95,6 +96,13 @@ class SheetContents {
   const CellRecord* record(const Cell& cell) const;
   CellRecord* record(const Cell& cell);
   bool is_formula(const Cell& cell) const;
+  // What few records have; null without.
+  const CellExtra* extra(const CellRecord& record) const {
+    return record.extra == 0 ? nullptr : &extras_[record.extra - 1];
+  }
+  CellExtra* extra(const CellRecord& record) {
+    return record.extra == 0 ? nullptr : &extras_[record.extra - 1];
+  }
   // The text of the formula of the cell at a place, which may be a shared one; `moved` holds it
   // then.
   std::string_view formula(const CellRecord& record, CellAddress at, const Grid& grid,
@@ -104,9 +112,10 @@ class SheetContents {
   std::uint32_t style_at(int row, int column) const;
 
   // Puts something into a cell in place of what it holds. Without a style the cell keeps its own,
-  // and a new one takes that of the place.
+  // and a new one takes that of the place. The formula of a record is copied.
   void put_value(int row, int column, Value value, std::optional<std::uint32_t> style);
-  void put_record(int row, int column, CellRecord record, std::optional<std::uint32_t> style);
+  void put_record(int row, int column, const CellRecord& record,
+                  std::optional<std::uint32_t> style);
   // Blank cells show nothing but their format.
   void put_blank(int row, int column, std::optional<std::uint32_t> style) {
     put_value(row, column, Value(), style);
@@ -114,9 +123,18 @@ class SheetContents {
   // Gives a cell a format and leaves its value; an empty place becomes a blank cell.
   void put_style(int row, int column, std::uint32_t style);
 
-  // Makes a cell of the value or record, for a codec that reads a sheet.
+  // Makes a cell of the value or record, for a codec that reads a sheet. The formula of a record
+  // has been kept, and so has its extra.
   static Cell make_cell(int column, Value value, std::uint32_t style);
-  std::uint32_t keep_record(CellRecord record);
+  std::uint32_t keep_record(const CellRecord& record);
+  std::uint32_t keep_extra(CellExtra extra);
+
+  // Keeps a text that a record can be given as its formula, which cannot fail then.
+  std::string_view keep_text(std::string_view text);
+  void set_formula(CellRecord& record, std::string_view kept) noexcept;
+  // Frees texts that no record has any more, once they are many. Those that were kept and not given
+  // to a record yet are among them.
+  void drop_unused_texts();
 
   // By number. Those that nothing names any more are empty.
   std::deque<CellRecord>& records() { return records_; }
@@ -130,8 +148,12 @@ class SheetContents {
 
   Cell& place(int row, int column, std::optional<std::uint32_t> style);
   void forget_record(const Cell& cell);
+  void replace(CellRecord& record, const CellRecord& by) noexcept;
 
   std::deque<CellRecord> records_;
+  std::deque<CellExtra> extras_;  // those that no record has any more are empty
+  TextArena texts_;               // of the records
+  std::size_t unused_text_ = 0;   // bytes in texts_ that no record has
   std::uint32_t free_record_ = kNoRecord;  // the first of a chain; its value's word names the next
 };
 
@@ -172,6 +194,9 @@ class Sheet {
   }
   // Restates the unit of column widths in a sheet that states none, which changes nothing in it.
   void set_digit_pixels(int digit) noexcept { contents_.digit_pixels = digit; }
+  // Keeps a text for a formula of an edit that is not made yet, which changes nothing either.
+  std::string_view keep_text(std::string_view text) { return contents_.keep_text(text); }
+  void drop_unused_texts() { contents_.drop_unused_texts(); }
   // Takes what a file holds, which is no change.
   void take(SheetContents&& contents) noexcept;
 

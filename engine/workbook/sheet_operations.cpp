@@ -17,7 +17,8 @@ namespace {
 void edit_copy(SheetContents& copy, const FormulaEdit& edit, const Sheet* original) {
   for (CellRecord& record : copy.records())
     if (!record.formula.empty())
-      if (auto text = edit(original, record.formula)) record.formula = *std::move(text);
+      if (const auto text = edit(original, record.formula))
+        copy.set_formula(record, copy.keep_text(*text));
   for (SharedFormula& shared : copy.shared_formulas)
     if (auto text = edit(original, shared.text)) shared.text = *std::move(text);
 }
@@ -65,11 +66,12 @@ void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet*
 }
 
 void FormulaEdits::collect_cells(Sheet& rows, const Sheet& sheet, const FormulaEdit& edit) {
+  rows.drop_unused_texts();
   const auto& records = rows.contents().records();
   for (std::uint32_t number = 0; const CellRecord& record : records) {
     if (!record.formula.empty())
-      if (auto text = edit(&sheet, record.formula))
-        cells_.push_back({&rows, number, *std::move(text)});
+      if (const auto text = edit(&sheet, record.formula))
+        cells_.push_back({&rows, number, rows.keep_text(*text)});
     ++number;
   }
   for (std::uint32_t number = 0; const SharedFormula& shared : rows.contents().shared_formulas) {
@@ -79,9 +81,11 @@ void FormulaEdits::collect_cells(Sheet& rows, const Sheet& sheet, const FormulaE
 }
 
 void FormulaEdits::apply() noexcept {
-  for (CellEdit& edit : cells_)
-    edit.sheet->change().records()[edit.number].formula.swap(edit.formula);
-  for (CellEdit& edit : shared_)
+  for (const CellEdit& edit : cells_) {
+    SheetContents& contents = edit.sheet->change();
+    contents.set_formula(contents.records()[edit.record], edit.formula);
+  }
+  for (SharedEdit& edit : shared_)
     edit.sheet->change().shared_formulas[edit.number].text.swap(edit.formula);
   for (NameEdit& edit : names_) edit.name->definition.swap(edit.definition);
 }

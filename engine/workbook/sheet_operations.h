@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/workbook/document.h"
@@ -30,7 +31,12 @@ class FormulaEdits {
 
   struct CellEdit {
     Sheet* sheet;
-    std::uint32_t number;  // of the record or of the shared formula
+    std::uint32_t record;
+    std::string_view formula;  // which the sheet keeps
+  };
+  struct SharedEdit {
+    Sheet* sheet;
+    std::uint32_t number;
     std::string formula;
   };
   struct NameEdit {
@@ -39,7 +45,7 @@ class FormulaEdits {
   };
 
   std::vector<CellEdit> cells_;
-  std::vector<CellEdit> shared_;
+  std::vector<SharedEdit> shared_;
   std::vector<NameEdit> names_;
 };
 

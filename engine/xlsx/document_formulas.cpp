@@ -36,8 +36,10 @@ struct RecordEdits {
   std::vector<Input> inputs;
 
   void apply() noexcept {
-    for (auto& [rows, record, details] : inputs)
-      rows->change().records()[record].extra->formula_details.swap(details);
+    for (auto& [rows, record, details] : inputs) {
+      SheetContents& contents = rows->change();
+      contents.extra(contents.records()[record])->formula_details.swap(details);
+    }
   }
 };
 
@@ -67,10 +69,11 @@ std::optional<std::string> edited_inputs(const Sheet& sheet, const std::string& 
 
 // `owner` is the sheet that the rows belong to.
 void collect_records(Sheet& rows, const Sheet& owner, const FormulaEdit& edit, RecordEdits& edits) {
-  for (std::uint32_t number = 0;
-       const CellRecord& record : std::as_const(rows).contents().records()) {
-    if (record.extra && record.extra->form == FormulaForm::kDataTable)
-      if (auto text = edited_inputs(owner, record.extra->formula_details, edit))
+  const SheetContents& contents = rows.contents();
+  for (std::uint32_t number = 0; const CellRecord& record : contents.records()) {
+    const CellExtra* extra = contents.extra(record);
+    if (extra && extra->form == FormulaForm::kDataTable)
+      if (auto text = edited_inputs(owner, extra->formula_details, edit))
         edits.inputs.push_back({&rows, number, *std::move(text)});
     ++number;
   }

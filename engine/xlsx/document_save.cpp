@@ -33,7 +33,7 @@ struct SavedSheet {
 
 // Whether a formula holds a bracket: before one a table's name may be left out.
 bool mentions_columns(const SheetContents& contents) {
-  const auto mentions = [](const std::string& text) { return text.find('[') != text.npos; };
+  const auto mentions = [](std::string_view text) { return text.find('[') != text.npos; };
   return std::ranges::any_of(contents.records(), mentions, &CellRecord::formula) ||
          std::ranges::any_of(contents.shared_formulas, mentions, &SharedFormula::text);
 }

@@ -193,9 +193,7 @@ void Document::settle_tables(Workbook& book) {
         if (!made.sheet) made = {sheet.get(), sheet->contents(), sheet->contents()};
         const Cell* cell = made.now.cells.find(at.row, at.column);
         if (!cell || !made.now.is_formula(*cell)) continue;
-        CellRecord& record = *made.now.record(*cell);
-        record.formula = std::move(text);
-        record.shared = 0;
+        made.now.set_formula(*made.now.record(*cell), made.now.keep_text(text));
       }
       renamings.push_back(
           {&table, part, std::move(names), std::make_shared<const std::string>(std::move(bytes))});

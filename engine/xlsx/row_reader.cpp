@@ -368,11 +368,11 @@ void RowReader::Machine::read_cell() {
     return store(SheetContents::make_cell(column_, value, cell_.style));
   CellRecord record;
   record.value = value;
-  record.formula = cell_.formula;
+  record.formula = sheet_.keep_text(cell_.formula);
   record.shared = cell_.shared;
-  if (cell_.has_extra()) record.extra = std::make_unique<CellExtra>(std::move(cell_.extra));
+  if (cell_.has_extra()) record.extra = sheet_.keep_extra(std::move(cell_.extra));
   Cell cell;
-  cell.bits = sheet_.keep_record(std::move(record));
+  cell.bits = sheet_.keep_record(record);
   cell.style = cell_.style;
   cell.column = static_cast<std::uint16_t>(column_);
   cell.kind = CellKind::kRecord;
@@ -454,11 +454,11 @@ void RowReader::Machine::read_formula() {
   if (!many || cell_.extra.form == FormulaForm::kNormal || !reaches_in) return;
   sheet_.arrays.add(cell_.extra.range);
   if (keeps_row_ || cell_.extra.form != FormulaForm::kArray) return;
-  CellRecord record;
-  record.formula = cell_.formula;
   std::string spelling;  // of the cell outside, which is not written from here
-  show_formula(record.formula, grid_, spelling);
-  sheet_.outer_arrays[{row_first, column_first}] = sheet_.keep_record(std::move(record));
+  show_formula(cell_.formula, grid_, spelling);
+  CellRecord record;
+  record.formula = sheet_.keep_text(cell_.formula);
+  sheet_.outer_arrays[{row_first, column_first}] = sheet_.keep_record(record);
 }
 
 // The text stands at the first cell of the group; the others have it moved by their distance. A

@@ -183,7 +183,7 @@ void WrittenTexts::enter(const SheetContents& sheet) {
       if (cell.kind == CellKind::kText) note(cell.bits);
       if (cell.kind != CellKind::kRecord) continue;
       const CellRecord& record = *sheet.record(cell);
-      if (record.value.kind == ValueKind::kText && !has_formula_element(record))
+      if (record.value.kind == ValueKind::kText && !has_formula_element(sheet, record))
         note(record.value.bits);
     }
   }

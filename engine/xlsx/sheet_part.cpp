@@ -23,19 +23,21 @@ constexpr std::string_view kNewWorksheet =
 
 }  // namespace
 
-bool has_formula_element(const CellRecord& record) {
-  return record.has_formula() || (record.extra && (record.extra->form != FormulaForm::kNormal ||
-                                                   !record.extra->formula_details.empty()));
+bool has_formula_element(const SheetContents& sheet, const CellRecord& record) {
+  if (record.has_formula()) return true;
+  const CellExtra* extra = sheet.extra(record);
+  return extra && (extra->form != FormulaForm::kNormal || !extra->formula_details.empty());
 }
 
 std::uint64_t formulas_of(const SheetContents& sheet) {
   std::uint64_t sum = 0;
   for (const Row& row : sheet.cells.rows()) {
     for (const Cell& cell : row.span()) {
-      if (cell.kind != CellKind::kRecord || !has_formula_element(*sheet.record(cell))) continue;
-      const std::uint64_t place = (std::uint64_t{row.number} << 16) | cell.column;
+      if (cell.kind != CellKind::kRecord) continue;
       const CellRecord& record = *sheet.record(cell);
-      sum = (sum ^ place ^ record.shared ^ std::hash<std::string>()(record.formula)) *
+      if (!has_formula_element(sheet, record)) continue;
+      const std::uint64_t place = (std::uint64_t{row.number} << 16) | cell.column;
+      sum = (sum ^ place ^ record.shared ^ std::hash<std::string_view>()(record.formula)) *
             0x9E3779B97F4A7C15u;
       sum ^= sum >> 29;
     }

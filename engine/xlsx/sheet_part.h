@@ -55,7 +55,7 @@ struct SheetPart {
 using SheetParts = std::map<const Sheet*, SheetPart>;
 
 // Whether the cell's element holds an f element: then a text beside it is the cell's own.
-bool has_formula_element(const CellRecord& record);
+bool has_formula_element(const SheetContents& sheet, const CellRecord& record);
 
 // A number that tells the sheet's formulas with their places from others; 0 without formulas.
 std::uint64_t formulas_of(const SheetContents& sheet);

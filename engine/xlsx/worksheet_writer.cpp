@@ -390,14 +390,15 @@ void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const RowNumb
 void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNumber& row,
                                  const Cell& cell) const {
   const CellRecord& record = *run.sheet->record(cell);
-  const bool formula = has_formula_element(record);
+  const CellExtra* const extra = run.sheet->extra(record);
+  const bool formula = has_formula_element(*run.sheet, record);
   const Value& value = record.value;
   const bool shared_text =
       value.kind == ValueKind::kText && !formula && is_shared(run, value.text());
   const std::string* const item = value.kind == ValueKind::kText && !formula && !shared_text
                                       ? own_item(run, value.text())
                                       : nullptr;
-  const bool is_dated = record.extra && record.extra->details.starts_with(kDateKind);
+  const bool is_dated = extra && extra->details.starts_with(kDateKind);
   out.end(put_reference(out.begin(), row, cell));
   std::string& text = out.direct();
   switch (value.kind) {
@@ -413,7 +414,7 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNu
     default:
       break;
   }
-  if (record.extra) text.append(record.extra->details);
+  if (extra) text.append(extra->details);
   text.push_back('>');
   if (formula) write_formula(text, run, record, {row.number, cell.column});
   if (shared_text) {
@@ -423,7 +424,7 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNu
   } else if (value.kind != ValueKind::kNone && !is_dated) {
     write_value(text, run, value);
   }
-  if (record.extra) text.append(record.extra->children);
+  if (extra) text.append(extra->children);
   text.append("</c>");
 }
 
@@ -450,7 +451,7 @@ void WorksheetText::write_formula(std::string& out, const RowRun& run, const Cel
   const FormulaPlace place{context_.tables, at};
   out.append("<f");
   std::string_view spelling;
-  if (const CellExtra* extra = record.extra.get()) {
+  if (const CellExtra* extra = run.sheet->extra(record)) {
     if (extra->form != FormulaForm::kNormal) {
       out.append(extra->form == FormulaForm::kArray ? " t=\"array\"" : " t=\"dataTable\"");
       append_range_attribute(out, extra->range);

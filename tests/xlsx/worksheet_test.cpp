@@ -164,7 +164,7 @@ TEST(Worksheet, SharedFormulasStandInMemoryOnce) {
   book->read();
   std::size_t held = 0;
   for (const CellRecord& record : book->sheet().contents().records())
-    held += record.formula.capacity();
+    held += record.formula.size();
   EXPECT_LT(held, 1000000u);
   EXPECT_THAT(book->show(9998, 1), testing::StartsWith("=A9999+A9999+"));
   book->sheet().change();

@@ -1,0 +1,120 @@
+#include "engine/workbook/auto_fit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <string>
+#include <string_view>
+
+#include "engine/workbook/display.h"
+#include "engine/workbook/font_metrics.h"
+
+namespace engine {
+
+namespace {
+
+constexpr int kPadding = 5;            // pixels beside the text
+constexpr double kMaxCharacters = 255;
+constexpr int kDigitsAnIndent = 3;
+constexpr double kLineHeight = 1.2;    // of the font's size
+constexpr double kPixelsPerPoint = 96.0 / 72;
+constexpr double kWidestLetter = 1.1;  // of the font's size, bold ones included
+
+// How wide a text is that stands in so many lines at the angle of its format.
+double turned(double width, double height, std::uint8_t rotation) {
+  const int degrees = rotation > 90 ? rotation - 90 : rotation;
+  const double angle = degrees * std::numbers::pi / 180;
+  return width * std::cos(angle) + height * std::sin(angle);
+}
+
+class Measuring {
+ public:
+  Measuring(const Workbook& book, const SheetContents& sheet, std::optional<int> only)
+      : book_(book), sheet_(sheet) {
+    CellRange used;
+    if (!sheet.cells.used_range(&used)) return;
+    const auto mark = [&](int first, int last, int row_first, int row_last) {
+      first = std::max(first, only.value_or(first));
+      last = std::min(last, only.value_or(last));
+      for (int column = first; column <= std::min(last, used.column_last); ++column)
+        marked_.insert_or_assign(column, Column{row_first, row_last, 0});
+    };
+    for (const ColumnProperties& run : sheet.columns)
+      if (run.auto_fit) mark(run.first, run.last, 0, used.row_last);
+    if (!sheet.fit_area) return;
+    const auto end = [](int stated, int of_used) { return stated < 0 ? of_used : stated; };
+    mark(sheet.fit_area->column_first, end(sheet.fit_area->column_last, used.column_last),
+         sheet.fit_area->row_first, end(sheet.fit_area->row_last, used.row_last));
+  }
+
+  std::map<int, int> measure() {
+    std::map<int, int> widths;
+    if (marked_.empty()) return widths;
+    for (const Row& row : sheet_.cells.rows()) measure_row(row);
+    const int most = pixels_of_characters(kMaxCharacters, sheet_.digit_pixels);
+    for (const auto& [column, its] : marked_) {
+      if (its.text == 0) continue;
+      const double wanted = std::ceil(its.text) + kPadding + sheet_.digit_pixels;
+      widths.emplace(column, static_cast<int>(std::min<double>(wanted, most)));
+    }
+    return widths;
+  }
+
+ private:
+  struct Column {
+    int row_first;
+    int row_last;
+    double text;  // pixels
+  };
+
+  void measure_row(const Row& row) {
+    const RowProperties* properties = sheet_.properties(row);
+    if (properties && properties->hidden) return;
+    const int number = static_cast<int>(row.number);
+    for (const Cell& cell : row.span()) {
+      const auto found = marked_.find(cell.column);
+      if (found == marked_.end()) continue;
+      Column& column = found->second;
+      if (number < column.row_first || number > column.row_last) continue;
+      if (!lies_in_wide_merge(number, cell.column))
+        column.text = std::max(column.text, width_of(cell, column.text));
+    }
+  }
+
+  // At most `known` where a glance tells that the cell is no wider.
+  double width_of(const Cell& cell, double known) const {
+    const FormatRecord& format = book_.styles.format(cell.style);
+    const FontRecord& font = book_.styles.font(format.font);
+    const double em = font.size * kPixelsPerPoint;
+    const double indent = format.alignment.indent * kDigitsAnIndent * sheet_.digit_pixels;
+    const std::uint8_t rotation = format.alignment.rotation;
+    const std::string text = display(book_, sheet_, cell);
+    if (text.empty()) return 0;
+    if (rotation == 0 && text.size() * kWidestLetter * em + indent <= known) return known;
+    double width = 0;
+    double height = 0;
+    for (std::string_view rest = text; !rest.empty();) {
+      const std::string_view line = rest.substr(0, rest.find('\n'));
+      rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+      width = std::max(width, text_pixels(line, font));
+      height += kLineHeight * em;
+    }
+    if (rotation == kStacked) return em + indent;
+    return turned(width, height, rotation) + indent;
+  }
+
+  static constexpr std::uint8_t kStacked = 255;
+
+  const Workbook& book_;
+  const SheetContents& sheet_;
+  std::map<int, Column> marked_;
+};
+
+}  // namespace
+
+std::map<int, int> fitted_pixels(const Workbook& book, const SheetContents& sheet,
+                                 std::optional<int> column) {
+  return Measuring(book, sheet, column).measure();
+}
+
+}  // namespace engine

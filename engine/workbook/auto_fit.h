@@ -1,0 +1,19 @@
+// Columns that are as wide as what their cells show.
+//
+// A column is marked by itself or lies in the sheet's area, which also limits the rows that count.
+// It is measured whenever somebody asks for its width, so what is written later counts as well.
+#pragma once
+
+#include <map>
+#include <optional>
+
+#include "engine/workbook/workbook.h"
+
+namespace engine {
+
+// The widths of marked columns in pixels at 96 per inch, of one of them or of all. A column of
+// which nothing is measured is not among them: it keeps the width that it has.
+std::map<int, int> fitted_pixels(const Workbook& book, const SheetContents& sheet,
+                                 std::optional<int> column = std::nullopt);
+
+}  // namespace engine

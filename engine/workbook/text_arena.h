@@ -1,0 +1,69 @@
+// Texts that live as long as their arena, one behind the other in blocks that never move.
+//
+// A text that is kept never changes, so a copy of an arena shares its blocks: what views the texts
+// of one views those of the other.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace engine {
+
+class TextArena {
+ public:
+  TextArena() = default;
+  // New texts of a copy go into blocks of its own.
+  TextArena(const TextArena& other) : blocks_(other.blocks_), size_(other.size_) {}
+  TextArena(TextArena&& other) noexcept { swap(other); }
+  TextArena& operator=(TextArena other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~TextArena() = default;
+
+  std::string_view keep(std::string_view text) {
+    if (text.size() > room_) reserve(std::max(text.size(), next_block()));
+    char* const kept = free_;
+    std::ranges::copy(text, kept);
+    free_ += text.size();
+    room_ -= text.size();
+    size_ += text.size();
+    return {kept, text.size()};
+  }
+
+  // Makes room: the next texts of so many bytes in all are kept without a failure.
+  void reserve(std::size_t size) {
+    if (size <= room_) return;
+    blocks_.push_back(std::make_shared_for_overwrite<char[]>(size));
+    free_ = blocks_.back().get();
+    room_ = size;
+  }
+
+  // Bytes of all texts that were kept.
+  std::size_t size() const { return size_; }
+
+ private:
+  static constexpr std::size_t kFirstBlock = 1024;
+  static constexpr std::size_t kMostDoublings = 10;
+
+  std::size_t next_block() const {
+    return kFirstBlock << std::min(blocks_.size(), kMostDoublings);
+  }
+  void swap(TextArena& other) noexcept {
+    blocks_.swap(other.blocks_);
+    std::swap(free_, other.free_);
+    std::swap(room_, other.room_);
+    std::swap(size_, other.size_);
+  }
+
+  std::vector<std::shared_ptr<char[]>> blocks_;
+  char* free_ = nullptr;
+  std::size_t room_ = 0;
+  std::size_t size_ = 0;
+};
+
+}  // namespace engine
