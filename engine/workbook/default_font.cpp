@@ -30,7 +30,7 @@ void restate_widths(Sheet& sheet, int digit) noexcept {
     if (width) width = restated_width(*width, former, digit);
   };
   restate(contents.default_column_width);
-  for (ColumnProperties& one : contents.columns) restate(one.width);
+  contents.columns.change_all([&](ColumnProperties& one) { restate(one.width); });
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ constexpr double kMaxHeight = 409.5;  // points
 
 int pixels_of_row(const SheetContents& sheet, const RowProperties& row) {
   if (row.hidden) return 0;
-  return row.height ? pixels_of_points(*row.height) : sheet.default_row_pixels;
+  return pixels_of_points(row.height.value_or(sheet.default_row_height));
 }
 
 }  // namespace
@@ -60,18 +60,21 @@ int default_column_pixels(const SheetContents& sheet) {
   return (sheet.base_column_width * sheet.digit_pixels + kPadding + 7) / 8 * 8;
 }
 
+int unhidden_column_pixels(const SheetContents& sheet, int column) {
+  const ColumnProperties* run = sheet.columns.find(column);
+  return run && run->width ? pixels_of_width(*run->width, sheet.digit_pixels)
+                           : default_column_pixels(sheet);
+}
+
 int column_pixels(const SheetContents& sheet, int column) {
-  const auto found = std::ranges::lower_bound(sheet.columns, column, {}, &ColumnProperties::last);
-  if (found == sheet.columns.end() || found->first > column) return default_column_pixels(sheet);
-  if (found->hidden) return 0;
-  return found->width ? pixels_of_width(*found->width, sheet.digit_pixels)
-                      : default_column_pixels(sheet);
+  const ColumnProperties* run = sheet.columns.find(column);
+  return run && run->hidden ? 0 : unhidden_column_pixels(sheet, column);
 }
 
 int row_pixels(const SheetContents& sheet, int row) {
   const Row* found = sheet.cells.find_row(row);
   const RowProperties* its = found ? sheet.properties(*found) : nullptr;
-  return its ? pixels_of_row(sheet, *its) : sheet.default_row_pixels;
+  return its ? pixels_of_row(sheet, *its) : pixels_of_points(sheet.default_row_height);
 }
 
 Edges::Edges(int count, int usual) : count_(count), usual_(usual) {
@@ -100,7 +103,7 @@ Edges Edges::of_columns(const SheetContents& sheet, int count) {
 }
 
 Edges Edges::of_rows(const SheetContents& sheet, int count) {
-  Edges made(count, sheet.default_row_pixels);
+  Edges made(count, pixels_of_points(sheet.default_row_height));
   for (const Row& row : sheet.cells.rows()) {
     const RowProperties* its = sheet.properties(row);
     const int number = static_cast<int>(row.number);

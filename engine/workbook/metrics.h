@@ -27,6 +27,9 @@ int pixels_of_points(double points);
 // What a column without a width of its own takes up.
 int default_column_pixels(const SheetContents& sheet);
 
+// What a column takes up when it is shown.
+int unhidden_column_pixels(const SheetContents& sheet, int column);
+
 // What a column or row takes up on the screen; nothing when it is hidden.
 int column_pixels(const SheetContents& sheet, int column);
 int row_pixels(const SheetContents& sheet, int row);

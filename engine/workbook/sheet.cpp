@@ -40,8 +40,8 @@ std::uint32_t SheetContents::style_at(int row, int column) const {
     const RowProperties* its = properties(*at);
     if (its && its->style) return *its->style;
   }
-  const auto beyond = std::ranges::lower_bound(columns, column, {}, &ColumnProperties::last);
-  return beyond != columns.end() && beyond->first <= column ? beyond->style : 0;
+  const ColumnProperties* run = columns.find(column);
+  return run ? run->style : 0;
 }
 
 Cell SheetContents::make_cell(int column, Value value, std::uint32_t style) {
@@ -91,9 +91,9 @@ Cell& SheetContents::place(int row, int column, std::optional<std::uint32_t> sty
   else if (at.count != before && (at.properties != 0 || !columns.empty())) {
     // A new cell looks like its row or column: what stands there without the cell itself.
     const RowProperties* its = properties(at);
-    const auto beyond = std::ranges::lower_bound(columns, column, {}, &ColumnProperties::last);
+    const ColumnProperties* run = columns.find(column);
     if (its && its->style) cell.style = *its->style;
-    else if (beyond != columns.end() && beyond->first <= column) cell.style = beyond->style;
+    else if (run) cell.style = run->style;
   }
   return cell;
 }

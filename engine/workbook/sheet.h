@@ -19,6 +19,7 @@
 #include "engine/workbook/array_ranges.h"
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
+#include "engine/workbook/columns.h"
 #include "engine/workbook/text_arena.h"
 
 namespace engine {
@@ -32,20 +33,8 @@ struct RowProperties {
   bool collapsed = false;
   std::uint8_t outline_level = 0;
   std::uint32_t details = 0;  // kept for the codec: number of what else the file says of the row
-};
 
-// A run of columns that share everything. Widths are in characters as the file stores them,
-// padding included.
-struct ColumnProperties {
-  int first = 0;
-  int last = 0;
-  std::optional<double> width;
-  std::uint32_t style = 0;
-  bool custom_width = false;
-  bool hidden = false;
-  bool best_fit = false;
-  bool collapsed = false;
-  std::uint8_t outline_level = 0;
+  friend bool operator==(const RowProperties&, const RowProperties&) = default;
 };
 
 // A note at a cell. Sizes are in pixels at 96 per inch; 0 stands for the size the file has.
@@ -76,12 +65,12 @@ class SheetContents {
  public:
   CellStore cells;
   std::deque<RowProperties> row_properties;
-  std::vector<std::string> row_details;        // kept for the codec: what RowProperties number
-  std::vector<ColumnProperties> columns;       // ascending, without overlap
+  std::vector<std::string> row_details;  // kept for the codec: what RowProperties number
+  Columns columns;
   int digit_pixels = 7;                        // of the default font, the unit of column widths
   std::optional<double> default_column_width;  // as the file stores widths
   int base_column_width = 8;  // characters, which count where there is no default width
-  int default_row_pixels = 20;
+  double default_row_height = 15;
   ArrayRanges arrays;
   // The records that hold the formulas of arrays whose first cell is none of the loaded ones, by
   // that cell.

@@ -119,7 +119,7 @@ NewSheet make_sheet(const Workbook& book, Document& document, std::string name) 
   made.sheet = std::make_unique<Sheet>(std::move(name));
   SheetContents& contents = made.sheet->change();
   contents.digit_pixels = digit_pixels(book.styles.font(0));
-  contents.default_row_pixels = book.new_row_pixels;
+  contents.default_row_height = book.new_row_height;
   document.begin_sheet(book, *made.sheet);
   return made;
 }

@@ -33,7 +33,7 @@ std::unique_ptr<engine::Document> begin(Workbook& book) {
   font.size = 10;
   book.styles = Styles(std::move(font));
   book.styles.limits = book.limits.styles;
-  book.new_row_pixels = 17;
+  book.new_row_height = 12.75;
   return std::make_unique<Document>();
 }
 

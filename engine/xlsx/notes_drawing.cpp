@@ -233,7 +233,7 @@ class Boxes {
       : grid_(grid),
         columns_(Edges::of_columns(sheet, grid.columns)),
         rows_(Edges::of_rows(sheet, grid.rows)),
-        usual_height_(sheet.default_row_pixels) {}
+        usual_height_(pixels_of_points(sheet.default_row_height)) {}
 
   std::string make(CellAddress cell, const Comment& note, long long id, int z_index) const {
     const int width = note.width > 0 ? note.width : kDefaultWidth;

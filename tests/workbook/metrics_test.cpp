@@ -98,7 +98,8 @@ TEST(Metrics, WalksOverWideAndHiddenColumns) {
   hidden.first = 2;
   hidden.last = 3;
   hidden.hidden = true;
-  sheet.columns = {wide, hidden};
+  sheet.columns.append(wide);
+  sheet.columns.append(hidden);
   const struct {
     int distance = 0;
     Corner end;

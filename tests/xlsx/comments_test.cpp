@@ -352,7 +352,7 @@ TEST(NotesDrawing, ReadsHostileDrawingsInOnePass) {
 // Far to the right, and above a million rows of no height.
 TEST(NotesDrawing, MeasuresTheSheetOnce) {
   SheetContents sheet;
-  sheet.default_row_pixels = 0;
+  sheet.default_row_height = 0;
   for (int row = 0; row < 20000; ++row) sheet.comments[{row, 16000 + row % 300}] = note("n", "");
   engine::xlsx::ShapeClusters clusters;
   EXPECT_THAT(engine::xlsx::write_notes_drawing("", sheet, {}, engine::Limits().grid, clusters),

@@ -209,21 +209,22 @@ TEST(Worksheet, ColumnsAndRowsFollowTheModel) {
                 R"(<col min="1" max="1" width="20" customWidth="1" hidden="1"/>)"
                 R"(<col min="4" max="16384" width="3" outlineLevel="1"/></cols>)")));
   Sheet& sheet = book->read();
-  EXPECT_EQ(sheet.change().default_row_pixels, 24);
+  EXPECT_EQ(sheet.contents().default_row_height, 18);
   EXPECT_EQ(engine::default_column_pixels(sheet.contents()), 80);
   const RowProperties& row = sheet.change().properties_at(1);
   EXPECT_TRUE(row.hidden && row.collapsed && row.outline_level == 2 && !row.style);
-  ASSERT_EQ(sheet.change().columns.size(), 2u);
-  EXPECT_EQ(sheet.change().columns[1].last, 16383);
-  sheet.change().columns[1].last = 9;
-  sheet.change().columns[0].hidden = false;
+  ASSERT_EQ(sheet.contents().columns.size(), 2u);
+  EXPECT_EQ(sheet.contents().columns.find(3)->last, 16383);
+  sheet.change().columns.change(0, 0, [](ColumnProperties& run) { run.hidden = false; });
+  sheet.change().columns.change(10, 16383, [](ColumnProperties& run) { run.outline_level = 2; });
   sheet.change().properties_at(7).height = 33;
   const std::string saved = unzip(book->save()).at("xl/worksheets/sheet1.xml");
   EXPECT_THAT(saved, HasSubstr(R"(<col min="1" max="1" width="20" customWidth="1"/>)"
-                               R"(<col min="4" max="10" width="3" outlineLevel="1"/>)"));
+                               R"(<col min="4" max="10" width="3" outlineLevel="1"/>)"
+                               R"(<col min="11" max="16384" width="3" outlineLevel="2"/>)"));
   EXPECT_THAT(saved, HasSubstr(R"(<row r="2" hidden="1" outlineLevel="2" collapsed="1"></row>)"
                                R"(<row r="8" ht="33"></row>)"));
-  EXPECT_THAT(saved, HasSubstr(R"(outlineLevelRow="2" outlineLevelCol="1")"));
+  EXPECT_THAT(saved, HasSubstr(R"(outlineLevelRow="2" outlineLevelCol="2")"));
 }
 
 // A row that is to look like format 0 says so; else its empty places look like their columns.
@@ -250,9 +251,9 @@ TEST(Worksheet, ColumnsMayStandInAnyOrder) {
           R"(<col min="1" max="1" width="10"/><col min="3" max="5" width="30"/></cols>)")));
   Sheet& sheet = book->read();
   ASSERT_EQ(sheet.contents().columns.size(), 3u);
-  EXPECT_EQ(sheet.contents().columns[0].width, 10);
-  EXPECT_EQ(sheet.contents().columns[1].width, 30);
-  EXPECT_EQ(sheet.contents().columns[2].width, 50);
+  EXPECT_EQ(sheet.contents().columns.find(0)->width, 10);
+  EXPECT_EQ(sheet.contents().columns.find(4)->width, 30);
+  EXPECT_EQ(sheet.contents().columns.find(5)->width, 50);
   sheet.change();
   EXPECT_THAT(
       unzip(book->save()).at("xl/worksheets/sheet1.xml"),

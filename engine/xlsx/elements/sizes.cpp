@@ -35,8 +35,7 @@ void read_default_sizes(pugi::xml_node element, const SheetReading& to) {
   if (width && *width >= 0 && *width <= 255) sheet.default_column_width = *width;
   sheet.base_column_width = std::clamp(element.attribute("baseColWidth").as_int(8), 0, 255);
   const auto height = parse_number(element.attribute("defaultRowHeight").value());
-  if (height && *height >= 0 && *height <= 409.5)
-    sheet.default_row_pixels = pixels_of_points(*height);
+  if (height && *height >= 0 && *height <= 409.5) sheet.default_row_height = *height;
 }
 
 void patch_default_sizes(pugi::xml_node root, const SheetPatching& from) {
@@ -63,6 +62,22 @@ void patch_default_sizes(pugi::xml_node root, const SheetPatching& from) {
   settle_attribute(format, "outlineLevelCol", std::to_string(columns), columns == 0);
 }
 
+namespace {
+
+// Whether a column element says what the model does not know of, if only by saying no width.
+bool says_more(pugi::xml_node column) {
+  constexpr std::string_view kKnown[] = {"min",         "max",       "width",
+                                         "style",       "hidden",    "bestFit",
+                                         "customWidth", "collapsed", "outlineLevel"};
+  const auto is_known = [&](pugi::xml_attribute attribute) {
+    return std::ranges::find(kKnown, std::string_view(attribute.name())) != std::end(kKnown);
+  };
+  return column.first_child() || !column.attribute("width") ||
+         !std::ranges::all_of(column.attributes(), is_known);
+}
+
+}  // namespace
+
 // Some programs list columns in another order than their own; the tree is put in order as well, for
 // the writer. Of columns that several entries tell of the first of these counts.
 void read_columns(pugi::xml_node element, const SheetReading& to) {
@@ -72,15 +87,17 @@ void read_columns(pugi::xml_node element, const SheetReading& to) {
     std::ranges::stable_sort(nodes, {}, first);
     for (const pugi::xml_node node : nodes) element.append_move(node);
   }
-  std::vector<ColumnProperties>& columns = to.sheet.columns;
+  int free = 0;  // the first column that no entry tells of so far
+  std::uint32_t number = 0;
   for (const pugi::xml_node node : nodes) {
+    ++number;
     ColumnProperties one;
     one.first = node.attribute("min").as_int() - 1;
     one.last =
         std::min(node.attribute("max").as_int(), to.context.workbook.limits.grid.columns) - 1;
-    const int from = columns.empty() ? 0 : columns.back().last + 1;
-    one.first = std::max(one.first, from);
+    one.first = std::max(one.first, free);
     if (one.first > one.last) continue;
+    free = one.last + 1;
     if (const auto width = parse_number(node.attribute("width").value())) one.width = *width;
     one.style = to.context.format(node.attribute("style").as_uint());
     one.custom_width = node.attribute("customWidth").as_bool();
@@ -89,12 +106,13 @@ void read_columns(pugi::xml_node element, const SheetReading& to) {
     one.collapsed = node.attribute("collapsed").as_bool();
     one.outline_level =
         static_cast<std::uint8_t>(std::min(node.attribute("outlineLevel").as_uint(), 7U));
-    columns.push_back(one);
+    if (says_more(node)) one.details = number;
+    to.sheet.columns.append(one);
   }
 }
 
-// Columns are written anew; one that begins inside a column element of the file takes over what
-// that says beyond the model.
+// Columns are written anew. Those of which the file says more than the model knows take over their
+// element. A width that nobody set is written all the same: without one columns would be closed.
 void patch_columns(pugi::xml_node root, const SheetPatching& from) {
   const SheetContents& sheet = from.sheet.contents();
   const pugi::xml_node old = package::child(root, Family::Main, "cols");
@@ -102,23 +120,23 @@ void patch_columns(pugi::xml_node root, const SheetPatching& from) {
     root.remove_child(old);
     return;
   }
+  const std::string usual_width =
+      number_text(width_of_pixels(default_column_pixels(sheet), sheet.digit_pixels));
   pugi::xml_node columns =
       old ? package::insert_child(root, "cols", old) : worksheet_child(root, "cols");
   for (const pugi::xml_attribute attribute : old.attributes()) columns.append_copy(attribute);
-  pugi::xml_node stored = package::child(old, Family::Main, "col");
+  const std::vector<pugi::xml_node> stored = package::children(old, Family::Main, "col");
   for (const ColumnProperties& one : sheet.columns) {
-    while (stored && stored.attribute("max").as_int() <= one.first)
-      stored = package::next_sibling(stored, Family::Main, "col");
-    const bool inside = stored && stored.attribute("min").as_int() <= one.first + 1;
-    const pugi::xml_node node =
-        inside ? columns.append_copy(stored) : package::append_child(columns, "col");
+    const pugi::xml_node node = one.details != 0 ? columns.append_copy(stored[one.details - 1])
+                                                 : package::append_child(columns, "col");
     set_attribute(node, "min", std::to_string(one.first + 1));
     set_attribute(node, "max", std::to_string(one.last + 1));
-    settle_attribute(node, "width", number_text(one.width.value_or(0)), !one.width);
+    if (one.width) set_attribute(node, "width", number_text(*one.width));
+    else if (one.details == 0) set_attribute(node, "width", usual_width);
     const std::uint32_t style = from.styles.file_number(one.style);
     settle_attribute(node, "style", std::to_string(style), style == 0);
     settle_attribute(node, "hidden", "1", !one.hidden);
-    settle_attribute(node, "bestFit", "1", !one.best_fit);
+    settle_attribute(node, "bestFit", "1", !one.best_fit && !one.auto_fit);
     settle_attribute(node, "customWidth", "1", !one.custom_width);
     settle_attribute(node, "outlineLevel", std::to_string(one.outline_level),
                      one.outline_level == 0);
