@@ -8,15 +8,16 @@
 
 #include "engine/workbook/display.h"
 #include "engine/workbook/font_metrics.h"
+#include "engine/workbook/metrics.h"
 
 namespace engine {
 
 namespace {
 
-constexpr int kPadding = 5;            // pixels beside the text
+constexpr int kPadding = 5;  // pixels beside the text
 constexpr double kMaxCharacters = 255;
 constexpr int kDigitsAnIndent = 3;
-constexpr double kLineHeight = 1.2;    // of the font's size
+constexpr double kLineHeight = 1.2;  // of the font's size
 constexpr double kPixelsPerPoint = 96.0 / 72;
 constexpr double kWidestLetter = 1.1;  // of the font's size, bold ones included
 
@@ -76,8 +77,7 @@ class Measuring {
       if (found == marked_.end()) continue;
       Column& column = found->second;
       if (number < column.row_first || number > column.row_last) continue;
-      if (!lies_in_wide_merge(number, cell.column))
-        column.text = std::max(column.text, width_of(cell, column.text));
+      column.text = std::max(column.text, width_of(cell, column.text));
     }
   }
 
@@ -90,7 +90,8 @@ class Measuring {
     const std::uint8_t rotation = format.alignment.rotation;
     const std::string text = display(book_, sheet_, cell);
     if (text.empty()) return 0;
-    if (rotation == 0 && text.size() * kWidestLetter * em + indent <= known) return known;
+    if (rotation == 0 && static_cast<double>(text.size()) * kWidestLetter * em + indent <= known)
+      return known;
     double width = 0;
     double height = 0;
     for (std::string_view rest = text; !rest.empty();) {
@@ -115,6 +116,17 @@ class Measuring {
 std::map<int, int> fitted_pixels(const Workbook& book, const SheetContents& sheet,
                                  std::optional<int> column) {
   return Measuring(book, sheet, column).measure();
+}
+
+Columns fitted_columns(const Workbook& book, const SheetContents& sheet) {
+  Columns columns = sheet.columns;
+  for (const auto& [column, pixels] : fitted_pixels(book, sheet))
+    columns.change(column, column, [&, width = pixels](ColumnProperties& one) {
+      one.width = width_of_pixels(width, sheet.digit_pixels);
+      one.custom_width = true;
+      one.best_fit = true;
+    });
+  return columns;
 }
 
 }  // namespace engine

@@ -16,4 +16,7 @@ namespace engine {
 std::map<int, int> fitted_pixels(const Workbook& book, const SheetContents& sheet,
                                  std::optional<int> column = std::nullopt);
 
+// The sheet's columns with these widths, as a file holds them.
+Columns fitted_columns(const Workbook& book, const SheetContents& sheet);
+
 }  // namespace engine

@@ -49,6 +49,15 @@ struct Comment {
 
 using Comments = std::map<CellAddress, Comment>;
 
+// Cells whose columns are as wide as what they show. The last row or column may be -1, the end of
+// the used range at the time of measuring.
+struct FitArea {
+  int row_first = 0;
+  int column_first = 0;
+  int row_last = -1;
+  int column_last = -1;
+};
+
 enum class SheetKind : std::uint8_t { kWorksheet, kChart, kOther };
 enum class SheetVisibility : std::uint8_t { kVisible, kHidden, kVeryHidden };
 
@@ -67,6 +76,7 @@ class SheetContents {
   std::deque<RowProperties> row_properties;
   std::vector<std::string> row_details;  // kept for the codec: what RowProperties number
   Columns columns;
+  std::optional<FitArea> fit_area;
   int digit_pixels = 7;                        // of the default font, the unit of column widths
   std::optional<double> default_column_width;  // as the file stores widths
   int base_column_width = 8;  // characters, which count where there is no default width
