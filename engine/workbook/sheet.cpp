@@ -67,16 +67,13 @@ void SheetContents::put_record(int row, int column, const CellRecord& record,
   drop_unused_texts();
   CellRecord kept = record;
   kept.formula = keep_text(record.formula);
-  Cell* found = cells.find(row, column);
-  if (found && found->kind == CellKind::kRecord) {
-    replace(records_[found->index()], kept);
-    if (style) found->style = *style;
-  } else {
-    const std::uint32_t index = keep_record(kept);
-    Cell& cell = place(row, column, style);
+  provide_record();
+  Cell& cell = place(row, column, style);
+  if (cell.kind != CellKind::kRecord) {
     cell.kind = CellKind::kRecord;
-    cell.bits = index;
+    cell.bits = take_record();
   }
+  replace(records_[cell.index()], kept);
 }
 
 void SheetContents::put_style(int row, int column, std::uint32_t style) {
@@ -99,14 +96,24 @@ Cell& SheetContents::place(int row, int column, std::optional<std::uint32_t> sty
 }
 
 std::uint32_t SheetContents::keep_record(const CellRecord& record) {
-  std::uint32_t index = free_record_;
-  if (index == kNoRecord) {
-    index = static_cast<std::uint32_t>(records_.size());
-    records_.emplace_back();
-  } else {
-    free_record_ = static_cast<std::uint32_t>(records_[index].value.bits);
-  }
+  provide_record();
+  const std::uint32_t index = take_record();
   replace(records_[index], record);
+  return index;
+}
+
+// Free records are a chain through the words of their values. Makes one when there is none.
+void SheetContents::provide_record() {
+  if (free_record_ != kNoRecord) return;
+  CellRecord record;
+  record.value.bits = kNoRecord;
+  records_.push_back(record);
+  free_record_ = static_cast<std::uint32_t>(records_.size() - 1);
+}
+
+std::uint32_t SheetContents::take_record() noexcept {
+  const std::uint32_t index = free_record_;
+  free_record_ = static_cast<std::uint32_t>(records_[index].value.bits);
   return index;
 }
 
@@ -115,7 +122,6 @@ std::uint32_t SheetContents::keep_extra(CellExtra extra) {
   return static_cast<std::uint32_t>(extras_.size());
 }
 
-// Never allocates: free records are a chain through the words of their values.
 void SheetContents::forget_record(const Cell& cell) {
   if (cell.kind != CellKind::kRecord) return;
   CellRecord& record = records_[cell.index()];

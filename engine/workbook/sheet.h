@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "engine/workbook/array_ranges.h"
+#include "engine/workbook/block_list.h"
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
 #include "engine/workbook/columns.h"
@@ -102,6 +103,8 @@ class SheetContents {
   CellExtra* extra(const CellRecord& record) {
     return record.extra == 0 ? nullptr : &extras_[record.extra - 1];
   }
+  // Whether there is a record that has such, or was one.
+  bool has_extras() const { return !extras_.empty(); }
   // The text of the formula of the cell at a place, which may be a shared one; `moved` holds it
   // then.
   std::string_view formula(const CellRecord& record, CellAddress at, const Grid& grid,
@@ -136,8 +139,8 @@ class SheetContents {
   void drop_unused_texts();
 
   // By number. Those that nothing names any more are empty.
-  std::deque<CellRecord>& records() { return records_; }
-  const std::deque<CellRecord>& records() const { return records_; }
+  BlockList<CellRecord>& records() { return records_; }
+  const BlockList<CellRecord>& records() const { return records_; }
 
   const RowProperties* properties(const Row& row) const;
   RowProperties& properties_at(int row);
@@ -146,13 +149,15 @@ class SheetContents {
   static constexpr std::uint32_t kNoRecord = 0xFFFFFFFF;
 
   Cell& place(int row, int column, std::optional<std::uint32_t> style);
+  void provide_record();
+  std::uint32_t take_record() noexcept;
   void forget_record(const Cell& cell);
   void replace(CellRecord& record, const CellRecord& by) noexcept;
 
-  std::deque<CellRecord> records_;
-  std::deque<CellExtra> extras_;  // those that no record has any more are empty
-  TextArena texts_;               // of the records
-  std::size_t unused_text_ = 0;   // bytes in texts_ that no record has
+  BlockList<CellRecord> records_;
+  std::deque<CellExtra> extras_;           // those that no record has any more are empty
+  TextArena texts_;                        // of the records
+  std::size_t unused_text_ = 0;            // bytes in texts_ that no record has
   std::uint32_t free_record_ = kNoRecord;  // the first of a chain; its value's word names the next
 };
 

@@ -50,9 +50,7 @@ class TextArena {
   static constexpr std::size_t kFirstBlock = 1024;
   static constexpr std::size_t kMostDoublings = 10;
 
-  std::size_t next_block() const {
-    return kFirstBlock << std::min(blocks_.size(), kMostDoublings);
-  }
+  std::size_t next_block() const { return kFirstBlock << std::min(blocks_.size(), kMostDoublings); }
   void swap(TextArena& other) noexcept {
     blocks_.swap(other.blocks_);
     std::swap(free_, other.free_);
