@@ -195,6 +195,16 @@ void append_xml_text(std::string& out, std::string_view text) {
   append_escaped(out, text, kTextEscapes);
 }
 
+char* write_xml_text(char* out, std::string_view text) {
+  for (const char c : text) {
+    const char* escape = kTextEscapes[static_cast<unsigned char>(c)];
+    if (escape == nullptr) *out++ = c;
+    else
+      while (*escape != '\0') *out++ = *escape++;
+  }
+  return out;
+}
+
 void append_xml_attribute(std::string& out, std::string_view value) {
   append_escaped(out, value, kAttributeEscapes);
 }

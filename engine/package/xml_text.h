@@ -1,6 +1,7 @@
 // The text of XML: references to characters, line ends, escapes.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,10 @@ RawText find_text_end(std::string_view raw);
 // Characters that XML cannot hold (below the blank, save those three) are the caller's concern.
 void append_xml_text(std::string& out, std::string_view text);
 void append_xml_attribute(std::string& out, std::string_view value);
+
+// The same into `out`, which has room for kMaxXmlEscape bytes a character; returns the end.
+inline constexpr std::size_t kMaxXmlEscape = 5;
+char* write_xml_text(char* out, std::string_view text);
 
 // Turns UTF-16 text, told by a byte order mark or by its first character, into UTF-8 that declares
 // itself to be that, and drops a mark; UTF-8 is left as it is but for its mark. False when UTF-16

@@ -6,6 +6,10 @@
 #include "engine/package/xml_text.h"
 #include "engine/text/utf8.h"
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace engine::xlsx {
 
 namespace {
@@ -63,6 +67,19 @@ constexpr unsigned char special_bits(char c) {
   return static_cast<unsigned char>(bits);
 }
 
+#ifdef __SSE2__
+
+// Whether one of the bytes is such a character.
+bool has_special(__m128i bytes) {
+  const auto equal = [bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
+  const __m128i controls = _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(' ' - 1)), bytes);
+  const __m128i signs = _mm_or_si128(_mm_or_si128(equal('&'), equal('<')), equal('>'));
+  const __m128i others = _mm_or_si128(equal('_'), equal('\xEF'));
+  return _mm_movemask_epi8(_mm_or_si128(controls, _mm_or_si128(signs, others))) != 0;
+}
+
+#endif
+
 // The length of a text up to its first special character.
 std::size_t plain_length(std::string_view text) {
   constexpr std::size_t kBlock = 32;
@@ -102,6 +119,20 @@ void append_text(std::string& out, std::string_view text) {
     else package::append_xml_text(out, text.substr(0, 1));
     text.remove_prefix(unit && *unit >= 0xFFFE ? 3 : 1);
   }
+}
+
+bool is_plain_text(std::string_view text) {
+#ifdef __SSE2__
+  // Blocks from the beginning and one that ends with the text, which may overlap.
+  constexpr std::size_t kBlock = sizeof(__m128i);
+  if (text.size() >= kBlock) {
+    const char* const last = text.data() + text.size() - kBlock;
+    for (const char* at = text.data(); at < last; at += kBlock)
+      if (has_special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)))) return false;
+    return !has_special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(last)));
+  }
+#endif
+  return plain_length(text) == text.size();
 }
 
 std::string unescape(std::string_view text) {

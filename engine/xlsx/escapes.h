@@ -17,6 +17,9 @@ std::string escape(std::string_view text);
 // Appends a text as the content of an element: escaped, and XML's own escapes on top.
 void append_text(std::string& out, std::string_view text);
 
+// Whether append_text() would append the text as it is.
+bool is_plain_text(std::string_view text);
+
 // Two escaped surrogates in sequence are one character, a lone one is U+FFFD.
 std::string unescape(std::string_view text);
 

@@ -126,18 +126,6 @@ constexpr std::array<bool, 256> kTelling = [] {
   return telling;
 }();
 
-// Tells most formulas, which read the same in a file, by one look over the text: they call no newer
-// function and use no sign of newer grammar.
-bool is_plain(std::string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (!kTelling[static_cast<unsigned char>(c)]) continue;
-    if (c == '"' || c == '\'') i = std::min(text.find(c, i + 1), text.size());
-    else if (c != '(' || calls_newer_function(text, i)) return false;
-  }
-  return true;
-}
-
 // Table1[@Net] as Table1[[#This Row],[Net]]; the table's name is put before columns without one.
 void write_structured(Edits& edits, const Formula& formula, const Node& node,
                       const FormulaPlace& place) {
@@ -191,9 +179,20 @@ std::string_view FormulaPlace::table() const {
   return {};
 }
 
+// Those call no newer function and use no sign of newer grammar.
+bool is_stored_as_shown(std::string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (!kTelling[static_cast<unsigned char>(c)]) continue;
+    if (c == '"' || c == '\'') i = std::min(text.find(c, i + 1), text.size());
+    else if (c != '(' || calls_newer_function(text, i)) return false;
+  }
+  return true;
+}
+
 std::optional<std::string> stored_formula(std::string_view text, const Grid& grid,
                                           const FormulaPlace& place) {
-  if (is_plain(text)) return std::nullopt;
+  if (is_stored_as_shown(text)) return std::nullopt;
   const std::optional<Formula> formula = formula::parse(text, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   const auto& nodes = formula->nodes;

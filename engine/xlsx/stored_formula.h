@@ -24,6 +24,9 @@ struct FormulaPlace {
   std::string_view table() const;
 };
 
+// Tells most formulas, which read the same in a file, by one look over the text.
+bool is_stored_as_shown(std::string_view shown);
+
 // Each gives the new text, or nothing when it is the same.
 std::optional<std::string> shown_formula(std::string_view stored, const Grid& grid);
 std::optional<std::string> stored_formula(std::string_view shown, const Grid& grid,

@@ -32,6 +32,9 @@ struct RowNumber {
   Piece text;
 };
 
+// Texts up to this length are made in the buffer itself.
+constexpr std::size_t kShortText = 256;
+
 // Collects text in a buffer of its own and hands it on when that is nearly full.
 class TextBuffer {
  public:
@@ -41,17 +44,37 @@ class TextBuffer {
   ~TextBuffer() = default;
 
   // Where to write at most kRoom bytes; end() tells how far they went.
-  static constexpr std::size_t kRoom = 512;
+  static constexpr std::size_t kRoom = 512 + kShortText * package::kMaxXmlEscape;
   char* begin() {
     if (at_ + kRoom > buffer_.data() + buffer_.size()) flush();
     return at_;
   }
   void end(char* at) { at_ = at; }
 
-  // The text behind what was collected, for texts of any length.
-  std::string& direct() {
+  // Goes on behind `at` with a text of any length that `make` appends; returns where to write then.
+  template <class Make>
+  char* append_made(char* at, const Make& make) {
+    end(at);
     flush();
-    return out_;
+    make(out_);
+    return begin();
+  }
+  char* append(char* at, std::string_view text) {
+    return append_made(at, [text](std::string& out) { out.append(text); });
+  }
+
+  // The same with the content of an element. Most texts are short and copied as they are.
+  char* append_formula_text(char* at, std::string_view text) {
+    if (text.size() > kShortText)
+      return append_made(at, [text](std::string& out) { package::append_xml_text(out, text); });
+    end(is_plain_text(text) ? copy(at, text) : package::write_xml_text(at, text));
+    return begin();
+  }
+  char* append_value_text(char* at, std::string_view text) {
+    if (text.size() > kShortText || !is_plain_text(text))
+      return append_made(at, [text](std::string& out) { append_text(out, text); });
+    end(copy(at, text));
+    return begin();
   }
   void flush() {
     out_.append(buffer_.data(), static_cast<std::size_t>(at_ - buffer_.data()));
@@ -59,6 +82,11 @@ class TextBuffer {
   }
 
  private:
+  static char* copy(char* at, std::string_view text) {
+    std::memcpy(at, text.data(), text.size());
+    return at + text.size();
+  }
+
   std::string& out_;
   std::array<char, 16 * 1024> buffer_{};
   char* at_ = buffer_.data();
@@ -154,9 +182,9 @@ class WorksheetText {
   void write_cell(TextBuffer& out, const RowRun& run, const RowNumber& row, const Cell& cell) const;
   void write_record(TextBuffer& out, const RowRun& run, const RowNumber& row,
                     const Cell& cell) const;
-  void write_formula(std::string& out, const RowRun& run, const CellRecord& record,
-                     CellAddress at) const;
-  void write_value(std::string& out, const RowRun& run, const Value& value) const;
+  char* write_formula(TextBuffer& out, char* at, const RowRun& run, const CellRecord& record,
+                      CellAddress place) const;
+  char* write_value(TextBuffer& out, char* at, const RowRun& run, const Value& value) const;
   char* put_reference(char* at, const RowNumber& row, const Cell& cell) const;
   bool is_shared(const RowRun& run, std::uint32_t text) const {
     return run.workbook == &context_.workbook || text < run.first_text;
@@ -304,16 +332,15 @@ void WorksheetText::write_row(TextBuffer& out, const RowRun& run, const Row& row
     if (properties->details != 0) {
       const std::string_view details = run.sheet->row_details[properties->details - 1];
       const std::size_t end = std::min(details.find(kDetailsEnd), details.size());
-      out.end(at);
-      out.direct().append(details.substr(0, end));
-      at = out.begin();
+      at = out.append(at, details.substr(0, end));
       children = details.substr(std::min(end + 1, details.size()));
     }
   }
   out.end(put(at, ">"));
   for (const Cell& cell : row.span()) write_cell(out, run, number, cell);
-  if (!children.empty()) out.direct().append(children);
-  out.end(put(out.begin(), "</row>"));
+  at = out.begin();
+  if (!children.empty()) at = out.append(at, children);
+  out.end(put(at, "</row>"));
 }
 
 char* WorksheetText::write_properties(char* at, const RowProperties& properties) const {
@@ -367,19 +394,16 @@ void WorksheetText::write_cell(TextBuffer& out, const RowRun& run, const RowNumb
         break;
       }
       if (const std::string* item = own_item(run, cell.index())) {
-        out.end(put(at, " t=\"inlineStr\"><is>"));
-        out.direct().append(*item);
-        at = put(out.begin(), "</is></c>");
+        at = out.append(put(at, " t=\"inlineStr\"><is>"), *item);
+        at = put(at, "</is></c>");
         break;
       }
-      out.end(put(at, " t=\"str\"><v>"));
-      append_text(out.direct(), text_of(run, cell.index()));
-      at = put(out.begin(), "</v></c>");
+      at = put(at, " t=\"str\">");
+      at = put(write_value(out, at, run, value_of(cell)), "</c>");
       break;
     case CellKind::kError:
-      out.end(put(at, " t=\"e\"><v>"));
-      package::append_xml_text(out.direct(), error_text(*run.workbook, cell.index()));
-      at = put(out.begin(), "</v></c>");
+      at = put(at, " t=\"e\">");
+      at = put(write_value(out, at, run, value_of(cell)), "</c>");
       break;
     case CellKind::kRecord:
       break;
@@ -399,33 +423,34 @@ void WorksheetText::write_record(TextBuffer& out, const RowRun& run, const RowNu
                                       ? own_item(run, value.text())
                                       : nullptr;
   const bool is_dated = extra && extra->details.starts_with(kDateKind);
-  out.end(put_reference(out.begin(), row, cell));
-  std::string& text = out.direct();
+  char* at = put_reference(out.begin(), row, cell);
   switch (value.kind) {
     case ValueKind::kText:
-      text.append(shared_text ? " t=\"s\"" : item ? " t=\"inlineStr\"" : " t=\"str\"");
+      at = shared_text ? put(at, " t=\"s\"")
+           : item      ? put(at, " t=\"inlineStr\"")
+                       : put(at, " t=\"str\"");
       break;
     case ValueKind::kBoolean:
-      text.append(" t=\"b\"");
+      at = put(at, " t=\"b\"");
       break;
     case ValueKind::kError:
-      text.append(" t=\"e\"");
+      at = put(at, " t=\"e\"");
       break;
     default:
       break;
   }
-  if (extra) text.append(extra->details);
-  text.push_back('>');
-  if (formula) write_formula(text, run, record, {row.number, cell.column});
+  if (extra) at = out.append(at, extra->details);
+  at = put(at, ">");
+  if (formula) at = write_formula(out, at, run, record, {row.number, cell.column});
   if (shared_text) {
-    text.append("<v>").append(std::to_string(context_.texts.number(value.text()))).append("</v>");
+    at = put(put_count(put(at, "<v>"), context_.texts.number(value.text())), "</v>");
   } else if (item) {
-    text.append("<is>").append(*item).append("</is>");
+    at = put(out.append(put(at, "<is>"), *item), "</is>");
   } else if (value.kind != ValueKind::kNone && !is_dated) {
-    write_value(text, run, value);
+    at = write_value(out, at, run, value);
   }
-  if (extra) text.append(extra->children);
-  text.append("</c>");
+  if (extra) at = out.append(at, extra->children);
+  out.end(put(at, "</c>"));
 }
 
 // Of the cells that share a formula the first that is written has its text, whichever cell had it
@@ -445,18 +470,21 @@ void WorksheetText::find_shared() {
   }
 }
 
-void WorksheetText::write_formula(std::string& out, const RowRun& run, const CellRecord& record,
-                                  CellAddress at) const {
+char* WorksheetText::write_formula(TextBuffer& out, char* at, const RowRun& run,
+                                   const CellRecord& record, CellAddress place) const {
+  const auto append_range = [&out](char* to, const CellRange& range) {
+    return out.append_made(to, [&](std::string& text) { append_range_attribute(text, range); });
+  };
   const Grid& grid = context_.workbook.limits.grid;
-  const FormulaPlace place{context_.tables, at};
-  out.append("<f");
+  at = put(at, "<f");
   std::string_view spelling;
   if (const CellExtra* extra = run.sheet->extra(record)) {
     if (extra->form != FormulaForm::kNormal) {
-      out.append(extra->form == FormulaForm::kArray ? " t=\"array\"" : " t=\"dataTable\"");
-      append_range_attribute(out, extra->range);
+      const bool array = extra->form == FormulaForm::kArray;
+      at = array ? put(at, " t=\"array\"") : put(at, " t=\"dataTable\"");
+      at = append_range(at, extra->range);
     }
-    out.append(extra->formula_details);
+    at = out.append(at, extra->formula_details);
     spelling = extra->formula_spelling;
   }
   std::string moved;
@@ -465,42 +493,49 @@ void WorksheetText::write_formula(std::string& out, const RowRun& run, const Cel
     const SharedFormula& shared = run.sheet->shared_formulas[record.shared - 1];
     const std::size_t number = run.first_shared + record.shared - 1;
     const SharedCells& cells = shared_[number];
-    out.append(" t=\"shared\"");
-    if (at == cells.first) {
-      append_range_attribute(out, cells.range);
-      text = run.sheet->formula(record, at, grid, moved);
-      if (at == shared.at) spelling = shared.spelling;
+    at = put(at, " t=\"shared\"");
+    if (place == cells.first) {
+      at = append_range(at, cells.range);
+      text = run.sheet->formula(record, place, grid, moved);
+      if (place == shared.at) spelling = shared.spelling;
     }
-    out.append(" si=\"").append(std::to_string(number)).push_back('"');
+    at = put(at, " si=\"");
+    at = put(write_integer(at, static_cast<long long>(number)), "\"");
   }
-  if (text.empty()) {
-    out.append("/>");
-    return;
+  if (text.empty()) return put(at, "/>");
+  at = put(at, ">");
+  if (spelling.empty() && is_stored_as_shown(text)) {
+    at = out.append_formula_text(at, text);
+  } else {
+    at = out.append_made(at, [&](std::string& stored) {
+      append_formula(stored, text, spelling, grid, {context_.tables, place});
+    });
   }
-  out.push_back('>');
-  append_formula(out, text, spelling, grid, place);
-  out.append("</f>");
+  return put(at, "</f>");
 }
 
-void WorksheetText::write_value(std::string& out, const RowRun& run, const Value& value) const {
-  out.append("<v>");
+char* WorksheetText::write_value(TextBuffer& out, char* at, const RowRun& run,
+                                 const Value& value) const {
+  at = put(at, "<v>");
   switch (value.kind) {
     case ValueKind::kNone:
       break;
     case ValueKind::kNumber:
-      append_number(out, value.number);
+      at = write_number(at, value.number);
       break;
     case ValueKind::kText:
-      append_text(out, text_of(run, value.text()));
+      at = out.append_value_text(at, text_of(run, value.text()));
       break;
     case ValueKind::kBoolean:
-      out.push_back(value.boolean() ? '1' : '0');
+      *at++ = value.boolean() ? '1' : '0';
       break;
     case ValueKind::kError:
-      package::append_xml_text(out, error_text(*run.workbook, value.error()));
+      at = out.append_made(at, [&](std::string& text) {
+        package::append_xml_text(text, error_text(*run.workbook, value.error()));
+      });
       break;
   }
-  out.append("</v>");
+  return put(at, "</v>");
 }
 
 }  // namespace
