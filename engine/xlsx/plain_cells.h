@@ -1,10 +1,11 @@
 // Rows and cells in the form that nearly all have in files, recognised as one piece:
 //
 //   <row r="7" spans="1:3"><c r="A7"><v>12.5</v></c><c r="B7" s="3" t="s"><v>4</v></c></row>
+//   <c r="C7"><f>A7*2</f><v>25</v></c><c r="D7" t="str"><f t="shared" si="0"/><v>yes</v></c>
 //
 // Constants are compared and digits are read eight bytes at a time. Every function needs room to
-// read behind what it recognises: kMaxPlainCell bytes. What is of another form is left alone, for a
-// reader that goes token by token.
+// read behind what it recognises: kMaxPlainCell bytes, and that many behind texts. What is of
+// another form is left alone, for a reader that goes token by token.
 #pragma once
 
 #include <algorithm>
@@ -15,6 +16,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "engine/package/xml_text.h"
 #include "engine/text/number_text.h"
 
 #ifdef __SSE2__
@@ -23,7 +25,7 @@
 
 namespace engine::xlsx {
 
-inline constexpr std::size_t kMaxPlainCell = 192;  // bytes of the longest one
+inline constexpr std::size_t kMaxPlainCell = 192;  // bytes of the longest one, but for its texts
 
 // Up to eight bytes that are compared as one word.
 class Mark {
@@ -193,26 +195,76 @@ inline bool take_plain_number(const char*& at, double& number) {
   return true;
 }
 
-struct PlainCell {
-  int column = 0;
-  std::uint32_t style = 0;
-  bool has_value = false;
-  bool is_text = false;  // then `number` is that of a shared text
-  double number = 0;
+// A text of the part as it stands there.
+struct PlainText {
+  std::string_view raw;
+  package::RawText found;
 };
 
-// Takes a cell of the row: a number, a shared text or nothing but a format.
-inline bool take_plain_cell(const char*& at, const RowMark& row, PlainCell& cell) {
+// Takes what stands up to the next "<" when there is room behind it.
+inline bool take_plain_text(const char*& at, const char* limit, PlainText& text) {
+  text.found = package::find_text_end({at, static_cast<std::size_t>(limit - at)});
+  const std::size_t size = text.found.size;
+  if (size == std::string_view::npos) return false;
+  text.raw = {at, size};
+  at += size;
+  return static_cast<std::size_t>(limit - at) >= kMaxPlainCell;
+}
+
+// A formula of a cell's own, or the number of a shared one whose text stands at another cell.
+struct PlainFormula {
+  PlainText text;
+  bool is_shared = false;
+  std::uint32_t shared = 0;
+};
+
+// Takes the f element.
+inline bool take_plain_formula(const char*& at, const char* limit, PlainFormula& formula) {
+  constexpr Mark kOwn("<f>");
+  constexpr Mark kEnd("</f>");
+  constexpr std::array kShared = {Mark("<f t=\"sh"), Mark("ared\" si"), Mark("=\"")};
+  constexpr Mark kSharedEnd("\"/>");
+  formula.is_shared = !kOwn.take(at);
+  if (!formula.is_shared) return take_plain_text(at, limit, formula.text) && kEnd.take(at);
+  for (const Mark& mark : kShared)
+    if (!mark.take(at)) return false;
+  const char* const begin = at;
+  formula.shared = 0;
+  for (; is_plain_digit(*at) && at - begin < 7; ++at)
+    formula.shared = formula.shared * 10 + static_cast<std::uint32_t>(*at - '0');
+  return at != begin && kSharedEnd.take(at);
+}
+
+struct PlainCell {
+  enum class Value : std::uint8_t { kNone, kNumber, kSharedText, kOwnText };
+
+  int column = 0;
+  std::uint32_t style = 0;
+  bool has_formula = false;
+  Value value = Value::kNone;
+  double number = 0;  // or that of the shared text
+  PlainFormula formula;
+  PlainText text;  // its own, which only a cell with a formula has here
+};
+
+// Takes a cell of the row: a number, a shared text, a formula with a number, a text or nothing, or
+// nothing but a format.
+inline bool take_plain_cell(const char*& at, const char* limit, const RowMark& row,
+                            PlainCell& cell) {
+  using Value = PlainCell::Value;
   constexpr Mark kStyle(" s=\"");
-  constexpr Mark kText(" t=\"s\"");
+  constexpr Mark kSharedText(" t=\"s\"");
+  constexpr Mark kOwnText(" t=\"str\"");
   constexpr Mark kNumber(" t=\"n\"");
+  constexpr Mark kFormula("><f");
   constexpr Mark kValue("><v>");
   constexpr Mark kEnd("</v></c>");
   constexpr Mark kEmpty("/>");
+  constexpr Mark kNoValue("</c>");
   const char* end = at;
   if (!take_plain_address(end, row, cell.column)) return false;
   cell.style = 0;
-  cell.is_text = false;
+  cell.value = Value::kNumber;
   if (*end == ' ') {
     if (kStyle.take(end)) {
       const char* const begin = end;
@@ -221,14 +273,33 @@ inline bool take_plain_cell(const char*& at, const RowMark& row, PlainCell& cell
       if (end == begin || *end++ != '"') return false;
     }
     if (*end == ' ') {
-      cell.is_text = kText.take(end);
-      if (!cell.is_text && !kNumber.take(end)) return false;
+      if (kSharedText.take(end)) cell.value = Value::kSharedText;
+      else if (kOwnText.take(end)) cell.value = Value::kOwnText;
+      else if (!kNumber.take(end)) return false;
     }
   }
-  cell.has_value = kValue.take(end);
-  if (cell.has_value ? !take_plain_number(end, cell.number) || !kEnd.take(end)
-                     : cell.is_text || !kEmpty.take(end))
+  const char* formula = end;
+  cell.has_formula = kFormula.take(formula);
+  if (cell.has_formula) {
+    if (cell.value == Value::kSharedText || !take_plain_formula(++end, limit, cell.formula))
+      return false;
+    if (kNoValue.take(end)) {
+      cell.value = Value::kNone;
+      at = end;
+      return true;
+    }
+    --end;  // on the ">" of </f> or />
+  } else if (cell.value == Value::kOwnText) {
     return false;
+  }
+  if (kValue.take(end)) {
+    const bool taken = cell.value == Value::kOwnText ? take_plain_text(end, limit, cell.text)
+                                                     : take_plain_number(end, cell.number);
+    if (!taken || !kEnd.take(end)) return false;
+  } else {
+    if (cell.has_formula || cell.value != Value::kNumber || !kEmpty.take(end)) return false;
+    cell.value = Value::kNone;
+  }
   at = end;
   return true;
 }

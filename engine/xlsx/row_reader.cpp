@@ -116,6 +116,7 @@ class RowReader::Machine {
   void take_plain_cells();
   void skip_plain_cells();
   bool store_plain(const PlainCell& plain);
+  bool make_plain_record(const PlainCell& plain, Cell& cell);
   void read_cell();
   void read_cell_attributes();
   void read_cell_children();
@@ -287,7 +288,7 @@ void RowReader::Machine::take_plain_cells() {
   PlainCell cell;
   for (int row = 0; static_cast<std::size_t>(end - at) >= kMaxPlainCell && keeps_row_;) {
     const char* next = at;
-    if (take_plain_cell(next, row_mark_, cell)) {
+    if (take_plain_cell(next, end, row_mark_, cell)) {
       if (!store_plain(cell)) break;
     } else if (children_.empty() && take_plain_row(next, grid_.rows, row)) {
       begin_row(row);
@@ -335,18 +336,57 @@ bool RowReader::Machine::store_plain(const PlainCell& plain) {
   Cell cell;
   cell.style = context_.format(plain.style);
   cell.column = static_cast<std::uint16_t>(plain.column);
-  if (plain.is_text) {
+  if (plain.has_formula) {
+    if (!make_plain_record(plain, cell)) return false;
+  } else if (plain.value == PlainCell::Value::kSharedText) {
     const bool known = plain.number >= 0 && plain.number < context_.shared_texts;
     if (!known || plain.number != static_cast<std::uint32_t>(plain.number)) return false;
     cell.bits = static_cast<std::uint32_t>(plain.number);
     cell.kind = CellKind::kText;
     ++remains_.text_cells;
-  } else if (plain.has_value) {
+  } else if (plain.value == PlainCell::Value::kNumber) {
     cell.number = plain.number;
     cell.kind = CellKind::kNumber;
   }
   column_ = plain.column;
   store(cell);
+  return true;
+}
+
+// False, with nothing done, for a text that callers see in another form than the file's, or that is
+// no text.
+bool RowReader::Machine::make_plain_record(const PlainCell& plain, Cell& cell) {
+  const auto holds = [](const PlainText& text, std::string_view meaning, std::string_view mark) {
+    return (text.found.underscore || text.found.special) && meaning.find(mark) != meaning.npos;
+  };
+  const auto means = [](const PlainText& text, std::string& decoded, std::string_view& meaning) {
+    meaning = text.raw;
+    if (!text.found.special && !text.found.beyond_ascii) return true;
+    decoded.clear();
+    if (!package::decode_xml_text(text.raw, decoded)) return false;
+    meaning = decoded;
+    return true;
+  };
+  CellRecord record;
+  std::string_view formula;
+  if (plain.formula.is_shared) {
+    const auto known = shared_.find(plain.formula.shared);
+    if (known == shared_.end()) return false;
+    record.shared = known->second;
+  } else if (!means(plain.formula.text, cell_.formula, formula) || formula.empty() ||
+             holds(plain.formula.text, formula, "_xl") || !is_stored_as_shown(formula)) {
+    return false;
+  }
+  if (plain.value == PlainCell::Value::kNumber) {
+    record.value = Value::of_number(plain.number);
+  } else if (plain.value == PlainCell::Value::kOwnText) {
+    std::string_view text;
+    if (!means(plain.text, cell_.value, text) || holds(plain.text, text, "_x")) return false;
+    record.value = own_text(text);
+  }
+  record.formula = sheet_.keep_text(formula);
+  cell.bits = sheet_.keep_record(record);
+  cell.kind = CellKind::kRecord;
   return true;
 }
 

@@ -140,6 +140,73 @@ TEST(Worksheet, SharedFormulasStayShared) {
   EXPECT_THAT(changed, HasSubstr(R"(<c r="B3"><f t="shared" si="0"/></c>)"));
 }
 
+// Plain cells are recognised as one piece, which a blank in the tag prevents: both ways agree, and
+// what they read comes back.
+TEST(Worksheet, FormulasReadTheSameInOnePieceAndTokenByToken) {
+  const std::string long_sum = [] {
+    std::string text = "A1";
+    while (text.size() < 9000) text += "&amp;A1";
+    return text;
+  }();
+  struct Case {
+    std::string attributes;
+    std::string content;
+  };
+  const Case cases[] = {
+      {"", "<f>B1+1</f><v>3</v>"},
+      {" s=\"0\"", "<f>B1+1</f><v>-3.25E-3</v>"},
+      {" t=\"n\"", "<f>B1+1</f><v></v>"},
+      {"", "<f>B1</f>"},
+      {"", "<f></f><v>1</v>"},
+      {"", "<f/><v>1</v>"},
+      {" t=\"str\"", "<f>IF(B1&gt;0,&quot;a&quot;,\"b\")</f><v>x &lt;&amp;&#65; y</v>"},
+      {" t=\"str\"", "<f>T(B1)</f><v></v>"},
+      {" t=\"str\"", "<f>T(B1)</f>"},
+      {" t=\"str\"", "<f>B1</f><v>_x0041_ _xyz _</v>"},
+      {" t=\"str\"", "<f>'Größe'!B1&amp;\"ß\"</f><v>Größe\r\n \xEF\xBF\xBE</v>"},
+      {" t=\"str\"", "<f>B1</f><v>" + std::string(300, 'v') + "</v>"},
+      {" t=\"s\"", "<f>B1</f><v>1</v>"},
+      {" t=\"b\"", "<f>B1=1</f><v>1</v>"},
+      {" t=\"e\"", "<f>B1/0</f><v>#DIV/0!</v>"},
+      {"", "<f>" + long_sum + "</f><v>1</v>"},
+      {"", "<f>LEN(\"" + std::string(200, '>') + "\")</f><v>200</v>"},
+      {"", "<f>_xlfn.CONCAT(A1,B1)</f><v>1</v>"},
+      {"", "<f>CONCAT(A1,B1)</f><v>1</v>"},
+      {"", "<f>_xlfn.ANCHORARRAY(B1)+T[[#This Row],[Net]]</f><v>1</v>"},
+      {"", "<f>not a formula (</f><v>1</v>"},
+      {"", "<f t=\"shared\" si=\"7\"/><v>1</v>"},
+      {" t=\"str\"", "<f t=\"shared\" si=\"7\"/><v>one</v>"},
+      {"", "<f t=\"shared\" si=\"7\"/>"},
+      {"", "<f t=\"array\" ref=\"A2\">B1</f><v>1</v>"},
+      {"", "<f ca=\"1\">B1</f><v>1</v>"},
+  };
+  // What is recognised needs other text behind it.
+  const std::string behind =
+      "<row r=\"9\"><c r=\"A9\" t=\"str\"><v>" + std::string(500, ' ') + "</v></c></row>";
+  for (const auto& [attributes, content] : cases) {
+    SCOPED_TRACE(attributes + content);
+    std::string shown;
+    std::string stored;
+    for (const std::string_view blank : {"", " "}) {
+      const auto book = load(book_of(
+          worksheet(R"(<row r="1"><c r="A1"><f t="shared" ref="A1:A2" si="7">C1*2</f></c></row>)"
+                    R"(<row r="2"><c r="A2")" +
+                    attributes + std::string(blank) + ">" + content + "</c></row>" + behind)));
+      book->read().change();
+      const std::string saved = book->save();
+      const auto again = load(saved);
+      again->read();
+      EXPECT_EQ(again->show(1, 0), book->show(1, 0));
+      if (blank.empty()) {
+        shown = book->show(1, 0);
+        stored = unzip(saved).at("xl/worksheets/sheet1.xml");
+      }
+      EXPECT_EQ(book->show(1, 0), shown);
+      EXPECT_EQ(unzip(saved).at("xl/worksheets/sheet1.xml"), stored);
+    }
+  }
+}
+
 // A reader meets the text first, in whatever order the file had the cells.
 TEST(Worksheet, SharedFormulasOfRowsInDescendingOrderComeBack) {
   const auto book = load(
@@ -163,8 +230,7 @@ TEST(Worksheet, SharedFormulasStandInMemoryOnce) {
   const auto book = load(book_of(worksheet(rows)));
   book->read();
   std::size_t held = 0;
-  for (const CellRecord& record : book->sheet().contents().records())
-    held += record.formula.size();
+  for (const CellRecord& record : book->sheet().contents().records()) held += record.formula.size();
   EXPECT_LT(held, 1000000u);
   EXPECT_THAT(book->show(9998, 1), testing::StartsWith("=A9999+A9999+"));
   book->sheet().change();
