@@ -31,13 +31,6 @@ struct SavedSheet {
   std::vector<Table> tables;             // where a formula may need the name of one
 };
 
-// Whether a formula holds a bracket: before one a table's name may be left out.
-bool mentions_columns(const SheetContents& contents) {
-  const auto mentions = [](std::string_view text) { return text.find('[') != text.npos; };
-  return std::ranges::any_of(contents.records(), mentions, &CellRecord::formula) ||
-         std::ranges::any_of(contents.shared_formulas, mentions, &SharedFormula::text);
-}
-
 // Sheets without cells change in one thing only.
 void write_tab(Parts& parts, const SavedSheet& saved) {
   const Part* part = parts.find(saved.remains->part);
@@ -154,7 +147,6 @@ class Document::Saving {
 
   // Tables that cannot be read complete no formula; they are carried as they are.
   std::vector<Table> tables_for_formulas(const SavedSheet& saved) const try {
-    if (!mentions_columns(saved.sheet->contents())) return {};
     return document_.tables(book_, *saved.sheet);
   } catch (const package::FileError&) {
     return {};

@@ -181,7 +181,8 @@ void WrittenTexts::enter(const SheetContents& sheet) {
   for (const Row& row : sheet.cells.rows()) {
     for (const Cell& cell : row.span()) {
       if (cell.kind == CellKind::kText) note(cell.bits);
-      if (cell.kind != CellKind::kRecord) continue;
+      // Without a formula a cell has a record for what else the file says of it.
+      if (cell.kind != CellKind::kRecord || !sheet.has_extras()) continue;
       const CellRecord& record = *sheet.record(cell);
       if (record.value.kind == ValueKind::kText && !has_formula_element(sheet, record))
         note(record.value.bits);
