@@ -26,8 +26,7 @@ bool SheetObject::put_formula(int row, int column, std::string_view formula, Val
   CellRecord record;
   record.value = value;
   record.formula = formula;
-  sheet_->change(
-      [&](SheetContents& contents) { contents.put_record(row, column, record, style); });
+  sheet_->change([&](SheetContents& contents) { contents.put_record(row, column, record, style); });
   book_.contents().formulas_possible = true;
   book_.contents().values_changed = true;
   return true;
