@@ -170,6 +170,11 @@ std::string part_of_array(CellAddress cell, const CellRange& array) {
               formula::print_range(array));
 }
 
+std::string bound_formula(CellAddress cell) {
+  return join("cell ", cell_text(cell),
+              " holds the formula of other cells too, which is not understood");
+}
+
 std::string formula_error(std::string_view formula, const formula::ParseError& error,
                           const Grid& grid) {
   using Kind = formula::ParseError::Kind;

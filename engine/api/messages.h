@@ -57,6 +57,7 @@ std::string sheet_hidden(int index);
 // Cells. `holds` and `wanted` as "text", "a number".
 std::string wrong_kind(CellAddress cell, std::string_view holds, std::string_view wanted);
 std::string part_of_array(CellAddress cell, const CellRange& array);
+std::string bound_formula(CellAddress cell);
 
 // Formulas.
 std::string formula_error(std::string_view formula, const formula::ParseError& error,

@@ -4,6 +4,7 @@
 #include "engine/api/messages.h"
 #include "engine/formula/reference.h"
 #include "engine/text/wide.h"
+#include "engine/workbook/sheet_operations.h"
 
 namespace engine::api {
 
@@ -40,7 +41,9 @@ bool SheetObject::find_loaded(int row) const {
 bool SheetObject::check_writable(int row, int column) const {
   if (!check_loaded(row)) return false;
   const CellRange* array = contents().arrays.find({row, column});
-  return !array || book_.refuse(false, messages::part_of_array({row, column}, *array));
+  if (array) return book_.refuse(false, messages::part_of_array({row, column}, *array));
+  return !holds_bound_formula(contents(), {row, column}, limits().grid) ||
+         book_.refuse(false, messages::bound_formula({row, column}));
 }
 
 bool SheetObject::check_write(int row, int column, const libxl::Format* format,

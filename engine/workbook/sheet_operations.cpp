@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "engine/formula/formula.h"
 #include "engine/formula/formula_text.h"
 #include "engine/workbook/font_metrics.h"
 
@@ -51,7 +52,39 @@ std::size_t heir_of_active(const Workbook& book, std::size_t position) {
   return static_cast<std::size_t>(book.sheets().rend() - previous) - 1;
 }
 
+// The number of the formula that a cell shares with others, plus one; 0 without one.
+std::uint32_t shared_at(const SheetContents& contents, CellAddress at) {
+  const Cell* cell = contents.cells.find(at.row, at.column);
+  const CellRecord* record = cell ? contents.record(*cell) : nullptr;
+  return record ? record->shared : 0;
+}
+
+// Whether at least so many cells share a formula that cannot be moved.
+bool is_bound(const SheetContents& contents, std::uint32_t number, std::size_t cells,
+              const Grid& grid) {
+  const std::string_view text = contents.shared_formulas[number - 1].text;
+  if (formula::parse(text, formula::ParseOptions::of_book(grid))) return false;
+  for (const CellRecord& record : contents.records())
+    if (record.shared == number && --cells == 0) return true;
+  return false;
+}
+
 }  // namespace
+
+bool holds_bound_formula(const SheetContents& contents, CellAddress cell, const Grid& grid) {
+  if (contents.shared_formulas.empty()) return false;
+  const std::uint32_t number = shared_at(contents, cell);
+  return number != 0 && contents.shared_formulas[number - 1].at == cell &&
+         is_bound(contents, number, 2, grid);
+}
+
+const SharedFormula* stranded_formula(const SheetContents& contents, const Grid& grid) {
+  for (std::uint32_t number = 1; const SharedFormula& one : contents.shared_formulas) {
+    if (shared_at(contents, one.at) != number && is_bound(contents, number, 1, grid)) return &one;
+    ++number;
+  }
+  return nullptr;
+}
 
 void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet* except) {
   for (const auto& sheet : book.sheets()) {

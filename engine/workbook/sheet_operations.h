@@ -53,6 +53,13 @@ class FormulaEdits {
 // that a partial load left out stay closed.
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except = nullptr);
 
+// A formula that cells share stands in the file at one of them, and the others have it moved by the
+// grammar. One that the grammar does not know is bound to its cell while others share it: at
+// another cell its text would mean something else.
+bool holds_bound_formula(const SheetContents& contents, CellAddress cell, const Grid& grid);
+// A bound formula whose own cell is not among those that share it; null without one.
+const SharedFormula* stranded_formula(const SheetContents& contents, const Grid& grid);
+
 // Rows that partial loads left out, in memory as long as this lives and afterwards where one was
 // changed.
 class AllRows {

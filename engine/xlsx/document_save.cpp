@@ -5,8 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include "engine/formula/reference.h"
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
+#include "engine/workbook/sheet_operations.h"
 #include "engine/xlsx/attributes.h"
 #include "engine/xlsx/document.h"
 #include "engine/xlsx/elements/notes.h"
@@ -115,6 +117,15 @@ class Document::Saving {
     if (saved.rewritten) enter_cells(saved);
   }
 
+  // A text that cannot be moved to a cell that has to hold it now would be another formula there.
+  void check_shared(const SavedSheet& saved, const SheetContents& contents) const {
+    const SharedFormula* stranded = stranded_formula(contents, book_.limits.grid);
+    if (!stranded) return;
+    std::string place = saved.remains->part + ", cell ";
+    formula::append_cell(place, stranded->at.row, stranded->at.column);
+    package::throw_damaged(place, "the formula that other cells share is not understood");
+  }
+
   // Rows outside of a partial load are read for the save when no edit has kept them.
   void enter_cells(SavedSheet& saved) {
     if (saved.sheet->loading == Loading::kPartly) {
@@ -125,6 +136,8 @@ class Document::Saving {
         saved.outside = saved.read_now.get();
       }
     }
+    check_shared(saved, saved.sheet->contents());
+    if (saved.outside) check_shared(saved, saved.outside->rows.contents());
     texts_.enter(saved.sheet->contents());
     text_cells_ -= std::min(text_cells_, saved.remains->text_cells);
     if (document_.has_calculation_chain_)

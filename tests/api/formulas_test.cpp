@@ -164,6 +164,42 @@ TEST(Formulas, SheetsThatComeGoOrMoveMakeValuesOld) {
   }
 }
 
+// The text of a shared formula moves to another cell by the grammar, or not at all.
+TEST(Formulas, SharedOnesThatAreNotUnderstoodStayAtTheirCell) {
+  std::string bytes = with_replaced(three_sheets(), "xl/worksheets/sheet1.xml", R"(<c r="A1"><v>)",
+                                    R"(<c r="A1"><f t="shared" ref="A1:A2" si="0">B1 ?? 2</f><v>)");
+  bytes = with_replaced(bytes, "xl/worksheets/sheet1.xml", R"(<c r="A2"><v>)",
+                        R"(<c r="A2"><f t="shared" si="0"/><v>)");
+  Stage stage;
+  ASSERT_TRUE(load(*stage.book, bytes)) << stage.message();
+  libxl::Sheet* sheet = stage.book->getSheet(0);
+  EXPECT_TRUE(sheet->writeNum(4, 4, 1));
+  EXPECT_FALSE(sheet->writeNum(0, 0, 1));
+  EXPECT_EQ(stage.message(),
+            "cell A1 holds the formula of other cells too, which is not understood");
+  const std::string part = part_of(saved(*stage.book), "xl/worksheets/sheet1.xml");
+  EXPECT_NE(part.find(R"(<f t="shared" ref="A1:A2" si="0">B1 ?? 2</f>)"), std::string::npos);
+  EXPECT_NE(part.find(R"(<f t="shared" si="0"/>)"), std::string::npos);
+
+  ASSERT_TRUE(stage.book->loadRaw(bytes.data(), static_cast<unsigned>(bytes.size()), 0, 1, 2));
+  sheet = stage.book->getSheet(0);
+  EXPECT_TRUE(sheet->writeNum(2, 0, 1)) << stage.message();
+  const char* data = nullptr;
+  unsigned size = 0;
+  EXPECT_FALSE(stage.book->saveRaw(&data, &size));
+  EXPECT_TRUE(
+      stage.message().ends_with("xl/worksheets/sheet1.xml, cell A1, the formula that other "
+                                "cells share is not understood"))
+      << stage.message();
+  EXPECT_TRUE(sheet->writeNum(1, 0, 1)) << stage.message();
+  EXPECT_TRUE(stage.book->saveRaw(&data, &size)) << stage.message();
+
+  ASSERT_TRUE(load(*stage.book, bytes)) << stage.message();
+  sheet = stage.book->getSheet(0);
+  EXPECT_TRUE(sheet->writeNum(1, 0, 1)) << stage.message();
+  EXPECT_TRUE(sheet->writeNum(0, 0, 1)) << "nobody shares it any more";
+}
+
 TEST(Formulas, ArraysAreReadAndNotBroken) {
   Stage stage;
   const std::string bytes =
