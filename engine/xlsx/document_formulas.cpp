@@ -163,14 +163,23 @@ void Document::edit_carried(Workbook& book, const FormulaEdit& edit, const Sheet
     if (holds_formulas(part))
       if (auto bytes = edited_part(parts_, part, edit, book.limits.grid))
         parts.emplace_back(&part, std::make_shared<const std::string>(*std::move(bytes)));
-  if (gone) remove_part(*gone);
+  // Parts of the sheet that goes may be among them.
+  const auto exchange = [&] {
+    for (auto& [part, bytes] : parts) parts_.exchange(*part, bytes);
+  };
+  exchange();
+  try {
+    if (gone) remove_part(*gone);
+  } catch (...) {
+    exchange();
+    throw;
+  }
 
   records.apply();
   for (auto& [sheet, tree] : trees) {
     sheet->change();
     sheets_.find(sheet)->second.tree = std::move(tree);
   }
-  for (auto& [part, bytes] : parts) parts_.exchange(*part, bytes);
 }
 
 }  // namespace engine::xlsx

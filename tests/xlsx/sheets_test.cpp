@@ -198,6 +198,19 @@ TEST(Sheets, PicturesOutliveTheSheetTheyWereCopiedFrom) {
   EXPECT_EQ(saved.count("xl/chart1.xml"), 0U);
 }
 
+// Its table has formulas that name it, which the deletion edits like all others.
+TEST(Sheets, ACopyThatGoesLeavesNothing) {
+  const auto book = load(book_with_parts());
+  NewSheet made = make_copy(book->workbook, *book->document, book->read(), "Copy");
+  make_room(book->workbook, made);
+  place_sheet(book->workbook, *book->document, 1, std::move(made));
+  delete_sheet(book->workbook, *book->document, 1);
+  PartTexts saved = unzip(book->save());
+  PartTexts wanted = book_with_parts();
+  for (PartTexts* parts : {&saved, &wanted}) parts->erase("xl/_rels/workbook.xml.rels");
+  EXPECT_EQ(saved, wanted);
+}
+
 TEST(Sheets, ARemovedSheetTakesItsPartsAlong) {
   const auto book = load(book_with_parts());
   delete_sheet(book->workbook, *book->document, 0);
