@@ -56,7 +56,7 @@ TEST(NewBook, ComesBackAsItWas) {
   EXPECT_EQ(again->show(6, 6), "-");
   EXPECT_EQ(again->show(3, 3), "=A1&\"<>\": \"of \x02 formula\"");
   EXPECT_EQ(again->sheet().contents().comments.at({2, 2}).text, "note");
-  EXPECT_THAT(unzip(book->save({.calculate = true})).at("xl/workbook.xml"),
+  EXPECT_THAT(unzip(book->save({false, std::nullopt, true})).at("xl/workbook.xml"),
               HasSubstr("fullCalcOnLoad=\"1\""));
 }
 
