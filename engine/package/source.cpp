@@ -1,16 +1,12 @@
 #include "engine/package/source.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
-#include <cstdlib>
 #include <cstring>
-#include <new>
 #include <utility>
 
 #include "engine/package/file_error.h"
@@ -58,21 +54,6 @@ int open_plain(const std::string& path, struct stat& about) {
   if (handle.get() < 0 || fstat(handle.get(), &about) != 0) cannot_open(file_reason(errno, path));
   if (const auto reason = not_plain(about); !reason.empty()) cannot_open(reason);
   return handle.release();
-}
-
-// Memory for a file, in big pages where the system has them: making small ones takes as long as
-// reading into them.
-char* allocate_block(std::size_t size) {
-  constexpr std::size_t kBigPage = std::size_t{2} << 20;
-  const bool big = size >= kBigPage;
-  const std::size_t page = big ? kBigPage : alignof(std::max_align_t);
-  const std::size_t whole = (std::max<std::size_t>(size, 1) + page - 1) / page * page;
-  auto* const block = static_cast<char*>(std::aligned_alloc(page, whole));
-  if (block == nullptr) throw std::bad_alloc();
-#ifdef MADV_HUGEPAGE
-  if (big) madvise(block, whole, MADV_HUGEPAGE);
-#endif
-  return block;
 }
 
 // Fills as much as the file has.
@@ -125,8 +106,6 @@ Source::~Source() {
   if (handle_ >= 0) close(handle_);
 }
 
-void Source::Freed::operator()(char* block) const { std::free(block); }
-
 std::shared_ptr<const Source> Source::from_bytes(std::vector<char> bytes) {
   std::shared_ptr<Source> source(new Source);
   source->bytes_ = std::move(bytes);
@@ -140,7 +119,7 @@ std::shared_ptr<const Source> Source::from_file(const std::string& path) {
   const Handle handle(open_plain(path, about));
   const auto size = static_cast<std::size_t>(about.st_size);
   std::shared_ptr<Source> source(new Source);
-  source->block_.reset(allocate_block(size));
+  source->block_ = memory::make_block<char>(size);
   source->size_ = read_some(handle.get(), source->block_.get(), size, 0);
   source->view_ = {source->block_.get(), static_cast<std::size_t>(source->size_)};
   return source;

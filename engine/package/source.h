@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/memory/block.h"
+
 namespace engine::package {
 
 class Source {
@@ -46,12 +48,8 @@ class Source {
  private:
   Source() = default;
 
-  struct Freed {
-    void operator()(char* block) const;
-  };
-
   std::vector<char> bytes_;
-  std::unique_ptr<char[], Freed> block_;
+  memory::Block<char> block_;
   int handle_ = -1;
   std::string_view view_;
   std::uint64_t size_ = 0;

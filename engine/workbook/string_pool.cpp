@@ -1,22 +1,60 @@
 #include "engine/workbook/string_pool.h"
 
 #include <algorithm>
-#include <functional>
+#include <cstring>
+#include <random>
 
 namespace engine {
 
 namespace {
 
 constexpr std::size_t kFirstBlock = 1024;
-constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
+constexpr std::size_t kLargestBlock = memory::kBigPage;
 
-std::uint32_t hash_of(std::string_view text) {
-  const std::uint64_t wide = std::hash<std::string_view>()(text);
-  const auto folded = static_cast<std::uint32_t>(wide ^ (wide >> 32));
-  return folded == 0 ? 1 : folded;
+// Any odd numbers without a pattern.
+constexpr std::uint64_t kFirstFactor = 0x9E3779B97F4A7C15;
+constexpr std::uint64_t kSecondFactor = 0xD6E8FEB86659FD93;
+
+__extension__ using Product = unsigned __int128;
+
+// Both halves of the product: every bit of the result depends on all bits of both numbers.
+std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
+  const Product product = static_cast<Product>(a) * b;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+std::uint64_t load_word(const char* at) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, at, sizeof word);
+  return word;
 }
 
 }  // namespace
+
+// Two sums, so that one multiplication need not wait for the other.
+std::uint32_t StringPool::hash_of(std::string_view text) const {
+  constexpr std::size_t kStep = 32;
+  std::uint64_t first = seed_ ^ text.size();
+  std::uint64_t second = seed_ * kFirstFactor;
+  const std::uint64_t first_mask = second ^ kSecondFactor;
+  const std::uint64_t second_mask = first_mask * kSecondFactor;
+  const auto take = [&](const char* at) {
+    first = mix(first ^ load_word(at), first_mask ^ load_word(at + 8));
+    second = mix(second ^ load_word(at + 16), second_mask ^ load_word(at + 24));
+  };
+  while (text.size() >= kStep) {
+    take(text.data());
+    text.remove_prefix(kStep);
+  }
+  if (!text.empty()) {
+    char rest[kStep] = {};
+    std::memcpy(rest, text.data(), text.size());
+    take(rest);
+  }
+  const std::uint64_t wide = mix(first ^ first_mask, second ^ second_mask);
+  const auto folded = static_cast<std::uint32_t>(wide);
+  return folded == 0 ? 1 : folded;
+}
 
 std::uint32_t StringPool::add(std::string_view text) {
   if ((entries_.size() + 1) * 2 > buckets_.size()) make_index((entries_.size() + 8) * 4);
@@ -52,9 +90,9 @@ const std::string* StringPool::rich(std::uint32_t index) const {
 
 const char* StringPool::keep(std::string_view text) {
   if (text.size() > room_) {
-    const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 10);
+    const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 11);
     const std::size_t size = std::max(text.size(), std::min(doubled, kLargestBlock));
-    blocks_.push_back(std::make_unique_for_overwrite<char[]>(size));
+    blocks_.push_back(memory::make_block<char>(size));
     free_ = blocks_.back().get();
     room_ = size;
   }
@@ -69,7 +107,11 @@ const char* StringPool::keep(std::string_view text) {
 void StringPool::make_index(std::size_t buckets) {
   std::size_t size = 64;
   while (size < buckets) size *= 2;
-  std::vector<std::uint32_t> made(size);
+  if (buckets_.empty()) {
+    std::random_device random;
+    seed_ = std::uint64_t{random()} << 32 | random();
+  }
+  List<std::uint32_t> made(size);
   buckets_.swap(made);
   for (std::uint32_t index = 0; index < entries_.size(); ++index) {
     if (!rich_.empty() && rich_.contains(index)) continue;

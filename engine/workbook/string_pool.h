@@ -2,16 +2,19 @@
 //
 // Texts are UTF-8 and lie one behind the other in blocks that never move. Entries that a file
 // brought keep their numbers, doubles too, because sheets that nobody opens refer to them. The
-// index by hash is made when the first new text comes: a book that is only read needs none.
+// index by hash is made when the first new text comes: a book that is only read needs none. Its
+// hashes begin with a number that nobody knows beforehand, so that no file can make its texts meet
+// in one place of the index.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "engine/memory/block.h"
 
 namespace engine {
 
@@ -49,13 +52,18 @@ class StringPool {
     std::uint32_t hash;  // 0 until the index by hash is made
   };
 
+  std::uint32_t hash_of(std::string_view text) const;
   const char* keep(std::string_view text);
   void make_index(std::size_t buckets);
   void enter(std::uint32_t index);
 
-  std::vector<Entry> entries_;
-  std::vector<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
-  std::vector<std::unique_ptr<char[]>> blocks_;
+  template <class T>
+  using List = std::vector<T, memory::BlockAllocator<T>>;
+
+  List<Entry> entries_;
+  List<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
+  std::uint64_t seed_ = 0;       // of the hashes, once the index is made
+  std::vector<memory::Block<char>> blocks_;
   char* free_ = nullptr;
   std::size_t room_ = 0;
   std::map<std::uint32_t, std::string> rich_;
