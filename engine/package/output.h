@@ -82,12 +82,14 @@ class FileOutput : public Output {
  private:
   void open_side_file();
   void flush();
+  void begin_writeback();
 
   std::string target_;
   std::string side_path_;
   int handle_ = -1;
   std::vector<char> buffer_;
   std::uint64_t flushed_ = 0;
+  std::uint64_t handed_over_ = 0;  // to the disk
 };
 
 }  // namespace engine::package

@@ -8,7 +8,7 @@
 #include "engine/text/utf8.h"
 
 #ifdef __SSE2__
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace engine {
@@ -34,6 +34,16 @@ std::size_t narrow_ascii(const wchar_t* text, std::size_t size, char* out) {
   return done;
 }
 
+// Writes the character at `at`, which may be two elements, and goes behind it.
+void narrow_one(const wchar_t*& at, char*& out) {
+  std::uint32_t code = unit_of(*at++);
+  if (code >= 0x800 && (is_surrogate(code) || code > 0x10FFFF)) {
+    const bool pair = is_high_surrogate(code) && is_low_surrogate(unit_of(*at));
+    code = pair ? join_surrogates(code, unit_of(*at++)) : kReplacementCharacter;
+  }
+  out = put_utf8(out, code);
+}
+
 void append_wide(std::uint32_t code, wchar_t*& out) {
   if (code < 0x10000) {
     *out++ = static_cast<wchar_t>(code);
@@ -44,6 +54,76 @@ void append_wide(std::uint32_t code, wchar_t*& out) {
 }
 
 #ifdef __SSE2__
+
+// How four characters, each with its bytes in a lane of four, last byte first, come to stand one
+// behind the other. The number of an arrangement has a bit for each character of more than one
+// byte and, four bits higher, of more than two.
+struct Arrangement {
+  std::array<std::uint8_t, 16> from{};  // places in the lanes
+  std::uint8_t size = 0;
+};
+
+constexpr std::array<Arrangement, 256> kArrangements = [] {
+  std::array<Arrangement, 256> all;
+  for (unsigned number = 0; number < all.size(); ++number) {
+    Arrangement& one = all[number];
+    for (unsigned lane = 0; lane < 4; ++lane)
+      for (unsigned left = 1 + (number >> lane & 1) + (number >> (lane + 4) & 1); left-- != 0;)
+        one.from[one.size++] = static_cast<std::uint8_t>(lane * 4 + left);
+  }
+  return all;
+}();
+
+[[gnu::target("avx2")]] __m256i all_lanes(std::uint32_t value) {
+  return _mm256_set1_epi32(static_cast<int>(value));
+}
+
+// A bit for each lane that a comparison found true.
+[[gnu::target("avx2")]] unsigned lane_bits(__m256i lanes) {
+  return static_cast<unsigned>(_mm256_movemask_ps(_mm256_castsi256_ps(lanes)));
+}
+
+[[gnu::target("avx2")]] void put_arranged(__m128i lanes, unsigned number, char*& out) {
+  const Arrangement& arrangement = kArrangements[number];
+  const auto* const from = reinterpret_cast<const __m128i*>(arrangement.from.data());
+  const __m128i arranged = _mm_shuffle_epi8(lanes, _mm_loadu_si128(from));
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(out), arranged);
+  out += arrangement.size;
+}
+
+// Narrows text up to nearly its end or a character beyond the basic plane, eight elements at a time
+// and without a branch for each: texts beyond ASCII mix characters of different lengths. There must
+// be room for kMaxUtf8 bytes an element.
+[[gnu::target("avx2")]] void narrow_mixed(const wchar_t*& text, const wchar_t* end, char*& utf8) {
+  constexpr std::ptrdiff_t kLanes = 8;
+  // Bytes that are written could be the callers' pointers for all that the compiler knows.
+  const wchar_t* at = text;
+  char* out = utf8;
+  for (; end - at >= kLanes; at += kLanes) {
+    const __m256i code = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
+    const __m256i surrogate =
+        _mm256_cmpeq_epi32(_mm256_and_si256(code, all_lanes(0xFFFFF800)), all_lanes(0xD800));
+    const __m256i basic = _mm256_cmpeq_epi32(_mm256_srli_epi32(code, 16), _mm256_setzero_si256());
+    if (lane_bits(_mm256_andnot_si256(surrogate, basic)) != 0xFF) break;
+    const __m256i two = _mm256_cmpgt_epi32(code, all_lanes(0x7F));
+    const __m256i three = _mm256_cmpgt_epi32(code, all_lanes(0x7FF));
+    // Six bits of the character in each byte, and what marks the byte above them.
+    const __m256i last = _mm256_and_si256(code, all_lanes(0x3F));
+    const __m256i middle = _mm256_and_si256(_mm256_slli_epi32(code, 2), all_lanes(0x3F00));
+    const __m256i first = _mm256_and_si256(_mm256_slli_epi32(code, 4), all_lanes(0xF0000));
+    const __m256i marks =
+        _mm256_or_si256(all_lanes(0xE08080), _mm256_andnot_si256(three, all_lanes(0x4000)));
+    const __m256i longer =
+        _mm256_or_si256(_mm256_or_si256(last, middle), _mm256_or_si256(first, marks));
+    const __m256i bytes = _mm256_blendv_epi8(code, longer, two);
+    const unsigned twos = lane_bits(two);
+    const unsigned threes = lane_bits(three);
+    put_arranged(_mm256_castsi256_si128(bytes), (twos & 0xF) | (threes & 0xF) << 4, out);
+    put_arranged(_mm256_extracti128_si256(bytes, 1), twos >> 4 | (threes & 0xF0), out);
+  }
+  text = at;
+  utf8 = out;
+}
 
 // Widens ASCII characters, up to the first other one or nearly to the end.
 void widen_ascii(const char*& at, const char* end, wchar_t*& out) {
@@ -120,17 +200,15 @@ void to_utf8(const wchar_t* text, std::string& utf8) {
   if (ascii == size) return;
   utf8.resize(ascii + (size - ascii) * kMaxUtf8);
   char* out = utf8.data() + ascii;
-  for (const wchar_t* at = text + ascii; *at != 0; ++at) {
-    std::uint32_t code = unit_of(*at);
-    if (code < 0x80) {
-      *out++ = static_cast<char>(code);
-      continue;
-    }
-    if (code >= 0x800 && (is_surrogate(code) || code > 0x10FFFF)) {
-      const bool pair = is_high_surrogate(code) && is_low_surrogate(unit_of(at[1]));
-      code = pair ? join_surrogates(code, unit_of(*++at)) : kReplacementCharacter;
-    }
-    out = put_utf8(out, code);
+  const wchar_t* at = text + ascii;
+  const wchar_t* const end = text + size;
+  while (at != end) {
+#ifdef __SSE2__
+    static const bool has_avx2 = __builtin_cpu_supports("avx2") != 0;
+    if (has_avx2) narrow_mixed(at, end, out);
+    if (at == end) break;
+#endif
+    narrow_one(at, out);
   }
   utf8.resize(static_cast<std::size_t>(out - utf8.data()));
 }

@@ -60,15 +60,21 @@ std::uint32_t StringPool::add(std::string_view text) {
   if ((entries_.size() + 1) * 2 > buckets_.size()) make_index((entries_.size() + 8) * 4);
   const std::uint32_t hash = hash_of(text);
   const std::size_t mask = buckets_.size() - 1;
-  for (std::size_t at = hash & mask; buckets_[at] != 0; at = (at + 1) & mask) {
+  std::size_t at = hash & mask;
+  // The text is kept before it is known to be new: meanwhile its bucket comes from memory.
+  __builtin_prefetch(&buckets_[at]);
+  const char* const kept = keep(text);
+  for (; buckets_[at] != 0; at = (at + 1) & mask) {
     const Entry& entry = entries_[buckets_[at] - 1];
-    if (entry.hash == hash && std::string_view(entry.data, entry.length) == text)
+    if (entry.hash == hash && std::string_view(entry.data, entry.length) == text) {
+      free_ -= text.size();
+      room_ += text.size();
       return buckets_[at] - 1;
+    }
   }
-  const std::uint32_t index = append(text);
-  entries_[index].hash = hash;
-  enter(index);
-  return index;
+  entries_.push_back({kept, static_cast<std::uint32_t>(text.size()), hash});
+  buckets_[at] = size();
+  return size() - 1;
 }
 
 std::uint32_t StringPool::append(std::string_view text) {
