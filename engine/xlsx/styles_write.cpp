@@ -70,9 +70,9 @@ class EntryList {
 
   // A new entry behind the others: like a given one, or empty.
   pugi::xml_node append(pugi::xml_node model) {
+    if (!grown_) grown_ = ordered_child(sheet_, list_, kSections);
     ++count_;
-    auto list = ordered_child(sheet_, list_, kSections);
-    return model ? list.append_copy(model) : package::append_child(list, entry_);
+    return model ? grown_.append_copy(model) : package::append_child(grown_, entry_);
   }
 
   // Makes the keys of the file's entries known, once, by `key_of(number)`.
@@ -106,6 +106,7 @@ class EntryList {
   std::string_view list_;
   std::string_view entry_;
   std::uint32_t count_ = 0;
+  pugi::xml_node grown_;  // the list in the copy, once an entry was appended
   bool learned_ = false;
   std::vector<pugi::xml_node> copies_;
   std::vector<std::uint32_t> first_equal_;
@@ -192,7 +193,7 @@ class StylesWriter {
   void learn_fills();
   void learn_borders();
   void learn_formats();
-  std::string font_rest(const FontRecord& record) const;
+  std::string_view font_rest(const FontRecord& record);
   FormatNumbers numbers_of(const FormatRecord& record);
   std::uint32_t border_number(const FormatRecord& record);
   std::uint32_t fill_number(const FormatRecord& record);
@@ -205,6 +206,10 @@ class StylesWriter {
   EntryList borders_;
   EntryList style_formats_;
   EntryList formats_;
+  // The answer of font_rest() and what it was given: added fonts mostly have the same model.
+  std::uint32_t rest_model_ = kNoModel;
+  bool rest_renamed_ = false;
+  std::string rest_;
   std::vector<std::uint32_t> font_numbers_;
   std::vector<std::uint32_t> format_numbers_;
 };
@@ -222,8 +227,14 @@ void StylesWriter::write_number_formats() {
   }
 }
 
-std::string StylesWriter::font_rest(const FontRecord& record) const {
-  return rest_of_font(fonts_.original(record.model), (record.changed & kFontName) != 0);
+std::string_view StylesWriter::font_rest(const FontRecord& record) {
+  const bool renamed = (record.changed & kFontName) != 0;
+  if (record.model != rest_model_ || renamed != rest_renamed_) {
+    rest_ = rest_of_font(fonts_.original(record.model), renamed);
+    rest_model_ = record.model;
+    rest_renamed_ = renamed;
+  }
+  return rest_;
 }
 
 void StylesWriter::write_fonts() {

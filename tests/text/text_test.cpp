@@ -51,6 +51,40 @@ TEST(Text, PassesWhereverTheFirstCharacterBeyondAsciiStands) {
   }
 }
 
+// Characters of all lengths are narrowed together: each stands beside each other in every place.
+TEST(Text, NarrowsEveryMixtureOfCharacters) {
+  struct Piece {
+    std::wstring wide;
+    const char* utf8;
+  };
+  const Piece pieces[] = {
+      {L"\x7F", "\x7F"},
+      {L"\x80", "\xC2\x80"},
+      {L"\x7FF", "\xDF\xBF"},
+      {L"\x800", "\xE0\xA0\x80"},
+      {L"\xD7FF", "\xED\x9F\xBF"},
+      {L"\xE000", "\xEE\x80\x80"},
+      {L"\xFFFF", "\xEF\xBF\xBF"},
+      {L"\xD800\xDC00", "\xF0\x90\x80\x80"},
+      {L"\x10FFFF", "\xF4\x8F\xBF\xBF"},
+      {L"\xDFFF", "\uFFFD"},
+      {L"\x110000", "\uFFFD"},
+      {std::wstring(1, static_cast<wchar_t>(-1)), "\uFFFD"},
+  };
+  for (const Piece& first : pieces)
+    for (const Piece& second : pieces)
+      for (const Piece& third : pieces) {
+        std::wstring wide;
+        std::string utf8;
+        for (int i = 0; i < 7; ++i)
+          for (const Piece* piece : {&first, &second, &third}) {
+            wide += piece->wide;
+            utf8 += piece->utf8;
+          }
+        ASSERT_EQ(to_utf8(wide.c_str()), utf8);
+      }
+}
+
 // The two ways of reading UTF-8 agree on every sequence of up to four bytes that matters: each lead
 // with continuations at and beside their bounds.
 TEST(Text, TellsUtf8FromOtherBytes) {
