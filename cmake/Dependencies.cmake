@@ -41,3 +41,9 @@ endfunction()
 find_static_library(pugixml libpugixml.a)
 find_static_library(utf8proc libutf8proc.a)
 target_compile_definitions(utf8proc INTERFACE UTF8PROC_STATIC)
+
+# Hashes of texts. It is all in its header, to be compiled into the places that use it.
+find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
+add_library(xxhash INTERFACE)
+target_include_directories(xxhash SYSTEM INTERFACE ${XXHASH_INCLUDE_DIR})
+target_compile_definitions(xxhash INTERFACE XXH_INLINE_ALL)

@@ -1,7 +1,8 @@
 #include "engine/workbook/string_pool.h"
 
+#include <xxhash.h>
+
 #include <algorithm>
-#include <cstring>
 #include <random>
 
 namespace engine {
@@ -11,48 +12,11 @@ namespace {
 constexpr std::size_t kFirstBlock = 1024;
 constexpr std::size_t kLargestBlock = memory::kBigPage;
 
-// Any odd numbers without a pattern.
-constexpr std::uint64_t kFirstFactor = 0x9E3779B97F4A7C15;
-constexpr std::uint64_t kSecondFactor = 0xD6E8FEB86659FD93;
-
-__extension__ using Product = unsigned __int128;
-
-// Both halves of the product: every bit of the result depends on all bits of both numbers.
-std::uint64_t mix(std::uint64_t a, std::uint64_t b) {
-  const Product product = static_cast<Product>(a) * b;
-  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
-}
-
-std::uint64_t load_word(const char* at) {
-  std::uint64_t word = 0;
-  std::memcpy(&word, at, sizeof word);
-  return word;
-}
-
 }  // namespace
 
-// Two sums, so that one multiplication need not wait for the other.
 std::uint32_t StringPool::hash_of(std::string_view text) const {
-  constexpr std::size_t kStep = 32;
-  std::uint64_t first = seed_ ^ text.size();
-  std::uint64_t second = seed_ * kFirstFactor;
-  const std::uint64_t first_mask = second ^ kSecondFactor;
-  const std::uint64_t second_mask = first_mask * kSecondFactor;
-  const auto take = [&](const char* at) {
-    first = mix(first ^ load_word(at), first_mask ^ load_word(at + 8));
-    second = mix(second ^ load_word(at + 16), second_mask ^ load_word(at + 24));
-  };
-  while (text.size() >= kStep) {
-    take(text.data());
-    text.remove_prefix(kStep);
-  }
-  if (!text.empty()) {
-    char rest[kStep] = {};
-    std::memcpy(rest, text.data(), text.size());
-    take(rest);
-  }
-  const std::uint64_t wide = mix(first ^ first_mask, second ^ second_mask);
-  const auto folded = static_cast<std::uint32_t>(wide);
+  const auto folded =
+      static_cast<std::uint32_t>(XXH3_64bits_withSeed(text.data(), text.size(), seed_));
   return folded == 0 ? 1 : folded;
 }
 
