@@ -12,6 +12,11 @@ namespace {
 // c is the leaf kFirstLeaf + c.
 constexpr std::uint32_t kFirstLeaf = 1 << 16;
 
+bool lies_in(const CellRange& range, const CellRange& cells) {
+  return cells.contains(range.row_first, range.column_first) &&
+         cells.contains(range.row_last, range.column_last);
+}
+
 }  // namespace
 
 void ArrayRanges::add(const CellRange& range) {
@@ -62,6 +67,38 @@ const CellRange* ArrayRanges::find(CellAddress at) const {
     if (entry.node == node && entry.row_last >= at.row) return &ranges_[entry.range];
   }
   return nullptr;
+}
+
+// A range that is cut holds cells at an edge of the rectangle. Where the edges are longer than the
+// list, that is looked through.
+const CellRange* ArrayRanges::cut_by(const CellRange& cells) const {
+  const auto& [row_first, row_last, column_first, column_last] = cells;
+  const auto edges =
+      2 * static_cast<std::size_t>(row_last - row_first + column_last - column_first);
+  const auto is_cut = [&](const CellRange& range) {
+    return range.overlaps(cells) && !lies_in(range, cells);
+  };
+  if (edges > ranges_.size()) {
+    const auto found = std::ranges::find_if(ranges_, is_cut);
+    return found == ranges_.end() ? nullptr : &*found;
+  }
+  const auto cut_at = [&](int row, int column) {
+    const CellRange* found = find({row, column});
+    return found && is_cut(*found) ? found : nullptr;
+  };
+  for (const int row : {row_first, row_last})
+    for (int column = column_first; column <= column_last; ++column)
+      if (const CellRange* found = cut_at(row, column)) return found;
+  for (const int column : {column_first, column_last})
+    for (int row = row_first; row <= row_last; ++row)
+      if (const CellRange* found = cut_at(row, column)) return found;
+  return nullptr;
+}
+
+void ArrayRanges::remove_inside(const CellRange& cells) noexcept {
+  const auto removed =
+      std::erase_if(ranges_, [&](const CellRange& range) { return lies_in(range, cells); });
+  if (removed != 0) index_.clear();
 }
 
 }  // namespace engine

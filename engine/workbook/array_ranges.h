@@ -23,6 +23,12 @@ class ArrayRanges {
   // A range that holds the cell; null when none does.
   const CellRange* find(CellAddress at) const;
 
+  // A range of which a part and no more lies in a rectangle; null when there is none.
+  const CellRange* cut_by(const CellRange& cells) const;
+
+  // Removes those that lie in a rectangle.
+  void remove_inside(const CellRange& cells) noexcept;
+
   bool empty() const { return ranges_.empty(); }
   std::size_t size() const { return ranges_.size(); }
 

@@ -70,15 +70,20 @@ Cell& CellStore::at(Row& row, int column) {
   return *place;
 }
 
-void CellStore::erase(int row, int column) {
-  Row* at = find_row(row);
-  if (!at) return;
-  Cell* end = at->cells + at->count;
-  Cell* cell = first_from(at->span(), column);
-  if (cell == end || cell->column != column) return;
-  if (used_.is_edge(at->number, cell->column)) used_.known = false;
-  std::copy(cell + 1, end, cell);
-  --at->count;
+void CellStore::erase(const CellRange& range,
+                      const std::function<void(const Cell&)>& leave) noexcept {
+  const auto row_end = static_cast<std::uint32_t>(range.row_last) + 1;
+  for (const Row& row : rows(static_cast<std::uint32_t>(range.row_first), row_end)) {
+    if (row.count == 0) continue;
+    Row& at = *find_row(static_cast<int>(row.number));
+    Cell* const first = first_from(at.span(), range.column_first);
+    Cell* const last = first_from(at.span(), range.column_last + 1);
+    for (const Cell* cell = first; cell != last; ++cell) {
+      if (used_.is_edge(at.number, cell->column)) used_.known = false;
+      leave(*cell);
+    }
+    at.count = static_cast<std::uint16_t>(std::copy(last, at.cells + at.count, first) - at.cells);
+  }
 }
 
 void CellStore::grow(Row& row) {

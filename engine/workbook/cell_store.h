@@ -14,6 +14,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -129,7 +130,8 @@ class CellStore {
   Cell& at(int row, int column) { return at(row_at(row), column); }
   Cell& at(Row& row, int column);
 
-  void erase(int row, int column);
+  // Erases the cells of a range; `leave` is told of each before. Needs no memory.
+  void erase(const CellRange& range, const std::function<void(const Cell&)>& leave) noexcept;
 
   // The smallest rectangle around all cells; false when there is none.
   bool used_range(CellRange* range) const;

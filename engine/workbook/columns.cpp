@@ -1,7 +1,7 @@
 #include "engine/workbook/columns.h"
 
 #include <algorithm>
-#include <iterator>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -27,7 +27,7 @@ class Joined {
     }
     runs_.push_back(run);
   }
-  const std::vector<ColumnProperties>& runs() const { return runs_; }
+  std::vector<ColumnProperties> take() { return std::move(runs_); }
 
  private:
   std::vector<ColumnProperties> runs_;
@@ -39,38 +39,50 @@ ColumnProperties part(ColumnProperties run, int first, int last) {
   return run;
 }
 
-}  // namespace
-
-void Columns::change(int first, int last, const Edit& edit) {
-  // With the neighbours on both sides, which the outermost columns may become like.
-  const auto from = runs_.lower_bound(first - 1);
-  auto until = from;
+// The runs after an edit.
+std::vector<ColumnProperties> edited(std::span<const ColumnProperties> runs,
+                                     const Columns::Change& change) {
+  const auto& [first, last, edit] = change;
   Joined joined;
   int next = first;  // the first column that is not edited yet
-  const auto add_edited = [&](ColumnProperties run) {
-    if (run.first <= run.last) edit(run);
-    next = std::max(next, run.last + 1);
-    joined.add(run);
-  };
   const auto add_unknown = [&](int end) {
     if (next > end) return;
     ColumnProperties unknown;
     unknown.first = next;
     unknown.last = end;
-    ColumnProperties edited = unknown;
-    edit(edited);
-    next = end + 1;
-    if (edited != unknown) joined.add(edited);
+    ColumnProperties known = unknown;
+    edit(known);
+    if (known != unknown) joined.add(known);
   };
-  for (; until != runs_.end() && until->first <= last + 1; ++until) {
-    joined.add(part(*until, until->first, first - 1));
-    add_unknown(std::min(until->first - 1, last));
-    add_edited(part(*until, first, last));
-    joined.add(part(*until, last + 1, until->last));
+  for (const ColumnProperties& run : runs) {
+    joined.add(part(run, run.first, first - 1));
+    add_unknown(std::min(run.first - 1, last));
+    ColumnProperties inside = part(run, first, last);
+    if (inside.first <= inside.last) {
+      edit(inside);
+      joined.add(inside);
+    }
+    next = std::max(next, run.last + 1);
+    if (run.first > last) add_unknown(last);
+    joined.add(part(run, last + 1, run.last));
   }
   add_unknown(last);
-  Runs made(joined.runs().begin(), joined.runs().end());
-  runs_.erase(from, until);
+  return joined.take();
+}
+
+}  // namespace
+
+void Columns::change(std::initializer_list<Change> changes) {
+  const int first = std::ranges::min(changes, {}, &Change::first).first;
+  const int last = std::ranges::max(changes, {}, &Change::last).last;
+  // With the neighbours on both sides, which the outermost columns may become like.
+  const auto old_begin = runs_.lower_bound(first - 1);
+  auto old_end = old_begin;
+  while (old_end != runs_.end() && old_end->first <= last + 1) ++old_end;
+  std::vector<ColumnProperties> runs(old_begin, old_end);
+  for (const Change& one : changes) runs = edited(runs, one);
+  Runs made(runs.begin(), runs.end());
+  runs_.erase(old_begin, old_end);
   runs_.merge(made);
 }
 

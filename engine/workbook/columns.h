@@ -6,7 +6,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <optional>
+#include <ranges>
 #include <set>
 
 namespace engine {
@@ -49,6 +51,11 @@ class Columns {
   bool empty() const { return runs_.empty(); }
   std::size_t size() const { return runs_.size(); }
 
+  // Those that do not end before a column.
+  std::ranges::subrange<Runs::const_iterator> from(int column) const {
+    return {runs_.lower_bound(column), runs_.end()};
+  }
+
   // The run of a column; null when nothing is known of it.
   const ColumnProperties* find(int column) const {
     const auto found = runs_.lower_bound(column);
@@ -58,9 +65,14 @@ class Columns {
   // Behind all others, and never one with its neighbour.
   void append(const ColumnProperties& run) { runs_.insert(runs_.end(), run); }
 
-  // Edits the columns of a range, those of which nothing is known included. One that throws has
-  // changed nothing.
-  void change(int first, int last, const Edit& edit);
+  // Edits ranges of columns, one after the other; columns of which nothing is known included. All
+  // ranges together are one without a gap. What throws has changed nothing.
+  struct Change {
+    int first = 0;
+    int last = 0;
+    Edit edit;
+  };
+  void change(std::initializer_list<Change> changes);
 
   // Edits each run as a whole; needs no memory. Which columns it is must stay.
   void change_all(const Edit& edit) noexcept;

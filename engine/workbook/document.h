@@ -65,6 +65,12 @@ class Document {
     return {};
   }
 
+  // The ranges of a sheet that pivot tables fill, read or not.
+  virtual std::vector<CellRange> pivot_tables(const Workbook& /*book*/,
+                                              const Sheet& /*sheet*/) const {
+    return {};
+  }
+
   // A formula without what the format alone puts into it, which callers may write all the same;
   // nothing when it has none of that.
   virtual std::optional<std::string> shown_formula(const Workbook& /*book*/,

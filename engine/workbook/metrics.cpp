@@ -72,8 +72,7 @@ int column_pixels(const SheetContents& sheet, int column) {
 }
 
 int row_pixels(const SheetContents& sheet, int row) {
-  const Row* found = sheet.cells.find_row(row);
-  const RowProperties* its = found ? sheet.properties(*found) : nullptr;
+  const RowProperties* its = sheet.properties(row);
   return its ? pixels_of_row(sheet, *its) : pixels_of_points(sheet.default_row_height);
 }
 

@@ -1,6 +1,7 @@
 #include "engine/workbook/sheet.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "engine/formula/formula_text.h"
@@ -95,6 +96,20 @@ Cell& SheetContents::place(int row, int column, std::optional<std::uint32_t> sty
   return cell;
 }
 
+void SheetContents::erase_cells(const CellRange& range) noexcept {
+  cells.erase(range, [this](const Cell& cell) { forget_record(cell); });
+  arrays.remove_inside(range);
+}
+
+void SheetContents::clear(const CellRange& range) noexcept {
+  erase_cells(range);
+  auto comment = comments.lower_bound({range.row_first, range.column_first});
+  while (comment != comments.end() && comment->first.row <= range.row_last) {
+    const bool is_inside = range.contains(comment->first.row, comment->first.column);
+    comment = is_inside ? comments.erase(comment) : std::next(comment);
+  }
+}
+
 std::uint32_t SheetContents::keep_record(const CellRecord& record) {
   provide_record();
   const std::uint32_t index = take_record();
@@ -167,6 +182,11 @@ void SheetContents::drop_unused_texts() {
 
 const RowProperties* SheetContents::properties(const Row& row) const {
   return row.properties == 0 ? nullptr : &row_properties[row.properties - 1];
+}
+
+const RowProperties* SheetContents::properties(int row) const {
+  const Row* found = cells.find_row(row);
+  return found ? properties(*found) : nullptr;
 }
 
 RowProperties& SheetContents::properties_at(int row) {

@@ -21,6 +21,7 @@
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
 #include "engine/workbook/columns.h"
+#include "engine/workbook/merges.h"
 #include "engine/workbook/text_arena.h"
 
 namespace engine {
@@ -82,6 +83,9 @@ class SheetContents {
   std::optional<double> default_column_width;  // as the file stores widths
   int base_column_width = 8;  // characters, which count where there is no default width
   double default_row_height = 15;
+  Merges merges;
+  bool summary_below = true;  // of a group of rows
+  bool summary_right = true;  // of a group of columns
   ArrayRanges arrays;
   // The records that hold the formulas of arrays whose first cell is none of the loaded ones, by
   // that cell.
@@ -127,6 +131,12 @@ class SheetContents {
 
   // Makes a cell of the value or record, for a codec that reads a sheet. The formula of a record
   // has been kept, and so has its extra.
+  // Empties the cells of a range, which cuts no array; with their comments or without. Neither
+  // needs memory.
+  void clear(const CellRange& range) noexcept;
+  void erase_cells(const CellRange& range) noexcept;
+
+  // Makes a cell of the value or record, for a codec that reads a sheet.
   static Cell make_cell(int column, Value value, std::uint32_t style);
   std::uint32_t keep_record(const CellRecord& record);
   std::uint32_t keep_extra(CellExtra extra);
@@ -143,6 +153,8 @@ class SheetContents {
   const BlockList<CellRecord>& records() const { return records_; }
 
   const RowProperties* properties(const Row& row) const;
+  // What is known of a row; null when that is nothing.
+  const RowProperties* properties(int row) const;
   RowProperties& properties_at(int row);
 
  private:

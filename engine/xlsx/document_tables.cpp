@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "engine/formula/formula_text.h"
+#include "engine/formula/reference.h"
 #include "engine/package/file_error.h"
+#include "engine/package/xml_tree.h"
 #include "engine/text/number_text.h"
 #include "engine/workbook/sheet_operations.h"
 #include "engine/xlsx/document.h"
@@ -105,6 +107,26 @@ std::vector<Table> Document::tables(const Workbook& book, const Sheet& sheet) co
   for (const TablePart& table : tables_of(book, part_of(sheet)))
     all.push_back({table.name, table.cells});
   return all;
+}
+
+// One that cannot be read fills no range that anybody knows of.
+std::vector<CellRange> Document::pivot_tables(const Workbook& book, const Sheet& sheet) const {
+  const SheetPart& its = part_of(sheet);
+  if (its.pivot_tables) return *its.pivot_tables;
+  std::vector<CellRange> ranges;
+  for (const Relationship& one : parts_.relationships(its.part)) {
+    const Part* part = one.kind() == "pivotTable" ? parts_.target(its.part, one) : nullptr;
+    if (!part) continue;
+    try {
+      const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
+      const auto location = package::child(tree.root(), package::Family::Main, "location");
+      const auto range = formula::parse_range(location.attribute("ref").value(), book.limits.grid);
+      if (range) ranges.push_back(*range);
+    } catch (const package::FileError&) {
+      continue;
+    }
+  }
+  return its.pivot_tables.emplace(std::move(ranges));
 }
 
 // The texts of header cells that differ from the names of their columns. A difference that the file

@@ -42,6 +42,8 @@ struct SheetPart {
 
   // Its tables that can be read, once somebody asked for them.
   mutable std::optional<std::vector<TablePart>> tables;
+  // The ranges of its pivot tables, likewise.
+  mutable std::optional<std::vector<CellRange>> pivot_tables;
 
   // Of a sheet that is a copy: what header cells of tables showed when it was made, where that is
   // not the name of the column.

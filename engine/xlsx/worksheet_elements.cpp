@@ -15,6 +15,7 @@
 #include "engine/xlsx/elements/conditions.h"
 #include "engine/xlsx/elements/drawings.h"
 #include "engine/xlsx/elements/links.h"
+#include "engine/xlsx/elements/merges.h"
 #include "engine/xlsx/elements/notes.h"
 #include "engine/xlsx/elements/sheet_views.h"
 #include "engine/xlsx/elements/sizes.h"
@@ -40,7 +41,6 @@ constexpr CellsAttribute kAutoFilter[] = {{{}, "ref", CellsForm::kRange},
                                           {"sortCondition", "ref", CellsForm::kRange}};
 constexpr CellsAttribute kSortState[] = {{{}, "ref", CellsForm::kRange},
                                          {"sortCondition", "ref", CellsForm::kRange}};
-constexpr CellsAttribute kMergedCells[] = {{"mergeCell", "ref", CellsForm::kRange}};
 constexpr CellsAttribute kValidations[] = {{"dataValidation", "sqref", CellsForm::kRanges}};
 constexpr CellsAttribute kHyperlinks[] = {{"hyperlink", "ref", CellsForm::kRange}};
 constexpr CellsAttribute kWatches[] = {{"cellWatch", "r", CellsForm::kCell}};
@@ -48,7 +48,10 @@ constexpr CellsAttribute kIgnoredErrors[] = {{"ignoredError", "sqref", CellsForm
 constexpr CellsAttribute kSmartTags[] = {{"cellSmartTags", "r", CellsForm::kCell}};
 
 constexpr auto kElements = std::to_array<WorksheetElement>({
-    {.name = "sheetPr", .copy = copy_sheet_properties},
+    {.name = "sheetPr",
+     .read = read_outline,
+     .patch = patch_outline,
+     .copy = copy_sheet_properties},
     {.name = "dimension", .patch = patch_dimension, .cells = kRef},
     {.name = "sheetViews",
      .read = read_views,
@@ -66,7 +69,7 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "sortState", .cells = kSortState},
     {.name = "dataConsolidate", .copy = copy_consolidation},
     {.name = "customSheetViews", .copy = copy_custom_views, .cells = kViews},
-    {.name = "mergeCells", .cells = kMergedCells},
+    {.name = "mergeCells", .read = read_merges, .patch = patch_merges},
     {.name = "phoneticPr"},
     {.name = "conditionalFormatting", .formulas = collect_conditional_format, .cells = kSqref},
     {.name = "dataValidations", .formulas = collect_validations, .cells = kValidations},

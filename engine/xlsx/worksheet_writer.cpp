@@ -319,7 +319,7 @@ void WorksheetText::make(std::size_t block, std::string& out) const {
 
 void WorksheetText::write_row(TextBuffer& out, const RowRun& run, const Row& row) const {
   const RowProperties* properties = run.sheet->properties(row);
-  if (row.count == 0 && !properties) return;
+  if (row.count == 0 && (!properties || *properties == RowProperties())) return;
   RowNumber number;
   number.number = static_cast<int>(row.number);
   auto& [digits, size] = number.text;

@@ -44,4 +44,42 @@ TEST(ArrayRanges, AgreeWithASearchOfAll) {
   }
 }
 
+// By looking along the edges and by looking through the list, for small rectangles and large ones.
+TEST(ArrayRanges, AreCutByRectanglesOrLieInThem) {
+  std::mt19937 random(4);
+  const auto some_range = [&](unsigned size) {
+    const auto below = [&](unsigned end) { return static_cast<int>(random() % end); };
+    const int row = below(100);
+    const int column = below(40);
+    return CellRange{row, row + below(size), column, column + below(size)};
+  };
+  ArrayRanges ranges;
+  std::vector<CellRange> all;
+  while (all.size() < 60) {
+    const CellRange range = some_range(5);
+    if (std::ranges::any_of(all, [&](const CellRange& one) { return one.overlaps(range); }))
+      continue;
+    ranges.add(range);
+    all.push_back(range);
+  }
+  for (int round = 0; round < 2000; ++round) {
+    const CellRange cells = some_range(round % 2 == 0 ? 4 : 60);
+    const auto lies_in = [&](const CellRange& range) {
+      return cells.contains(range.row_first, range.column_first) &&
+             cells.contains(range.row_last, range.column_last);
+    };
+    const auto is_cut = [&](const CellRange& range) {
+      return range.overlaps(cells) && !lies_in(range);
+    };
+    const CellRange* found = ranges.cut_by(cells);
+    ASSERT_EQ(found != nullptr, std::ranges::any_of(all, is_cut));
+    if (found) ASSERT_TRUE(is_cut(*found));
+    if (round % 100 != 0) continue;
+    ranges.remove_inside(cells);
+    std::erase_if(all, lies_in);
+    ASSERT_EQ(ranges.size(), all.size());
+    for (const CellRange& left : all) ASSERT_TRUE(ranges.find({left.row_last, left.column_last}));
+  }
+}
+
 }  // namespace

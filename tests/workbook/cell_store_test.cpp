@@ -65,7 +65,7 @@ TEST(CellStore, AgreesWithAMapInAnyOrder) {
       const int row = static_cast<int>(random() % 300 * distance);
       const int column = static_cast<int>(random() % 120);
       if (random() % 5 == 0) {
-        store.erase(row, column);
+        store.erase({row, row, column, column}, [](const Cell&) {});
         model.erase({row, column});
       } else {
         put(store, row, column, step);
@@ -147,7 +147,7 @@ TEST(CellStore, CountsRowsWithoutCellsAsUnused) {
   put(store, 9, 4, 1);
   ASSERT_TRUE(store.used_range(&range));
   EXPECT_EQ(range, (CellRange{9, 9, 4, 4}));
-  store.erase(9, 4);
+  store.erase({9, 9, 4, 4}, [](const Cell&) {});
   EXPECT_FALSE(store.used_range(&range));
 }
 

@@ -18,12 +18,13 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
     formula::Move move;
     const char* moved;
   } cases[] = {
-      {R"(<mergeCells count="2"><mergeCell ref="A1:B2"/><mergeCell ref="A5:B6"/></mergeCells>)",
+      {R"(<ignoredErrors><ignoredError sqref="A1:B2"/><ignoredError sqref="A5:B6"/></ignoredErrors>)",
        {Axis::kRows, Kind::kInsert, 1, 3},
-       R"(<mergeCells count="2"><mergeCell ref="A1:B5"/><mergeCell ref="A8:B9"/></mergeCells>)"},
-      {R"(<mergeCells count="2"><mergeCell ref="A1:B2"/><mergeCell ref="A5:B6"/></mergeCells>)",
+       R"(<ignoredErrors><ignoredError sqref="A1:B5"/><ignoredError sqref="A8:B9"/></ignoredErrors>)"},
+      {R"(<dataValidations count="2"><dataValidation sqref="A1:B2"/><dataValidation )"
+       R"(sqref="A5:B6"/></dataValidations>)",
        {Axis::kRows, Kind::kRemove, 4, 2},
-       R"(<mergeCells count="1"><mergeCell ref="A1:B2"/></mergeCells>)"},
+       R"(<dataValidations count="1"><dataValidation sqref="A1:B2"/></dataValidations>)"},
       {R"(<hyperlinks><hyperlink ref="C3"/></hyperlinks>)",
        {Axis::kColumns, Kind::kRemove, 2, 1},
        ""},
@@ -38,7 +39,7 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
        {Axis::kRows, Kind::kRemove, 0, 20},
        ""},
       {R"(<own ref="A5"/><phoneticPr fontId="5"/>)", {Axis::kRows, Kind::kInsert, 0, 1}, nullptr},
-      {R"(<mergeCells><mergeCell ref="A:B"/></mergeCells>)",
+      {R"(<ignoredErrors><ignoredError sqref="A:B"/></ignoredErrors>)",
        {Axis::kRows, Kind::kInsert, 3, 1},
        nullptr},
   };

@@ -281,8 +281,10 @@ TEST(Worksheet, ColumnsAndRowsFollowTheModel) {
   EXPECT_TRUE(row.hidden && row.collapsed && row.outline_level == 2 && !row.style);
   ASSERT_EQ(sheet.contents().columns.size(), 2u);
   EXPECT_EQ(sheet.contents().columns.find(3)->last, 16383);
-  sheet.change().columns.change(0, 0, [](ColumnProperties& run) { run.hidden = false; });
-  sheet.change().columns.change(10, 16383, [](ColumnProperties& run) { run.outline_level = 2; });
+  const auto show = [](ColumnProperties& run) { run.hidden = false; };
+  const auto deepen = [](ColumnProperties& run) { run.outline_level = 2; };
+  sheet.change().columns.change({{0, 0, show}});
+  sheet.change().columns.change({{10, 16383, deepen}});
   sheet.change().properties_at(7).height = 33;
   const std::string saved = unzip(book->save()).at("xl/worksheets/sheet1.xml");
   EXPECT_THAT(saved, HasSubstr(R"(<col min="1" max="1" width="20" customWidth="1"/>)"
