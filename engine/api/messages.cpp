@@ -175,6 +175,23 @@ std::string bound_formula(CellAddress cell) {
               " holds the formula of other cells too, which is not understood");
 }
 
+std::string merge_of_one_cell(CellAddress cell) {
+  return join("merged range ", cell_text(cell), " is a single cell");
+}
+
+std::string overlaps_merge(const CellRange& range, const CellRange& merge) {
+  return join("range ", formula::print_range(range), " overlaps merged range ",
+              formula::print_range(merge));
+}
+
+std::string overlaps_table(const CellRange& range, std::string_view table) {
+  return join("range ", formula::print_range(range), " overlaps table ", quoted(table));
+}
+
+std::string overlaps_pivot_table(const CellRange& range) {
+  return join("range ", formula::print_range(range), " overlaps a pivot table");
+}
+
 std::string formula_error(std::string_view formula, const formula::ParseError& error,
                           const Grid& grid) {
   using Kind = formula::ParseError::Kind;

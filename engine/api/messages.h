@@ -59,6 +59,12 @@ std::string wrong_kind(CellAddress cell, std::string_view holds, std::string_vie
 std::string part_of_array(CellAddress cell, const CellRange& array);
 std::string bound_formula(CellAddress cell);
 
+// Ranges that must not meet others.
+std::string merge_of_one_cell(CellAddress cell);
+std::string overlaps_merge(const CellRange& range, const CellRange& merge);
+std::string overlaps_table(const CellRange& range, std::string_view table);
+std::string overlaps_pivot_table(const CellRange& range);
+
 // Formulas.
 std::string formula_error(std::string_view formula, const formula::ParseError& error,
                           const Grid& grid);

@@ -2,25 +2,36 @@
 
 #include "engine/api/format.h"
 #include "engine/api/messages.h"
+#include "engine/api/outputs.h"
 #include "engine/formula/reference.h"
 #include "engine/text/wide.h"
 #include "engine/workbook/sheet_operations.h"
 
 namespace engine::api {
 
-namespace {
-
-template <class T>
-void give(T* out, T value) {
-  if (out) *out = value;
-}
-
-}  // namespace
-
 bool SheetObject::refuse_cell(int row, int column) const {
   const Grid& grid = limits().grid;
   if (row < 0 || row >= grid.rows) return book_.refuse(false, messages::row(row, grid));
   return book_.refuse(false, messages::column(column, grid));
+}
+
+bool SheetObject::check_rows(int first, int last) const { return check_range({first, last, 0, 0}); }
+
+bool SheetObject::check_columns(int first, int last) const {
+  return check_range({0, 0, first, last});
+}
+
+bool SheetObject::check_range(const CellRange& range) const {
+  const auto& [row_first, row_last, column_first, column_last] = range;
+  const Grid& grid = limits().grid;
+  for (const int row : {row_first, row_last})
+    if (row < 0 || row >= grid.rows) return book_.refuse(false, messages::row(row, grid));
+  for (const int column : {column_first, column_last})
+    if (column < 0 || column >= grid.columns)
+      return book_.refuse(false, messages::column(column, grid));
+  if (row_first > row_last) return book_.refuse(false, messages::row_order(row_first, row_last));
+  return column_first <= column_last ||
+         book_.refuse(false, messages::column_order(column_first, column_last));
 }
 
 bool SheetObject::check_format(const libxl::Format* format, Style* style) const {
@@ -36,6 +47,12 @@ bool SheetObject::find_loaded(int row) const {
   const CellRange& rows = sheet_->loaded_rows;
   if (row >= rows.row_first && row <= rows.row_last) return true;
   return book_.refuse(false, messages::row_not_loaded(row, sheet_->name()));
+}
+
+bool SheetObject::check_loaded_rows(int first, int last) const {
+  if (!check_loaded(first)) return false;
+  const int behind = sheet_->loaded_rows.row_last + 1;
+  return sheet_->loading != Loading::kPartly || last < behind || check_loaded(behind);
 }
 
 bool SheetObject::check_writable(int row, int column) const {

@@ -53,6 +53,31 @@ class SheetObject final : public UnsupportedSheet {
   libxl::ErrorType readError(int row, int column) const override;
   void writeError(int row, int column, libxl::ErrorType error, libxl::Format* format) override;
 
+  // Sizes, hidden rows and columns, groups, merged ranges, cleared and copied cells.
+  double colWidth(int column) const override;
+  double rowHeight(int row) const override;
+  bool setCol(int colFirst, int colLast, double width, libxl::Format* format, bool hidden) override;
+  bool setRow(int row, double height, libxl::Format* format, bool hidden) override;
+  bool rowHidden(int row) const override;
+  bool setRowHidden(int row, bool hidden) override;
+  bool colHidden(int column) const override;
+  bool setColHidden(int column, bool hidden) override;
+  bool groupRows(int rowFirst, int rowLast, bool collapsed) override;
+  bool groupCols(int colFirst, int colLast, bool collapsed) override;
+  bool groupSummaryBelow() const override;
+  void setGroupSummaryBelow(bool below) override;
+  bool groupSummaryRight() const override;
+  void setGroupSummaryRight(bool right) override;
+  bool getMerge(int row, int column, int* rowFirst, int* rowLast, int* colFirst,
+                int* colLast) override;
+  bool setMerge(int rowFirst, int rowLast, int colFirst, int colLast) override;
+  bool delMerge(int row, int column) override;
+  int mergeSize() const override;
+  bool merge(int index, int* rowFirst, int* rowLast, int* colFirst, int* colLast) override;
+  bool delMergeByIndex(int index) override;
+  void clear(int rowFirst, int rowLast, int colFirst, int colLast) override;
+  bool copyCell(int rowSrc, int colSrc, int rowDst, int colDst) override;
+
   int firstRow() const override;
   int lastRow() const override;
   int firstCol() const override;
@@ -76,12 +101,17 @@ class SheetObject final : public UnsupportedSheet {
       return true;
     return refuse_cell(row, column);
   }
+  // Of the grid, the first ones not after the last.
+  bool check_rows(int first, int last) const;
+  bool check_columns(int first, int last) const;
+  bool check_range(const CellRange& range) const;
   bool check_format(const libxl::Format* format, Style* style) const;
   bool check_loaded(int row) const {
     if (sheet_->loading != Loading::kPartly) [[likely]]
       return true;
     return find_loaded(row);
   }
+  bool check_loaded_rows(int first, int last) const;
   // What follows the arguments of a write: the row is loaded, the cell stands in no array.
   bool check_writable(int row, int column) const;
   // The steps before an operation looks at a cell, and those before it writes one.
@@ -92,6 +122,11 @@ class SheetObject final : public UnsupportedSheet {
   bool check_error(int error) const;
   bool check_comments() const;
   bool check_pixels(std::string_view property, int pixels) const;
+
+  // -1 stands for a size that follows the contents.
+  bool check_size(std::string_view property, double size, double limit) const;
+  bool check_mergeable(const CellRange& range) const;
+  bool check_merge(int index) const;
 
   bool refuse_cell(int row, int column) const;
   bool find_loaded(int row) const;
@@ -104,6 +139,7 @@ class SheetObject final : public UnsupportedSheet {
 
   bool put(int row, int column, Value value, Style style);
   bool put_formula(int row, int column, std::string_view formula, Value value, Style style);
+  bool add_group(formula::Axis axis, int first, int last, bool collapsed);
   // Takes a text into text_. False, with the message set, when it is too long.
   bool take_text(const wchar_t* value, std::string_view what, std::size_t limit);
   // The text of a formula as the model keeps it, valid until the book's next one; nothing, with

@@ -12,36 +12,10 @@ namespace engine::api {
 
 class UnsupportedSheet : public libxl::Sheet, public BookPart {
  public:
-  double colWidth(int) const override { return unsupported(0.0, "colWidth"); }
-  double rowHeight(int) const override { return unsupported(0.0, "rowHeight"); }
-  bool setCol(int, int, double, libxl::Format*, bool) override {
-    return unsupported(false, "setCol");
-  }
-  bool setRow(int, double, libxl::Format*, bool) override { return unsupported(false, "setRow"); }
-  bool rowHidden(int) const override { return unsupported(false, "rowHidden"); }
-  bool setRowHidden(int, bool) override { return unsupported(false, "setRowHidden"); }
-  bool colHidden(int) const override { return unsupported(false, "colHidden"); }
-  bool setColHidden(int, bool) override { return unsupported(false, "setColHidden"); }
-  bool getMerge(int, int, int*, int*, int*, int*) override {
-    return unsupported(false, "getMerge");
-  }
-  bool setMerge(int, int, int, int) override { return unsupported(false, "setMerge"); }
-  bool delMerge(int, int) override { return unsupported(false, "delMerge"); }
-  int mergeSize() const override { return unsupported(0, "mergeSize"); }
-  bool merge(int, int*, int*, int*, int*) override { return unsupported(false, "merge"); }
-  bool delMergeByIndex(int) override { return unsupported(false, "delMergeByIndex"); }
-  bool groupRows(int, int, bool) override { return unsupported(false, "groupRows"); }
-  bool groupCols(int, int, bool) override { return unsupported(false, "groupCols"); }
-  bool groupSummaryBelow() const override { return unsupported(false, "groupSummaryBelow"); }
-  void setGroupSummaryBelow(bool) override { unsupported("setGroupSummaryBelow"); }
-  bool groupSummaryRight() const override { return unsupported(false, "groupSummaryRight"); }
-  void setGroupSummaryRight(bool) override { unsupported("setGroupSummaryRight"); }
-  void clear(int, int, int, int) override { unsupported("clear"); }
   bool insertRow(int, int, bool) override { return unsupported(false, "insertRow"); }
   bool insertCol(int, int, bool) override { return unsupported(false, "insertCol"); }
   bool removeRow(int, int, bool) override { return unsupported(false, "removeRow"); }
   bool removeCol(int, int, bool) override { return unsupported(false, "removeCol"); }
-  bool copyCell(int, int, int, int) override { return unsupported(false, "copyCell"); }
   void setAutoFitArea(int, int, int, int) override { unsupported("setAutoFitArea"); }
   int pictureSize() const override { return unsupported(0, "pictureSize"); }
   int getPicture(int, int*, int*, int*, int*, int*, int*, int*, int*,

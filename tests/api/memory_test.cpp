@@ -122,6 +122,14 @@ const Operation kOperations[] = {
     {"setName", whole_book, [](Stage& s) { s.book->font(1)->setName(L"A font of a long name"); }},
     {"setDefaultFont", whole_book,
      [](Stage& s) { s.book->setDefaultFont(L"A font of a long name", 20); }},
+    {"setCol", whole_book, [](Stage& s) { s.sheet->setCol(1, 5, 12, s.book->format(1)); },
+     [](Stage& s) { s.sheet->setCol(0, 0, 3); }},
+    {"setRow", new_book, [](Stage& s) { s.sheet->setRow(900, 33, s.book->format(0), true); }},
+    {"groupRows", new_book, [](Stage& s) { s.sheet->groupRows(100, 230); }},
+    {"groupCols", whole_book, [](Stage& s) { s.sheet->groupCols(1, 8); }},
+    {"setMerge", whole_book, [](Stage& s) { s.sheet->setMerge(10, 12, 3, 4); }},
+    {"clear", whole_book, [](Stage& s) { s.sheet->clear(0, 20, 1, 9); }},
+    {"copyCell", whole_book, [](Stage& s) { s.sheet->copyCell(2, 3, 900, 9); }},
     {"refusal", new_book, [](Stage& s) { s.sheet->writeNum(-1, 0, 1); }},
 };
 

@@ -119,10 +119,64 @@ const Refusal kCells[] = {
      "the sheet is no longer in the book"},
     {"deleted sheet's name", [](Refusing& s) { return !s.gone->name(); },
      "the sheet is no longer in the book"},
-    {"not done yet", [](Refusing& s) { return !s.sheet->setMerge(0, 1, 0, 1); },
-     "setMerge is not supported yet"},
-    {"not done yet, deleted", [](Refusing& s) { return !s.gone->setMerge(0, 1, 0, 1); },
+    {"not done yet", [](Refusing& s) { return s.sheet->pictureSize() == 0; },
+     "pictureSize is not supported yet"},
+    {"not done yet, deleted", [](Refusing& s) { return s.gone->pictureSize() == 0; },
      "the sheet is no longer in the book"},
+};
+
+const Refusal kShape[] = {
+    {"column", [](Refusing& s) { return s.sheet->colWidth(16384) == 0; },
+     "column 16384 is out of range 0..16383"},
+    {"columns before their order", [](Refusing& s) { return !s.sheet->setCol(5, -1, 256); },
+     "column -1 is out of range 0..16383"},
+    {"order before width", [](Refusing& s) { return !s.sheet->setCol(5, 4, 256); },
+     "first column 5 is after last column 4"},
+    {"width", [](Refusing& s) { return !s.sheet->setCol(4, 5, 255.5, s.other.book->format(0)); },
+     "column width 255.5 is out of range 0..255"},
+    {"width below", [](Refusing& s) { return !s.sheet->setCol(4, 5, -0.5); },
+     "column width -0.5 is out of range 0..255"},
+    {"no width", [](Refusing& s) { return !s.sheet->setCol(4, 5, kNaN); },
+     "column width is not a finite number"},
+    {"other book's format",
+     [](Refusing& s) { return !s.sheet->setCol(4, 5, 9, s.other.book->format(0)); },
+     "the format belongs to another book"},
+    {"height", [](Refusing& s) { return !s.sheet->setRow(0, 410); },
+     "row height 410 is out of range 0..409.5"},
+    {"deep groups",
+     [](Refusing& s) {
+       for (int level = 1; level <= 7; ++level) s.sheet->groupRows(level, 20, false);
+       return !s.sheet->rowHidden(0) && !s.sheet->groupRows(0, 7);
+     },
+     "outline level 8 is out of range 1..7"},
+    {"deep groups of columns",
+     [](Refusing& s) {
+       for (int level = 1; level <= 7; ++level) s.sheet->groupCols(9, 9, false);
+       return !s.sheet->groupCols(0, 9);
+     },
+     "outline level 8 is out of range 1..7"},
+    {"merge of one cell", [](Refusing& s) { return !s.sheet->setMerge(2, 2, 1, 1); },
+     "merged range B3 is a single cell"},
+    {"merge over another",
+     [](Refusing& s) {
+       s.sheet->setMerge(0, 1, 0, 1);
+       return !s.sheet->setMerge(1, 5, 1, 1) && !s.sheet->setMerge(0, 9, 0, 9);
+     },
+     "range A1:J10 overlaps merged range A1:B2"},
+    {"merge's rows before its columns", [](Refusing& s) { return !s.sheet->setMerge(3, 2, 1, 0); },
+     "first row 3 is after last row 2"},
+    {"no merge", [](Refusing& s) { return !s.sheet->delMergeByIndex(0); },
+     "merged range 0 is out of range: there are none"},
+    {"merge index",
+     [](Refusing& s) {
+       s.sheet->setMerge(0, 1, 0, 1);
+       return !s.sheet->merge(1, nullptr, nullptr, nullptr, nullptr);
+     },
+     "merged range 1 is out of range 0..0"},
+    {"clear", [](Refusing& s) { return s.sheet->clear(5, -1), true; },
+     "first row 5 is after last row -1"},
+    {"copy", [](Refusing& s) { return !s.sheet->copyCell(0, 0, 0, -1); },
+     "column -1 is out of range 0..16383"},
 };
 
 const Refusal kBook[] = {
@@ -207,6 +261,8 @@ void expect_refusals(std::span<const Refusal> cases) {
 }
 
 TEST(Refusals, Cells) { expect_refusals(kCells); }
+
+TEST(Refusals, Shape) { expect_refusals(kShape); }
 
 TEST(Refusals, Book) { expect_refusals(kBook); }
 

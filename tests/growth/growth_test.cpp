@@ -160,6 +160,66 @@ void sheets_copied_and_deleted(int n) {
   }
 }
 
+// Found by their cells, tested for overlaps and removed by their number, in turn with questions.
+void merges(int n) {
+  Stage stage;
+  for (int i = 0; i < n; ++i) {
+    EXPECT_TRUE(stage.sheet->setMerge(i / 5, i / 5, i % 5 * 3, i % 5 * 3 + 1 + i % 2));
+    EXPECT_FALSE(stage.sheet->setMerge(i / 10, i / 10, 0, 16383));
+  }
+  EXPECT_TRUE(stage.reload());
+  for (int i = 0; i < n; ++i) {
+    int row = -1;
+    EXPECT_TRUE(stage.sheet->getMerge(i / 5, i % 5 * 3 + 1, &row, nullptr, nullptr, nullptr));
+    EXPECT_EQ(row, i / 5);
+  }
+  for (int i = n; i > 0; i -= 2) {
+    EXPECT_TRUE(stage.sheet->delMergeByIndex(i / 2));
+    EXPECT_TRUE(stage.sheet->merge(i / 3, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_TRUE(stage.sheet->delMergeByIndex(0));
+  }
+  EXPECT_EQ(stage.sheet->mergeSize(), 0);
+}
+
+void overlapping_merges_of_a_file(int n) {
+  std::string list = "<mergeCells>";
+  for (int i = 1; i <= n; ++i) list += "<mergeCell ref=\"A" + std::to_string(i) + ":Z1048576\"/>";
+  const std::string bytes = engine::xlsx::zip(
+      engine::xlsx::book_of(engine::xlsx::worksheet({}, {}, list + "</mergeCells>")));
+  Stage stage;
+  EXPECT_TRUE(stage.book->loadRaw(bytes.data(), static_cast<unsigned>(bytes.size())));
+  stage.sheet = stage.book->getSheet(0);
+  EXPECT_EQ(stage.sheet->mergeSize(), n);
+  for (int i = 0; i < n; ++i) {
+    EXPECT_TRUE(stage.sheet->getMerge(i, 1, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(stage.sheet->getMerge(i, 26, nullptr, nullptr, nullptr, nullptr));
+  }
+}
+
+void columns_from_the_last_one(int n) {
+  Stage stage;
+  for (int column = n; column-- > 0;) {
+    EXPECT_TRUE(stage.sheet->setCol(column, column, 1 + column % 9));
+    EXPECT_TRUE(stage.sheet->groupCols(column, column, column % 2 == 0));
+  }
+}
+
+void rows_of_their_own_size(int n) {
+  Stage stage;
+  for (int row = 0; row < n; ++row) EXPECT_TRUE(stage.sheet->setRow(row, 1 + row % 9));
+  EXPECT_TRUE(stage.sheet->groupRows(0, n - 1));
+}
+
+void cells_cleared_one_by_one(int n) {
+  Stage stage;
+  for (int row = 0; row < n; ++row) {
+    stage.sheet->writeFormula(row, 0, L"B1+1");
+    stage.sheet->writeComment(row, 0, L"note");
+  }
+  for (int row = n; row-- > 0;) stage.sheet->clear(row, row, 0, 0);
+  EXPECT_EQ(stage.sheet->lastRow(), 0);
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -177,6 +237,11 @@ constexpr Case kCases[] = {
     {"formulas loaded", formulas_loaded, 12000},
     {"rows in descending order", rows_in_descending_order, 12000},
     {"different errors", different_errors, 6000},
+    {"merges", merges, 6000},
+    {"overlapping merges of a file", overlapping_merges_of_a_file, 6000},
+    {"columns from the last one", columns_from_the_last_one, 6000},
+    {"rows of their own size", rows_of_their_own_size, 12000},
+    {"cells cleared one by one", cells_cleared_one_by_one, 6000},
     {"arrays over one another", arrays_over_one_another, 3000},
     {"sheets added", sheets_added, 1500},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},
