@@ -77,6 +77,7 @@ class SheetObject final : public UnsupportedSheet {
   bool delMergeByIndex(int index) override;
   void clear(int rowFirst, int rowLast, int colFirst, int colLast) override;
   bool copyCell(int rowSrc, int colSrc, int rowDst, int colDst) override;
+  void setAutoFitArea(int rowFirst, int colFirst, int rowLast, int colLast) override;
 
   int firstRow() const override;
   int lastRow() const override;

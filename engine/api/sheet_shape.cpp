@@ -7,6 +7,7 @@
 #include "engine/api/outputs.h"
 #include "engine/api/sheet_object.h"
 #include "engine/formula/formula_text.h"
+#include "engine/workbook/auto_fit.h"
 #include "engine/workbook/metrics.h"
 #include "engine/workbook/outline.h"
 
@@ -17,6 +18,7 @@ namespace {
 using formula::Axis;
 
 constexpr double kAutomatic = -1;     // a size that follows the contents
+constexpr int kOpenEnd = -1;          // of an area: the end of the used range
 constexpr double kMaxWidth = 255;     // characters
 constexpr double kMaxHeight = 409.5;  // points
 
@@ -33,8 +35,10 @@ bool SheetObject::check_size(std::string_view property, double size, double limi
 double SheetObject::colWidth(int column) const {
   return run(0, [&]() -> double {
     if (!check_columns(column, column)) return 0;
-    return characters_of_pixels(unhidden_column_pixels(contents(), column),
-                                contents().digit_pixels);
+    const auto fitted = fitted_pixels(book_.workbook(), contents(), column);
+    const int pixels =
+        fitted.empty() ? unhidden_column_pixels(contents(), column) : fitted.at(column);
+    return characters_of_pixels(pixels, contents().digit_pixels);
   });
 }
 
@@ -291,6 +295,16 @@ bool SheetObject::copyCell(int rowSrc, int colSrc, int rowDst, int colDst) {
     const std::string_view text = contents().formula(*record, anchor, grid, text_);
     const auto shifted = formula::shift_text(text, rowDst - rowSrc, colDst - colSrc, grid);
     return put_formula(rowDst, colDst, shifted ? *shifted : std::string(text), value, cell.style);
+  });
+}
+
+// Where the area reaches to the end of the used range its first row and column still have to exist.
+void SheetObject::setAutoFitArea(int rowFirst, int colFirst, int rowLast, int colLast) {
+  run([&] {
+    const CellRange stated = {rowFirst, rowLast == kOpenEnd ? rowFirst : rowLast, colFirst,
+                              colLast == kOpenEnd ? colFirst : colLast};
+    if (check_range(stated))
+      sheet_->change().fit_area = FitArea{rowFirst, colFirst, rowLast, colLast};
   });
 }
 

@@ -16,7 +16,6 @@ class UnsupportedSheet : public libxl::Sheet, public BookPart {
   bool insertCol(int, int, bool) override { return unsupported(false, "insertCol"); }
   bool removeRow(int, int, bool) override { return unsupported(false, "removeRow"); }
   bool removeCol(int, int, bool) override { return unsupported(false, "removeCol"); }
-  void setAutoFitArea(int, int, int, int) override { unsupported("setAutoFitArea"); }
   int pictureSize() const override { return unsupported(0, "pictureSize"); }
   int getPicture(int, int*, int*, int*, int*, int*, int*, int*, int*,
                  const wchar_t**) const override {

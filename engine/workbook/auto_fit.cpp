@@ -36,12 +36,15 @@ class Measuring {
     if (!sheet.cells.used_range(&used)) return;
     const auto mark = [&](int first, int last, int row_first, int row_last) {
       first = std::max(first, only.value_or(first));
-      last = std::min(last, only.value_or(last));
-      for (int column = first; column <= std::min(last, used.column_last); ++column)
+      last = std::min({last, only.value_or(last), used.column_last});
+      for (int column = first; column <= last; ++column)
         marked_.insert_or_assign(column, Column{row_first, row_last, 0});
     };
-    for (const ColumnProperties& run : sheet.columns)
+    const auto mark_run = [&](const ColumnProperties& run) {
       if (run.auto_fit) mark(run.first, run.last, 0, used.row_last);
+    };
+    if (!only) std::ranges::for_each(sheet.columns, mark_run);
+    else if (const ColumnProperties* run = sheet.columns.find(*only)) mark_run(*run);
     if (!sheet.fit_area) return;
     const auto end = [](int stated, int of_used) { return stated < 0 ? of_used : stated; };
     mark(sheet.fit_area->column_first, end(sheet.fit_area->column_last, used.column_last),
@@ -77,6 +80,8 @@ class Measuring {
       if (found == marked_.end()) continue;
       Column& column = found->second;
       if (number < column.row_first || number > column.row_last) continue;
+      const CellRange* merge = sheet_.merges.find({number, cell.column});
+      if (merge && merge->column_first != merge->column_last) continue;
       column.text = std::max(column.text, width_of(cell, column.text));
     }
   }
@@ -118,14 +123,29 @@ std::map<int, int> fitted_pixels(const Workbook& book, const SheetContents& shee
   return Measuring(book, sheet, column).measure();
 }
 
+std::optional<FitArea> moved(const FitArea& area, const formula::Move& move, const Grid& grid) {
+  const bool rows = move.axis == formula::Axis::kRows;
+  FitArea after = area;
+  int& first = rows ? after.row_first : after.column_first;
+  int& last = rows ? after.row_last : after.column_last;
+  const int size = rows ? grid.rows : grid.columns;
+  const auto interval = formula::moved({first, last < 0 ? size - 1 : last}, move, size);
+  if (!interval) return std::nullopt;
+  first = interval->first;
+  if (last >= 0) last = interval->last;
+  return after;
+}
+
 Columns fitted_columns(const Workbook& book, const SheetContents& sheet) {
   Columns columns = sheet.columns;
-  for (const auto& [column, pixels] : fitted_pixels(book, sheet))
-    columns.change(column, column, [&, width = pixels](ColumnProperties& one) {
-      one.width = width_of_pixels(width, sheet.digit_pixels);
-      one.custom_width = true;
-      one.best_fit = true;
-    });
+  for (const auto& [column, pixels] : fitted_pixels(book, sheet)) {
+    const double width = width_of_pixels(pixels, sheet.digit_pixels);
+    columns.change({{column, column, [width](ColumnProperties& one) {
+                       one.width = width;
+                       one.custom_width = true;
+                       one.best_fit = true;
+                     }}});
+  }
   return columns;
 }
 

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 
+#include "engine/formula/interval.h"
 #include "engine/workbook/workbook.h"
 
 namespace engine {
@@ -15,6 +16,9 @@ namespace engine {
 // which nothing is measured is not among them: it keeps the width that it has.
 std::map<int, int> fitted_pixels(const Workbook& book, const SheetContents& sheet,
                                  std::optional<int> column = std::nullopt);
+
+// The area after rows or columns were inserted or removed; nothing when none of it is left.
+std::optional<FitArea> moved(const FitArea& area, const formula::Move& move, const Grid& grid);
 
 // The sheet's columns with these widths, as a file holds them.
 Columns fitted_columns(const Workbook& book, const SheetContents& sheet);

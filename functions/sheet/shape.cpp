@@ -34,6 +34,7 @@ constexpr bind::Row kRows[] = {
     row<&Sheet::lastRow>(1857, "XL_Sheet_LastRow"),
     row<&Sheet::firstCol>(1858, "XL_Sheet_FirstCol"),
     row<&Sheet::lastCol>(1859, "XL_Sheet_LastCol"),
+    row<&Sheet::setAutoFitArea, 0, 0, -1, -1>(2236, "XL_Sheet_SetAutoFitArea"),
 };
 
 }  // namespace

@@ -23,7 +23,7 @@ class AutoFit : public ::testing::Test {
     return made;
   }
   void mark(int column) {
-    sheet.columns.change(column, column, [](ColumnProperties& one) { one.auto_fit = true; });
+    sheet.columns.change({{column, column, [](ColumnProperties& one) { one.auto_fit = true; }}});
   }
   // 0 for a column that keeps its width.
   int width(int column) const {
@@ -95,6 +95,7 @@ TEST_F(AutoFit, TheAreaLimitsRowsAndHiddenRowsDoNotCount) {
   write(1, 0, "abc");
   write(2, 0, "abcdefghijkl");
   write(1, 1, "xyz");
+  sheet.merges.add({0, 0, 0, 3});
   sheet.fit_area = FitArea{1, 0, -1, -1};
   const int longer = width(0);
   EXPECT_GT(longer, width(1));

@@ -5,6 +5,7 @@
 #include "engine/formula/reference.h"
 #include "engine/package/xml_tree.h"
 #include "engine/text/number_text.h"
+#include "engine/workbook/auto_fit.h"
 #include "engine/workbook/font_metrics.h"
 #include "engine/workbook/metrics.h"
 #include "engine/xlsx/attributes.h"
@@ -135,7 +136,8 @@ void read_columns(pugi::xml_node element, const SheetReading& to) {
 void patch_columns(pugi::xml_node root, const SheetPatching& from) {
   const SheetContents& sheet = from.sheet.contents();
   const pugi::xml_node old = package::child(root, Family::Main, "cols");
-  if (sheet.columns.empty()) {
+  const Columns fitted = fitted_columns(from.book, sheet);
+  if (fitted.empty()) {
     root.remove_child(old);
     return;
   }
@@ -145,7 +147,7 @@ void patch_columns(pugi::xml_node root, const SheetPatching& from) {
       old ? package::insert_child(root, "cols", old) : worksheet_child(root, "cols");
   for (const pugi::xml_attribute attribute : old.attributes()) columns.append_copy(attribute);
   const std::vector<pugi::xml_node> stored = package::children(old, Family::Main, "col");
-  for (const ColumnProperties& one : sheet.columns) {
+  for (const ColumnProperties& one : fitted) {
     const pugi::xml_node node = one.details != 0 ? columns.append_copy(stored[one.details - 1])
                                                  : package::append_child(columns, "col");
     set_attribute(node, "min", std::to_string(one.first + 1));
@@ -155,7 +157,7 @@ void patch_columns(pugi::xml_node root, const SheetPatching& from) {
     const std::uint32_t style = from.styles.file_number(one.style);
     settle_attribute(node, "style", std::to_string(style), style == 0);
     settle_attribute(node, "hidden", "1", !one.hidden);
-    settle_attribute(node, "bestFit", "1", !one.best_fit && !one.auto_fit);
+    settle_attribute(node, "bestFit", "1", !one.best_fit);
     settle_attribute(node, "customWidth", "1", !one.custom_width);
     settle_attribute(node, "outlineLevel", std::to_string(one.outline_level),
                      one.outline_level == 0);
