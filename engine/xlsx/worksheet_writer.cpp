@@ -19,6 +19,9 @@ namespace {
 using package::Family;
 
 constexpr std::size_t kCellsPerBlock = 10000;
+// The first blocks are shorter, so that two threads share a small sheet evenly.
+constexpr std::size_t kShortBlocks = 4;
+constexpr std::size_t kCellsPerShortBlock = kCellsPerBlock / 4;
 
 // A short text that is copied as a whole, whatever its length.
 struct Piece {
@@ -237,7 +240,8 @@ void WorksheetText::cut_into_blocks() {
     for (CellStore::RowIterator row = first; row != end;) {
       cells += row->count + std::size_t{1};
       ++row;
-      if (cells < kCellsPerBlock && row != end) continue;
+      const bool is_short = blocks_.size() < kShortBlocks;
+      if (cells < (is_short ? kCellsPerShortBlock : kCellsPerBlock) && row != end) continue;
       blocks_.push_back({run, {first, row}});
       first = row;
       cells = 0;
