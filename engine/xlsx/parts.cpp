@@ -121,6 +121,8 @@ void Parts::set_type(std::string_view name, std::string_view type) {
   if (found != parts_.end()) found->second.type = type;
 }
 
+// Not static: the parts belong to the list, and who may change it may change them.
+// NOLINTNEXTLINE(readability-convert-member-functions-to-static)
 void Parts::exchange(const Part& part, std::shared_ptr<const std::string>& bytes) noexcept {
   const_cast<Part&>(part).bytes.swap(bytes);
 }

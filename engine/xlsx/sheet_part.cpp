@@ -11,8 +11,6 @@ namespace engine::xlsx {
 
 namespace {
 
-using package::Family;
-
 constexpr std::string_view kNewWorksheet =
     "<worksheet xmlns=\"http://schemas.openxmlformats.org/spreadsheetml/2006/main\" "
     "xmlns:r=\"http://schemas.openxmlformats.org/officeDocument/2006/relationships\">"
