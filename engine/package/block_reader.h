@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,6 +25,14 @@ class BlockReader {
 
   // The next bytes, valid until the next call; empty at the end. Throws FileError.
   virtual std::span<char> next() = 0;
+
+  // Work on blocks that nobody has asked for yet, for a thread that makes blocks ahead and would
+  // else wait. It is given a block and that one's place in the part; which blocks, if any, and in
+  // what order is left open, but next() gives none that is still worked on. It must not throw and
+  // leaves the block's bytes as they are. Without work, as at the beginning, none is done; when
+  // this returns, what was said before is not done any more.
+  using Work = std::function<void(std::span<char> block, std::uint64_t offset)>;
+  virtual void work_ahead(Work work) { static_cast<void>(work); }
 };
 
 // Bytes that lie in memory, in blocks of a chosen size.

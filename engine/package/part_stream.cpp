@@ -4,6 +4,7 @@
 #include <array>
 #include <condition_variable>
 #include <exception>
+#include <limits>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -47,6 +48,10 @@ class PlainReader : public BlockReader {
 
 // A ring of blocks between the unpacking thread and the consumer. The consumer holds one block;
 // it goes back into the ring when the next one is asked for.
+//
+// While the ring is full the thread works on the newest blocks, so that the consumer, who comes
+// from the other end, is met late: it has the oldest ones at hand meanwhile, and waits only for a
+// block that is being worked on.
 class AheadReader : public BlockReader {
  public:
   explicit AheadReader(PartStream stream) : stream_(std::move(stream)) {}
@@ -73,53 +78,96 @@ class AheadReader : public BlockReader {
     if (holding_) ++returned_;
     holding_ = false;
     changed_.notify_all();
-    changed_.wait(lock, [this] { return made_ > returned_ || failure_; });
+    changed_.wait(
+        lock, [this] { return made_ > returned_ ? working_ != returned_ : failure_ != nullptr; });
     if (made_ == returned_) std::rethrow_exception(failure_);
     holding_ = true;
-    const auto block = ring_[returned_ % kBlocks].filled();
+    const auto block = place(returned_).block.filled();
     ended_ = block.empty();
     return block;
   }
 
- private:
-  static constexpr std::size_t kBlocks = 4;
-
-  // False when the consumer is gone.
-  bool wait_for_room() {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [this] { return stopped_ || made_ - returned_ < kBlocks; });
-    return !stopped_;
-  }
-
-  void run() {
-    try {
-      for (bool more = true; more && wait_for_room();) {
-        more = !ring_[made_ % kBlocks].fill(stream_).empty();
-        publish(nullptr);
-      }
-    } catch (...) {
-      publish(std::current_exception());
-    }
-  }
-
-  void publish(std::exception_ptr failure) {
+  void work_ahead(Work work) override {
     {
-      const std::lock_guard lock(mutex_);
-      if (failure) {
-        failure_ = std::move(failure);
-      } else {
-        ++made_;
-      }
+      std::unique_lock lock(mutex_);
+      changed_.wait(lock, [this] { return working_ == kNone; });
+      work_ = std::move(work);
     }
     changed_.notify_all();
   }
 
+ private:
+  static constexpr std::size_t kBlocks = 8;
+  static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+
+  struct Place {
+    Block block;
+    std::uint64_t offset = 0;
+    bool worked_on = false;
+  };
+
+  Place& place(std::size_t block) { return ring_[block % kBlocks]; }
+  bool may_make() const { return !complete_ && made_ - returned_ < kBlocks; }
+  // The newest block to work on. The oldest is the consumer's, who holds it or is about to.
+  std::size_t work_left() {
+    if (!work_) return kNone;
+    for (std::size_t block = made_; block-- > returned_ + 1;)
+      if (!place(block).worked_on) return block;
+    return kNone;
+  }
+
+  void run() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+      changed_.wait(lock, [this] { return stopped_ || may_make() || work_left() != kNone; });
+      if (stopped_) return;
+      if (may_make()) make(lock);
+      else work(lock);
+      changed_.notify_all();
+    }
+  }
+
+  // These leave the lock while they are at it.
+  void make(std::unique_lock<std::mutex>& lock) {
+    Place& next = place(made_);
+    lock.unlock();
+    bool ended = false;
+    std::exception_ptr failure;
+    try {
+      ended = next.block.fill(stream_).empty();
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    lock.lock();
+    complete_ = ended || failure;
+    failure_ = std::move(failure);
+    if (failure_) return;
+    next.offset = bytes_made_;
+    next.worked_on = ended;
+    bytes_made_ += next.block.filled().size();
+    ++made_;
+  }
+
+  void work(std::unique_lock<std::mutex>& lock) {
+    working_ = work_left();
+    Place& newest = place(working_);
+    lock.unlock();
+    work_(newest.block.filled(), newest.offset);
+    lock.lock();
+    newest.worked_on = true;
+    working_ = kNone;
+  }
+
   PartStream stream_;
-  std::array<Block, kBlocks> ring_;
+  std::array<Place, kBlocks> ring_;
   std::mutex mutex_;
   std::condition_variable changed_;
-  std::size_t made_ = 0;  // written by the thread only
+  std::size_t made_ = 0;
   std::size_t returned_ = 0;
+  std::size_t working_ = kNone;  // the block that is worked on; `work_` stays as it is meanwhile
+  std::uint64_t bytes_made_ = 0;
+  Work work_;
+  bool complete_ = false;  // all blocks are made that ever will be
   bool holding_ = false;
   bool ended_ = false;
   bool stopped_ = false;

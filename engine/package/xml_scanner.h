@@ -122,6 +122,11 @@ class XmlScanner {
                          : std::string_view(cursor_, static_cast<std::size_t>(limit_ - cursor_));
   }
   void consume(std::size_t size) { cursor_ += size; }
+  // Where in the part, as UTF-8, the bytes at hand behind the current token begin and end.
+  std::uint64_t offset_ahead() const {
+    return received_ - static_cast<std::uint64_t>(limit_ - cursor_);
+  }
+  std::uint64_t received() const { return received_; }
 
   // Offset of the token in the part, as UTF-8.
   std::uint64_t offset() const { return received_ - static_cast<std::uint64_t>(limit_ - begin_); }

@@ -21,14 +21,22 @@ AnyCell* first_from(std::span<AnyCell> cells, int column) {
 
 CellStore::CellStore(const CellStore& other) : used_(other.used_) {
   pages_.resize(other.pages_.size());
-  for (const Row& row : other.rows()) {
-    Row& copy = make_row(row.number);
-    copy.properties = row.properties;
-    if (row.count == 0) continue;
+  for (const Row& row : other.rows()) copy_row(row).properties = row.properties;
+}
+
+Row& CellStore::copy_row(const Row& row) {
+  Row& copy = row_at(static_cast<int>(row.number));
+  if (copy.count != 0) {
+    for (const Cell& cell : row.span()) at(copy, cell.column) = cell;
+  } else if (row.count != 0) {
+    end_newest();
     copy.cells = allocate(row.count);
     std::copy_n(row.cells, row.count, copy.cells);
     copy.count = copy.capacity = row.count;
+    used_.enter(row.number, row.cells[0].column);
+    used_.enter(row.number, row.cells[row.count - 1].column);
   }
+  return copy;
 }
 
 const Cell* CellStore::search(int row, int column) const {
@@ -86,6 +94,14 @@ void CellStore::erase(const CellRange& range,
   }
 }
 
+// The newest row is complete as far as its writer knows: what it did not use is free again.
+void CellStore::end_newest() {
+  if (!newest_) return;
+  free_ -= newest_->capacity - newest_->count;
+  newest_->capacity = newest_->count;
+  newest_ = nullptr;
+}
+
 void CellStore::grow(Row& row) {
   std::size_t wanted = std::min(std::max(kLeastGrowth, std::size_t{row.capacity} * 2), kLargestRun);
   const bool first = row.capacity == 0;
@@ -98,10 +114,7 @@ void CellStore::grow(Row& row) {
     if (more != 0) return;
   } else if (newest_) {
     if (first) wanted = std::max<std::size_t>(1, newest_->count);
-    // That row is complete as far as its writer knows: what it did not use is free again.
-    free_ -= newest_->capacity - newest_->count;
-    newest_->capacity = newest_->count;
-    newest_ = nullptr;
+    end_newest();
   }
   Cell* moved = allocate(wanted);
   std::copy_n(row.cells, row.count, moved);

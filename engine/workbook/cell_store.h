@@ -130,6 +130,9 @@ class CellStore {
   Cell& at(int row, int column) { return at(row_at(row), column); }
   Cell& at(Row& row, int column);
 
+  // Puts the cells of another store's row into the row of that number, which is made if need be.
+  Row& copy_row(const Row& row);
+
   // Erases the cells of a range; `leave` is told of each before. Needs no memory.
   void erase(const CellRange& range, const std::function<void(const Cell&)>& leave) noexcept;
 
@@ -176,6 +179,7 @@ class CellStore {
   const Cell* search(int row, int column) const;
   Row& make_row(std::uint32_t number);
   Cell* allocate(std::size_t count);
+  void end_newest();
   void grow(Row& row);
 
   Pages pages_;

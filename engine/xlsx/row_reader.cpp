@@ -5,9 +5,11 @@
 #include <cstring>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "engine/formula/formula_text.h"
 #include "engine/formula/reference.h"
@@ -17,6 +19,7 @@
 #include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/plain_cells.h"
+#include "engine/xlsx/rows_ahead.h"
 #include "engine/xlsx/stored_formula.h"
 #include "engine/xlsx/string_item.h"
 
@@ -101,9 +104,13 @@ class RowReader::Machine {
         remains_(remains),
         prefixed_(scanner.qualified_name() != scanner.name()) {}
 
-  void read_rows();
+  void read_rows(RowsAhead* ahead);
+  int last_row() const { return element_row_; }
 
  private:
+  std::uint64_t next_piece();
+  void take_piece(RowPiece& piece);
+
   void read_row();
   std::uint32_t read_row_attributes();
   bool read_row_attribute(const XmlAttribute& attribute, RowProperties& properties, bool& any,
@@ -133,6 +140,10 @@ class RowReader::Machine {
   Value own_text(std::string_view text) {
     return Value::of_text(context_.first_text + context_.workbook.strings.add(text));
   }
+  Value own_rich_text(std::string_view text, std::string content) {
+    return Value::of_text(context_.first_text +
+                          context_.workbook.strings.append_rich(text, std::move(content)));
+  }
   [[noreturn]] void fail(std::string_view what) const;
 
   XmlScanner& scanner_;
@@ -144,8 +155,11 @@ class RowReader::Machine {
   SheetPart& remains_;
   const bool prefixed_;
 
-  int element_row_ = -1;  // of the row that is read
-  int row_ = -1;          // of the cell that is read, which may lie elsewhere
+  RowsAhead* ahead_ = nullptr;
+  std::uint64_t next_piece_ = RowsAhead::kNone;  // where it begins in the part
+  std::uint64_t known_up_to_ = 0;                // pieces that begin in front of this are known
+  int element_row_ = -1;                         // of the row that is read
+  int row_ = -1;  // of the cell that is read, which may lie elsewhere
   int column_ = -1;
   bool keeps_row_ = true;  // row_
   RowMark row_mark_;
@@ -157,12 +171,71 @@ class RowReader::Machine {
   std::map<std::string, std::uint32_t> details_;
 };
 
-void RowReader::Machine::read_rows() {
-  while (scanner_.next() != Token::End) {
+void RowReader::Machine::read_rows(RowsAhead* ahead) {
+  ahead_ = ahead;
+  known_up_to_ = 0;
+  for (;;) {
+    if (next_piece() == scanner_.offset_ahead()) take_piece(*ahead_->take(next_piece_));
+    if (scanner_.next() == Token::End) break;
     if (scanner_.token() != Token::Start) continue;
     if (scanner_.name() == "row") read_row();
     else scanner_.skip_element();
   }
+  ahead_ = nullptr;
+}
+
+// Where in the bytes at hand rows begin that were read ahead. A block that is at hand has no new
+// ones.
+std::uint64_t RowReader::Machine::next_piece() {
+  if (!ahead_) return RowsAhead::kNone;
+  if (known_up_to_ != scanner_.received() || next_piece_ < scanner_.offset_ahead()) {
+    known_up_to_ = scanner_.received();
+    next_piece_ = ahead_->first_from(scanner_.offset_ahead());
+  }
+  return next_piece_;
+}
+
+// Passes over the rows of a piece and puts them in as if they had been read here. What is counted
+// by number follows what is there.
+void RowReader::Machine::take_piece(RowPiece& piece) {
+  SheetContents& rows = piece.sheet;
+  std::vector<Value> texts;
+  for (std::uint32_t i = 0; i < piece.texts.strings.size(); ++i) {
+    const std::string* rich = piece.texts.strings.rich(i);
+    texts.push_back(rich ? own_rich_text(piece.texts.strings[i], *rich)
+                         : own_text(piece.texts.strings[i]));
+  }
+  const auto number_text = [&](std::uint64_t& text) {
+    if (text >= context_.shared_texts) text = texts[text - context_.shared_texts].bits;
+  };
+  const std::size_t records = sheet_.records().size();
+  for (CellRecord record : rows.records()) {
+    if (record.value.kind == ValueKind::kText) number_text(record.value.bits);
+    record.formula = sheet_.keep_text(record.formula);
+    if (record.extra != 0) record.extra = sheet_.keep_extra(std::move(*rows.extra(record)));
+    sheet_.keep_record(record);
+  }
+  const std::size_t properties = sheet_.row_properties.size();
+  for (RowProperties& row : rows.row_properties) {
+    if (row.details != 0) row.details = number_of_details(rows.row_details[row.details - 1]);
+    sheet_.row_properties.push_back(row);
+  }
+  const bool numbers_change = !texts.empty() || rows.records().size() != 0;
+  for (const Row& row : rows.cells.rows()) {
+    if (numbers_change) {
+      for (Cell& cell : std::span(row.cells, row.count)) {
+        if (cell.kind == CellKind::kText) number_text(cell.bits);
+        if (cell.kind == CellKind::kRecord) cell.bits += records;
+      }
+    }
+    Row& mine = sheet_.cells.copy_row(row);
+    if (row.properties != 0)
+      mine.properties = static_cast<std::uint32_t>(row.properties + properties);
+  }
+  remains_.text_cells += piece.remains.text_cells;
+  element_row_ = piece.last_row;
+  target_ = nullptr;
+  scanner_.consume(piece.size);
 }
 
 void RowReader::Machine::read_row() {
@@ -286,11 +359,15 @@ void RowReader::Machine::take_plain_cells() {
   const char* at = ahead.data();
   const char* const end = at + ahead.size();
   PlainCell cell;
+  // Behind the end of this row the rows of a piece begin, which are not to be read again.
+  constexpr std::string_view kRowEnd = "</row>";
+  const std::uint64_t to_piece = next_piece() - scanner_.offset_ahead() - kRowEnd.size();
+  const char* const stop = to_piece < ahead.size() ? at + to_piece : nullptr;
   for (int row = 0; static_cast<std::size_t>(end - at) >= kMaxPlainCell && keeps_row_;) {
     const char* next = at;
     if (take_plain_cell(next, end, row_mark_, cell)) {
       if (!store_plain(cell)) break;
-    } else if (children_.empty() && take_plain_row(next, grid_.rows, row)) {
+    } else if (children_.empty() && at != stop && take_plain_row(next, grid_.rows, row)) {
       begin_row(row);
     } else {
       break;
@@ -573,9 +650,7 @@ Value RowReader::Machine::text_value() {
 Value RowReader::Machine::inline_value() {
   std::string content;
   const StringItem item = parse_string_item(cell_.inline_item, part_, content);
-  if (!item.rich) return own_text(item.text);
-  const std::uint32_t index = context_.workbook.strings.append_rich(item.text, std::move(content));
-  return Value::of_text(context_.first_text + index);
+  return item.rich ? own_rich_text(item.text, std::move(content)) : own_text(item.text);
 }
 
 void RowReader::Machine::fail(std::string_view what) const {
@@ -588,6 +663,8 @@ RowReader::RowReader(XmlScanner& scanner, std::string_view part, const SheetCont
 
 RowReader::~RowReader() = default;
 
-void RowReader::read() { machine_->read_rows(); }
+void RowReader::read(RowsAhead* ahead) { machine_->read_rows(ahead); }
+
+int RowReader::last_row() const { return machine_->last_row(); }
 
 }  // namespace engine::xlsx

@@ -24,6 +24,9 @@ struct RowFilter {
   bool others = false;
 
   bool keeps(int row) const { return (row >= first && row <= last) != others; }
+  bool keeps_all() const {
+    return first == 0 && last == std::numeric_limits<int>::max() && !others;
+  }
 };
 
 // What a worksheet refers to.
@@ -38,6 +41,8 @@ struct SheetContext {
   std::uint32_t format(std::uint32_t style) const { return style < formats ? style : 0; }
 };
 
+class RowsAhead;
+
 // Reads the rows of one worksheet into a sheet, and what the model does not know of them into its
 // remains.
 class RowReader {
@@ -48,8 +53,12 @@ class RowReader {
   RowReader& operator=(const RowReader&) = delete;
   ~RowReader();
 
-  // Called at the Start of sheetData; ends at its End. Throws FileError.
-  void read();
+  // Called at the Start of sheetData; ends at its End. Pieces that were read ahead are taken.
+  // Throws FileError.
+  void read(RowsAhead* ahead = nullptr);
+
+  // The row that was read last.
+  int last_row() const;
 
  private:
   class Machine;

@@ -4,6 +4,7 @@
 
 #include "engine/package/xml_scanner.h"
 #include "engine/package/xml_tree.h"
+#include "engine/xlsx/rows_ahead.h"
 #include "engine/xlsx/worksheet_elements.h"
 
 namespace engine::xlsx {
@@ -33,7 +34,12 @@ void read_worksheet(package::BlockReader& reader, std::string_view part,
     }
     if (!found) tree.append(cells);
     found = true;
-    rows.read();
+    if (prefix.empty() && filter.keeps_all() && !scanner.self_closing()) {
+      RowsAhead ahead(reader, part, context);
+      rows.read(&ahead);
+    } else {
+      rows.read();
+    }
   }
   if (!found) tree.append(cells);
   remains.tree = package::XmlTree::parse(tree.append(end), part);
