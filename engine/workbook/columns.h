@@ -8,7 +8,6 @@
 #include <functional>
 #include <initializer_list>
 #include <optional>
-#include <ranges>
 #include <set>
 
 namespace engine {
@@ -51,14 +50,12 @@ class Columns {
   bool empty() const { return runs_.empty(); }
   std::size_t size() const { return runs_.size(); }
 
-  // Those that do not end before a column.
-  std::ranges::subrange<Runs::const_iterator> from(int column) const {
-    return {runs_.lower_bound(column), runs_.end()};
-  }
+  // The first that does not end before a column.
+  Runs::const_iterator first_from(int column) const { return runs_.lower_bound(column); }
 
   // The run of a column; null when nothing is known of it.
   const ColumnProperties* find(int column) const {
-    const auto found = runs_.lower_bound(column);
+    const auto found = first_from(column);
     return found != runs_.end() && found->first <= column ? &*found : nullptr;
   }
 

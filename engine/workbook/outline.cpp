@@ -50,10 +50,9 @@ int outline_level(const SheetContents& sheet, Axis axis, Interval places) {
       if (const RowProperties* its = sheet.properties(row))
         level = std::max<int>(level, its->outline_level);
   } else {
-    for (const ColumnProperties& run : sheet.columns.from(places.first)) {
-      if (run.first > places.last) break;
-      level = std::max<int>(level, run.outline_level);
-    }
+    auto run = sheet.columns.first_from(places.first);
+    for (; run != sheet.columns.end() && run->first <= places.last; ++run)
+      level = std::max<int>(level, run->outline_level);
   }
   return level;
 }
