@@ -98,16 +98,14 @@ bool SheetObject::setRow(int row, double height, libxl::Format* format, bool hid
 bool SheetObject::rowHidden(int row) const {
   return run(false, [&] {
     if (!check_rows(row, row) || !check_loaded(row)) return false;
-    const RowProperties* its = contents().properties(row);
-    return its && its->hidden;
+    return contents().is_hidden(row);
   });
 }
 
 bool SheetObject::setRowHidden(int row, bool hidden) {
   return run(false, [&] {
     if (!check_rows(row, row) || !check_loaded(row)) return false;
-    const RowProperties* its = contents().properties(row);
-    if ((its && its->hidden) == hidden) return true;
+    if (contents().is_hidden(row) == hidden) return true;
     sheet_->change([&](SheetContents& contents) { contents.properties_at(row).hidden = hidden; });
     return true;
   });

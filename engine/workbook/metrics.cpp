@@ -12,9 +12,9 @@ constexpr double kMaxWidth = 65535;  // files may say anything; columns end far 
 
 constexpr double kMaxHeight = 409.5;  // points
 
-int pixels_of_row(const SheetContents& sheet, const RowProperties& row) {
-  if (row.hidden) return 0;
-  return pixels_of_points(row.height.value_or(sheet.default_row_height));
+int pixels_of_row(const SheetContents& sheet, const RowProperties* row) {
+  if (row && row->hidden) return 0;
+  return pixels_of_points(row && row->height ? *row->height : sheet.default_row_height);
 }
 
 }  // namespace
@@ -72,8 +72,9 @@ int column_pixels(const SheetContents& sheet, int column) {
 }
 
 int row_pixels(const SheetContents& sheet, int row) {
-  const RowProperties* its = sheet.properties(row);
-  return its ? pixels_of_row(sheet, *its) : pixels_of_points(sheet.default_row_height);
+  const Row* found = sheet.cells.find_row(row);
+  if (!found && sheet.hides_rows) return 0;
+  return pixels_of_row(sheet, found ? sheet.properties(*found) : nullptr);
 }
 
 Edges::Edges(int count, int usual) : count_(count), usual_(usual) {
@@ -102,11 +103,11 @@ Edges Edges::of_columns(const SheetContents& sheet, int count) {
 }
 
 Edges Edges::of_rows(const SheetContents& sheet, int count) {
-  Edges made(count, pixels_of_points(sheet.default_row_height));
+  Edges made(count, sheet.hides_rows ? 0 : pixels_of_points(sheet.default_row_height));
   for (const Row& row : sheet.cells.rows()) {
     const RowProperties* its = sheet.properties(row);
     const int number = static_cast<int>(row.number);
-    if (its) made.append(number, number, pixels_of_row(sheet, *its));
+    if (its || sheet.hides_rows) made.append(number, number, pixels_of_row(sheet, its));
   }
   return made;
 }

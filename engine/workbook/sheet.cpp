@@ -78,11 +78,20 @@ void SheetContents::put_record(int row, int column, const CellRecord& record,
 }
 
 void SheetContents::put_style(int row, int column, std::uint32_t style) {
-  cells.at(row, column).style = style;
+  cells.at(row_at(row), column).style = style;
+}
+
+// A row that is made stays as hidden as it was.
+Row& SheetContents::row_at(int row) {
+  if (!hides_rows || cells.find_row(row)) return cells.row_at(row);
+  row_properties.emplace_back().hidden = true;
+  Row& made = cells.row_at(row);
+  made.properties = static_cast<std::uint32_t>(row_properties.size());
+  return made;
 }
 
 Cell& SheetContents::place(int row, int column, std::optional<std::uint32_t> style) {
-  Row& at = cells.row_at(row);
+  Row& at = row_at(row);
   const std::uint16_t before = at.count;
   Cell& cell = cells.at(at, column);
   if (style) cell.style = *style;
@@ -189,8 +198,15 @@ const RowProperties* SheetContents::properties(int row) const {
   return found ? properties(*found) : nullptr;
 }
 
+bool SheetContents::is_hidden(int row) const {
+  const Row* found = cells.find_row(row);
+  if (!found) return hides_rows;
+  const RowProperties* its = properties(*found);
+  return its && its->hidden;
+}
+
 RowProperties& SheetContents::properties_at(int row) {
-  Row& at = cells.row_at(row);
+  Row& at = row_at(row);
   if (at.properties == 0) {
     row_properties.emplace_back();
     at.properties = static_cast<std::uint32_t>(row_properties.size());

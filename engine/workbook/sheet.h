@@ -83,6 +83,7 @@ class SheetContents {
   std::optional<double> default_column_width;  // as the file stores widths
   int base_column_width = 8;  // characters, which count where there is no default width
   double default_row_height = 15;
+  bool hides_rows = false;  // those that `cells` does not have
   Merges merges;
   bool summary_below = true;  // of a group of rows
   bool summary_right = true;  // of a group of columns
@@ -156,10 +157,12 @@ class SheetContents {
   // What is known of a row; null when that is nothing.
   const RowProperties* properties(int row) const;
   RowProperties& properties_at(int row);
+  bool is_hidden(int row) const;
 
  private:
   static constexpr std::uint32_t kNoRecord = 0xFFFFFFFF;
 
+  Row& row_at(int row);
   Cell& place(int row, int column, std::optional<std::uint32_t> style);
   void provide_record();
   std::uint32_t take_record() noexcept;

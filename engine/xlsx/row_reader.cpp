@@ -264,7 +264,7 @@ void RowReader::Machine::begin_row(int row) {
   keeps_row_ = filter_.keeps(row);
   row_mark_ = RowMark(row);
   children_.clear();
-  target_ = nullptr;
+  target_ = keeps_row_ ? &sheet_.cells.row_at(row) : nullptr;
 }
 
 // Of a row that the file has twice, the later children count, as later attributes do.

@@ -323,7 +323,8 @@ void WorksheetText::make(std::size_t block, std::string& out) const {
 
 void WorksheetText::write_row(TextBuffer& out, const RowRun& run, const Row& row) const {
   const RowProperties* properties = run.sheet->properties(row);
-  if (row.count == 0 && (!properties || *properties == RowProperties())) return;
+  const bool is_plain = row.count == 0 && (!properties || *properties == RowProperties());
+  if (is_plain && !run.sheet->hides_rows) return;
   RowNumber number;
   number.number = static_cast<int>(row.number);
   auto& [digits, size] = number.text;

@@ -110,6 +110,26 @@ TEST(Shape, ColumnsAndRowsHaveSizesFormatsAndAreHidden) {
   });
 }
 
+// A sheet may hide all rows that its file does not list; those stay hidden when cells are written.
+TEST(Shape, RowsThatAreNotThereMayBeHidden) {
+  Stage stage;
+  stage.sheet->writeNum(0, 0, 1);
+  const std::string part = "xl/worksheets/sheet1.xml";
+  const std::string bytes =
+      with_replaced(with_replaced(saved(*stage.book), part, "</row>", R"(</row><row r="3"/>)"),
+                    part, R"(defaultRowHeight="15")", R"(defaultRowHeight="15" zeroHeight="1")");
+  ASSERT_TRUE(load(*stage.book, bytes));
+  stage.sheet = stage.book->getSheet(0);
+  stage.sheet->writeNum(4, 0, 1);
+  stage.sheet->setRow(5, 20);
+  stage.sheet->setRowHidden(6, false);
+  stage.sheet->groupRows(7, 7, false);
+  expect_before_and_after_a_save(stage, [&] {
+    const bool expected[] = {false, true, false, true, true, false, false, true, true};
+    for (int row = 0; row < 9; ++row) EXPECT_EQ(stage.sheet->rowHidden(row), expected[row]) << row;
+  });
+}
+
 TEST(Shape, OldBooksHaveLowerRows) {
   Stage old(xlCreateBookW());
   EXPECT_EQ(old.sheet->rowHeight(0), 12.75);

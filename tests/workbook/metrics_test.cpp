@@ -135,6 +135,16 @@ TEST(Metrics, KeepsEdgesOfManyRows) {
     EXPECT_EQ(edges.position(row), position) << row;
     position += engine::row_pixels(sheet, row);
   }
+  // Where rows are hidden unless they are there, the same holds.
+  sheet.hides_rows = true;
+  const auto few = engine::Edges::of_rows(sheet, 10);
+  position = 0;
+  for (int row = 0; row < 10; ++row) {
+    EXPECT_EQ(few.position(row), position) << row;
+    position += engine::row_pixels(sheet, row);
+  }
+  EXPECT_EQ(position, 40 + 20 + 546);
+
   const Corner last = edges.walk({7, 5}, 100);
   EXPECT_EQ(std::pair(last.index, last.offset), std::pair(9, 0));
 }

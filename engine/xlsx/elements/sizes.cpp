@@ -56,6 +56,7 @@ void read_default_sizes(pugi::xml_node element, const SheetReading& to) {
   sheet.base_column_width = std::clamp(element.attribute("baseColWidth").as_int(8), 0, 255);
   const auto height = parse_number(element.attribute("defaultRowHeight").value());
   if (height && *height >= 0 && *height <= 409.5) sheet.default_row_height = *height;
+  sheet.hides_rows = element.attribute("zeroHeight").as_bool();
 }
 
 void patch_default_sizes(pugi::xml_node root, const SheetPatching& from) {
