@@ -6,8 +6,8 @@ constexpr Family kFamilies[] = {
     book_lifecycle_functions, book_sheet_functions,
     book_format_functions,    book_date_and_color_functions,
     book_setting_functions,   cell_functions,
-    shape_functions,          format_functions,
-    font_functions,
+    shape_functions,          name_functions,
+    format_functions,         font_functions,
 };
 
 }  // namespace

@@ -18,5 +18,6 @@ std::span<const bind::Row> book_date_and_color_functions();
 std::span<const bind::Row> book_setting_functions();
 std::span<const bind::Row> cell_functions();
 std::span<const bind::Row> shape_functions();
+std::span<const bind::Row> name_functions();
 std::span<const bind::Row> format_functions();
 std::span<const bind::Row> font_functions();

@@ -33,6 +33,11 @@ BookContext::BookContext(const Codec& codec, BookContents contents)
 
 BookContext::~BookContext() = default;
 
+bool BookContext::check_index(std::string_view thing, int index, std::size_t count) {
+  if (index >= 0 && static_cast<std::size_t>(index) < count) return true;
+  return refuse(false, messages::index(thing, index, count));
+}
+
 const wchar_t* BookContext::give(std::string_view utf8) {
   to_wide(utf8, given_);
   return given_.c_str();

@@ -93,6 +93,8 @@ class BookContext {
     refuse(std::move(text));
     return failure;
   }
+  // Whether something of that many has the index; else the message is set.
+  bool check_index(std::string_view thing, int index, std::size_t count);
 
   // What all books of this one's kind have in common.
   const Codec& codec() const { return codec_; }

@@ -67,7 +67,7 @@ bool BookObject::load_with(std::string_view operation, const LoadRequest& reques
 bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents) {
   if (!request.sheet) return true;
   const auto& sheets = contents.workbook->sheets();
-  if (!check_index("sheet", *request.sheet, sheets.size())) return false;
+  if (!book_.check_index("sheet", *request.sheet, sheets.size())) return false;
   Sheet& chosen = *sheets[static_cast<std::size_t>(*request.sheet)];
   if (chosen.kind != SheetKind::kWorksheet)
     return book_.refuse(false, messages::not_worksheet(*request.sheet));

@@ -8,6 +8,7 @@
 #include "engine/api/format.h"
 #include "engine/api/locale.h"
 #include "engine/api/messages.h"
+#include "engine/api/outputs.h"
 #include "engine/text/utf8.h"
 #include "engine/text/wide.h"
 #include "engine/workbook/color.h"
@@ -20,11 +21,6 @@
 namespace engine::api {
 
 namespace {
-
-template <class T>
-void give(T* out, T value) {
-  if (out) *out = value;
-}
 
 struct TimeLimit {
   std::string_view name;
@@ -39,11 +35,6 @@ constexpr TimeLimit kTimeLimits[] = {
 };
 
 }  // namespace
-
-bool BookObject::check_index(std::string_view thing, int index, std::size_t count) const {
-  if (index >= 0 && static_cast<std::size_t>(index) < count) return true;
-  return book_.refuse(false, messages::index(thing, index, count));
-}
 
 // Formats and fonts.
 
@@ -113,7 +104,7 @@ const wchar_t* BookObject::customNumFormat(int fmt) {
 
 libxl::Format* BookObject::format(int index) {
   return run(nullptr, [&]() -> libxl::Format* {
-    if (!check_index("format", index, book_.workbook().styles.format_count())) return nullptr;
+    if (!book_.check_index("format", index, book_.workbook().styles.format_count())) return nullptr;
     return book_.format_object(static_cast<std::uint32_t>(index));
   });
 }
@@ -124,7 +115,7 @@ int BookObject::formatSize() {
 
 libxl::Font* BookObject::font(int index) {
   return run(nullptr, [&]() -> libxl::Font* {
-    if (!check_index("font", index, book_.workbook().styles.font_count())) return nullptr;
+    if (!book_.check_index("font", index, book_.workbook().styles.font_count())) return nullptr;
     return book_.font_object(static_cast<std::uint32_t>(index));
   });
 }

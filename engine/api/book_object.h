@@ -93,7 +93,6 @@ class BookObject final : public libxl::Book {
     return run(failure, [&] { return book_.refuse(failure, messages::not_supported(name)); });
   }
 
-  bool check_index(std::string_view thing, int index, std::size_t count) const;
   bool check_sheet_index(int index) const;
   bool check_sheet_name(const std::string& name) const;
   bool check_original(const libxl::Sheet* original, const Sheet** sheet) const;

@@ -41,7 +41,7 @@ std::string forbidden_character(std::string_view name) {
 }  // namespace
 
 bool BookObject::check_sheet_index(int index) const {
-  return check_index("sheet", index, book_.workbook().sheets().size());
+  return book_.check_index("sheet", index, book_.workbook().sheets().size());
 }
 
 bool BookObject::check_sheet_name(const std::string& name) const {

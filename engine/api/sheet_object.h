@@ -89,6 +89,14 @@ class SheetObject final : public UnsupportedSheet {
                     bool* colRelative) override;
   const wchar_t* rowColToAddr(int row, int column, bool rowRelative, bool colRelative) override;
 
+  // Links.
+  int hyperlinkSize() const override;
+  const wchar_t* hyperlink(int index, int* rowFirst, int* rowLast, int* colFirst,
+                           int* colLast) const override;
+  bool delHyperlink(int index) override;
+  void addHyperlink(const wchar_t* hyperlink, int rowFirst, int rowLast, int colFirst,
+                    int colLast) override;
+
  private:
   using Style = std::optional<std::uint32_t>;
 
@@ -122,6 +130,7 @@ class SheetObject final : public UnsupportedSheet {
   bool check_write(int row, int column, const libxl::Format* format, Style* style) const;
   bool check_error(int error) const;
   bool check_comments() const;
+  bool check_links() const;
   bool check_pixels(std::string_view property, int pixels) const;
 
   // -1 stands for a size that follows the contents.

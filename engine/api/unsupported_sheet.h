@@ -101,12 +101,6 @@ class UnsupportedSheet : public libxl::Sheet, public BookPart {
   const wchar_t* namedRange(int, int*, int*, int*, int*, int*, bool*) const override {
     return unsupported<const wchar_t*>(nullptr, "namedRange");
   }
-  int hyperlinkSize() const override { return unsupported(0, "hyperlinkSize"); }
-  const wchar_t* hyperlink(int, int*, int*, int*, int*) const override {
-    return unsupported<const wchar_t*>(nullptr, "hyperlink");
-  }
-  bool delHyperlink(int) override { return unsupported(false, "delHyperlink"); }
-  void addHyperlink(const wchar_t*, int, int, int, int) override { unsupported("addHyperlink"); }
   int tableSize() const override { return unsupported(0, "tableSize"); }
   const wchar_t* table(int, int*, int*, int*, int*, int*, int*) const override {
     return unsupported<const wchar_t*>(nullptr, "table");

@@ -21,6 +21,7 @@
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
 #include "engine/workbook/columns.h"
+#include "engine/workbook/links.h"
 #include "engine/workbook/merges.h"
 #include "engine/workbook/text_arena.h"
 
@@ -92,6 +93,7 @@ class SheetContents {
   // that cell.
   std::map<CellAddress, std::uint32_t> outer_arrays;
   Comments comments;
+  Links links;
   std::deque<SharedFormula> shared_formulas;  // by number
 
   // What the cell shows, through its record if it has one.
@@ -195,6 +197,7 @@ class Sheet {
   CellRange loaded_rows;        // rows only; for kPartly
   bool selected = false;        // one of the tabs that are selected together
   std::string comments_damage;  // why the file's comments cannot be read or rewritten; else empty
+  std::string links_damage;     // the same of its links
 
   // For kPartly: the other rows, while an operation needs them and once it has changed one.
   std::unique_ptr<OutsideRows> outside;

@@ -103,7 +103,7 @@ SheetContext Document::context(Workbook& texts, const Workbook& book) const {
       package::child(workbook_part_.tree().root(), Family::Main, "workbookPr");
   const bool compatible = settings.attribute("dateCompatibility").as_bool(true);
   const DateBase base = compatible ? DateBase::k1900 : DateBase::kFull1900;
-  return {texts, shared, &texts == &book ? 0 : shared, formats_,
+  return {texts, parts_, shared, &texts == &book ? 0 : shared, formats_,
           book.date1904 ? DateBase::k1904 : base};
 }
 
@@ -134,6 +134,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   sheet.take(std::move(contents));
   sheet.selected = known.selected;
   sheet.comments_damage = std::move(damage);
+  sheet.links_damage = known.links_damage;
   if (sheet.loading == Loading::kUnread) sheet.loading = Loading::kRead;
 }
 
@@ -143,6 +144,7 @@ std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
   SheetPart remains;
   SheetContents contents;
   const Part* part = parts_.find(part_of(sheet).part);
+  remains.part = part->name;
   const RowFilter filter{sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, true};
   read_worksheet(*parts_.open(*part), part->name, context(outside->texts, book), filter, contents,
                  remains);

@@ -10,6 +10,7 @@
 #include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
 #include "engine/text/fold.h"
+#include "engine/text/percent.h"
 
 namespace engine::xlsx {
 
@@ -260,8 +261,8 @@ const Part* Parts::related(std::string_view owner, std::string_view kind) const 
   return nullptr;
 }
 
-Relationship Parts::new_relationship(std::string_view owner, const Ids& mentioned,
-                                     std::string_view kind, std::string_view part) const {
+Relationship Parts::free_relationship(std::string_view owner, const Ids& mentioned,
+                                      std::string_view kind) const {
   const Relationships& items = relationships(owner);
   Relationship made;
   std::size_t number = items.size();
@@ -271,6 +272,12 @@ Relationship Parts::new_relationship(std::string_view owner, const Ids& mentione
   // A file of the strict family keeps to it.
   if (!items.empty() && items.begin()->type.starts_with(kStrictTypes))
     made.type = std::string(kStrictTypes).append(kind);
+  return made;
+}
+
+Relationship Parts::new_relationship(std::string_view owner, const Ids& mentioned,
+                                     std::string_view kind, std::string_view part) const {
+  Relationship made = free_relationship(owner, mentioned, kind);
   made.target = relative_target(owner, part);
   return made;
 }
@@ -278,6 +285,16 @@ Relationship Parts::new_relationship(std::string_view owner, const Ids& mentione
 std::string Parts::relate(std::string_view owner, const Ids& mentioned, std::string_view kind,
                           std::string_view part) {
   Relationship made = new_relationship(owner, mentioned, kind, part);
+  std::string id = made.id;
+  add_relationship(owner, std::move(made));
+  return id;
+}
+
+std::string Parts::relate_outside(std::string_view owner, const Ids& mentioned,
+                                  std::string_view kind, std::string target) {
+  Relationship made = free_relationship(owner, mentioned, kind);
+  made.target = std::move(target);
+  made.external = true;
   std::string id = made.id;
   add_relationship(owner, std::move(made));
   return id;

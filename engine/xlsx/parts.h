@@ -98,6 +98,9 @@ class Parts {
   // Adds such a relationship and gives its id.
   std::string relate(std::string_view owner, const Ids& mentioned, std::string_view kind,
                      std::string_view part);
+  // The same to a target outside of the package.
+  std::string relate_outside(std::string_view owner, const Ids& mentioned, std::string_view kind,
+                             std::string target);
   void add_relationship(std::string_view owner, Relationship relationship);
   // What nothing leads to any more goes with drop_unreachable(). Throws before it changes anything.
   void unrelate(std::string_view owner, std::string_view id);
@@ -125,6 +128,9 @@ class Parts {
     std::set<std::size_t> freed;
   };
 
+  // Without a target.
+  Relationship free_relationship(std::string_view owner, const Ids& mentioned,
+                                 std::string_view kind) const;
   void read_types();
   std::string type_of(std::string_view name) const;
   Part& make(std::string_view name, std::string_view type);

@@ -1,7 +1,6 @@
 #include "engine/xlsx/relationships.h"
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 #include "engine/package/xml_text.h"
@@ -146,23 +145,6 @@ std::string resolve_target(std::string_view owner, std::string_view target) {
     resolved.append(step);
   }
   return resolved;
-}
-
-std::string decode_percent(std::string_view text) {
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    unsigned char byte = 0;
-    if (text[i] == '%' && i + 2 < text.size()) {
-      const auto [end, error] = std::from_chars(text.data() + i + 1, text.data() + i + 3, byte, 16);
-      if (error == std::errc() && end == text.data() + i + 3) {
-        out.push_back(static_cast<char>(byte));
-        i += 2;
-        continue;
-      }
-    }
-    out.push_back(text[i]);
-  }
-  return out;
 }
 
 std::string relative_target(std::string_view owner, std::string_view part) {

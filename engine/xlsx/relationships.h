@@ -79,7 +79,6 @@ std::string write_relationships(const Relationships& relationships);
 
 // The part that a target names, without leading slash; percent escapes stay.
 std::string resolve_target(std::string_view owner, std::string_view target);
-std::string decode_percent(std::string_view text);
 // The target that leads from one part to another: relative to the owner's folder.
 std::string relative_target(std::string_view owner, std::string_view part);
 

@@ -32,6 +32,7 @@ struct RowFilter {
 // What a worksheet refers to.
 struct SheetContext {
   Workbook& workbook;          // receives texts and errors
+  const Parts& parts;          // among them those that relationships of the sheet lead to
   std::uint32_t shared_texts;  // number of entries in the book's list of shared texts
   std::uint32_t first_text;    // what the index of a text in the workbook's pool is counted from
   std::uint32_t formats;       // number of cell formats of the book

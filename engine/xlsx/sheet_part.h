@@ -39,6 +39,7 @@ struct SheetPart {
   std::uint64_t text_cells = 0;  // cells that name a shared text in the file
   std::uint64_t formulas = 0;    // what formulas_of() gave when the sheet was read
   bool selected = false;         // the tab, in the file
+  std::string links_damage;      // why its links cannot be read or rewritten; else empty
 
   // Its tables that can be read, once somebody asked for them.
   mutable std::optional<std::vector<TablePart>> tables;

@@ -42,7 +42,6 @@ constexpr CellsAttribute kAutoFilter[] = {{{}, "ref", CellsForm::kRange},
 constexpr CellsAttribute kSortState[] = {{{}, "ref", CellsForm::kRange},
                                          {"sortCondition", "ref", CellsForm::kRange}};
 constexpr CellsAttribute kValidations[] = {{"dataValidation", "sqref", CellsForm::kRanges}};
-constexpr CellsAttribute kHyperlinks[] = {{"hyperlink", "ref", CellsForm::kRange}};
 constexpr CellsAttribute kWatches[] = {{"cellWatch", "r", CellsForm::kCell}};
 constexpr CellsAttribute kIgnoredErrors[] = {{"ignoredError", "sqref", CellsForm::kRanges}};
 constexpr CellsAttribute kSmartTags[] = {{"cellSmartTags", "r", CellsForm::kCell}};
@@ -73,7 +72,7 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "phoneticPr"},
     {.name = "conditionalFormatting", .formulas = collect_conditional_format, .cells = kSqref},
     {.name = "dataValidations", .formulas = collect_validations, .cells = kValidations},
-    {.name = "hyperlinks", .copy = copy_hyperlinks, .cells = kHyperlinks},
+    {.name = "hyperlinks", .read = read_links, .patch = patch_links, .copy = copy_links},
     {.name = "printOptions"},
     {.name = "pageMargins"},
     {.name = "pageSetup", .copy = copy_page_setup},

@@ -25,7 +25,7 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
        R"(sqref="A5:B6"/></dataValidations>)",
        {Axis::kRows, Kind::kRemove, 4, 2},
        R"(<dataValidations count="1"><dataValidation sqref="A1:B2"/></dataValidations>)"},
-      {R"(<hyperlinks><hyperlink ref="C3"/></hyperlinks>)",
+      {R"(<cellWatches><cellWatch r="C3"/></cellWatches>)",
        {Axis::kColumns, Kind::kRemove, 2, 1},
        ""},
       {R"(<conditionalFormatting sqref="A1:A9 C1 E:E"><cfRule/></conditionalFormatting>)",

@@ -1,7 +1,15 @@
 #include "engine/xlsx/elements/links.h"
 
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/formula/reference.h"
+#include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
+#include "engine/workbook/links.h"
 #include "engine/xlsx/attributes.h"
+#include "engine/xlsx/escapes.h"
 
 namespace engine::xlsx {
 
@@ -29,7 +37,113 @@ class ExternalLinks {
   Ids taken_;
 };
 
+std::vector<pugi::xml_node> link_nodes(pugi::xml_node list) {
+  return package::children(list, Family::Main, "hyperlink");
+}
+
+std::string_view id_of(pugi::xml_node link) {
+  return package::attribute(link, Family::Relationships, "id").value();
+}
+
+// A link as callers write it. Some programs have places in the book as targets of relationships,
+// and some begin a location with "#".
+std::string text_of(std::string_view target, bool has_location, std::string_view location) {
+  if (location.starts_with('#')) location.remove_prefix(1);
+  if (target.starts_with('#')) return unescape_path(target);
+  const LinkTarget parts = link_target(target);
+  std::string text;
+  if (parts.kind == LinkKind::kPath) text = unescape_path(target);
+  else if (auto path = local_path(target)) text = *std::move(path);
+  else text = target;
+  if (has_location && (text.empty() || !location.empty())) text.append("#").append(location);
+  return text;
+}
+
+std::string text_of(pugi::xml_node link, const Parts& parts, std::string_view sheet) {
+  const std::string_view id = id_of(link);
+  const Relationship* to = id.empty() ? nullptr : parts.relationship(sheet, id);
+  const pugi::xml_attribute location = link.attribute("location");
+  return text_of(to ? std::string_view(to->target) : std::string_view(), !location.empty(),
+                 unescape(location.value()));
+}
+
+// The links of an element, numbered by their place in it. What lies on no cells is not among them
+// and stays as it is. Throws FileError when the relationships of the sheet cannot be read.
+Links links_of(pugi::xml_node list, const Parts& parts, std::string_view sheet, const Grid& grid) {
+  parts.relationships(sheet);
+  Links links;
+  std::uint32_t number = 0;
+  for (const pugi::xml_node node : link_nodes(list)) {
+    ++number;
+    if (const auto cells = formula::parse_range(node.attribute("ref").value(), grid))
+      links.add({*cells, text_of(node, parts, sheet), number});
+  }
+  return links;
+}
+
+// The target as relationships have it.
+std::string stored_target(const LinkTarget& to) {
+  if (to.kind == LinkKind::kUrl) return escape_url(to.target);
+  const std::string path = escape_path(to.target);
+  if (to.target.starts_with('/')) return "file://" + path;
+  const bool absolute =
+      to.target.starts_with("\\\\") || (to.target.size() > 1 && to.target[1] == ':');
+  return absolute ? "file:///" + path : path;
+}
+
+void set_target(pugi::xml_node node, std::string_view text, const SheetPatching& from,
+                const Ids& mentioned) {
+  const LinkTarget to = link_target(text);
+  node.remove_attribute(package::attribute(node, Family::Relationships, "id"));
+  if (to.kind != LinkKind::kPlace)
+    package::set_attribute(
+        node, Family::Relationships, "id",
+        from.parts.relate_outside(from.remains.part, mentioned, "hyperlink", stored_target(to)));
+  settle_attribute(node, "location", escape(to.location),
+                   to.kind != LinkKind::kPlace && to.location.empty());
+}
+
 }  // namespace
+
+void read_links(pugi::xml_node element, const SheetReading& to) {
+  const SheetContext& context = to.context;
+  try {
+    to.sheet.links =
+        links_of(element, context.parts, to.remains.part, context.workbook.limits.grid);
+  } catch (const package::FileError& error) {
+    to.remains.links_damage = error.what();
+  }
+}
+
+void patch_links(pugi::xml_node root, const SheetPatching& from) {
+  if (!from.remains.links_damage.empty()) return;
+  const Links& links = from.sheet.contents().links;
+  pugi::xml_node list = package::child(root, Family::Main, "hyperlinks");
+  const Links stored = links_of(list, from.parts, from.remains.part, from.book.limits.grid);
+  if (links == stored) return;
+  const std::vector<pugi::xml_node> nodes = link_nodes(list);
+  std::vector<const Link*> left(nodes.size());  // by number: those that nobody has claimed
+  for (std::size_t i = 0; i < stored.size(); ++i) left[stored[i].details - 1] = &stored[i];
+
+  const Ids mentioned = mentioned_ids(root);
+  if (!list) list = worksheet_child(root, "hyperlinks");
+  for (std::size_t i = 0; i < links.size(); ++i) {
+    const Link& link = links[i];
+    const Link* former = link.details == 0 ? nullptr : std::exchange(left[link.details - 1], {});
+    const pugi::xml_node node = former ? list.append_move(nodes[link.details - 1])
+                                       : package::append_child(list, "hyperlink");
+    if (!former || former->cells != link.cells)
+      set_attribute(node, "ref", formula::print_range(link.cells));
+    if (!former || former->text != link.text) set_target(node, link.text, from, mentioned);
+  }
+  for (std::size_t i = 0; i < nodes.size(); ++i)
+    if (left[i]) list.remove_child(nodes[i]);
+  if (!list.first_child()) root.remove_child(list);
+
+  const Ids now = mentioned_ids(root);
+  for (const std::string& id : mentioned)
+    if (!now.contains(id)) from.parts.unrelate(from.remains.part, id);
+}
 
 // References to other books, by a path each.
 void copy_consolidation(pugi::xml_node element, const SheetCopying& to) {
@@ -42,11 +156,12 @@ void copy_consolidation(pugi::xml_node element, const SheetCopying& to) {
   else if (list.attribute("count")) set_attribute(list, "count", std::to_string(left));
 }
 
-void copy_hyperlinks(pugi::xml_node element, const SheetCopying& to) {
+// A link stays although its target is lost: the model knows it by its place.
+void copy_links(pugi::xml_node element, const SheetCopying& to) {
   ExternalLinks links(to);
-  for (const pugi::xml_node link : package::children(element, Family::Main, "hyperlink"))
-    if (!links.take(link)) element.remove_child(link);
-  if (!element.first_child()) element.parent().remove_child(element);
+  for (pugi::xml_node link : link_nodes(element))
+    if (!links.take(link))
+      link.remove_attribute(package::attribute(link, Family::Relationships, "id"));
 }
 
 // Settings of a printer are not copied.

@@ -6,7 +6,12 @@
 namespace engine::xlsx {
 
 void copy_consolidation(pugi::xml_node element, const SheetCopying& to);
-void copy_hyperlinks(pugi::xml_node element, const SheetCopying& to);
+
+// Relationships of links are made and dropped as the sheet is written.
+void read_links(pugi::xml_node element, const SheetReading& to);
+void patch_links(pugi::xml_node root, const SheetPatching& from);
+void copy_links(pugi::xml_node element, const SheetCopying& to);
+
 void copy_page_setup(pugi::xml_node element, const SheetCopying& to);
 
 }  // namespace engine::xlsx
