@@ -94,7 +94,6 @@ class BookObject final : public libxl::Book {
   }
 
   bool check_sheet_index(int index) const;
-  bool check_sheet_name(const std::string& name) const;
   bool check_original(const libxl::Sheet* original, const Sheet** sheet) const;
   bool check_savable(std::string_view operation) const;
   // The file of a load, and the one that keeps its bytes if one shall.

@@ -3,9 +3,8 @@
 
 #include "engine/api/book_object.h"
 #include "engine/api/messages.h"
+#include "engine/api/name_rules.h"
 #include "engine/api/sheet_object.h"
-#include "engine/text/fold.h"
-#include "engine/text/utf8.h"
 #include "engine/text/wide.h"
 #include "engine/workbook/sheet_operations.h"
 
@@ -25,40 +24,10 @@ libxl::SheetType type_of(SheetKind kind) {
   return libxl::SheetUnknown;
 }
 
-// The first character that no sheet's name may hold, as messages show it; empty when there is none.
-std::string forbidden_character(std::string_view name) {
-  for (const char c : name) {
-    const auto code = static_cast<unsigned char>(c);
-    if (code < 0x20 || code == 0x7F) {
-      constexpr std::string_view kDigits = "0123456789ABCDEF";
-      return std::string("U+00") + kDigits[code >> 4] + kDigits[code & 15];
-    }
-    if (std::string_view(":\\/?*[]").find(c) != std::string_view::npos) return {c};
-  }
-  return {};
-}
-
 }  // namespace
 
 bool BookObject::check_sheet_index(int index) const {
   return book_.check_index("sheet", index, book_.workbook().sheets().size());
-}
-
-bool BookObject::check_sheet_name(const std::string& name) const {
-  if (name.empty()) return book_.refuse(false, messages::empty("sheet name"));
-  const std::size_t length = utf16_length(name);
-  const std::size_t limit = book_.workbook().limits.sheet_name;
-  if (length > limit) return book_.refuse(false, messages::too_long("sheet name", length, limit));
-  const std::string forbidden = forbidden_character(name);
-  if (!forbidden.empty())
-    return book_.refuse(false, messages::sheet_name_character(name, forbidden));
-  if (name.front() == '\'' || name.back() == '\'')
-    return book_.refuse(false, messages::sheet_name_apostrophe(name));
-  if (equal_ignoring_case(name, "History"))
-    return book_.refuse(false, messages::sheet_name_reserved(name));
-  if (book_.workbook().find_sheet(name))
-    return book_.refuse(false, messages::sheet_name_used(name));
-  return true;
 }
 
 // A sheet to copy: null stays null.
@@ -91,7 +60,7 @@ libxl::Sheet* BookObject::insert(std::size_t position, const wchar_t* name,
   Workbook& workbook = book_.workbook();
   std::string text = to_utf8(name);
   const Sheet* model = nullptr;
-  if (!check_sheet_name(text) || !check_original(original, &model)) return nullptr;
+  if (!check_sheet_name(book_, text) || !check_original(original, &model)) return nullptr;
   if (model && model->loading == Loading::kPartly)
     return book_.refuse(nullptr, messages::sheet_partly_loaded(model->name()));
   if (workbook.sheets().size() >= workbook.limits.sheets)

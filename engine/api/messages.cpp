@@ -20,6 +20,8 @@ std::string shown(double value) {
 std::string shown(std::integral auto value) { return std::to_string(value); }
 std::string_view shown(std::string_view text) { return text; }
 
+constexpr std::string_view kForbidden = " holds a character that is not allowed: ";
+
 // A text of the caller or of a file.
 std::string quoted(std::string_view text) {
   constexpr std::size_t kShown = 64;
@@ -50,6 +52,18 @@ std::string padded(int value, std::size_t width) {
 std::string range_text(std::string_view property, const auto& value, const auto& low,
                        const auto& high) {
   return join(property, " ", value, " is out of range ", low, "..", high);
+}
+
+// A control character is told by its number.
+std::string character_text(std::string_view character) {
+  const auto code = static_cast<unsigned char>(character.front());
+  if (code >= 0x20 && code != 0x7F) return std::string(character);
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  return std::string("U+00") + kDigits[code >> 4] + kDigits[code & 15];
+}
+
+std::string name_text(std::string_view name, std::string_view predicate) {
+  return join("name ", quoted(name), predicate);
 }
 
 std::string sheet_name(std::string_view name, std::string_view predicate) {
@@ -144,7 +158,7 @@ std::string sheet_partly_loaded(std::string_view sheet) {
 std::string not_worksheet(int index) { return join("sheet ", index, " is not a worksheet"); }
 
 std::string sheet_name_character(std::string_view name, std::string_view character) {
-  return join(sheet_name(name, " holds a character that is not allowed: "), character);
+  return join(sheet_name(name, kForbidden), character_text(character));
 }
 
 std::string sheet_name_used(std::string_view name) { return sheet_name(name, " is already used"); }
@@ -154,6 +168,20 @@ std::string sheet_name_reserved(std::string_view name) { return sheet_name(name,
 std::string sheet_name_apostrophe(std::string_view name) {
   return sheet_name(name, " begins or ends with an apostrophe");
 }
+
+std::string name_character(std::string_view name, std::string_view character) {
+  return join(name_text(name, kForbidden), character_text(character));
+}
+
+std::string name_like_address(std::string_view name) {
+  return name_text(name, " looks like a cell address");
+}
+
+std::string name_of_table(std::string_view name) {
+  return name_text(name, " is already used by a table");
+}
+
+std::string name_reserved(std::string_view name) { return name_text(name, " is reserved"); }
 
 std::string no_sheets() { return "the book has no sheets"; }
 

@@ -45,11 +45,17 @@ std::string row_not_loaded(int row, std::string_view sheet);
 std::string sheet_partly_loaded(std::string_view sheet);
 std::string not_worksheet(int index);
 
-// Sheets.
+// Sheets. A character is given as it stands in the name.
 std::string sheet_name_character(std::string_view name, std::string_view character);
 std::string sheet_name_used(std::string_view name);
 std::string sheet_name_reserved(std::string_view name);
 std::string sheet_name_apostrophe(std::string_view name);
+
+// Defined names.
+std::string name_character(std::string_view name, std::string_view character);
+std::string name_like_address(std::string_view name);
+std::string name_of_table(std::string_view name);
+std::string name_reserved(std::string_view name);
 std::string no_sheets();
 std::string every_sheet_hidden();
 std::string sheet_hidden(int index);

@@ -88,10 +88,6 @@ int SheetObject::lastCol() const {
   return run(0, [&] { return used_range().column_last + 1; });
 }
 
-const wchar_t* SheetObject::name() const {
-  return run(nullptr, [&] { return book_.give(sheet_->name()); });
-}
-
 void SheetObject::addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,
                                bool* colRelative) {
   run([&] {

@@ -84,10 +84,29 @@ class SheetObject final : public UnsupportedSheet {
   int firstCol() const override;
   int lastCol() const override;
 
-  const wchar_t* name() const override;
   void addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,
                     bool* colRelative) override;
   const wchar_t* rowColToAddr(int row, int column, bool rowRelative, bool colRelative) override;
+
+  // Names.
+  const wchar_t* name() const override;
+  void setName(const wchar_t* name) override;
+  bool getNamedRange(const wchar_t* name, int* rowFirst, int* rowLast, int* colFirst, int* colLast,
+                     int scopeId, bool* hidden) const override;
+  bool setNamedRange(const wchar_t* name, int rowFirst, int rowLast, int colFirst, int colLast,
+                     int scopeId) override;
+  bool delNamedRange(const wchar_t* name, int scopeId) override;
+  int namedRangeSize() const override;
+  const wchar_t* namedRange(int index, int* rowFirst, int* rowLast, int* colFirst, int* colLast,
+                            int* scopeId, bool* hidden) const override;
+  bool printRepeatRows(int* rowFirst, int* rowLast) const override;
+  void setPrintRepeatRows(int rowFirst, int rowLast) override;
+  bool printRepeatCols(int* colFirst, int* colLast) const override;
+  void setPrintRepeatCols(int colFirst, int colLast) override;
+  bool printArea(int* rowFirst, int* rowLast, int* colFirst, int* colLast) const override;
+  void setPrintArea(int rowFirst, int rowLast, int colFirst, int colLast) override;
+  void clearPrintRepeats() override;
+  void clearPrintArea() override;
 
   // Links.
   int hyperlinkSize() const override;
@@ -131,6 +150,9 @@ class SheetObject final : public UnsupportedSheet {
   bool check_error(int error) const;
   bool check_comments() const;
   bool check_links() const;
+  bool check_scope(int scope) const;
+  // The name that a scope leads to: undefined, the sheet's own comes before the book's.
+  const DefinedName* find_name(const std::string& name, int scope) const;
   bool check_pixels(std::string_view property, int pixels) const;
 
   // -1 stands for a size that follows the contents.

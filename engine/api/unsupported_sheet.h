@@ -39,7 +39,6 @@ class UnsupportedSheet : public libxl::Sheet, public BookPart {
   void setDisplayGridlines(bool) override { unsupported("setDisplayGridlines"); }
   int zoom() const override { return unsupported(0, "zoom"); }
   void setZoom(int) override { unsupported("setZoom"); }
-  void setName(const wchar_t*) override { unsupported("setName"); }
   bool protect() const override { return unsupported(false, "protect"); }
   void setProtect(bool, const wchar_t*, libxl::EnhancedProtection) override {
     unsupported("setProtect");
@@ -82,25 +81,6 @@ class UnsupportedSheet : public libxl::Sheet, public BookPart {
   void setMarginBottom(double) override { unsupported("setMarginBottom"); }
   bool printRowCol() const override { return unsupported(false, "printRowCol"); }
   void setPrintRowCol(bool) override { unsupported("setPrintRowCol"); }
-  bool printRepeatRows(int*, int*) const override { return unsupported(false, "printRepeatRows"); }
-  void setPrintRepeatRows(int, int) override { unsupported("setPrintRepeatRows"); }
-  bool printRepeatCols(int*, int*) const override { return unsupported(false, "printRepeatCols"); }
-  void setPrintRepeatCols(int, int) override { unsupported("setPrintRepeatCols"); }
-  bool printArea(int*, int*, int*, int*) const override { return unsupported(false, "printArea"); }
-  void setPrintArea(int, int, int, int) override { unsupported("setPrintArea"); }
-  void clearPrintRepeats() override { unsupported("clearPrintRepeats"); }
-  void clearPrintArea() override { unsupported("clearPrintArea"); }
-  bool getNamedRange(const wchar_t*, int*, int*, int*, int*, int, bool*) const override {
-    return unsupported(false, "getNamedRange");
-  }
-  bool setNamedRange(const wchar_t*, int, int, int, int, int) override {
-    return unsupported(false, "setNamedRange");
-  }
-  bool delNamedRange(const wchar_t*, int) override { return unsupported(false, "delNamedRange"); }
-  int namedRangeSize() const override { return unsupported(0, "namedRangeSize"); }
-  const wchar_t* namedRange(int, int*, int*, int*, int*, int*, bool*) const override {
-    return unsupported<const wchar_t*>(nullptr, "namedRange");
-  }
   int tableSize() const override { return unsupported(0, "tableSize"); }
   const wchar_t* table(int, int*, int*, int*, int*, int*, int*) const override {
     return unsupported<const wchar_t*>(nullptr, "table");

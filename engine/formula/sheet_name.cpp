@@ -25,6 +25,16 @@ bool is_letter_or_digit(std::uint32_t code) {
   }
 }
 
+// Marks stand with the letters of some scripts.
+bool is_mark(std::uint32_t code) {
+  const auto category = utf8proc_category(static_cast<utf8proc_int32_t>(code));
+  return category == UTF8PROC_CATEGORY_MN || category == UTF8PROC_CATEGORY_MC;
+}
+
+bool is_decimal_digit(std::uint32_t code) {
+  return utf8proc_category(static_cast<utf8proc_int32_t>(code)) == UTF8PROC_CATEGORY_ND;
+}
+
 bool is_plain(std::string_view name) {
   while (!name.empty()) {
     if (name.front() == '_' || name.front() == '.') {
@@ -48,6 +58,21 @@ bool looks_like_address(std::string_view name) {
   if (const char* behind = scan_r1c1_part(p, end, 'R', 0, 1, position, absolute)) p = behind;
   if (p == end) return true;
   return scan_r1c1_part(p, end, 'C', 0, 1, position, absolute) == end;
+}
+
+std::string_view forbidden_in_name(std::string_view name) {
+  std::string_view rest = name;
+  while (!rest.empty()) {
+    const std::string_view from = rest;
+    const std::uint32_t code = take_character(rest);
+    const bool first = from.size() == name.size();
+    const bool allowed =
+        code == '_' || code == '\\' ||
+        (first ? is_letter_or_digit(code) && !is_decimal_digit(code)
+               : code == '.' || code == '?' || is_letter_or_digit(code) || is_mark(code));
+    if (!allowed) return from.substr(0, from.size() - rest.size());
+  }
+  return {};
 }
 
 std::string quote_sheet_name(std::string_view name) {

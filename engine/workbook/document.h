@@ -71,6 +71,11 @@ class Document {
     return {};
   }
 
+  // Whether a table has the name, ignoring case; one that is damaged counts as none.
+  virtual bool is_table_name(const Workbook& /*book*/, std::string_view /*name*/) const {
+    return false;
+  }
+
   // A formula without what the format alone puts into it, which callers may write all the same;
   // nothing when it has none of that.
   virtual std::optional<std::string> shown_formula(const Workbook& /*book*/,

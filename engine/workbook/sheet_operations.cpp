@@ -8,6 +8,7 @@
 
 #include "engine/formula/formula.h"
 #include "engine/formula/formula_text.h"
+#include "engine/text/fold.h"
 #include "engine/workbook/font_metrics.h"
 
 namespace engine {
@@ -24,16 +25,35 @@ void edit_copy(SheetContents& copy, const FormulaEdit& edit, const Sheet* origin
     if (auto text = edit(original, shared.text)) shared.text = *std::move(text);
 }
 
-std::vector<DefinedName> copies_of_names(const Workbook& book, const FormulaEdit& edit,
-                                         const Sheet& original, const Sheet& copy) {
-  std::vector<DefinedName> copies;
-  for (const DefinedName& name : book.names) {
-    if (name.scope != &original) continue;
-    copies.push_back(name);
-    copies.back().scope = &copy;
-    if (auto text = edit(&original, name.definition)) copies.back().definition = *std::move(text);
+void copy_names(const Workbook& book, const FormulaEdit& edit, const Sheet& original,
+                const Sheet& copy, DefinedNames& copies) {
+  for (const DefinedName* name : book.names.of_scope(original)) {
+    DefinedName made = *name;
+    made.scope = &copy;
+    if (auto text = edit(&original, made.definition)) made.definition = *std::move(text);
+    copies.add(std::move(made));
   }
-  return copies;
+}
+
+// New texts for links to places in the book.
+struct LinkEdit {
+  Sheet* sheet;
+  std::size_t index;
+  std::string text;
+};
+
+std::vector<LinkEdit> edited_links(const Workbook& book, const FormulaEdit& edit) {
+  std::vector<LinkEdit> edits;
+  for (const auto& sheet : book.sheets()) {
+    const Links& links = sheet->contents().links;
+    for (std::size_t index = 0; index < links.size(); ++index) {
+      const LinkTarget to = link_target(links[index].text);
+      if (to.kind != LinkKind::kPlace) continue;
+      if (auto place = edit(sheet.get(), to.location))
+        edits.push_back({sheet.get(), index, "#" + *place});
+    }
+  }
+  return edits;
 }
 
 bool is_visible(const std::unique_ptr<Sheet>& sheet) {
@@ -92,7 +112,7 @@ void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet*
     collect_cells(*sheet, *sheet, edit);
     if (sheet->outside) collect_cells(sheet->outside->rows, *sheet, edit);
   }
-  for (DefinedName& name : book.names) {
+  for (const DefinedName& name : book.names) {
     if (except && name.scope == except) continue;
     if (auto text = edit(name.scope, name.definition)) names_.push_back({&name, *std::move(text)});
   }
@@ -113,14 +133,14 @@ void FormulaEdits::collect_cells(Sheet& rows, const Sheet& sheet, const FormulaE
   }
 }
 
-void FormulaEdits::apply() noexcept {
+void FormulaEdits::apply(Workbook& book) noexcept {
   for (const CellEdit& edit : cells_) {
     SheetContents& contents = edit.sheet->change();
     contents.set_formula(contents.records()[edit.record], edit.formula);
   }
   for (SharedEdit& edit : shared_)
     edit.sheet->change().shared_formulas[edit.number].text.swap(edit.formula);
-  for (NameEdit& edit : names_) edit.name->definition.swap(edit.definition);
+  for (NameEdit& edit : names_) book.names.exchange(*edit.name, edit.definition);
 }
 
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {
@@ -148,7 +168,7 @@ AllRows::~AllRows() {
 }
 
 NewSheet make_sheet(const Workbook& book, Document& document, std::string name) {
-  NewSheet made;
+  NewSheet made(book);
   made.sheet = std::make_unique<Sheet>(std::move(name));
   SheetContents& contents = made.sheet->change();
   contents.digit_pixels = digit_pixels(book.styles.font(0));
@@ -159,7 +179,7 @@ NewSheet make_sheet(const Workbook& book, Document& document, std::string name) 
 
 NewSheet make_copy(const Workbook& book, Document& document, const Sheet& original,
                    std::string name) {
-  NewSheet made;
+  NewSheet made(book);
   made.sheet = std::make_unique<Sheet>(std::move(name));
   Sheet& copy = *made.sheet;
   const std::vector<formula::TableChange> tables = document.copy_sheet(book, original, copy);
@@ -170,13 +190,11 @@ NewSheet make_copy(const Workbook& book, Document& document, const Sheet& origin
   };
   copy.take(SheetContents(original.contents()));
   edit_copy(copy.change(), edit, &original);
-  made.names = copies_of_names(book, edit, original, copy);
+  copy_names(book, edit, original, copy, made.names);
   return made;
 }
 
 void make_room(Workbook& book, NewSheet& made) {
-  const std::size_t names = book.names.size() + made.names.size();
-  if (names > book.names.capacity()) book.names.reserve(2 * names);
   book.make_room_for_sheet();
   made.index = {made.sheet.get()};
 }
@@ -185,7 +203,7 @@ void place_sheet(Workbook& book, Document& document, std::size_t position, NewSh
   document.place_sheet(*made.sheet);
   if (book.sheets().empty()) made.sheet->selected = true;
   else if (position <= book.active_sheet) ++book.active_sheet;
-  std::ranges::move(made.names, std::back_inserter(book.names));
+  book.names.take(std::move(made.names));
   book.insert_sheet(position, std::move(made.sheet), std::move(made.index));
 }
 
@@ -193,6 +211,23 @@ void move_sheet(Workbook& book, std::size_t from, std::size_t to) noexcept {
   const Sheet* active = book.sheets()[book.active_sheet].get();
   book.move_sheet(from, to);
   book.active_sheet = book.position(*active);
+}
+
+void rename_sheet(Workbook& book, Document& document, Sheet& sheet, std::string name) {
+  read_all_sheets(book, document);
+  const AllRows all_rows(book, document);
+  const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
+    return formula::rename_sheet_text(text, sheet.name(), name, book.limits.grid);
+  };
+  FormulaEdits edits;
+  edits.collect(book, edit);
+  std::vector<LinkEdit> links = edited_links(book, edit);
+  std::string folded_name = fold_case(name);
+  document.edit_formulas(book, edit);
+
+  edits.apply(book);
+  for (LinkEdit& one : links) one.sheet->change().links.exchange(one.index, one.text);
+  book.rename_sheet(sheet, std::move(name), std::move(folded_name));
 }
 
 std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::size_t position) {
@@ -212,8 +247,8 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
   edits.collect(book, edit, &gone);
   document.remove_sheet(book, gone, edit);
 
-  edits.apply();
-  std::erase_if(book.names, [&](const DefinedName& name) { return name.scope == &gone; });
+  edits.apply(book);
+  book.names.remove_scope(gone);
   std::unique_ptr<Sheet> removed = book.remove_sheet(position);
   if (position < book.active_sheet) {
     --book.active_sheet;

@@ -23,7 +23,7 @@ class FormulaEdits {
   // Asks `edit` about every formula in memory but those of `except`, a sheet that goes.
   void collect(Workbook& book, const FormulaEdit& edit, const Sheet* except = nullptr);
   // Puts the new texts in place. The sheets that hold one count as changed.
-  void apply() noexcept;
+  void apply(Workbook& book) noexcept;
 
  private:
   // Those of the cells of `rows`, which belong to a sheet of the book.
@@ -40,7 +40,7 @@ class FormulaEdits {
     std::string formula;
   };
   struct NameEdit {
-    DefinedName* name;
+    const DefinedName* name;
     std::string definition;
   };
 
@@ -75,8 +75,10 @@ class AllRows {
 
 // A sheet with its names, made but not in the book yet.
 struct NewSheet {
+  explicit NewSheet(const Workbook& book) : names(book.limits.grid) {}
+
   std::unique_ptr<Sheet> sheet;
-  std::vector<DefinedName> names;
+  DefinedNames names;
   SheetNames index = {};  // the sheet, once there is room for it
 };
 
@@ -94,6 +96,10 @@ void place_sheet(Workbook& book, Document& document, std::size_t position, NewSh
 
 // Moves a sheet; the others keep their order and the active sheet stays the same one.
 void move_sheet(Workbook& book, std::size_t from, std::size_t to) noexcept;
+
+// Gives a sheet another name, which no other has; references follow, places that links lead to
+// among them. Reads the other sheets.
+void rename_sheet(Workbook& book, Document& document, Sheet& sheet, std::string name);
 
 // Removes a sheet with its names and returns it; references to it break. Reads the other sheets.
 std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::size_t position);

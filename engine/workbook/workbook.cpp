@@ -20,7 +20,7 @@ constexpr ClassicError kClassicErrors[] = {
 
 }  // namespace
 
-Workbook::Workbook(const Limits& format_limits) : limits(format_limits) {
+Workbook::Workbook(const Limits& format_limits) : limits(format_limits), names(format_limits.grid) {
   styles.limits = limits.styles;
 }
 
@@ -66,11 +66,11 @@ void Workbook::move_sheet(std::size_t from, std::size_t to) noexcept {
   else std::rotate(at(to), at(from), at(from + 1));
 }
 
-void Workbook::rename_sheet(Sheet& sheet, std::string name) {
-  std::string folded = fold_case(name);
+void Workbook::rename_sheet(Sheet& sheet, std::string name, std::string folded_name) noexcept {
   auto its_name = sheet_names_.extract(place_in_names(sheet));
   sheet.name_.swap(name);
-  sheet.folded_name_.swap(folded);
+  sheet.folded_name_.swap(folded_name);
+  names.forget_ranges();
   sheet_names_.insert(std::move(its_name));
 }
 

@@ -10,21 +10,13 @@
 #include <vector>
 
 #include "engine/workbook/cell.h"
+#include "engine/workbook/defined_names.h"
 #include "engine/workbook/limits.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/string_pool.h"
 #include "engine/workbook/styles.h"
 
 namespace engine {
-
-// A name that stands for a range, a constant or a formula.
-struct DefinedName {
-  std::string name;
-  std::string definition;        // formula text without "="
-  const Sheet* scope = nullptr;  // the only sheet that knows it; null: the whole book does
-  bool hidden = false;
-  std::string details;  // kept for the codec: what else the file says of the name
-};
 
 // Sheets by their folded names. Of sheets that share one, as those of a damaged file may, the first
 // that came to the book stands first.
@@ -45,7 +37,7 @@ class Workbook {
   const Limits limits;
   StringPool strings;
   Styles styles;
-  std::vector<DefinedName> names;
+  DefinedNames names;
   std::size_t active_sheet = 0;
   bool date1904 = false;
   bool r1c1 = false;  // formulas are shown and taken in R1C1 notation
@@ -72,8 +64,8 @@ class Workbook {
   std::unique_ptr<Sheet> remove_sheet(std::size_t position) noexcept;
   // The others keep their order.
   void move_sheet(std::size_t from, std::size_t to) noexcept;
-  // Changes the name and nothing that mentions it. Throws before it changes anything.
-  void rename_sheet(Sheet& sheet, std::string name);
+  // Changes the name and nothing that mentions it.
+  void rename_sheet(Sheet& sheet, std::string name, std::string folded_name) noexcept;
 
  private:
   SheetNames::iterator place_in_names(const Sheet& sheet) const;

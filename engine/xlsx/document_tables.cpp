@@ -8,6 +8,7 @@
 #include "engine/formula/reference.h"
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
+#include "engine/text/fold.h"
 #include "engine/text/number_text.h"
 #include "engine/workbook/sheet_operations.h"
 #include "engine/xlsx/document.h"
@@ -107,6 +108,18 @@ std::vector<Table> Document::tables(const Workbook& book, const Sheet& sheet) co
   for (const TablePart& table : tables_of(book, part_of(sheet)))
     all.push_back({table.name, table.cells});
   return all;
+}
+
+bool Document::is_table_name(const Workbook& book, std::string_view name) const {
+  for (const auto& sheet : book.sheets()) {
+    try {
+      for (const TablePart& table : tables_of(book, part_of(*sheet)))
+        if (equal_ignoring_case(table.name, name)) return true;
+    } catch (const package::FileError&) {
+      continue;
+    }
+  }
+  return false;
 }
 
 // One that cannot be read fills no range that anybody knows of.
@@ -240,7 +253,7 @@ void Document::settle_tables(Workbook& book) {
     for (Headers& one : headers) one.sheet->change() = std::move(one.before);
     throw;
   }
-  edits.apply();
+  edits.apply(book);
   for (Renaming& one : renamings) one.table->columns.swap(one.names);
 }
 

@@ -163,9 +163,11 @@ void patch_names(pugi::xml_node root, const Workbook& book, std::size_t sheets) 
   std::vector<pugi::xml_node> modelled = stored;
   std::erase_if(modelled, [&](pugi::xml_node node) { return !is_modelled(node, sheets); });
   bool same = modelled.size() == book.names.size();
-  for (std::size_t i = 0; same && i < modelled.size(); ++i)
-    same = node_of(book.names[i]) == modelled[i] &&
-           says(modelled[i], book.names[i], scope(book.names[i]), book, sheets);
+  std::size_t at = 0;
+  for (auto name = book.names.begin(); same && name != book.names.end(); ++name) {
+    const pugi::xml_node node = modelled[at++];
+    same = node_of(*name) == node && says(node, *name, scope(*name), book, sheets);
+  }
   if (same) return;
   const pugi::xml_node old = package::child(root, Family::Main, "definedNames");
   if (!book.names.empty()) {
@@ -216,7 +218,7 @@ void read_names(pugi::xml_node root, Workbook& book) {
     name.definition = definition_of(node, book.limits.grid);
     name.hidden = node.attribute("hidden").as_bool();
     if (scope >= 0) name.scope = book.sheets()[static_cast<std::size_t>(scope)].get();
-    book.names.push_back(std::move(name));
+    book.names.add(std::move(name));
   }
 }
 

@@ -14,7 +14,7 @@ TEST(FindSheet, FollowsNamesAndPlaces) {
   EXPECT_EQ(book.find_sheet("GRÖßE15"), sheet15);
   book.move_sheet(15, 3);
   EXPECT_EQ(book.find_sheet("größe15"), sheet15);
-  book.rename_sheet(*sheet15, "Other");
+  book.rename_sheet(*sheet15, "Other", "other");
   EXPECT_EQ(book.find_sheet("größe15"), nullptr);
   EXPECT_EQ(book.find_sheet("other"), sheet15);
   const auto removed = book.remove_sheet(3);
@@ -30,7 +30,7 @@ TEST(FindSheet, TakesTheFirstOfOneName) {
   EXPECT_EQ(book.find_sheet("twice"), book.sheets()[1].get());
   book.remove_sheet(1);
   EXPECT_EQ(book.find_sheet("twice"), second);
-  book.rename_sheet(*second, "a");
+  book.rename_sheet(*second, "a", "a");
   EXPECT_EQ(book.find_sheet("a"), book.sheets()[0].get());
   EXPECT_EQ(book.find_sheet("twice"), nullptr);
 }

@@ -83,9 +83,11 @@ TEST(LoadedBook, ChangesTouchOnlyWhatTheyConcern) {
        {"[Content_Types].xml", "xl/_rels/workbook.xml.rels", "xl/calcChain.xml",
         "xl/worksheets/sheet1.xml"}},
       {"sheet renamed",
-       [](Book& b) { b.workbook.rename_sheet(b.sheet(), "New"); },
+       [](Book& b) { b.workbook.rename_sheet(b.sheet(), "New", "new"); },
        {"xl/workbook.xml"}},
-      {"name", [](Book& b) { b.workbook.names[0].definition = "2"; }, {"xl/workbook.xml"}},
+      {"name",
+       [](Book& b) { b.workbook.names.define(*b.workbook.names.begin(), "2"); },
+       {"xl/workbook.xml"}},
       {"tab", [](Book& b) { b.sheet(1).selected = true; }, {"xl/chartsheets/sheet1.xml"}},
   };
   PartTexts parts = rich_book();
@@ -106,8 +108,11 @@ TEST(LoadedBook, WorkbookPartKeepsWhatItHas) {
   ASSERT_EQ(workbook.sheets().size(), 2u);
   EXPECT_EQ(book->sheet(1).kind, SheetKind::kChart);
   ASSERT_EQ(workbook.names.size(), 1u);
-  workbook.names[0].name = "M";
-  workbook.names.push_back({"L", "One!$B$2", &book->sheet(1), false, ""});
+  DefinedName renamed = *workbook.names.begin();
+  renamed.name = "M";
+  workbook.names.remove(*workbook.names.begin());
+  workbook.names.add(std::move(renamed));
+  workbook.names.add({"L", "One!$B$2", &book->sheet(1), false, ""});
   workbook.move_sheet(0, 1);
   book->add_sheet("Third");
   workbook.active_sheet = 2;

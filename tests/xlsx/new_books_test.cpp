@@ -20,8 +20,8 @@ TEST(NewBook, ComesBackAsItWas) {
   workbook.active_sheet = 1;
   workbook.date1904 = true;
   workbook.r1c1 = true;
-  workbook.names = {{"Rate", "0.19", nullptr, false, ""},
-                    {"_xlnm.Print_Area", "Hidden!$A$1:$B$2", &hidden, true, ""}};
+  workbook.names.add({"Rate", "0.19", nullptr, false, ""});
+  workbook.names.add({"_xlnm.Print_Area", "Hidden!$A$1:$B$2", &hidden, true, ""});
   const auto text = [&](const char* value) { return Value::of_text(workbook.strings.add(value)); };
   const std::string odd = " \x01 _x0041_ <&>\"'\r\n\t";
   sheet.change().put_value(0, 0, text(odd.c_str()), {});
@@ -46,8 +46,9 @@ TEST(NewBook, ComesBackAsItWas) {
   EXPECT_TRUE(read.date1904 && read.r1c1);
   EXPECT_EQ(read.active_sheet, 1u);
   ASSERT_EQ(read.names.size(), 2u);
-  EXPECT_EQ(read.names[1].scope, &again->sheet(1));
-  EXPECT_TRUE(read.names[1].hidden);
+  const DefinedName& area = *std::next(read.names.begin());
+  EXPECT_EQ(area.scope, &again->sheet(1));
+  EXPECT_TRUE(area.hidden);
   EXPECT_EQ(again->show(0, 0), "\"" + odd + "\"");
   EXPECT_EQ(again->show(0, 1), "\"\"");
   EXPECT_EQ(again->sheet().contents().cells.find(0, 16383)->number, 1e300);

@@ -124,7 +124,7 @@ TEST(PartialLoad, FormulasOfTheOtherRowsFollow) {
     edits.collect(book->workbook, [](const Sheet*, std::string_view formula) {
       return formula == "One!B4" ? std::optional<std::string>("Two!B4") : std::nullopt;
     });
-    edits.apply();
+    edits.apply(book->workbook);
   }
   const auto again = load(book->save());
   again->read();
