@@ -86,8 +86,8 @@ void RowsAhead::read(std::span<char> block, std::uint64_t offset) noexcept {
 
 std::unique_ptr<RowPiece> RowsAhead::read_piece(std::span<char> rows) const {
   auto piece = std::make_unique<RowPiece>(context_.workbook.limits);
-  SheetContext context{piece->texts, context_.shared_texts, context_.shared_texts, context_.formats,
-                       context_.dates};
+  SheetContext context{piece->texts,          context_.parts,   context_.shared_texts,
+                       context_.shared_texts, context_.formats, context_.dates};
   RowsPart part(rows);
   package::XmlScanner scanner(part, part_);
   scanner.next();

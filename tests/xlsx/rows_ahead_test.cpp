@@ -75,8 +75,9 @@ std::string reading(BlockReader& reader) {
   book.strings.end_of_file_entries();
   SheetContents sheet;
   SheetPart remains;
+  const Parts parts;
   try {
-    read_worksheet(reader, "sheet.xml", {book, 2, 0, 5, DateBase::k1900}, RowFilter(), sheet,
+    read_worksheet(reader, "sheet.xml", {book, parts, 2, 0, 5, DateBase::k1900}, RowFilter(), sheet,
                    remains);
   } catch (const package::FileError& error) {
     return error.what();
