@@ -41,6 +41,7 @@ endfunction()
 find_static_library(pugixml libpugixml.a)
 find_static_library(utf8proc libutf8proc.a)
 target_compile_definitions(utf8proc INTERFACE UTF8PROC_STATIC)
+find_static_library(crypto libcrypto.a)
 
 # Hashes of texts. It is all in its header, to be compiled into the places that use it.
 find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)

@@ -21,3 +21,5 @@ std::span<const bind::Row> shape_functions();
 std::span<const bind::Row> name_functions();
 std::span<const bind::Row> format_functions();
 std::span<const bind::Row> font_functions();
+std::span<const bind::Row> sheet_view_functions();
+std::span<const bind::Row> sheet_page_functions();

@@ -189,6 +189,10 @@ std::string every_sheet_hidden() { return "every sheet is hidden"; }
 
 std::string sheet_hidden(int index) { return join("sheet ", index, " is hidden"); }
 
+std::string only_visible_sheet(std::string_view sheet) {
+  return join("sheet ", quoted(sheet), " is the only visible sheet");
+}
+
 std::string wrong_kind(CellAddress cell, std::string_view holds, std::string_view wanted) {
   return join("cell ", cell_text(cell), " holds ", holds, ", not ", wanted);
 }

@@ -59,6 +59,7 @@ std::string name_reserved(std::string_view name);
 std::string no_sheets();
 std::string every_sheet_hidden();
 std::string sheet_hidden(int index);
+std::string only_visible_sheet(std::string_view sheet);
 
 // Cells. `holds` and `wanted` as "text", "a number".
 std::string wrong_kind(CellAddress cell, std::string_view holds, std::string_view wanted);

@@ -34,6 +34,11 @@ bool SheetObject::check_range(const CellRange& range) const {
          book_.refuse(false, messages::column_order(column_first, column_last));
 }
 
+bool SheetObject::check_value(std::string_view property, int value, int low, int high) const {
+  if (value >= low && value <= high) return true;
+  return book_.refuse(false, messages::out_of_range(property, value, low, high));
+}
+
 bool SheetObject::check_format(const libxl::Format* format, Style* style) const {
   if (!format) return true;
   const auto& object = static_cast<const FormatObject&>(*format);

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 #include "engine/api/book_context.h"
 #include "engine/api/unsupported_sheet.h"
@@ -84,6 +86,63 @@ class SheetObject final : public UnsupportedSheet {
   int firstCol() const override;
   int lastCol() const override;
 
+  // Page breaks, panes, view, protection, tab.
+  int getHorPageBreak(int index) const override;
+  int getHorPageBreakSize() const override;
+  int getVerPageBreak(int index) const override;
+  int getVerPageBreakSize() const override;
+  bool setHorPageBreak(int row, bool pageBreak) override;
+  bool setVerPageBreak(int column, bool pageBreak) override;
+  void split(int row, int column) override;
+  bool splitInfo(int* row, int* column) const override;
+  bool displayGridlines() const override;
+  void setDisplayGridlines(bool show) override;
+  int zoom() const override;
+  void setZoom(int zoom) override;
+  bool rightToLeft() const override;
+  void setRightToLeft(bool rightToLeft) override;
+  void getTopLeftView(int* row, int* column) const override;
+  void setTopLeftView(int row, int column) override;
+  bool protect() const override;
+  void setProtect(bool protect, const wchar_t* password,
+                  libxl::EnhancedProtection enhancedProtection) override;
+  libxl::SheetState hidden() const override;
+  bool setHidden(libxl::SheetState state) override;
+  void setTabColor(libxl::Color color) override;
+  void setTabColor(int red, int green, int blue) override;
+
+  // Page setup.
+  bool printGridlines() const override;
+  void setPrintGridlines(bool print) override;
+  bool printRowCol() const override;
+  void setPrintRowCol(bool print) override;
+  bool hCenter() const override;
+  void setHCenter(bool hCenter) override;
+  bool vCenter() const override;
+  void setVCenter(bool vCenter) override;
+  int printZoom() const override;
+  void setPrintZoom(int zoom) override;
+  bool getPrintFit(int* wPages, int* hPages) const override;
+  void setPrintFit(int wPages, int hPages) override;
+  bool landscape() const override;
+  void setLandscape(bool landscape) override;
+  libxl::Paper paper() const override;
+  void setPaper(libxl::Paper paper) override;
+  const wchar_t* header() const override;
+  bool setHeader(const wchar_t* header, double margin) override;
+  double headerMargin() const override;
+  const wchar_t* footer() const override;
+  bool setFooter(const wchar_t* footer, double margin) override;
+  double footerMargin() const override;
+  double marginLeft() const override;
+  void setMarginLeft(double margin) override;
+  double marginRight() const override;
+  void setMarginRight(double margin) override;
+  double marginTop() const override;
+  void setMarginTop(double margin) override;
+  double marginBottom() const override;
+  void setMarginBottom(double margin) override;
+
   void addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,
                     bool* colRelative) override;
   const wchar_t* rowColToAddr(int row, int column, bool rowRelative, bool colRelative) override;
@@ -159,6 +218,8 @@ class SheetObject final : public UnsupportedSheet {
   bool check_size(std::string_view property, double size, double limit) const;
   bool check_mergeable(const CellRange& range) const;
   bool check_merge(int index) const;
+  bool check_value(std::string_view property, int value, int low, int high) const;
+  bool check_margin(std::string_view property, double margin) const;
 
   bool refuse_cell(int row, int column) const;
   bool find_loaded(int row) const;
@@ -168,6 +229,25 @@ class SheetObject final : public UnsupportedSheet {
   // The record with the formula that fills the cell, its own or that of its array; else null.
   // `anchor`, if given, becomes the cell that holds it.
   const CellRecord* formula_record(const Cell& cell, CellAddress at, CellAddress* anchor) const;
+
+  // Gives a part of the contents, or one of its fields, a value. Where it has that already the
+  // sheet counts as unchanged.
+  template <class Part>
+  void set(Part SheetContents::*part, std::type_identity_t<Part> value) noexcept {
+    if (contents().*part != value) sheet_->change().*part = std::move(value);
+  }
+  template <class Part, class Field>
+  void set(Part SheetContents::*part, Field Part::*field,
+           std::type_identity_t<Field> value) noexcept {
+    if (contents().*part.*field != value) sheet_->change().*part.*field = std::move(value);
+  }
+
+  bool set_break(PageBreakList PageBreaks::*list, const PageBreak& one, bool set);
+  int break_at(const PageBreakList& list, std::string_view thing, int index) const;
+  // `thing` is "header" or "footer".
+  bool set_header(std::string_view thing, std::string PageSetup::*text,
+                  double PageSetup::*margin_of, const wchar_t* value, double margin);
+  void set_margin(std::string_view property, double PageSetup::*margin_of, double margin);
 
   bool put(int row, int column, Value value, Style style);
   bool put_formula(int row, int column, std::string_view formula, Value value, Style style);

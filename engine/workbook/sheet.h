@@ -20,9 +20,14 @@
 #include "engine/workbook/block_list.h"
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
+#include "engine/workbook/color.h"
 #include "engine/workbook/columns.h"
 #include "engine/workbook/links.h"
 #include "engine/workbook/merges.h"
+#include "engine/workbook/page_breaks.h"
+#include "engine/workbook/page_setup.h"
+#include "engine/workbook/protection.h"
+#include "engine/workbook/sheet_view.h"
 #include "engine/workbook/text_arena.h"
 
 namespace engine {
@@ -95,6 +100,11 @@ class SheetContents {
   Comments comments;
   Links links;
   std::deque<SharedFormula> shared_formulas;  // by number
+  SheetView view;
+  Color tab_color;  // absent for the colour that all tabs have
+  Protection protection;
+  PageSetup page;
+  PageBreaks breaks;
 
   // What the cell shows, through its record if it has one.
   Value value(const Cell& cell) const {

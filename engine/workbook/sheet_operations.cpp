@@ -60,14 +60,14 @@ bool is_visible(const std::unique_ptr<Sheet>& sheet) {
   return sheet->visibility == SheetVisibility::kVisible;
 }
 
-// The sheet that becomes active where the active one stood: the next visible one, else the previous
-// one.
-std::size_t heir_of_active(const Workbook& book, std::size_t position) {
-  const auto at = book.sheets().begin() + static_cast<std::ptrdiff_t>(position);
-  const auto next = std::find_if(at, book.sheets().end(), is_visible);
-  if (next != book.sheets().end()) return static_cast<std::size_t>(next - book.sheets().begin());
+// The sheet that becomes active in place of the active one: the first visible one from `next` on,
+// else the last before `position`.
+std::size_t heir_of_active(const Workbook& book, std::size_t position, std::size_t next) {
+  const auto at = [&](std::size_t i) { return book.sheets().begin() + static_cast<int>(i); };
+  const auto found = std::find_if(at(next), book.sheets().end(), is_visible);
+  if (found != book.sheets().end()) return static_cast<std::size_t>(found - book.sheets().begin());
   const auto previous =
-      std::find_if(std::make_reverse_iterator(at), book.sheets().rend(), is_visible);
+      std::find_if(std::make_reverse_iterator(at(position)), book.sheets().rend(), is_visible);
   if (previous == book.sheets().rend()) return 0;
   return static_cast<std::size_t>(book.sheets().rend() - previous) - 1;
 }
@@ -173,6 +173,7 @@ NewSheet make_sheet(const Workbook& book, Document& document, std::string name) 
   SheetContents& contents = made.sheet->change();
   contents.digit_pixels = digit_pixels(book.styles.font(0));
   contents.default_row_height = book.new_row_height;
+  contents.page = book.new_page;
   document.begin_sheet(book, *made.sheet);
   return made;
 }
@@ -253,7 +254,7 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
   if (position < book.active_sheet) {
     --book.active_sheet;
   } else if (position == book.active_sheet) {
-    book.active_sheet = heir_of_active(book, position);
+    book.active_sheet = heir_of_active(book, position, position);
     if (!book.sheets().empty()) book.sheets()[book.active_sheet]->selected = true;
   }
   return removed;
@@ -264,6 +265,19 @@ void activate_sheet(Workbook& book, Document& document, std::size_t position) {
   const Sheet* active = book.sheets()[position].get();
   for (const auto& sheet : book.sheets()) sheet->selected = sheet.get() == active;
   book.active_sheet = position;
+}
+
+bool is_only_visible(const Workbook& book, const Sheet& sheet) {
+  return sheet.visibility == SheetVisibility::kVisible &&
+         std::ranges::count_if(book.sheets(), is_visible) == 1;
+}
+
+void hide_sheet(Workbook& book, Document& document, Sheet& sheet, SheetVisibility how) {
+  const std::size_t position = book.position(sheet);
+  if (position == book.active_sheet && sheet.visibility == SheetVisibility::kVisible)
+    activate_sheet(book, document, heir_of_active(book, position, position + 1));
+  sheet.visibility = how;
+  sheet.selected = false;
 }
 
 }  // namespace engine

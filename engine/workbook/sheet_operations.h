@@ -108,4 +108,11 @@ std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::siz
 // are selected is said in them.
 void activate_sheet(Workbook& book, Document& document, std::size_t position);
 
+// Whether no other sheet can be seen.
+bool is_only_visible(const Workbook& book, const Sheet& sheet);
+
+// Hides a sheet that has been read and is not the only visible one. In place of the active sheet
+// another becomes active, for which the other sheets are read.
+void hide_sheet(Workbook& book, Document& document, Sheet& sheet, SheetVisibility how);
+
 }  // namespace engine

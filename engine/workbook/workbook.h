@@ -43,6 +43,7 @@ class Workbook {
   bool r1c1 = false;  // formulas are shown and taken in R1C1 notation
   bool is_template = false;
   double new_row_height = 15;  // points; of the rows of a new sheet
+  PageSetup new_page;          // of a new sheet
 
   // Texts of errors that came after the classic seven; a cell's error is kNewError plus its number.
   StringPool new_errors;

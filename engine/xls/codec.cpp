@@ -15,6 +15,8 @@ constexpr Limits kLimits = {
     .grid = {65536, 256},
     .author = 54,
     .arguments = 30,
+    .password = 15,
+    .password_form = PasswordForm::kShortHash,
     .styles = {.number_formats = 210, .last_number_format = 382, .indent = 15},
 };
 
@@ -34,6 +36,10 @@ std::unique_ptr<engine::Document> begin(Workbook& book) {
   book.styles = Styles(std::move(font));
   book.styles.limits = book.limits.styles;
   book.new_row_height = 12.75;
+  PageSetup& page = book.new_page;
+  page.left_margin = page.right_margin = 0.75;
+  page.top_margin = page.bottom_margin = 1;
+  page.header_margin = page.footer_margin = 0.5;
   return std::make_unique<Document>();
 }
 

@@ -21,6 +21,15 @@ void settle_attribute(pugi::xml_node element, const char* name, std::string_view
   else set_attribute(element, name, value);
 }
 
+void settle_flag(pugi::xml_node element, const char* name, bool value, bool usual) {
+  if (element.attribute(name).as_bool(usual) != value)
+    settle_attribute(element, name, value ? "1" : "0", value == usual);
+}
+
+void remove_if_bare(pugi::xml_node element) {
+  if (!element.first_attribute() && !element.first_child()) element.parent().remove_child(element);
+}
+
 void remove_identification(pugi::xml_node element) {
   for (const pugi::xml_attribute attribute : element.attributes())
     if (package::local_name(attribute.name()) == "uid") {

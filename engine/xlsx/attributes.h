@@ -14,6 +14,12 @@ void set_attribute(pugi::xml_node element, const char* name, std::string_view va
 void settle_attribute(pugi::xml_node element, const char* name, std::string_view value,
                       bool is_usual);
 
+// Sets a flag whose absence means `usual`; one that says the same already stays as it stands.
+void settle_flag(pugi::xml_node element, const char* name, bool value, bool usual = false);
+
+// Removes an element that says nothing: without attributes and content.
+void remove_if_bare(pugi::xml_node element);
+
 // Removes what identifies one element among all files, which its copy may not keep.
 void remove_identification(pugi::xml_node element);
 

@@ -59,14 +59,6 @@ void set_color(pugi::xml_node element, const Color& color) {
   if (color.tint != 0) set_number(element, "tint", color.tint);
 }
 
-void patch_color(pugi::xml_node parent, std::string_view name, const Color& color,
-                 std::span<const std::string_view> order) {
-  const auto found = child(parent, Family::Main, name);
-  if (read_color(found) == color) return;
-  if (color.kind == ColorKind::kAbsent) parent.remove_child(found);
-  else set_color(ordered_child(parent, name, order), color);
-}
-
 void patch_font_switch(pugi::xml_node font, std::string_view name, bool on) {
   if (on) ordered_child(font, name, kFontOrder).remove_attribute("val");
   else font.remove_child(child(font, Family::Main, name));
@@ -109,6 +101,14 @@ bool is_empty(pugi::xml_node element) {
 }
 
 }  // namespace
+
+void patch_color(pugi::xml_node parent, std::string_view name, const Color& color,
+                 std::span<const std::string_view> order) {
+  const auto found = child(parent, Family::Main, name);
+  if (read_color(found) == color) return;
+  if (color.kind == ColorKind::kAbsent) parent.remove_child(found);
+  else set_color(ordered_child(parent, name, order), color);
+}
 
 void patch_font(pugi::xml_node font, const FontRecord& record, unsigned aspects) {
   if (aspects & kFontBold) patch_font_switch(font, "b", record.bold);

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <pugixml.hpp>
+#include <span>
+#include <string_view>
 
 #include "engine/workbook/styles.h"
 #include "engine/xlsx/attributes.h"
@@ -13,6 +15,10 @@ namespace engine::xlsx {
 
 // All aspects of a record, for an element that is new.
 inline constexpr unsigned kAllAspects = ~0U;
+
+// The colour as the child of that name, at its place in the order of the parent's children.
+void patch_color(pugi::xml_node parent, std::string_view name, const Color& color,
+                 std::span<const std::string_view> order);
 
 // Only the aspects named.
 void patch_font(pugi::xml_node font, const FontRecord& record, unsigned aspects);

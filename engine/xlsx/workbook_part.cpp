@@ -64,10 +64,6 @@ void settle(pugi::xml_node node, const char* name, std::string_view value,
   if (present != value) settle_attribute(node, name, value, value == usual);
 }
 
-void settle_flag(pugi::xml_node node, const char* name, bool value) {
-  if (node.attribute(name).as_bool() != value) settle(node, name, value ? "1" : "");
-}
-
 std::vector<pugi::xml_node> sheet_nodes(pugi::xml_node root) {
   return package::children(package::child(root, Family::Main, "sheets"), Family::Main, "sheet");
 }

@@ -17,6 +17,9 @@
 #include "engine/xlsx/elements/links.h"
 #include "engine/xlsx/elements/merges.h"
 #include "engine/xlsx/elements/notes.h"
+#include "engine/xlsx/elements/page_breaks.h"
+#include "engine/xlsx/elements/page_setup.h"
+#include "engine/xlsx/elements/protection.h"
 #include "engine/xlsx/elements/sheet_views.h"
 #include "engine/xlsx/elements/sizes.h"
 #include "engine/xlsx/elements/tables.h"
@@ -29,6 +32,9 @@ using package::Family;
 
 constexpr CellsAttribute kRef[] = {{{}, "ref", CellsForm::kRange}};
 constexpr CellsAttribute kSqref[] = {{{}, "sqref", CellsForm::kRanges}};
+// Panes and the corner of a view belong to the model.
+constexpr CellsAttribute kSelections[] = {{"selection", "activeCell", CellsForm::kCell},
+                                          {"selection", "sqref", CellsForm::kRanges}};
 constexpr CellsAttribute kViews[] = {{"selection", "activeCell", CellsForm::kCell},
                                      {"selection", "sqref", CellsForm::kRanges},
                                      {"pane", "topLeftCell", CellsForm::kCell},
@@ -48,20 +54,20 @@ constexpr CellsAttribute kSmartTags[] = {{"cellSmartTags", "r", CellsForm::kCell
 
 constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "sheetPr",
-     .read = read_outline,
-     .patch = patch_outline,
+     .read = read_sheet_properties,
+     .patch = patch_sheet_properties,
      .copy = copy_sheet_properties},
     {.name = "dimension", .patch = patch_dimension, .cells = kRef},
     {.name = "sheetViews",
      .read = read_views,
      .patch = patch_views,
      .copy = copy_views,
-     .cells = kViews},
+     .cells = kSelections},
     {.name = "sheetFormatPr", .read = read_default_sizes, .patch = patch_default_sizes},
     {.name = "cols", .read = read_columns, .patch = patch_columns},
     {.name = "sheetData"},
     {.name = "sheetCalcPr"},
-    {.name = "sheetProtection"},
+    {.name = "sheetProtection", .read = read_sheet_protection, .patch = patch_sheet_protection},
     {.name = "protectedRanges", .cells = kProtectedRanges},
     {.name = "scenarios", .cells = kScenarios},
     {.name = "autoFilter", .cells = kAutoFilter},
@@ -73,12 +79,15 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "conditionalFormatting", .formulas = collect_conditional_format, .cells = kSqref},
     {.name = "dataValidations", .formulas = collect_validations, .cells = kValidations},
     {.name = "hyperlinks", .read = read_links, .patch = patch_links, .copy = copy_links},
-    {.name = "printOptions"},
-    {.name = "pageMargins"},
-    {.name = "pageSetup", .copy = copy_page_setup},
-    {.name = "headerFooter"},
-    {.name = "rowBreaks"},
-    {.name = "colBreaks"},
+    {.name = "printOptions", .read = read_print_options, .patch = patch_print_options},
+    {.name = "pageMargins", .read = read_margins, .patch = patch_margins},
+    {.name = "pageSetup",
+     .read = read_page_setup,
+     .patch = patch_page_setup,
+     .copy = copy_page_setup},
+    {.name = "headerFooter", .read = read_header_footer, .patch = patch_header_footer},
+    {.name = "rowBreaks", .read = read_row_breaks, .patch = patch_row_breaks},
+    {.name = "colBreaks", .read = read_column_breaks, .patch = patch_column_breaks},
     {.name = "customProperties", .copying = Copying::kDropped},
     {.name = "cellWatches", .cells = kWatches},
     {.name = "ignoredErrors", .cells = kIgnoredErrors},

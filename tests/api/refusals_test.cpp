@@ -179,6 +179,93 @@ const Refusal kShape[] = {
      "column -1 is out of range 0..16383"},
 };
 
+template <void (libxl::Sheet::*kSet)(double)>
+bool set_margin(Refusing& s) {
+  return (s.sheet->*kSet)(49.5), true;
+}
+
+const Refusal kViews[] = {
+    {"break above a row that is not there",
+     [](Refusing& s) { return !s.sheet->setHorPageBreak(1048576); },
+     "row 1048576 is out of range 0..1048575"},
+    {"break above the first row", [](Refusing& s) { return !s.sheet->setHorPageBreak(0); },
+     "page break row 0 is out of range 1..1048575"},
+    {"break left of the first column", [](Refusing& s) { return !s.sheet->setVerPageBreak(0); },
+     "page break column 0 is out of range 1..16383"},
+    {"no breaks", [](Refusing& s) { return s.sheet->getHorPageBreak(0) == -1; },
+     "row page break 0 is out of range: there are none"},
+    {"break",
+     [](Refusing& s) {
+       s.sheet->setVerPageBreak(4);
+       return s.sheet->getVerPageBreak(1) == -1;
+     },
+     "column page break 1 is out of range 0..0"},
+    {"too many breaks",
+     [](Refusing& s) {
+       for (int row = 1; row <= 1023; ++row) s.sheet->setHorPageBreak(row);
+       return s.sheet->setHorPageBreak(1023) && !s.sheet->setHorPageBreak(1024);
+     },
+     "too many page breaks: the limit is 1023"},
+    {"split", [](Refusing& s) { return s.sheet->split(-1, 0), true; },
+     "row -1 is out of range 0..1048575"},
+    {"top left", [](Refusing& s) { return s.sheet->setTopLeftView(0, 16384), true; },
+     "column 16384 is out of range 0..16383"},
+    {"zoom", [](Refusing& s) { return s.sheet->setZoom(5), true; },
+     "zoom 5 is out of range 10..400"},
+    {"long password",
+     [](Refusing& s) {
+       return s.sheet->setProtect(true, std::wstring(256, L'p').c_str(),
+                                  static_cast<libxl::EnhancedProtection>(-2)),
+              true;
+     },
+     "password is 256 characters long, the limit is 255"},
+    {"protection",
+     [](Refusing& s) {
+       return s.sheet->setProtect(true, L"", static_cast<libxl::EnhancedProtection>(32768)), true;
+     },
+     "protection 32768 is out of range -1..32767"},
+    {"sheet state",
+     [](Refusing& s) { return !s.sheet->setHidden(static_cast<libxl::SheetState>(3)); },
+     "sheet state 3 is not known"},
+    {"only visible sheet",
+     [](Refusing& s) {
+       s.book->addSheet(L"Hidden")->setHidden(libxl::StateVeryHidden);
+       return !s.sheet->setHidden();
+     },
+     "sheet \"Data\" is the only visible sheet"},
+    {"tab colour",
+     [](Refusing& s) { return s.sheet->setTabColor(static_cast<libxl::Color>(70)), true; },
+     "colour 70 is not known"},
+    {"part of the tab colour", [](Refusing& s) { return s.sheet->setTabColor(0, 256, -1), true; },
+     "green 256 is out of range 0..255"},
+    {"print zoom", [](Refusing& s) { return s.sheet->setPrintZoom(401), true; },
+     "print zoom 401 is out of range 10..400"},
+    {"pages wide", [](Refusing& s) { return s.sheet->setPrintFit(-1, -1), true; },
+     "pages wide -1 is out of range 0..32767"},
+    {"pages tall", [](Refusing& s) { return s.sheet->setPrintFit(0, 32768), true; },
+     "pages tall 32768 is out of range 0..32767"},
+    {"no paper", [](Refusing& s) { return s.sheet->setPaper(static_cast<libxl::Paper>(48)), true; },
+     "paper 48 is not known"},
+    {"paper beyond",
+     [](Refusing& s) { return s.sheet->setPaper(static_cast<libxl::Paper>(119)), true; },
+     "paper 119 is not known"},
+    {"long header",
+     [](Refusing& s) { return !s.sheet->setHeader(std::wstring(256, L'h').c_str(), -1); },
+     "header is 256 characters long, the limit is 255"},
+    {"header margin", [](Refusing& s) { return !s.sheet->setHeader(L"h", kNaN); },
+     "header margin is not a finite number"},
+    {"footer margin", [](Refusing& s) { return !s.sheet->setFooter(L"f", -0.5); },
+     "footer margin -0.5 is out of range 0..49"},
+    {"left margin", set_margin<&libxl::Sheet::setMarginLeft>,
+     "left margin 49.5 is out of range 0..49"},
+    {"right margin", set_margin<&libxl::Sheet::setMarginRight>,
+     "right margin 49.5 is out of range 0..49"},
+    {"top margin", set_margin<&libxl::Sheet::setMarginTop>,
+     "top margin 49.5 is out of range 0..49"},
+    {"bottom margin", set_margin<&libxl::Sheet::setMarginBottom>,
+     "bottom margin 49.5 is out of range 0..49"},
+};
+
 const Refusal kBook[] = {
     {"sheet index", [](Refusing& s) { return !s.book->getSheet(1); },
      "sheet 1 is out of range 0..0"},
@@ -264,6 +351,8 @@ TEST(Refusals, Cells) { expect_refusals(kCells); }
 
 TEST(Refusals, Shape) { expect_refusals(kShape); }
 
+TEST(Refusals, PagesAndViews) { expect_refusals(kViews); }
+
 TEST(Refusals, Book) { expect_refusals(kBook); }
 
 TEST(Refusals, OldBooksHaveTheSmallGrid) {
@@ -272,6 +361,8 @@ TEST(Refusals, OldBooksHaveTheSmallGrid) {
   EXPECT_EQ(old.message(), "row 65536 is out of range 0..65535");
   EXPECT_FALSE(old.sheet->writeFormula(0, 0, L"IW1"));
   EXPECT_EQ(old.message(), "formula refers to IW1, beyond the last cell IV65536");
+  old.sheet->setProtect(true, L"sixteen letters!");
+  EXPECT_EQ(old.message(), "password is 16 characters long, the limit is 15");
   EXPECT_FALSE(old.book->load(L"/nowhere/a.xls"));
   EXPECT_EQ(old.message(), "load is not supported yet");
   EXPECT_FALSE(old.book->saveRaw(nullptr, nullptr));

@@ -147,6 +147,9 @@ TEST_F(EveryFunction, OfItsOwnShapeHasCasesOfItsOwn) {
       {"XL_XlCreateXMLBook", {}, "", "#Book"},
       {"XL_Book_SaveRaw", {u""}, "saveRaw > >", "bytes"},
       {"XL_Book_ErrorMessage", {}, "", "ok"},
+      {"XL_Sheet_SetTabColor", {10}, "setTabColor 10", ""},
+      {"XL_Sheet_SetTabColor", {255, 0}, "setTabColor 255 0 0", ""},
+      {"XL_Sheet_SetTabColor", {1, 2, 3}, "setTabColor 1 2 3", ""},
       {"XL_Sheet_ReadCell", {1, 2}, "cellType 1 2; readNum 1 2 ->", "1"},
       {"XL_Sheet_ReadCell", {1, 2, objects_.format}, "cellType 1 2; readNum 1 2 format>", "1"},
   };

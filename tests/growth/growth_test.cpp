@@ -220,6 +220,21 @@ void cells_cleared_one_by_one(int n) {
   EXPECT_EQ(stage.sheet->lastRow(), 0);
 }
 
+// The limit counts what is set here, not what a file brings.
+void page_breaks_loaded_and_removed(int n) {
+  std::string breaks;
+  for (int row = 1; row <= n; ++row)
+    breaks += "<brk id=\"" + std::to_string(row) + "\" man=\"1\"/>";
+  const std::string bytes = engine::xlsx::zip(engine::xlsx::book_of(
+      engine::xlsx::worksheet("", "", "<rowBreaks>" + breaks + "</rowBreaks>")));
+  Stage stage;
+  EXPECT_TRUE(stage.book->loadRaw(bytes.data(), static_cast<unsigned>(bytes.size())));
+  stage.sheet = stage.book->getSheet(0);
+  for (int row = n; row > 0; row -= 2) EXPECT_TRUE(stage.sheet->setHorPageBreak(row, false));
+  EXPECT_TRUE(stage.reload());
+  EXPECT_EQ(stage.sheet->getHorPageBreakSize(), n / 2);
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -242,6 +257,7 @@ constexpr Case kCases[] = {
     {"columns from the last one", columns_from_the_last_one, 6000},
     {"rows of their own size", rows_of_their_own_size, 12000},
     {"cells cleared one by one", cells_cleared_one_by_one, 6000},
+    {"page breaks loaded and removed", page_breaks_loaded_and_removed, 3000},
     {"arrays over one another", arrays_over_one_another, 3000},
     {"sheets added", sheets_added, 1500},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},

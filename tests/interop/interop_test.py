@@ -4,8 +4,10 @@ The development host, named by the variable XLCALC, runs a calculation that writ
 workbook; openpyxl and gnumeric's ssconvert read or write the same workbook on the other side.
 """
 
+import base64
 import csv
 import decimal
+import hashlib
 import os
 import pathlib
 import shutil
@@ -96,6 +98,49 @@ class Interop(unittest.TestCase):
                          ["=SUM(A1:A2)*2", '="a"&"b"', "=1=1"])
         self.assertEqual([cached[c].value for c in ("C3", "C4", "C5")], [7, "ab", True])
         self.assertEqual((sheet["A1"].comment.text, sheet["A1"].comment.author), ("hello", "me"))
+
+    def test_openpyxl_reads_pages_and_views(self):
+        path = self.write_book([
+            "XL_Sheet_Split ( $sheet ; 2 ; 1 )",
+            "XL_Sheet_SetTopLeftView ( $sheet ; 20 ; 0 )",
+            "XL_Sheet_SetZoom ( $sheet ; 150 )",
+            "XL_Sheet_SetDisplayGridlines ( $sheet ; 0 )",
+            "XL_Sheet_SetTabColor ( $sheet ; 255 ; 128 )",
+            "XL_Sheet_SetHorPageBreak ( $sheet ; 10 )",
+            'XL_Sheet_SetProtect ( $sheet ; 1 ; "Größe 😀" ; 4 + 2048 )',
+            "XL_Sheet_SetPrintFit ( $sheet ; 2 ; 0 )",
+            "XL_Sheet_SetPaper ( $sheet ; 9 )",
+            "XL_Sheet_SetMarginLeft ( $sheet ; 1.5 )",
+            'XL_Sheet_SetHeader ( $sheet ; "&LLeft&R&D" ; 0.25 )',
+        ])
+        sheet = openpyxl.load_workbook(path).active
+        pane = sheet.sheet_view.pane
+        self.assertEqual((pane.xSplit, pane.ySplit, pane.topLeftCell, pane.activePane, pane.state),
+                         (1, 2, "B21", "bottomRight", "frozen"))
+        self.assertEqual([(one.pane, one.activeCell) for one in sheet.sheet_view.selection],
+                         [("topRight", "B1"), ("bottomLeft", "A21"), ("bottomRight", "A1")])
+        self.assertEqual((sheet.sheet_view.zoomScale, sheet.sheet_view.showGridLines), (150, False))
+        self.assertEqual(sheet.sheet_properties.tabColor.rgb, "FFFF8000")
+        self.assertEqual([(one.id, one.man, one.max) for one in sheet.row_breaks.brk],
+                         [(10, True, 16383)])
+        self.assertTrue(sheet.sheet_properties.pageSetUpPr.fitToPage)
+        self.assertEqual((sheet.page_setup.fitToWidth, sheet.page_setup.fitToHeight,
+                          sheet.page_setup.paperSize), (2, 0, 9))
+        self.assertEqual((sheet.page_margins.left, sheet.page_margins.header), (1.5, 0.25))
+        self.assertEqual((sheet.oddHeader.left.text, sheet.oddHeader.right.text), ("Left", "&D"))
+        self.check_password(sheet.protection, "Größe 😀")
+        self.assertEqual([getattr(sheet.protection, name) for name in
+                          ("sheet", "formatCells", "sort", "selectLockedCells", "formatRows")],
+                         [True, False, False, True, True])
+
+    def check_password(self, protection, password):
+        self.assertEqual(protection.algorithmName, "SHA-512")
+        salt = base64.b64decode(protection.saltValue)
+        self.assertEqual(len(salt), 16)
+        digest = hashlib.sha512(salt + password.encode("utf-16-le")).digest()
+        for number in range(protection.spinCount):
+            digest = hashlib.sha512(digest + number.to_bytes(4, "little")).digest()
+        self.assertEqual(base64.b64encode(digest).decode(), protection.hashValue)
 
     @unittest.skipUnless(shutil.which("ssconvert"), "gnumeric is not there")
     def test_gnumeric_reads_what_we_write(self):

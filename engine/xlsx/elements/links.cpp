@@ -164,9 +164,4 @@ void copy_links(pugi::xml_node element, const SheetCopying& to) {
       link.remove_attribute(package::attribute(link, Family::Relationships, "id"));
 }
 
-// Settings of a printer are not copied.
-void copy_page_setup(pugi::xml_node element, const SheetCopying& /*to*/) {
-  element.remove_attribute(package::attribute(element, Family::Relationships, "id"));
-}
-
 }  // namespace engine::xlsx

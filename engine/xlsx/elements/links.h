@@ -1,4 +1,4 @@
-// What leads out of the sheet: hyperlinks, the sources of a consolidation, page setup.
+// What leads out of the sheet: hyperlinks, the sources of a consolidation.
 #pragma once
 
 #include "engine/xlsx/worksheet_elements.h"
@@ -11,7 +11,5 @@ void copy_consolidation(pugi::xml_node element, const SheetCopying& to);
 void read_links(pugi::xml_node element, const SheetReading& to);
 void patch_links(pugi::xml_node root, const SheetPatching& from);
 void copy_links(pugi::xml_node element, const SheetCopying& to);
-
-void copy_page_setup(pugi::xml_node element, const SheetCopying& to);
 
 }  // namespace engine::xlsx

@@ -29,25 +29,6 @@ void patch_dimension(pugi::xml_node root, const SheetPatching& from) {
                 any ? formula::print_range(range) : "A1");
 }
 
-void read_outline(pugi::xml_node element, const SheetReading& to) {
-  const pugi::xml_node outline = package::child(element, Family::Main, "outlinePr");
-  to.sheet.summary_below = outline.attribute("summaryBelow").as_bool(true);
-  to.sheet.summary_right = outline.attribute("summaryRight").as_bool(true);
-}
-
-void patch_outline(pugi::xml_node root, const SheetPatching& from) {
-  constexpr std::string_view kOrder[] = {"tabColor", "outlinePr", "pageSetUpPr"};
-  const auto settle = [&](const char* name, bool value) {
-    const pugi::xml_node properties = package::child(root, Family::Main, "sheetPr");
-    const pugi::xml_node stored = package::child(properties, Family::Main, "outlinePr");
-    if (stored.attribute(name).as_bool(true) == value) return;
-    settle_attribute(ordered_child(worksheet_child(root, "sheetPr"), "outlinePr", kOrder), name,
-                     "0", value);
-  };
-  settle("summaryBelow", from.sheet.contents().summary_below);
-  settle("summaryRight", from.sheet.contents().summary_right);
-}
-
 void read_default_sizes(pugi::xml_node element, const SheetReading& to) {
   SheetContents& sheet = to.sheet;
   sheet.digit_pixels = digit_pixels(to.context.workbook.styles.font(0));

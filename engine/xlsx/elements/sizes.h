@@ -1,5 +1,5 @@
 // The used range, the sizes of rows and columns and where their groups are summed up: dimension,
-// sheetFormatPr, cols, outlinePr of sheetPr.
+// sheetFormatPr, cols.
 #pragma once
 
 #include "engine/xlsx/worksheet_elements.h"
@@ -7,9 +7,6 @@
 namespace engine::xlsx {
 
 void patch_dimension(pugi::xml_node root, const SheetPatching& from);
-
-void read_outline(pugi::xml_node element, const SheetReading& to);
-void patch_outline(pugi::xml_node root, const SheetPatching& from);
 
 void read_default_sizes(pugi::xml_node element, const SheetReading& to);
 void patch_default_sizes(pugi::xml_node root, const SheetPatching& from);

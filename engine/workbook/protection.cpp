@@ -1,0 +1,114 @@
+// The digest is computed with the plain functions of the library below, whose state is a value on
+// the stack: those that it recommends begin with set-up for the whole process, which a plug-in
+// leaves to its host, and which never recovers where memory was short for it.
+#define OPENSSL_SUPPRESS_DEPRECATED
+
+#include "engine/workbook/protection.h"
+
+#include <openssl/evp.h>
+#include <openssl/sha.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <stdexcept>
+
+#include "engine/text/wide.h"
+
+namespace engine {
+
+namespace {
+
+constexpr std::uint32_t kRounds = 100000;
+constexpr std::size_t kSaltSize = 16;
+
+using Digest = std::array<unsigned char, SHA512_DIGEST_LENGTH>;
+
+Digest sha512(std::string_view first, std::string_view second) {
+  Digest digest{};
+  SHA512_CTX state;
+  SHA512_Init(&state);
+  SHA512_Update(&state, first.data(), first.size());
+  SHA512_Update(&state, second.data(), second.size());
+  SHA512_Final(digest.data(), &state);
+  return digest;
+}
+
+template <class Bytes>
+std::string_view view_of(const Bytes& bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+std::string base64(std::string_view bytes) {
+  // The library writes a zero behind the text, where a string has one.
+  std::string text((bytes.size() + 2) / 3 * 4, '\0');
+  EVP_EncodeBlock(reinterpret_cast<unsigned char*>(text.data()),
+                  reinterpret_cast<const unsigned char*>(bytes.data()),
+                  static_cast<int>(bytes.size()));
+  return text;
+}
+
+std::string utf16_bytes(std::string_view text) {
+  std::string bytes;
+  for (const wchar_t unit : to_wide(text)) {
+    bytes.push_back(static_cast<char>(unit & 0xFF));
+    bytes.push_back(static_cast<char>(unit >> 8));
+  }
+  return bytes;
+}
+
+// Characters of code page 1252 from 0x80 to 0x9F; the others are numbered as in Unicode.
+constexpr std::uint16_t kCodePage1252[] = {
+    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+std::uint8_t code_of(wchar_t unit) {
+  const auto number = static_cast<std::uint32_t>(unit);
+  if (number < 0x80 || (number >= 0xA0 && number <= 0xFF)) return static_cast<std::uint8_t>(number);
+  const auto* const found = std::ranges::find(kCodePage1252, number);
+  if (found == std::end(kCodePage1252)) return '?';
+  return static_cast<std::uint8_t>(0x80 + (found - std::begin(kCodePage1252)));
+}
+
+}  // namespace
+
+std::string sha512_hash(std::string_view password, std::string_view salt, std::uint32_t rounds) {
+  Digest digest = sha512(salt, utf16_bytes(password));
+  for (std::uint32_t round = 0; round < rounds; ++round) {
+    const std::array<std::uint8_t, 4> number = {
+        static_cast<std::uint8_t>(round), static_cast<std::uint8_t>(round >> 8),
+        static_cast<std::uint8_t>(round >> 16), static_cast<std::uint8_t>(round >> 24)};
+    digest = sha512(view_of(digest), view_of(number));
+  }
+  return base64(view_of(digest));
+}
+
+std::uint16_t short_hash(std::string_view password) {
+  const auto rotate = [](std::uint32_t hash) { return (hash << 1 & 0x7FFF) | hash >> 14; };
+  const std::wstring text = to_wide(password);
+  std::uint32_t hash = 0;
+  for (auto unit = text.rbegin(); unit != text.rend(); ++unit) hash = rotate(hash) ^ code_of(*unit);
+  hash = rotate(hash) ^ static_cast<std::uint32_t>(text.size()) ^ 0xCE4B;
+  return static_cast<std::uint16_t>(hash);
+}
+
+PasswordHash hash_password(std::string_view password, PasswordForm form) {
+  PasswordHash hash;
+  if (password.empty()) return hash;
+  if (form == PasswordForm::kShortHash) {
+    hash.short_hash = short_hash(password);
+    return hash;
+  }
+  std::array<char, kSaltSize> salt{};
+  if (getentropy(salt.data(), salt.size()) != 0)
+    throw std::runtime_error("the system gives no random numbers");
+  hash.algorithm = "SHA-512";
+  hash.salt = base64(view_of(salt));
+  hash.value = sha512_hash(password, view_of(salt), kRounds);
+  hash.rounds = kRounds;
+  return hash;
+}
+
+}  // namespace engine
