@@ -323,6 +323,35 @@ void read_first_rows(const char* path) {
   std::printf("info %.1f ms, partial %.1f ms\n", info, partial);
 }
 
+// Rows of numbers with a formula each that refers to the row below. Then rows and columns come in
+// the middle; what that takes is to be held against reading such a sheet.
+void insert_into_a_big_sheet(const char* path) {
+  constexpr int kRows = 100000;
+  constexpr int kColumns = 10;
+  const BookPointer book = new_book();
+  Sheet* sheet = book->addSheet(L"Sheet1");
+  for (int row = 0; row < kRows; ++row) {
+    for (int column = 0; column < kColumns; ++column)
+      sheet->writeNum(row, column,
+                      bench::number(static_cast<std::uint64_t>(row) * kColumns +
+                                        static_cast<std::uint64_t>(column),
+                                    column));
+    const std::wstring below = std::to_wstring(row + 2);
+    sheet->writeFormulaNum(row, kColumns, (L"SUM(A" + below + L":J" + below + L")").c_str(), 1);
+  }
+  bench::Stopwatch stopwatch;
+  if (!sheet->insertRow(50000, 50999)) fail(*book);
+  const double rows = stopwatch.lap();
+  if (!sheet->insertCol(3, 12)) fail(*book);
+  const double columns = stopwatch.lap();
+  save(*book, path);
+  stopwatch.lap();
+  const BookPointer again = new_book();
+  if (!again->load(wide_path(path).c_str()) || !again->getSheet(0)) fail(*again);
+  const double loading = stopwatch.lap();
+  std::printf("rows %.1f ms, columns %.1f ms, loading %.1f ms\n", rows, columns, loading);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -340,9 +369,10 @@ int main(int argc, char** argv) {
   else if (workload == "w9rows" && argc == 2) compare_directions();
   else if (workload == "w10" && argc == 3) write_long_texts(argv[2]);
   else if (workload == "w11" && argc == 3) read_first_rows(argv[2]);
+  else if (workload == "w13" && argc == 3) insert_into_a_big_sheet(argv[2]);
   else {
     std::fputs(
-        "usage: workloads w1|w2|w7|w8|w9|w10 OUT   write a book\n"
+        "usage: workloads w1|w2|w7|w8|w9|w10|w13 OUT   write a book\n"
         "       workloads w3|w10r IN               read every cell of a book\n"
         "       workloads w4 IN OUT                change a hundred cells of a book\n"
         "       workloads w6 FOLDER                write two hundred small books\n"

@@ -9,6 +9,7 @@ constexpr Family kFamilies[] = {
     shape_functions,          name_functions,
     format_functions,         font_functions,
     sheet_view_functions,     sheet_page_functions,
+    moving_functions,
 };
 
 }  // namespace

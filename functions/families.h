@@ -19,6 +19,7 @@ std::span<const bind::Row> book_setting_functions();
 std::span<const bind::Row> cell_functions();
 std::span<const bind::Row> shape_functions();
 std::span<const bind::Row> name_functions();
+std::span<const bind::Row> moving_functions();
 std::span<const bind::Row> format_functions();
 std::span<const bind::Row> font_functions();
 std::span<const bind::Row> sheet_view_functions();

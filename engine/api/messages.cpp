@@ -220,8 +220,27 @@ std::string overlaps_table(const CellRange& range, std::string_view table) {
   return join("range ", formula::print_range(range), " overlaps table ", quoted(table));
 }
 
+std::string push(formula::Axis axis, int count, int used) {
+  const bool rows = axis == formula::Axis::kRows;
+  return join("inserting ", count, rows ? " rows" : " columns", " would push used ",
+              rows ? "row " : "column ", used, " off the sheet");
+}
+
+std::string splits_array(formula::Axis axis, int first, int last, const CellRange& array) {
+  return join(axis == formula::Axis::kRows ? "rows " : "columns ", first, "..", last,
+              " would split the array formula in ", formula::print_range(array));
+}
+
 std::string overlaps_pivot_table(const CellRange& range) {
   return join("range ", formula::print_range(range), " overlaps a pivot table");
+}
+
+std::string table_header(int first, int last, std::string_view table) {
+  return join("rows ", first, "..", last, " hold the header of table ", quoted(table));
+}
+
+std::string table_rows(int first, int last, std::string_view table) {
+  return join("rows ", first, "..", last, " hold all data rows of table ", quoted(table));
 }
 
 std::string formula_error(std::string_view formula, const formula::ParseError& error,

@@ -72,6 +72,13 @@ std::string overlaps_merge(const CellRange& range, const CellRange& merge);
 std::string overlaps_table(const CellRange& range, std::string_view table);
 std::string overlaps_pivot_table(const CellRange& range);
 
+// Rows and columns that are inserted or removed, `first` to `last`.
+std::string push(formula::Axis axis, int count, int used);
+std::string splits_array(formula::Axis axis, int first, int last, const CellRange& array);
+std::string overlaps_pivot_table(const CellRange& range);
+std::string table_header(int first, int last, std::string_view table);
+std::string table_rows(int first, int last, std::string_view table);
+
 // Formulas.
 std::string formula_error(std::string_view formula, const formula::ParseError& error,
                           const Grid& grid);

@@ -143,6 +143,12 @@ class SheetObject final : public UnsupportedSheet {
   double marginBottom() const override;
   void setMarginBottom(double margin) override;
 
+  // Rows and columns come and go.
+  bool insertRow(int rowFirst, int rowLast, bool updateNamedRanges) override;
+  bool insertCol(int colFirst, int colLast, bool updateNamedRanges) override;
+  bool removeRow(int rowFirst, int rowLast, bool updateNamedRanges) override;
+  bool removeCol(int colFirst, int colLast, bool updateNamedRanges) override;
+
   void addrToRowCol(const wchar_t* addr, int* row, int* column, bool* rowRelative,
                     bool* colRelative) override;
   const wchar_t* rowColToAddr(int row, int column, bool rowRelative, bool colRelative) override;
@@ -220,6 +226,9 @@ class SheetObject final : public UnsupportedSheet {
   bool check_merge(int index) const;
   bool check_value(std::string_view property, int value, int low, int high) const;
   bool check_margin(std::string_view property, double margin) const;
+  bool check_rows(int first, int last) const;
+  bool check_columns(int first, int last) const;
+  bool move(formula::Axis axis, formula::Move::Kind kind, int first, int last, bool names_follow);
 
   bool refuse_cell(int row, int column) const;
   bool find_loaded(int row) const;

@@ -12,10 +12,6 @@ namespace engine::api {
 
 class UnsupportedSheet : public libxl::Sheet, public BookPart {
  public:
-  bool insertRow(int, int, bool) override { return unsupported(false, "insertRow"); }
-  bool insertCol(int, int, bool) override { return unsupported(false, "insertCol"); }
-  bool removeRow(int, int, bool) override { return unsupported(false, "removeRow"); }
-  bool removeCol(int, int, bool) override { return unsupported(false, "removeCol"); }
   int pictureSize() const override { return unsupported(0, "pictureSize"); }
   int getPicture(int, int*, int*, int*, int*, int*, int*, int*, int*,
                  const wchar_t**) const override {

@@ -195,20 +195,35 @@ std::optional<std::string> with_tables(const Formula& formula,
 std::optional<std::string> unknown_sheet(const Formula& formula,
                                          const std::function<bool(std::string_view)>& known);
 
-// New names of columns of tables. A formula inside of a table may leave its name out: columns of
-// the table without a name are those.
+// New names of columns of tables, and columns that go. A formula inside of a table may leave its
+// name out: columns of the table without a name are those.
 class ColumnChanges {
  public:
   void add(std::string_view table, std::string_view name, std::string renamed);
+  // The columns of a table in their order, of which those go that are marked.
+  void remove(std::string_view table, std::span<const std::string> names,
+              const std::vector<bool>& gone);
   // The new name; null for a column that keeps its own.
   const std::string* find(std::string_view table, std::string_view name) const;
-  bool empty() const { return renamed_.empty(); }
+  bool goes(std::string_view table, std::string_view name) const;
+  // Narrows a range of columns to those that stay; false when none does. The ends come in either
+  // order.
+  bool narrow(std::string_view table, std::string& first, std::string& last) const;
+  bool empty() const { return renamed_.empty() && removed_.empty(); }
 
  private:
+  struct Removal {
+    std::vector<std::string> names;
+    std::vector<bool> gone;
+    std::size_t place(std::string_view name) const;
+  };
+  const Removal* removal(std::string_view table) const;
+
   std::map<std::pair<std::string, std::string>, std::string> renamed_;  // by both names, folded
+  std::map<std::string, Removal> removed_;                              // by the name, folded
 };
 
-// After columns of tables were renamed.
+// After columns of tables were renamed or removed; what refers to removed ones alone reads #REF!.
 std::optional<std::string> with_columns(const Formula& formula, const ColumnChanges& changes);
 
 }  // namespace engine::formula

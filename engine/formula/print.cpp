@@ -83,14 +83,25 @@ bool adjust(int& one, int& two, const Move& move, int size) {
   return true;
 }
 
-bool adjust(Reference& reference, const Move& move, const Grid& grid) {
+}  // namespace
+
+bool means_sheet(const Formula& formula, const Node& node, std::string_view sheet, bool own_sheet) {
+  if (node.prefix == PrefixKind::kNone) return own_sheet;
+  return node.prefix == PrefixKind::kSheet && names_sheet(formula, node, sheet);
+}
+
+bool shift_reference(Reference& reference, int rows, int columns, const Grid& grid) {
+  auto& [shape, first, last] = reference;
+  const bool first_inside = shift(first, shape, rows, columns, grid);
+  return shift(last, shape, rows, columns, grid) && first_inside;
+}
+
+bool adjust_reference(Reference& reference, const Move& move, const Grid& grid) {
   auto& [shape, first, last] = reference;
   if (move.axis == Axis::kRows)
     return shape == Reference::Shape::kColumns || adjust(first.row, last.row, move, grid.rows);
   return shape == Reference::Shape::kRows || adjust(first.column, last.column, move, grid.columns);
 }
-
-}  // namespace
 
 void append_reference(std::string& out, const Reference& reference, Notation notation,
                       CellAddress base) {
@@ -128,9 +139,7 @@ std::optional<std::string> shifted(const Formula& formula, int rows, int columns
     if (node.kind != NodeKind::kReference) continue;
     const Reference& old = formula.references[node.value];
     Reference reference = old;
-    const bool first_inside = shift(reference.first, old.shape, rows, columns, formula.grid);
-    const bool last_inside = shift(reference.last, old.shape, rows, columns, formula.grid);
-    if (!first_inside || !last_inside) rewriting.lose(node);
+    if (!shift_reference(reference, rows, columns, formula.grid)) rewriting.lose(node);
     else if (reference.first != old.first || reference.last != old.last)
       append_reference(rewriting.replace(node.mark, node.end), reference, Notation::kA1, {});
   }
@@ -143,13 +152,10 @@ std::optional<std::string> adjusted(const Formula& formula, const Move& move,
   Rewriting rewriting(formula);
   for (const Node& node : formula.nodes) {
     if (node.kind != NodeKind::kReference) continue;
-    const bool concerned = node.prefix == PrefixKind::kNone ? own_sheet
-                                                            : node.prefix == PrefixKind::kSheet &&
-                                                                  names_sheet(formula, node, sheet);
-    if (!concerned) continue;
+    if (!means_sheet(formula, node, sheet, own_sheet)) continue;
     const Reference& old = formula.references[node.value];
     Reference reference = old;
-    if (!adjust(reference, move, formula.grid)) rewriting.lose(node);
+    if (!adjust_reference(reference, move, formula.grid)) rewriting.lose(node);
     else if (reference.first != old.first || reference.last != old.last)
       append_reference(rewriting.replace(node.mark, node.end), reference, Notation::kA1, {});
   }

@@ -86,6 +86,44 @@ const std::string* ColumnChanges::find(std::string_view table, std::string_view 
   return found == renamed_.end() ? nullptr : &found->second;
 }
 
+void ColumnChanges::remove(std::string_view table, std::span<const std::string> names,
+                           const std::vector<bool>& gone) {
+  removed_.insert_or_assign(fold_case(table), Removal{{names.begin(), names.end()}, gone});
+}
+
+std::size_t ColumnChanges::Removal::place(std::string_view name) const {
+  const auto found = std::ranges::find_if(
+      names, [&](const std::string& one) { return equal_ignoring_case(one, name); });
+  return static_cast<std::size_t>(found - names.begin());
+}
+
+const ColumnChanges::Removal* ColumnChanges::removal(std::string_view table) const {
+  if (removed_.empty()) return nullptr;
+  const auto found = removed_.find(fold_case(table));
+  return found == removed_.end() ? nullptr : &found->second;
+}
+
+bool ColumnChanges::goes(std::string_view table, std::string_view name) const {
+  const Removal* its = removal(table);
+  const std::size_t place = its ? its->place(name) : 0;
+  return its && place < its->names.size() && its->gone[place];
+}
+
+bool ColumnChanges::narrow(std::string_view table, std::string& first, std::string& last) const {
+  const Removal* its = removal(table);
+  if (!its) return true;
+  std::size_t from = its->place(first);
+  std::size_t to = its->place(last);
+  if (from >= its->names.size() || to >= its->names.size()) return true;
+  const std::ptrdiff_t step = from <= to ? 1 : -1;
+  for (; its->gone[from]; from += static_cast<std::size_t>(step))
+    if (from == to) return false;
+  while (its->gone[to]) to -= static_cast<std::size_t>(step);
+  first = its->names[from];
+  last = its->names[to];
+  return true;
+}
+
 std::optional<std::string> with_columns(const Formula& formula, const ColumnChanges& changes) {
   Edits edits;
   for (const Node& node : formula.nodes) {
@@ -93,11 +131,32 @@ std::optional<std::string> with_columns(const Formula& formula, const ColumnChan
     const std::string_view text = formula.text;
     const std::size_t bracket = text.find('[', node.begin);
     const auto table = text.substr(node.begin, bracket - node.begin);
+    struct Place {
+      std::size_t begin;
+      std::size_t end;
+    };
+    std::vector<Place> places;
     for_each_column(text, bracket, node.end, [&](std::size_t begin, std::size_t end) {
-      const std::string name = unquoted_column(text.substr(begin, end - begin));
-      if (const std::string* renamed = changes.find(table, name))
-        edits.replace(begin, end, quoted_column(*renamed));
+      places.push_back({begin, end});
     });
+    std::vector<std::string> names;
+    for (const auto& [begin, end] : places)
+      names.push_back(unquoted_column(text.substr(begin, end - begin)));
+    // Two names are the ends of a range.
+    const bool is_left =
+        names.empty() || (names.size() == 2 ? changes.narrow(table, names[0], names[1])
+                                            : !changes.goes(table, names[0]));
+    if (!is_left) {
+      edits.replace(node.begin, node.end, "#REF!");
+      continue;
+    }
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      const auto& [begin, end] = places[i];
+      const std::string* renamed = changes.find(table, names[i]);
+      std::string name = quoted_column(renamed ? *renamed : names[i]);
+      const bool narrowed = unquoted_column(text.substr(begin, end - begin)) != names[i];
+      if (renamed || narrowed) edits.replace(begin, end, std::move(name));
+    }
   }
   return edits.apply(formula.text);
 }

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "engine/formula/reference.h"
@@ -29,6 +30,7 @@ class ArrayRanges {
   // Removes those that lie in a rectangle.
   void remove_inside(const CellRange& cells) noexcept;
 
+  std::span<const CellRange> all() const { return ranges_; }
   bool empty() const { return ranges_.empty(); }
   std::size_t size() const { return ranges_.size(); }
 

@@ -48,11 +48,13 @@ const Cell* CellStore::search(int row, int column) const {
   return found;
 }
 
-Row& CellStore::make_row(std::uint32_t number) {
+Row& CellStore::make_row(std::uint32_t number) { return enter_row(pages_, number); }
+
+Row& CellStore::enter_row(Pages& pages, std::uint32_t number) {
   const std::size_t position = number / kPageRows;
-  if (position >= pages_.size()) pages_.resize(position + 1);
-  if (!pages_[position]) pages_[position] = std::make_unique<Page>();
-  Page& page = *pages_[position];
+  if (position >= pages.size()) pages.resize(position + 1);
+  if (!pages[position]) pages[position] = std::make_unique<Page>();
+  Page& page = *pages[position];
   page.present |= std::uint64_t{1} << number % kPageRows;
   Row& made = page.rows[number % kPageRows];
   made.number = number;
@@ -136,6 +138,100 @@ Cell* CellStore::allocate(std::size_t count) {
   Cell* taken = free_;
   free_ += count;
   return taken;
+}
+
+// A run that is complete: nothing grows in place behind it.
+Cell* CellStore::allocate_run(std::size_t count) {
+  newest_ = nullptr;
+  return allocate(count);
+}
+
+// Pages from the first row that moves on are made anew; the rows in them keep their runs of cells.
+CellStore::RowsMove CellStore::prepare_rows(const formula::Move& move, int size,
+                                            std::span<const Cell> look, std::uint32_t properties) {
+  RowsMove made;
+  made.kept = std::min(static_cast<std::size_t>(move.at) / kPageRows, pages_.size());
+  made.pages.resize(std::max(made.kept, pages_.size()));
+  for (const Row& row : rows(static_cast<std::uint32_t>(made.kept) * kPageRows)) {
+    const auto number = formula::moved(static_cast<int>(row.number), move);
+    if (!number || *number >= size) continue;
+    Row& entered = enter_row(made.pages, static_cast<std::uint32_t>(*number));
+    entered = row;
+    entered.number = static_cast<std::uint32_t>(*number);
+  }
+  if (move.kind == formula::Move::Kind::kRemove || (look.empty() && properties == 0)) return made;
+  const int end = std::min(move.count, size - move.at);
+  for (int i = 0; i < end; ++i) {
+    Row& row = enter_row(made.pages, static_cast<std::uint32_t>(move.at + i));
+    if (properties != 0) row.properties = properties + static_cast<std::uint32_t>(i);
+    if (look.empty()) continue;
+    row.cells = allocate_run(look.size());
+    std::ranges::copy(look, row.cells);
+    row.count = row.capacity = static_cast<std::uint16_t>(look.size());
+  }
+  return made;
+}
+
+void CellStore::exchange(RowsMove& moved) noexcept {
+  std::move(pages_.begin(), pages_.begin() + static_cast<std::ptrdiff_t>(moved.kept),
+            moved.pages.begin());
+  pages_.swap(moved.pages);
+  newest_ = nullptr;
+  used_.known = false;
+}
+
+CellStore::ColumnsMove CellStore::prepare_columns(const formula::Move& move, int size,
+                                                  std::span<const PlacedCell> added) {
+  ColumnsMove made;
+  made.move = move;
+  made.size = size;
+  while (!added.empty()) {
+    const std::uint32_t number = added.front().row;
+    const auto behind =
+        std::ranges::find_if(added, [&](const PlacedCell& one) { return one.row != number; });
+    const auto own = added.first(static_cast<std::size_t>(behind - added.begin()));
+    added = added.subspan(own.size());
+    Row& row = row_at(static_cast<int>(number));
+    Cell* const first = first_from(row.span(), move.at);
+    const Cell* const last = first_from(row.span(), size - move.count);
+    const std::size_t kept = static_cast<std::size_t>(last - row.cells);
+    Cell* const cells = allocate_run(kept + own.size());
+    Cell* at = std::copy(row.cells, first, cells);
+    for (const PlacedCell& one : own) *at++ = one.cell;
+    for (const Cell* cell = first; cell < last; ++cell, ++at) {
+      *at = *cell;
+      at->column = static_cast<std::uint16_t>(cell->column + move.count);
+    }
+    made.runs.push_back({&row, cells, static_cast<std::uint16_t>(at - cells)});
+  }
+  return made;
+}
+
+void CellStore::exchange(ColumnsMove& moved) noexcept {
+  const formula::Move& move = moved.move;
+  const bool inserts = move.kind == formula::Move::Kind::kInsert;
+  auto run = moved.runs.begin();
+  for (const Row& known : rows()) {
+    Row& row = *row_in_page(static_cast<int>(known.number));
+    if (run != moved.runs.end() && run->row == &row) {
+      row.cells = run->cells;
+      row.count = row.capacity = run->count;
+      ++run;
+      continue;
+    }
+    Cell* const first = first_from(row.span(), move.at);
+    Cell* end = row.cells + row.count;
+    if (!inserts) end = std::copy(first_from(row.span(), move.at + move.count), end, first);
+    const int distance = inserts ? move.count : -move.count;
+    for (Cell* cell = first; cell < end; ++cell) {
+      const int column = cell->column + distance;
+      if (column >= moved.size) end = cell;
+      cell->column = static_cast<std::uint16_t>(column);
+    }
+    row.count = static_cast<std::uint16_t>(end - row.cells);
+  }
+  newest_ = nullptr;
+  used_.known = false;
 }
 
 bool CellStore::used_range(CellRange* range) const {

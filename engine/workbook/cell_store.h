@@ -21,6 +21,7 @@
 #include <span>
 #include <vector>
 
+#include "engine/formula/interval.h"
 #include "engine/memory/block.h"
 #include "engine/workbook/cell.h"
 
@@ -136,6 +137,39 @@ class CellStore {
   // Erases the cells of a range; `leave` is told of each before. Needs no memory.
   void erase(const CellRange& range, const std::function<void(const Cell&)>& leave) noexcept;
 
+  // Rows or columns that are inserted or removed. What allocates is done first and gives what the
+  // exchange takes; until that nothing can be read differently, and afterwards a prepared move of
+  // an earlier state is void. Cells that are removed, or pushed off the sheet, are dropped.
+  struct PlacedCell {
+    std::uint32_t row = 0;
+    Cell cell;
+  };
+  class RowsMove {
+    friend class CellStore;
+    std::size_t kept = 0;  // pages in front, which stay
+    Pages pages;
+  };
+  class ColumnsMove {
+    friend class CellStore;
+    struct Run {
+      Row* row = nullptr;
+      Cell* cells = nullptr;
+      std::uint16_t count = 0;
+    };
+    formula::Move move;
+    int size = 0;
+    std::vector<Run> runs;  // of the rows that need a new one, ascending
+  };
+  // Inserted rows hold the cells of `look` and have properties from the number `properties` on, if
+  // that is not 0.
+  RowsMove prepare_rows(const formula::Move& move, int size, std::span<const Cell> look,
+                        std::uint32_t properties);
+  void exchange(RowsMove& moved) noexcept;
+  // Inserted columns hold the cells of `added`, which come by row and column.
+  ColumnsMove prepare_columns(const formula::Move& move, int size,
+                              std::span<const PlacedCell> added);
+  void exchange(ColumnsMove& moved) noexcept;
+
   // The smallest rectangle around all cells; false when there is none.
   bool used_range(CellRange* range) const;
 
@@ -178,6 +212,8 @@ class CellStore {
   }
   const Cell* search(int row, int column) const;
   Row& make_row(std::uint32_t number);
+  static Row& enter_row(Pages& pages, std::uint32_t number);
+  Cell* allocate_run(std::size_t count);
   Cell* allocate(std::size_t count);
   void end_newest();
   void grow(Row& row);

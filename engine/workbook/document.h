@@ -10,9 +10,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/formula/formula.h"
+#include "engine/formula/interval.h"
 #include "engine/workbook/cell.h"
 
 namespace engine {
@@ -34,6 +36,43 @@ using FormulaEdit =
 struct Table {
   std::string name;
   CellRange cells;
+};
+
+// Why rows or columns cannot be inserted or removed.
+struct MoveRefusal {
+  enum class Kind : std::uint8_t {
+    kRowNotLoaded,  // `place`
+    kPush,          // `place` holds something that would leave the sheet
+    kArray,         // the one in `range` would be split
+    kPivotTable,    // one would be split
+    kTableHeader,   // of `table`, which would lose it and keep others of its rows
+    kTableRows,     // `table` would keep none but its header or totals
+    kBoundFormula,  // the first cell of `range` has a formula for others that nobody understands
+  };
+
+  Kind kind = Kind::kPush;
+  int place = 0;
+  CellRange range;
+  std::string table;
+};
+
+// What an insertion or removal comes to in what a file carries: made, and not in place yet.
+class CarriedMove {
+ public:
+  CarriedMove() = default;
+  CarriedMove(const CarriedMove&) = delete;
+  CarriedMove& operator=(const CarriedMove&) = delete;
+  virtual ~CarriedMove() = default;
+
+  virtual void apply() noexcept = 0;
+
+  // What becomes of formulas because tables or columns of theirs go; none if the function is empty.
+  std::function<std::optional<std::string>(std::string_view formula)> edit;
+  // Formulas, by the cells that have them before the move, that read otherwise than `edit` makes
+  // them: what they mean depends on where they stand.
+  std::vector<std::pair<CellAddress, std::string>> formulas;
+  // Texts of cells of the columns that are inserted, at their new places.
+  std::vector<std::pair<CellAddress, std::string>> texts;
 };
 
 struct SaveOptions {
@@ -103,6 +142,20 @@ class Document {
   // Applies an edit to the formulas of carried things: conditional formats, validations, charts,
   // pivot sources. Sheets must have been read before.
   virtual void edit_formulas(Workbook& /*book*/, const FormulaEdit& /*edit*/) {}
+
+  // Why the file cannot have rows or columns of the sheet inserted or removed; nothing when it can.
+  // The sheet has been read. Parts that are damaged tell nothing here.
+  virtual std::optional<MoveRefusal> refusal_of_move(const Workbook& /*book*/,
+                                                     const Sheet& /*sheet*/,
+                                                     const formula::Move& /*move*/) const {
+    return std::nullopt;
+  }
+
+  // Prepares it. All sheets have been read. Null when nothing is carried. Throws FileError.
+  virtual std::unique_ptr<CarriedMove> prepare_move(Workbook& /*book*/, Sheet& /*sheet*/,
+                                                    const formula::Move& /*move*/) {
+    return nullptr;
+  }
 
   // Brings into agreement what a file says twice, before it is written: the headers of tables and
   // the names of their columns, which formulas use. Like an operation it changes all or nothing.

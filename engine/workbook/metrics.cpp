@@ -117,6 +117,23 @@ long long Edges::position(int index) const {
   return run.begin + static_cast<long long>(index - run.first) * run.size;
 }
 
+Edges Edges::moved(const formula::Move& move, int size) const {
+  Edges made(count_, usual_);
+  for (std::size_t i = 0; i < runs_.size(); ++i) {
+    const auto& [first, begin, own] = runs_[i];
+    const int last = i + 1 < runs_.size() ? runs_[i + 1].first - 1 : count_ - 1;
+    if (move.kind == formula::Move::Kind::kRemove) {
+      if (const auto to = formula::moved(formula::Interval{first, last}, move, count_))
+        made.append(to->first, to->last, own);
+      continue;
+    }
+    made.append(first, std::min(last, move.at - 1), own);
+    if (first <= move.at && move.at <= last) made.append(move.at, move.at + move.count - 1, size);
+    made.append(std::max(first, move.at) + move.count, last + move.count, own);
+  }
+  return made;
+}
+
 Corner Edges::walk(Corner from, int distance) const {
   const long long target = position(from.index) + from.offset + distance;
   const Run& run = *std::prev(std::ranges::upper_bound(runs_, target, {}, &Run::begin));

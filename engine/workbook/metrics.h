@@ -8,6 +8,7 @@
 
 #include <vector>
 
+#include "engine/formula/interval.h"
 #include "engine/workbook/sheet.h"
 
 namespace engine {
@@ -48,6 +49,8 @@ class Edges {
 
   // Pixels from the sheet's edge to that of a column or row.
   long long position(int index) const;
+  // After others of that size were inserted, or some removed.
+  Edges moved(const formula::Move& move, int size) const;
   // Where a distance ends that begins at a place; at the last column or row at most.
   Corner walk(Corner from, int distance) const;
 

@@ -146,7 +146,8 @@ std::uint32_t SheetContents::keep_extra(CellExtra extra) {
   return static_cast<std::uint32_t>(extras_.size());
 }
 
-void SheetContents::forget_record(const Cell& cell) {
+// Free records are a chain through the words of their values.
+void SheetContents::forget_record(const Cell& cell) noexcept {
   if (cell.kind != CellKind::kRecord) return;
   CellRecord& record = records_[cell.index()];
   replace(record, {});

@@ -161,6 +161,11 @@ class SheetContents {
   // to a record yet are among them.
   void drop_unused_texts();
 
+  // The record of a cell that goes, if it has one. Never allocates.
+  void forget_record(const Cell& cell) noexcept;
+  // What few records have, to be changed by what cannot fail.
+  std::deque<CellExtra>& extras() { return extras_; }
+
   // By number. Those that nothing names any more are empty.
   BlockList<CellRecord>& records() { return records_; }
   const BlockList<CellRecord>& records() const { return records_; }
@@ -178,7 +183,6 @@ class SheetContents {
   Cell& place(int row, int column, std::optional<std::uint32_t> style);
   void provide_record();
   std::uint32_t take_record() noexcept;
-  void forget_record(const Cell& cell);
   void replace(CellRecord& record, const CellRecord& by) noexcept;
 
   BlockList<CellRecord> records_;
@@ -218,6 +222,8 @@ class Sheet {
     changed_ = true;
     return contents_;
   }
+  // The contents, for what makes room in them and changes nothing that can be read.
+  SheetContents& spare() noexcept { return contents_; }
   // Changes the contents. An edit that throws has changed nothing.
   template <class Edit>
   void change(const Edit& edit) {

@@ -119,18 +119,25 @@ void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet*
 }
 
 void FormulaEdits::collect_cells(Sheet& rows, const Sheet& sheet, const FormulaEdit& edit) {
-  rows.drop_unused_texts();
-  const auto& records = rows.contents().records();
-  for (std::uint32_t number = 0; const CellRecord& record : records) {
-    if (!record.formula.empty())
-      if (const auto text = edit(&sheet, record.formula))
-        cells_.push_back({&rows, number, rows.keep_text(*text)});
-    ++number;
-  }
+  collect_records(rows, sheet, edit);
   for (std::uint32_t number = 0; const SharedFormula& shared : rows.contents().shared_formulas) {
     if (auto text = edit(&sheet, shared.text)) shared_.push_back({&rows, number, *std::move(text)});
     ++number;
   }
+}
+
+void FormulaEdits::collect_records(Sheet& rows, const Sheet& sheet, const FormulaEdit& edit) {
+  rows.drop_unused_texts();
+  const auto& records = rows.contents().records();
+  for (std::uint32_t number = 0; const CellRecord& record : records) {
+    if (!record.formula.empty())
+      if (const auto text = edit(&sheet, record.formula)) add(rows, number, *text);
+    ++number;
+  }
+}
+
+void FormulaEdits::add(Sheet& rows, std::uint32_t record, std::string_view formula) {
+  cells_.push_back({&rows, record, rows.keep_text(formula)});
 }
 
 void FormulaEdits::apply(Workbook& book) noexcept {

@@ -22,6 +22,9 @@ class FormulaEdits {
  public:
   // Asks `edit` about every formula in memory but those of `except`, a sheet that goes.
   void collect(Workbook& book, const FormulaEdit& edit, const Sheet* except = nullptr);
+  // Asks about the formulas of cells alone, those that they share not among them.
+  void collect_records(Sheet& rows, const Sheet& sheet, const FormulaEdit& edit);
+  void add(Sheet& rows, std::uint32_t record, std::string_view formula);
   // Puts the new texts in place. The sheets that hold one count as changed.
   void apply(Workbook& book) noexcept;
 

@@ -8,6 +8,7 @@
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
 #include "engine/xlsx/escapes.h"
+#include "engine/xlsx/formula_texts.h"
 
 namespace engine::xlsx {
 
@@ -157,6 +158,25 @@ std::string write_threads(std::string_view stored, std::string_view part, const 
     node = next;
   }
   return changed ? document.serialize() : std::string(stored);
+}
+
+std::optional<std::string> move_comments(std::string_view stored, std::string_view part,
+                                         const formula::Move& move) {
+  const auto document = package::XmlTree::parse(stored, part);
+  bool changed = false;
+  std::vector<pugi::xml_node> lost;
+  visit_elements(document.root(), [&](pugi::xml_node node) {
+    auto cell = cell_of(node);
+    if (!cell) return;
+    int& place = move.axis == formula::Axis::kRows ? cell->row : cell->column;
+    const auto to = formula::moved(place, move);
+    changed |= to != place;
+    if (!to) return lost.push_back(node);
+    place = *to;
+    node.attribute("ref") = formula::print_cell(cell->row, cell->column).c_str();
+  });
+  for (const pugi::xml_node node : lost) node.parent().remove_child(node);
+  return changed ? std::optional(document.serialize()) : std::nullopt;
 }
 
 }  // namespace engine::xlsx

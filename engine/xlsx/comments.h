@@ -5,9 +5,11 @@
 // their element as it was read, with the look of their text.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "engine/formula/interval.h"
 #include "engine/workbook/sheet.h"
 
 namespace engine::xlsx {
@@ -27,5 +29,10 @@ std::string write_comments(std::string_view stored, std::string_view part, const
 // would be shown in the note's place.
 std::string write_threads(std::string_view stored, std::string_view part, const Comments& comments,
                           const Comments& as_read);
+
+// The comments or threaded comments after rows or columns were inserted or removed, without those
+// of cells that go; nothing when all stay.
+std::optional<std::string> move_comments(std::string_view stored, std::string_view part,
+                                         const formula::Move& move);
 
 }  // namespace engine::xlsx

@@ -16,6 +16,7 @@
 #include "engine/workbook/codec.h"
 #include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
+#include "engine/xlsx/carried_edits.h"
 #include "engine/xlsx/parts.h"
 #include "engine/xlsx/sheet_part.h"
 #include "engine/xlsx/styles_part.h"
@@ -48,10 +49,15 @@ class Document : public engine::Document {
   void place_sheet(Sheet& sheet) noexcept override;
   void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
   void edit_formulas(Workbook& book, const FormulaEdit& edit) override;
+  std::optional<MoveRefusal> refusal_of_move(const Workbook& book, const Sheet& sheet,
+                                             const formula::Move& move) const override;
+  std::unique_ptr<CarriedMove> prepare_move(Workbook& book, Sheet& sheet,
+                                            const formula::Move& move) override;
   void save(const Workbook& book, const SaveOptions& options, package::Output& output) override;
 
  private:
   class Saving;
+  class Moving;
 
   Document() = default;
 
@@ -76,7 +82,15 @@ class Document : public engine::Document {
                                                           const TablePart& table) const;
   std::map<CellAddress, Header> odd_headers(const Workbook& book, const Sheet& sheet) const;
   void read_readable_sheets(Workbook& book);
-  void edit_carried(Workbook& book, const FormulaEdit& edit, const SheetPart* gone);
+  // New formulas of carried things, but of what somebody else edits: those of a sheet, of a sheet's
+  // tree alone, of some parts.
+  struct CarriedExcept {
+    const Sheet* sheet = nullptr;
+    const Sheet* tree = nullptr;
+    std::set<const Part*> parts;
+  };
+  CarriedEdits collect_carried(Workbook& book, const FormulaEdit& edit,
+                               const CarriedExcept& except);
 
   Parts parts_;
   std::string main_;  // name of the workbook part

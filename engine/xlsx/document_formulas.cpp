@@ -7,6 +7,7 @@
 #include "engine/formula/sheet_name.h"
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
+#include "engine/xlsx/carried_edits.h"
 #include "engine/xlsx/document.h"
 #include "engine/xlsx/formula_texts.h"
 #include "engine/xlsx/new_parts.h"
@@ -25,30 +26,6 @@ constexpr std::string_view kExtendedChartType = "application/vnd.ms-office.chart
 constexpr std::string_view kPivotCacheType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.pivotCacheDefinition+xml";
 
-// New texts of formulas of cells that the model does not look at, held until all are made.
-struct RecordEdits {
-  struct Input {
-    Sheet* rows;
-    std::uint32_t record;
-    std::string details;
-  };
-
-  std::vector<Input> inputs;
-
-  void apply() noexcept {
-    for (auto& [rows, record, details] : inputs) {
-      SheetContents& contents = rows->change();
-      contents.extra(contents.records()[record])->formula_details.swap(details);
-    }
-  }
-};
-
-// New bytes of parts.
-using PartEdits = std::vector<std::pair<const Part*, std::shared_ptr<const std::string>>>;
-
-// New trees of sheets.
-using TreeEdits = std::vector<std::pair<Sheet*, package::XmlTree>>;
-
 // The two cells that a data table puts its values into stand in its attributes.
 std::optional<std::string> edited_inputs(const Sheet& sheet, const std::string& details,
                                          const FormulaEdit& edit) {
@@ -61,20 +38,24 @@ std::optional<std::string> edited_inputs(const Sheet& sheet, const std::string& 
     const std::size_t size = made.find('"', from) - from;
     const auto text = edit(&sheet, std::string_view(made).substr(from, size));
     if (!text) continue;
-    made.replace(from, size, *text);
+    // An input that is lost is said to be, beside the place where it was.
+    const bool is_cell = formula::parse_cell(*text).has_value();
+    if (is_cell) made.replace(from, size, *text);
+    else made.insert(begin, name[2] == '1' ? " del1=\"1\"" : " del2=\"1\"");
     changed = true;
   }
   return changed ? std::optional<std::string>(std::move(made)) : std::nullopt;
 }
 
 // `owner` is the sheet that the rows belong to.
-void collect_records(Sheet& rows, const Sheet& owner, const FormulaEdit& edit, RecordEdits& edits) {
+void collect_records(Sheet& rows, const Sheet& owner, const FormulaEdit& edit,
+                     CarriedEdits& edits) {
   const SheetContents& contents = rows.contents();
   for (std::uint32_t number = 0; const CellRecord& record : contents.records()) {
     const CellExtra* extra = contents.extra(record);
     if (extra && extra->form == FormulaForm::kDataTable)
       if (auto text = edited_inputs(owner, extra->formula_details, edit))
-        edits.inputs.push_back({&rows, number, *std::move(text)});
+        edits.details.push_back({&rows, number, *std::move(text)});
     ++number;
   }
 }
@@ -143,43 +124,43 @@ std::optional<std::string> Document::shown_formula(const Workbook& book,
 }
 
 void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
-  edit_carried(book, edit, nullptr);
+  collect_carried(book, edit, {}).apply(parts_, sheets_);
 }
 
-// All that is new is made first. A sheet that goes, if one does, loses its place in the package.
-void Document::edit_carried(Workbook& book, const FormulaEdit& edit, const SheetPart* gone) {
-  RecordEdits records;
-  TreeEdits trees;
+CarriedEdits Document::collect_carried(Workbook& book, const FormulaEdit& edit,
+                                       const CarriedExcept& except) {
+  CarriedEdits edits;
   for (const auto& sheet : book.sheets()) {
     const SheetPart& remains = part_of(*sheet);
-    if (!remains.read || &remains == gone) continue;
-    if (auto tree = edited_tree(remains.tree, *sheet, edit))
-      trees.emplace_back(sheet.get(), *std::move(tree));
-    collect_records(*sheet, *sheet, edit, records);
-    if (sheet->outside) collect_records(sheet->outside->rows, *sheet, edit, records);
+    if (!remains.read || sheet.get() == except.sheet) continue;
+    if (sheet.get() != except.tree)
+      if (auto tree = edited_tree(remains.tree, *sheet, edit))
+        edits.trees.emplace_back(sheet.get(), *std::move(tree));
+    collect_records(*sheet, *sheet, edit, edits);
+    if (sheet->outside) collect_records(sheet->outside->rows, *sheet, edit, edits);
   }
-  PartEdits parts;
   for (const auto& [key, part] : parts_.all())
-    if (holds_formulas(part))
+    if (holds_formulas(part) && !except.parts.contains(&part))
       if (auto bytes = edited_part(parts_, part, edit, book.limits.grid))
-        parts.emplace_back(&part, std::make_shared<const std::string>(*std::move(bytes)));
-  // Parts of the sheet that goes may be among them.
-  const auto exchange = [&] {
-    for (auto& [part, bytes] : parts) parts_.exchange(*part, bytes);
-  };
-  exchange();
-  try {
-    if (gone) remove_part(*gone);
-  } catch (...) {
-    exchange();
-    throw;
-  }
+        edits.add_part(part, *std::move(bytes));
+  return edits;
+}
 
-  records.apply();
+void CarriedEdits::exchange_parts(Parts& package) noexcept {
+  for (auto& [part, bytes] : parts) package.exchange(*part, bytes);
+}
+
+void CarriedEdits::apply(Parts& package, SheetParts& sheets) noexcept {
+  for (auto& [rows, record, text] : details) {
+    SheetContents& contents = rows->change();
+    contents.extra(contents.records()[record])->formula_details.swap(text);
+  }
   for (auto& [sheet, tree] : trees) {
     sheet->change();
-    sheets_.find(sheet)->second.tree = std::move(tree);
+    sheets.find(sheet)->second.tree = std::move(tree);
   }
+  exchange_parts(package);
+  for (const Parts::Unlink& link : links) package.unrelate(link);
 }
 
 }  // namespace engine::xlsx

@@ -106,7 +106,17 @@ void Document::remove_part(const SheetPart& gone) {
 
 void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) {
   const SheetPart& gone = part_of(sheet);
-  edit_carried(book, edit, &gone);
+  CarriedEdits edits = collect_carried(book, edit, {&sheet, nullptr, {}});
+  // Parts of the sheet that goes may be among them.
+  edits.exchange_parts(parts_);
+  try {
+    remove_part(gone);
+  } catch (...) {
+    edits.exchange_parts(parts_);
+    throw;
+  }
+  edits.parts.clear();
+  edits.apply(parts_, sheets_);
   if (gone.listed != 0) sheet_removed_ = true;
   sheets_.erase(&sheet);
 }

@@ -56,7 +56,15 @@ struct Renaming {
   std::shared_ptr<const std::string> bytes;  // of the part
 };
 
-// New texts for the formulas inside of a table that leave its name out.
+// The contents of a sheet with the texts that header cells have to show.
+struct Headers {
+  Sheet* sheet = nullptr;
+  SheetContents before;
+  SheetContents now;
+};
+
+}  // namespace
+
 std::vector<std::pair<CellAddress, std::string>> own_formulas(const SheetContents& sheet,
                                                               const CellRange& cells,
                                                               const formula::ColumnChanges& own,
@@ -76,15 +84,6 @@ std::vector<std::pair<CellAddress, std::string>> own_formulas(const SheetContent
   }
   return texts;
 }
-
-// The contents of a sheet with the texts that header cells have to show.
-struct Headers {
-  Sheet* sheet = nullptr;
-  SheetContents before;
-  SheetContents now;
-};
-
-}  // namespace
 
 // A table that cannot be read is none that formulas are known to mean.
 std::vector<TablePart>& Document::tables_of(const Workbook& book, const SheetPart& sheet) const {
@@ -162,7 +161,7 @@ std::vector<std::optional<std::string>> Document::changed_headers(const Workbook
     if (header == Header{table.columns[i], true} || contents.arrays.find({row, column})) continue;
     const auto copied = its.copied_headers.find({row, column});
     if (copied != its.copied_headers.end() && copied->second == header) continue;
-    if (its.listed != 0 && !stored) {
+    if (its.listed != 0 && !its.moved && !stored) {
       stored = std::make_unique<OutsideRows>(book);
       SheetContents rows;
       SheetPart unused;

@@ -69,6 +69,9 @@ struct Shape {
   std::size_t end = 0;
   std::string_view style;
   std::optional<CellAddress> note;
+  std::string_view row;  // contents of elements, where they stand in the text
+  std::string_view column;
+  std::string_view anchor;
 };
 
 // What the root says; boxes stand in it.
@@ -113,7 +116,8 @@ struct ShapeReader {
     if (tag.is(VmlFamily::kVml, "shape")) {
       // A shape that another begins in has lost its end.
       if (tag.opens())
-        *this = {text, Shape{tag.begin, 0, tag.attributes.find("style"), {}}, false, {}, {}};
+        *this = {
+            text, Shape{tag.begin, 0, tag.attributes.find("style"), {}, {}, {}, {}}, false, {}, {}};
       if (!open || tag.kind == VmlTag::Kind::kStart) return;
       open->end = tag.end;
       if (is_note && row && column) open->note = CellAddress{*row, *column};
@@ -122,9 +126,19 @@ struct ShapeReader {
     } else if (open && tag.opens() && tag.family == VmlFamily::kExcel) {
       const std::string_view local = package::local_name(tag.name);
       const auto content = [&] { return number_at(text.substr(tag.end)); };
+      const auto inside = [&] {
+        return text.substr(tag.end, std::min(text.find('<', tag.end), text.size()) - tag.end);
+      };
       if (local == "ClientData") is_note |= tag.attributes.find("ObjectType") == "Note";
-      else if (local == "Row" && !row) row = content();
-      else if (local == "Column" && !column) column = content();
+      if (local == "Row" && !row) {
+        row = content();
+        open->row = inside();
+      } else if (local == "Column" && !column) {
+        column = content();
+        open->column = inside();
+      } else if (local == "Anchor" && open->anchor.empty()) {
+        open->anchor = inside();
+      }
     }
   }
 };
@@ -413,6 +427,67 @@ std::string write_notes_drawing(std::string_view stored, const SheetContents& sh
     edits.push_back({begin, begin + drawing.map->size(), ids.map()});
   }
   return edited(drawing.text, std::move(edits));
+}
+
+namespace {
+
+// The numbers of an anchor: left column and offset in it, top row and offset, and so for right and
+// bottom; empty for a text that is no anchor.
+std::vector<int> numbers_of(std::string_view anchor) {
+  std::vector<int> numbers;
+  while (const auto number = number_at(anchor)) {
+    numbers.push_back(*number);
+    const std::size_t comma = anchor.find(',');
+    if (comma == std::string_view::npos) break;
+    anchor.remove_prefix(comma + 1);
+  }
+  if (numbers.size() != 8) numbers.clear();
+  return numbers;
+}
+
+// Moves both corners as far as the cell goes that the shape keeps to.
+std::string moved_anchor(std::vector<int> numbers, bool rows, int distance, int size) {
+  std::string text;
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    if (i == (rows ? 2 : 0) || i == (rows ? 6 : 4))
+      numbers[i] = std::clamp(numbers[i] + distance, 0, size - 1);
+    if (i != 0) text.append(", ");
+    text.append(std::to_string(numbers[i]));
+  }
+  return text;
+}
+
+}  // namespace
+
+std::optional<std::string> move_notes_drawing(std::string_view stored, const formula::Move& move,
+                                              const Grid& grid) {
+  const std::string text = readable(stored);
+  const Drawing drawing = read_drawing(text);
+  const bool rows = move.axis == formula::Axis::kRows;
+  const int size = rows ? grid.rows : grid.columns;
+  std::vector<Edit> edits;
+  const auto replace = [&](std::string_view old, std::string with) {
+    const auto begin = static_cast<std::size_t>(old.data() - text.data());
+    edits.push_back({begin, begin + old.size(), std::move(with)});
+  };
+  for (const Shape& shape : drawing.shapes) {
+    const std::vector<int> numbers = numbers_of(shape.anchor);
+    int from = 0;
+    if (shape.note) from = rows ? shape.note->row : shape.note->column;
+    else if (numbers.empty()) continue;
+    else from = numbers[rows ? 2 : 0];
+    const auto to = formula::moved(from, move);
+    if (shape.note && !to) {
+      edits.push_back({shape.begin, shape.end, ""});
+      continue;
+    }
+    const int distance = to.value_or(move.at) - from;
+    if (distance == 0) continue;
+    if (shape.note) replace(rows ? shape.row : shape.column, std::to_string(from + distance));
+    if (!numbers.empty()) replace(shape.anchor, moved_anchor(numbers, rows, distance, size));
+  }
+  if (edits.empty()) return std::nullopt;
+  return edited(text, std::move(edits));
 }
 
 }  // namespace engine::xlsx

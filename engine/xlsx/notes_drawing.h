@@ -8,10 +8,12 @@
 // clusters it uses, and no other drawing of the book may use those.
 #pragma once
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
 
+#include "engine/formula/interval.h"
 #include "engine/workbook/cell.h"
 #include "engine/workbook/sheet.h"
 
@@ -37,5 +39,11 @@ void read_note_sizes(std::string_view drawing, Comments& comments);
 // are taken out, those of new ones put in behind. `stored` is empty when the sheet had no drawing.
 std::string write_notes_drawing(std::string_view stored, const SheetContents& sheet,
                                 const Comments& as_read, const Grid& grid, ShapeClusters& clusters);
+
+// The drawing after rows or columns were inserted or removed: the boxes of notes keep to their
+// cells and go with them, other shapes keep to the cell of their upper left corner. Nothing
+// when all stay.
+std::optional<std::string> move_notes_drawing(std::string_view stored, const formula::Move& move,
+                                              const Grid& grid);
 
 }  // namespace engine::xlsx

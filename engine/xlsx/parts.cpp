@@ -307,9 +307,12 @@ void Parts::add_relationship(std::string_view owner, Relationship relationship) 
 }
 
 void Parts::unrelate(std::string_view owner, std::string_view id) {
-  PartLinks& its = links(owner);
-  if (!its.items.remove(id)) return;
-  its.changed = true;
+  unrelate(prepare_unrelate(owner, id));
+}
+
+void Parts::unrelate(const Unlink& link) noexcept {
+  if (!link.links->items.remove(link.id)) return;
+  link.links->changed = true;
   unrelated_ = true;
 }
 

@@ -104,6 +104,16 @@ class Parts {
   void add_relationship(std::string_view owner, Relationship relationship);
   // What nothing leads to any more goes with drop_unreachable(). Throws before it changes anything.
   void unrelate(std::string_view owner, std::string_view id);
+  // The same in two steps, of which the second cannot fail. Nothing of the owner may be copied or
+  // removed in between.
+  struct Unlink {
+    PartLinks* links = nullptr;
+    std::string id;
+  };
+  Unlink prepare_unrelate(std::string_view owner, std::string_view id) const {
+    return {&links(owner), std::string(id)};
+  }
+  void unrelate(const Unlink& link) noexcept;
 
   // Takes over parts that were made together.
   void take(NewParts&& made) noexcept;

@@ -46,8 +46,11 @@ struct SheetPart {
   // The ranges of its pivot tables, likewise.
   mutable std::optional<std::vector<CellRange>> pivot_tables;
 
-  // Of a sheet that is a copy: what header cells of tables showed when it was made, where that is
-  // not the name of the column.
+  // Cells may stand elsewhere than in the file, as rows or columns were inserted or removed.
+  bool moved = false;
+
+  // Of a sheet that is a copy, or whose cells have moved since: what header cells of tables showed
+  // then, where that is not the name of the column.
   std::map<CellAddress, Header> copied_headers;
 
   // As they were read: those that the sheet still has are written as the file has them.

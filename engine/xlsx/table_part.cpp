@@ -6,7 +6,10 @@
 
 #include "engine/package/xml_tree.h"
 #include "engine/text/fold.h"
+#include "engine/xlsx/attributes.h"
+#include "engine/xlsx/elements/filters.h"
 #include "engine/xlsx/escapes.h"
+#include "engine/xlsx/moved_cells.h"
 
 namespace engine::xlsx {
 
@@ -79,6 +82,7 @@ std::optional<TablePart> read_table(std::string_view bytes, std::string_view par
   table.name = unescape(root.attribute("displayName").value());
   table.cells = *cells;
   table.has_header = root.attribute("headerRowCount").as_uint(1) != 0;
+  table.totals = root.attribute("totalsRowCount").as_int(0);
   for (const pugi::xml_node column : column_nodes(root))
     table.columns.push_back(unescape(column.attribute("name").value()));
   return table;
@@ -104,6 +108,73 @@ std::string rename_columns(std::string_view bytes, std::string_view part,
     if (!name) name = pugi::xml_node(columns[i]).append_attribute("name");
     if (unescape(name.value()) != names[i]) name = escaped_name(names[i]).c_str();
   }
+  return tree.serialize();
+}
+
+namespace {
+
+// Columns that go leave the list, those that are inserted enter it with a name of their own.
+void move_columns(pugi::xml_node root, TablePart& table, const formula::Move& move) {
+  pugi::xml_node list = package::child(root, Family::Main, "tableColumns");
+  const std::vector<pugi::xml_node> nodes = column_nodes(root);
+  std::vector<std::string> names;
+  std::vector<std::optional<std::string>> headers;
+  const auto keep = [&](std::size_t i) {
+    names.push_back(table.columns[i]);
+    headers.emplace_back();
+  };
+  const int at = move.at - table.cells.column_first;  // of the first column that comes or goes
+  if (move.kind == formula::Move::Kind::kRemove) {
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+      const int place = static_cast<int>(i);
+      if (place >= at && place < at + move.count) list.remove_child(nodes[i]);
+      else keep(i);
+    }
+    table.columns = std::move(names);
+  } else {
+    if (at <= 0 || move.at > table.cells.column_last) return;
+    unsigned id = 0;
+    for (const pugi::xml_node node : nodes) id = std::max(id, node.attribute("id").as_uint());
+    const std::size_t first = std::min(static_cast<std::size_t>(at), nodes.size());
+    const auto count = static_cast<std::size_t>(move.count);
+    for (std::size_t i = 0; i < first; ++i) keep(i);
+    for (std::size_t i = 0; i < count; ++i) {
+      names.emplace_back();
+      headers.emplace_back("");
+    }
+    for (std::size_t i = first; i < nodes.size(); ++i) keep(i);
+    table.columns = column_names(names, headers);
+    const pugi::xml_node next = first < nodes.size() ? nodes[first] : pugi::xml_node();
+    for (std::size_t i = first; i < first + count; ++i) {
+      pugi::xml_node node = next ? package::insert_child(list, "tableColumn", next)
+                                 : package::append_child(list, "tableColumn");
+      set_attribute(node, "id", std::to_string(++id));
+      set_attribute(node, "name", escaped_name(table.columns[i]));
+    }
+  }
+  set_attribute(list, "count", std::to_string(table.columns.size()));
+}
+
+}  // namespace
+
+std::string move_table(std::string_view bytes, TablePart& table, const formula::Move& move,
+                       const Grid& grid) {
+  const auto tree = package::XmlTree::parse(bytes, table.part);
+  pugi::xml_node root = tree.root();
+  const bool rows = move.axis == formula::Axis::kRows;
+  const int last = table.cells.row_last;
+  if (rows && table.totals != 0 && move.kind == formula::Move::Kind::kRemove &&
+      last - table.totals + 1 >= move.at && last < move.at + move.count) {
+    root.remove_attribute("totalsRowCount");
+    table.totals = 0;
+  }
+  if (!rows) move_columns(root, table, move);
+  table.cells = *moved_range(table.cells, move, grid);
+  set_attribute(root, "ref", formula::print_range(table.cells));
+  if (const pugi::xml_node filter = package::child(root, Family::Main, "autoFilter"))
+    move_filter(filter, move, grid);
+  if (const pugi::xml_node sort = package::child(root, Family::Main, "sortState"))
+    move_sort(sort, move, grid);
   return tree.serialize();
 }
 

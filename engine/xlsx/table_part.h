@@ -7,9 +7,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "engine/formula/formula.h"
+#include "engine/formula/interval.h"
 #include "engine/formula/reference.h"
+#include "engine/workbook/sheet.h"
 
 namespace engine::xlsx {
 
@@ -18,6 +22,7 @@ struct TablePart {
   std::string name;  // by which formulas call it
   CellRange cells;   // header and totals included
   bool has_header = true;
+  int totals = 0;  // rows of totals at the end
   std::vector<std::string> columns;
 };
 
@@ -42,5 +47,17 @@ std::vector<std::string> column_names(const std::vector<std::string>& present,
 // The part with other names for its columns. Throws FileError when it is damaged.
 std::string rename_columns(std::string_view bytes, std::string_view part,
                            const std::vector<std::string>& names);
+
+// The part after rows or columns of its sheet were inserted or removed; the table becomes what it
+// says then. The cells of the table must not all go. Formulas stay as they are. Throws FileError
+// when the part is damaged.
+std::string move_table(std::string_view bytes, TablePart& table, const formula::Move& move,
+                       const Grid& grid);
+
+// New texts for the formulas inside of a table that leave its name out, by their cells.
+std::vector<std::pair<CellAddress, std::string>> own_formulas(const SheetContents& sheet,
+                                                              const CellRange& cells,
+                                                              const formula::ColumnChanges& own,
+                                                              const Grid& grid);
 
 }  // namespace engine::xlsx

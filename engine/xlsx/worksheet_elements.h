@@ -57,18 +57,22 @@ struct SheetCopying {
   std::vector<formula::TableChange>& tables;  // receives the names of the copy's tables
 };
 
+// What an element is moved with: rows or columns are inserted or removed.
+struct SheetMoving {
+  const SheetContents& sheet;  // before
+  const formula::Move& move;
+  const Grid& grid;
+};
+
 enum class Copying : std::uint8_t {
   kAsItStands,
   kDropped,  // it is nothing without a part of the original, or the model makes it anew
 };
 
-// How an attribute names cells: B7, A1:B2, or several of them parted by blanks.
-enum class CellsForm : std::uint8_t { kCell, kRange, kRanges };
-
+// An attribute that names cells: B7, A1:B2, or several of them parted by blanks.
 struct CellsAttribute {
   std::string_view element;  // the element itself or a descendant; empty: the element itself
   const char* attribute;
-  CellsForm form;
 };
 
 struct WorksheetElement {
@@ -80,7 +84,10 @@ struct WorksheetElement {
   // Makes of the element what the copy shall have; may remove it.
   void (*copy)(pugi::xml_node element, const SheetCopying& to) = nullptr;
   void (*formulas)(pugi::xml_node element, TextEdits& edits) = nullptr;
+  // What becomes of the element when rows or columns are inserted or removed: its attributes name
+  // cells, or it takes more than that; it may remove the element.
   std::span<const CellsAttribute> cells = {};
+  void (*move)(pugi::xml_node element, const SheetMoving& moving) = nullptr;
 };
 
 // What the table says of all elements of a worksheet.
@@ -89,10 +96,9 @@ void patch_elements(pugi::xml_node root, const SheetPatching& from);
 void copy_elements(pugi::xml_node root, const SheetCopying& to);
 void collect_formulas(pugi::xml_node root, TextEdits& edits);
 
-// Moves the cells that elements name after rows or columns of their sheet were inserted or removed.
-// An element of which no cell is left goes, and its list with the last one. Gives whether anything
-// changed.
-bool move_cells(pugi::xml_node root, const formula::Move& move, const Grid& grid);
+// Moves what elements say of cells after rows or columns of their sheet were inserted or removed.
+// An element of which no cell is left goes, and its list with the last one.
+void move_elements(pugi::xml_node root, const SheetMoving& moving);
 
 // The child of that name, made at its place.
 pugi::xml_node worksheet_child(pugi::xml_node root, std::string_view name);

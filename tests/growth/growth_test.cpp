@@ -235,6 +235,28 @@ void page_breaks_loaded_and_removed(int n) {
   EXPECT_EQ(stage.sheet->getHorPageBreakSize(), n / 2);
 }
 
+void rows_inserted_among_formulas(int n) {
+  Stage stage;
+  for (int row = 0; row < n; ++row)
+    stage.sheet->writeFormulaNum(row, 0, (L"SUM(B1:B" + std::to_wstring(row + 1) + L")").c_str(),
+                                 1);
+  EXPECT_TRUE(stage.sheet->insertRow(n / 2, n / 2 + 1));
+  EXPECT_TRUE(stage.sheet->insertCol(0, 1));
+  EXPECT_TRUE(stage.sheet->removeRow(n / 2, n / 2 + 1));
+  EXPECT_EQ(stage.sheet->lastRow(), n);
+}
+
+// Which cells go on to share depends on where each reference lies.
+void rows_removed_under_shared_formulas(int n) {
+  std::string rows;
+  for (int row = 0; row < n; ++row) {
+    const std::string text = row == 0 ? "B1+SUM(B1:B$9)" : "";
+    rows += cell(row, "", "<f t=\"shared\" si=\"0\">" + text + "</f><v>2</v>");
+  }
+  const Stage stage = loaded(rows);
+  EXPECT_TRUE(stage.sheet->removeRow(n / 2, n / 2 + n / 4));
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -259,6 +281,8 @@ constexpr Case kCases[] = {
     {"cells cleared one by one", cells_cleared_one_by_one, 6000},
     {"page breaks loaded and removed", page_breaks_loaded_and_removed, 3000},
     {"arrays over one another", arrays_over_one_another, 3000},
+    {"rows inserted among formulas", rows_inserted_among_formulas, 6000},
+    {"rows removed under shared formulas", rows_removed_under_shared_formulas, 6000},
     {"sheets added", sheets_added, 1500},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},
 };

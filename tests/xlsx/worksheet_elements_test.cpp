@@ -33,7 +33,7 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
        R"(<conditionalFormatting sqref="A1:A9 D1:D1048576"><cfRule/></conditionalFormatting>)"},
       {R"(<sheetViews><sheetView><selection activeCell="B2" sqref="B2"/></sheetView></sheetViews>)",
        {Axis::kRows, Kind::kRemove, 1, 1},
-       R"(<sheetViews><sheetView><selection/></sheetView></sheetViews>)"},
+       R"(<sheetViews><sheetView><selection activeCell="B2" sqref="B2"/></sheetView></sheetViews>)"},
       {R"(<autoFilter ref="A1:C9"><sortState ref="A2:C9"><sortCondition ref="B2:B9"/></sortState>)"
        R"(</autoFilter>)",
        {Axis::kRows, Kind::kRemove, 0, 20},
@@ -46,7 +46,7 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
   for (const auto& [elements, move, moved] : cases) {
     SCOPED_TRACE(elements);
     const auto tree = package::XmlTree::parse(worksheet("", elements), "sheet");
-    EXPECT_EQ(move_cells(tree.root(), move, Limits().grid), moved != nullptr);
+    move_elements(tree.root(), {SheetContents(), move, Limits().grid});
     EXPECT_NE(tree.serialize().find(std::string(moved ? moved : elements) + "<sheetData"),
               std::string::npos)
         << tree.serialize();

@@ -6,6 +6,7 @@
 #include "engine/formula/reference.h"
 #include "engine/package/xml_tree.h"
 #include "engine/xlsx/attributes.h"
+#include "engine/xlsx/moved_cells.h"
 #include "engine/xlsx/styles_patch.h"
 #include "engine/xlsx/styles_read.h"
 
@@ -235,6 +236,38 @@ void copy_views(pugi::xml_node element, const SheetCopying& /*to*/) {
   for (pugi::xml_node view : package::children(element, Family::Main, "sheetView"))
     for (const pugi::xml_node pivot : package::children(view, Family::Main, "pivotSelection"))
       view.remove_child(pivot);
+}
+
+namespace {
+
+// A cell that a view stands at. Where it is removed the view stands at what comes in its place.
+void move_place(pugi::xml_node element, const char* name, const formula::Move& move,
+                const Grid& grid) {
+  const pugi::xml_attribute attribute = element.attribute(name);
+  auto cell = formula::parse_cell(attribute.value());
+  if (!cell) return;
+  const bool rows = move.axis == formula::Axis::kRows;
+  int& place = rows ? cell->row : cell->column;
+  place = std::min(formula::moved(place, move).value_or(move.at),
+                   (rows ? grid.rows : grid.columns) - 1);
+  set_attribute(element, name, formula::print_cell(cell->row, cell->column));
+}
+
+}  // namespace
+
+void move_views(pugi::xml_node element, const SheetMoving& moving) {
+  const auto& [sheet, move, grid] = moving;
+  for (const pugi::xml_node view : package::children(element, Family::Main, "sheetView")) {
+    for (const pugi::xml_node selection : package::children(view, Family::Main, "selection")) {
+      move_place(selection, "activeCell", move, grid);
+      const auto cells = moved_ranges(selection.attribute("sqref").value(), move, grid);
+      if (!cells) continue;
+      const std::string active = selection.attribute("activeCell").as_string("A1");
+      set_attribute(selection, "sqref", cells->empty() ? active : *cells);
+      // Its number among the ranges may be that of another one now.
+      pugi::xml_node(selection).remove_attribute("activeCellId");
+    }
+  }
 }
 
 // Each view has a page setup of its own, which may name settings of a printer.

@@ -14,6 +14,7 @@ void copy_sheet_properties(pugi::xml_node element, const SheetCopying& to);
 void read_views(pugi::xml_node element, const SheetReading& to);
 void patch_views(pugi::xml_node root, const SheetPatching& from);
 void copy_views(pugi::xml_node element, const SheetCopying& to);
+void move_views(pugi::xml_node element, const SheetMoving& moving);
 
 void copy_custom_views(pugi::xml_node element, const SheetCopying& to);
 
