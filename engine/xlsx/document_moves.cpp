@@ -48,15 +48,6 @@ bool cuts(const Interval& interval, const Move& move) {
   return first < end && move.at <= last && (first < move.at || last >= end);
 }
 
-// The cells of a pivot table with the fields above that choose its page.
-std::optional<CellRange> pivot_cells(pugi::xml_node root, const Grid& grid) {
-  const pugi::xml_node location = package::child(root, Family::Main, "location");
-  auto cells = formula::parse_range(location.attribute("ref").value(), grid);
-  const int fields = std::clamp(location.attribute("rowPageCount").as_int(), 0, grid.rows);
-  if (cells && fields != 0) cells->row_first = std::max(cells->row_first - fields - 1, 0);
-  return cells;
-}
-
 // What refuses a removal that a table cannot follow.
 std::optional<MoveRefusal> refusal_of_table(const TablePart& table, const Move& move) {
   const auto& [row_first, row_last, column_first, column_last] = table.cells;
@@ -124,16 +115,10 @@ std::optional<MoveRefusal> Document::refusal_of_move(const Workbook& book, const
     }
     if (refusal.place >= 0) return refusal;
   }
-  for (const RelatedPart& one : related_parts(parts_, its.part, "pivotTable")) {
-    try {
-      const auto tree = package::XmlTree::parse(parts_.read(*one.part), one.part->name);
-      const auto cells = pivot_cells(tree.root(), grid);
-      if (!cells || !cuts(along(*cells, move.axis), move)) continue;
-      refusal.kind = MoveRefusal::Kind::kPivotTable;
-      return refusal;
-    } catch (const FileError&) {
-      continue;
-    }
+  for (const CellRange& cells : pivot_tables(book, sheet)) {
+    if (!cuts(along(cells, move.axis), move)) continue;
+    refusal.kind = MoveRefusal::Kind::kPivotTable;
+    return refusal;
   }
   for (const TablePart& table : tables_of(book, its))
     if (auto of_table = refusal_of_table(table, move)) return of_table;
@@ -325,6 +310,7 @@ void Document::Moving::prepare_pivot_tables() {
 void Document::Moving::apply() noexcept {
   edits_.apply(parts_, document_.sheets_);
   its_.tables = std::move(tables_);
+  its_.pivot_tables.reset();
   its_.moved = true;
   move_keys(its_.comments, move_);
   its_.copied_headers.swap(headers_);

@@ -63,6 +63,15 @@ struct Headers {
   SheetContents now;
 };
 
+// The cells of a pivot table with the fields above that choose its page.
+std::optional<CellRange> pivot_cells(pugi::xml_node root, const Grid& grid) {
+  const pugi::xml_node location = package::child(root, package::Family::Main, "location");
+  auto cells = formula::parse_range(location.attribute("ref").value(), grid);
+  const int fields = std::clamp(location.attribute("rowPageCount").as_int(), 0, grid.rows);
+  if (cells && fields != 0) cells->row_first = std::max(cells->row_first - fields - 1, 0);
+  return cells;
+}
+
 }  // namespace
 
 std::vector<std::pair<CellAddress, std::string>> own_formulas(const SheetContents& sheet,
@@ -131,9 +140,7 @@ std::vector<CellRange> Document::pivot_tables(const Workbook& book, const Sheet&
     if (!part) continue;
     try {
       const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
-      const auto location = package::child(tree.root(), package::Family::Main, "location");
-      const auto range = formula::parse_range(location.attribute("ref").value(), book.limits.grid);
-      if (range) ranges.push_back(*range);
+      if (const auto cells = pivot_cells(tree.root(), book.limits.grid)) ranges.push_back(*cells);
     } catch (const package::FileError&) {
       continue;
     }

@@ -201,9 +201,9 @@ TEST(Shape, MergesMeetNoTable) {
   auto parts = engine::xlsx::rich_package();
   const std::string rels = "xl/worksheets/_rels/sheet2.xml.rels";
   parts[rels] = engine::xlsx::relations({{"pivotTable", "../pivotTables/pivotTable1.xml"}});
-  parts["xl/pivotTables/pivotTable1.xml"] = R"(<pivotTableDefinition xmlns=")" +
-                                            std::string(engine::xlsx::kMainNamespace) +
-                                            R"("><location ref="C3:F20"/></pivotTableDefinition>)";
+  parts["xl/pivotTables/pivotTable1.xml"] =
+      R"(<pivotTableDefinition xmlns=")" + std::string(engine::xlsx::kMainNamespace) +
+      R"("><location ref="C3:F20" rowPageCount="1"/></pivotTableDefinition>)";
   Stage stage;
   ASSERT_TRUE(load(*stage.book, engine::xlsx::zip(parts)));
   stage.sheet = stage.book->getSheet(0);
@@ -214,6 +214,12 @@ TEST(Shape, MergesMeetNoTable) {
   EXPECT_FALSE(stage.sheet->setMerge(19, 19, 5, 6));
   EXPECT_EQ(stage.message(), "range F20:G20 overlaps a pivot table");
   EXPECT_TRUE(stage.sheet->setMerge(20, 20, 5, 6));
+  // The fields above that choose its page belong to it, and all of it moves.
+  EXPECT_FALSE(stage.sheet->setMerge(0, 0, 2, 3));
+  EXPECT_EQ(stage.message(), "range C1:D1 overlaps a pivot table");
+  EXPECT_TRUE(stage.sheet->insertRow(0, 4)) << stage.message();
+  EXPECT_TRUE(stage.sheet->setMerge(0, 0, 2, 3));
+  EXPECT_FALSE(stage.sheet->setMerge(24, 24, 5, 6));
 }
 
 TEST(Shape, ClearLeavesNothingInTheCells) {
