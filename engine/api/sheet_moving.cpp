@@ -36,21 +36,6 @@ std::string text_of(const MoveRefusal& refusal, const Sheet& sheet, const Move& 
 
 }  // namespace
 
-bool SheetObject::check_rows(int first, int last) const {
-  const Grid& grid = limits().grid;
-  for (const int row : {first, last})
-    if (row < 0 || row >= grid.rows) return book_.refuse(false, messages::row(row, grid));
-  return first <= last || book_.refuse(false, messages::row_order(first, last));
-}
-
-bool SheetObject::check_columns(int first, int last) const {
-  const Grid& grid = limits().grid;
-  for (const int column : {first, last})
-    if (column < 0 || column >= grid.columns)
-      return book_.refuse(false, messages::column(column, grid));
-  return first <= last || book_.refuse(false, messages::column_order(first, last));
-}
-
 bool SheetObject::move(Axis axis, Move::Kind kind, int first, int last, bool names_follow) {
   return run(false, [&] {
     if (!(axis == Axis::kRows ? check_rows(first, last) : check_columns(first, last))) return false;

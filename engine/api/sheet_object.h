@@ -226,8 +226,6 @@ class SheetObject final : public UnsupportedSheet {
   bool check_merge(int index) const;
   bool check_value(std::string_view property, int value, int low, int high) const;
   bool check_margin(std::string_view property, double margin) const;
-  bool check_rows(int first, int last) const;
-  bool check_columns(int first, int last) const;
   bool move(formula::Axis axis, formula::Move::Kind kind, int first, int last, bool names_follow);
 
   bool refuse_cell(int row, int column) const;

@@ -96,8 +96,10 @@ std::optional<std::string> edited_part(const Parts& parts, const Part& part,
   const pugi::xml_node root = tree.root();
   bool changed = false;
   if (part.type == kPivotCacheType) {
-    const pugi::xml_node source = package::child(root, Family::Main, "cacheSource");
-    changed = edit_source(package::child(source, Family::Main, "worksheetSource"), edit, grid);
+    visit_elements(package::child(root, Family::Main, "cacheSource"), [&](pugi::xml_node node) {
+      const std::string_view name = package::local_name(node);
+      if (name == "worksheetSource" || name == "rangeSet") changed |= edit_source(node, edit, grid);
+    });
   } else {
     TextEdits edits(nullptr, edit);
     if (part.type == kTableType) collect_table(root, edits);

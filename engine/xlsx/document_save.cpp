@@ -65,6 +65,36 @@ void remove_calculation_chain(Parts& parts, std::string_view main) {
   for (const std::string& id : ids) parts.unrelate(main, id);
 }
 
+// What the properties of a document list of its workbook: the names of sheets, then the others.
+std::vector<std::string> titles_of(pugi::xml_node workbook) {
+  std::vector<std::string> titles;
+  for (const auto& [list, one] :
+       {std::pair("sheets", "sheet"), std::pair("definedNames", "definedName")})
+    for (const pugi::xml_node node :
+         package::children(package::child(workbook, Family::Main, list), Family::Main, one))
+      titles.emplace_back(node.attribute("name").value());
+  return titles;
+}
+
+// Properties need not list titles, and spreadsheet programs make them anew. Damaged ones are
+// carried.
+void remove_titles(Parts& parts) {
+  const Part* properties = parts.related("", "extended-properties");
+  if (!properties) return;
+  try {
+    const auto tree = package::XmlTree::parse(parts.read(*properties), properties->name);
+    for (pugi::xml_node root = tree.root(), node = root.first_child(); node;) {
+      const pugi::xml_node next = node.next_sibling();
+      const std::string_view name = package::local_name(node);
+      if (name == "HeadingPairs" || name == "TitlesOfParts") root.remove_child(node);
+      node = next;
+    }
+    parts.put(properties->name, properties->type, tree.serialize());
+  } catch (const package::FileError&) {
+    return;
+  }
+}
+
 }  // namespace
 
 // One save: a copy of the list of parts, in which one kind of part after the other is replaced.
@@ -178,8 +208,10 @@ class Document::Saving {
 
   void replace_workbook(const SaveOptions& options) {
     const WorkbookPart& part = document_.workbook_part_;
-    std::string bytes = part.patched(book_, document_.sheets_, options.calculate).serialize();
+    const package::XmlTree tree = part.patched(book_, document_.sheets_, options.calculate);
+    std::string bytes = tree.serialize();
     if (is_new_ || bytes != part.tree().serialize()) parts_.put(main_, {}, std::move(bytes));
+    if (!is_new_ && titles_of(tree.root()) != titles_of(part.tree().root())) remove_titles(parts_);
     const std::string_view type = parts_.find(main_)->type;
     if (type.empty() || is_workbook_type(type))
       parts_.set_type(main_, workbook_type(has_macros(options), options.as_template));

@@ -149,6 +149,26 @@ const Operation kOperations[] = {
     {"setMerge", whole_book, [](Stage& s) { s.sheet->setMerge(10, 12, 3, 4); }},
     {"clear", whole_book, [](Stage& s) { s.sheet->clear(0, 20, 1, 9); }},
     {"copyCell", whole_book, [](Stage& s) { s.sheet->copyCell(2, 3, 900, 9); }},
+    {"addHyperlink", whole_book,
+     [](Stage& s) { s.sheet->addHyperlink(L"http://a.example/a long address", 5, 6, 7, 8); }},
+    {"addHyperlink in place of another", whole_book,
+     [](Stage& s) { s.sheet->addHyperlink(L"a path that allocates.txt", 0, 0, 0, 0); }},
+    {"delHyperlink", whole_book, [](Stage& s) { s.sheet->delHyperlink(0); }},
+    {"setNamedRange", whole_book,
+     [](Stage& s) { s.sheet->setNamedRange(L"A_name_that_allocates", 1, 2, 3, 4); }},
+    {"setNamedRange of one that is there", whole_book,
+     [](Stage& s) {
+       s.sheet->namedRangeSize();
+       s.sheet->setNamedRange(L"all", 1, 2, 3, 4);
+     }},
+    {"delNamedRange", whole_book, [](Stage& s) { s.sheet->delNamedRange(L"all"); }},
+    {"namedRangeSize", whole_book, [](Stage& s) { s.sheet->namedRangeSize(); }},
+    {"setPrintRepeatRows", whole_book, [](Stage& s) { s.sheet->setPrintRepeatRows(0, 1); }},
+    {"setPrintArea", new_book, [](Stage& s) { s.sheet->setPrintArea(0, 1, 2, 3); }},
+    {"setName of a sheet", whole_book,
+     [](Stage& s) { s.book->getSheet(1)->setName(L"A name that allocates"); }},
+    {"setName beside some rows", part_of_book,
+     [](Stage& s) { s.sheet->setName(L"A name that allocates"); }},
     {"refusal", new_book, [](Stage& s) { s.sheet->writeNum(-1, 0, 1); }},
 };
 

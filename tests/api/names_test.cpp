@@ -249,6 +249,21 @@ TEST(SheetName, IsFollowedEverywhere) {
   EXPECT_STREQ(stage.sheet->readFormula(1, 2, nullptr), L"SUM(A2,'It''s new'!A1)");
 }
 
+// The properties of the document go on without a list of names that no longer hold.
+TEST(SheetName, LeavesNoOldOneInTheProperties) {
+  const std::string titles =
+      "<HeadingPairs/><TitlesOfParts><lpstr>Data</lpstr></TitlesOfParts></Properties>";
+  const std::string bytes =
+      with_replaced(three_sheets(), "docProps/app.xml", "</Properties>", titles);
+  Stage stage;
+  ASSERT_TRUE(load(*stage.book, bytes));
+  stage.book->getSheet(0)->writeNum(0, 0, 7);
+  EXPECT_THAT(part(stage, "docProps/app.xml"), HasSubstr(titles));
+  stage.book->getSheet(0)->setName(L"New");
+  EXPECT_THAT(part(stage, "docProps/app.xml"), Not(HasSubstr("<HeadingPairs")));
+  EXPECT_THAT(part(stage, "docProps/app.xml"), Not(HasSubstr("Data")));
+}
+
 TEST(SheetName, FollowsTheRules) {
   Stage stage;
   stage.book->addSheet(L"More");

@@ -257,6 +257,33 @@ void rows_removed_under_shared_formulas(int n) {
   EXPECT_TRUE(stage.sheet->removeRow(n / 2, n / 2 + n / 4));
 }
 
+void links_added_saved_and_removed(int n) {
+  Stage stage;
+  for (int round = 0; round < 2; ++round)
+    for (int row = 0; row < n; ++row) stage.sheet->addHyperlink(L"http://a/", row, row, 0, 0);
+  EXPECT_TRUE(stage.reload());
+  EXPECT_EQ(stage.sheet->hyperlinkSize(), n);
+  while (stage.sheet->hyperlinkSize() > 0) EXPECT_TRUE(stage.sheet->delHyperlink(0));
+  EXPECT_TRUE(stage.reload());
+}
+
+void names_added_saved_and_removed(int n) {
+  Stage stage;
+  const auto name = [](int number) { return L"name_" + std::to_wstring(number); };
+  for (int round = 0; round < 2; ++round) {
+    for (int number = 0; number < n; ++number) {
+      EXPECT_TRUE(stage.sheet->setNamedRange(name(number).c_str(), number, number, 0, 0));
+      EXPECT_EQ(stage.sheet->namedRangeSize(), round == 0 ? number + 1 : n);
+    }
+  }
+  EXPECT_TRUE(stage.reload());
+  for (int number = 0; number < n; ++number) {
+    const wchar_t* first = stage.sheet->namedRange(0, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(first, name(number));
+    EXPECT_TRUE(stage.sheet->delNamedRange(name(number).c_str()));
+  }
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -284,6 +311,8 @@ constexpr Case kCases[] = {
     {"rows inserted among formulas", rows_inserted_among_formulas, 6000},
     {"rows removed under shared formulas", rows_removed_under_shared_formulas, 6000},
     {"sheets added", sheets_added, 1500},
+    {"links added, saved and removed", links_added_saved_and_removed, 3000},
+    {"names added, saved and removed", names_added_saved_and_removed, 3000},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},
 };
 
