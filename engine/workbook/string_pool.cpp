@@ -10,7 +10,9 @@ namespace engine {
 namespace {
 
 constexpr std::size_t kFirstBlock = 1024;
-constexpr std::size_t kLargestBlock = memory::kBigPage;
+// Small enough for ordinary pages: texts fill theirs once, from end to end, and fresh big pages
+// often cost more to get than they save then.
+constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
 
 }  // namespace
 
@@ -60,9 +62,9 @@ const std::string* StringPool::rich(std::uint32_t index) const {
 
 const char* StringPool::keep(std::string_view text) {
   if (text.size() > room_) {
-    const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 11);
+    const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 10);
     const std::size_t size = std::max(text.size(), std::min(doubled, kLargestBlock));
-    blocks_.push_back(memory::make_block<char>(size));
+    blocks_.push_back(std::make_unique_for_overwrite<char[]>(size));
     free_ = blocks_.back().get();
     room_ = size;
   }

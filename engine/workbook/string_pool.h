@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,7 +64,7 @@ class StringPool {
   List<Entry> entries_;
   List<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
   std::uint64_t seed_ = 0;       // of the hashes, once the index is made
-  std::vector<memory::Block<char>> blocks_;
+  std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   std::size_t room_ = 0;
   std::map<std::uint32_t, std::string> rich_;
