@@ -8,7 +8,7 @@ constexpr Family kFamilies[] = {
     book_setting_functions,   cell_functions,
     shape_functions,          name_functions,
     format_functions,         font_functions,
-    sheet_view_functions,     sheet_page_functions,
+    view_functions,           page_functions,
     moving_functions,
 };
 

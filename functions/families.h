@@ -22,5 +22,5 @@ std::span<const bind::Row> name_functions();
 std::span<const bind::Row> moving_functions();
 std::span<const bind::Row> format_functions();
 std::span<const bind::Row> font_functions();
-std::span<const bind::Row> sheet_view_functions();
-std::span<const bind::Row> sheet_page_functions();
+std::span<const bind::Row> view_functions();
+std::span<const bind::Row> page_functions();

@@ -1,6 +1,7 @@
 // Operations of a sheet on how it is shown: breaks, panes, view, protection, tab.
 #include "engine/api/messages.h"
 #include "engine/api/sheet_object.h"
+#include "engine/text/utf8.h"
 #include "engine/text/wide.h"
 #include "engine/workbook/sheet_operations.h"
 
@@ -133,7 +134,10 @@ bool SheetObject::protect() const {
 void SheetObject::setProtect(bool protect, const wchar_t* password,
                              libxl::EnhancedProtection enhancedProtection) {
   run([&] {
-    if (!take_text(password, "password", limits().password)) return;
+    to_utf8(password, text_);
+    const std::size_t length = utf16_length(text_);
+    if (length > limits().password)
+      return book_.refuse(messages::too_long("password", length, limits().password));
     if (!check_value("protection", enhancedProtection, libxl::ProtectDefault, kAllowAll)) return;
     Protection made;
     if (protect) {

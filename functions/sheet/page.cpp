@@ -41,4 +41,4 @@ constexpr bind::Row kRows[] = {
 
 }  // namespace
 
-std::span<const bind::Row> sheet_page_functions() { return kRows; }
+std::span<const bind::Row> page_functions() { return kRows; }

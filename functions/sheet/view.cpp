@@ -45,4 +45,4 @@ constexpr bind::Row kRows[] = {
 
 }  // namespace
 
-std::span<const bind::Row> sheet_view_functions() { return kRows; }
+std::span<const bind::Row> view_functions() { return kRows; }
