@@ -108,10 +108,10 @@ std::optional<CellRange> DefinedNames::range_of(const DefinedName& name, const S
   return range->range;
 }
 
-const std::vector<DefinedNames::Ranged>& DefinedNames::ranges_on(const Sheet& sheet) const {
-  static const std::vector<Ranged> kNone;
+const std::deque<DefinedNames::Ranged>& DefinedNames::ranges_on(const Sheet& sheet) const {
+  static const std::deque<Ranged> kNone;
   if (!ranges_) {
-    std::unordered_map<std::string, std::vector<Ranged>> gathered;
+    std::unordered_map<std::string, std::deque<Ranged>> gathered;
     for (const auto& [key, place] : places_)
       if (const auto range = range_of(*place.at))
         gathered[fold_case(range->sheet)].emplace_back(place.number, &*place.at);
@@ -132,7 +132,7 @@ void DefinedNames::enter_range(const Place& place) {
   if (!ranges_) return;
   const auto range = range_of(*place.at);
   if (!range) return;
-  std::vector<Ranged>& ranges = (*ranges_)[fold_case(range->sheet)];
+  std::deque<Ranged>& ranges = (*ranges_)[fold_case(range->sheet)];
   const Ranged ranged(place.number, &*place.at);
   ranges.insert(std::ranges::upper_bound(ranges, ranged), ranged);
 }
@@ -142,7 +142,7 @@ void DefinedNames::leave_range(const Place& place) {
   if (!ranges_) return;
   const auto range = range_of(*place.at);
   if (!range) return;
-  std::vector<Ranged>& ranges = ranges_->at(fold_case(range->sheet));
+  std::deque<Ranged>& ranges = ranges_->at(fold_case(range->sheet));
   ranges.erase(std::ranges::lower_bound(ranges, Ranged(place.number, &*place.at)));
 }
 

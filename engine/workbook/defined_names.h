@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <list>
 #include <map>
 #include <optional>
@@ -71,7 +72,7 @@ class DefinedNames {
   // A named range and its place among all names.
   using Ranged = std::pair<std::uint64_t, const DefinedName*>;
   // The named ranges of a sheet, in their order.
-  const std::vector<Ranged>& ranges_on(const Sheet& sheet) const;
+  const std::deque<Ranged>& ranges_on(const Sheet& sheet) const;
   // To be called when a sheet gets another name.
   void forget_ranges() noexcept { ranges_.reset(); }
 
@@ -91,8 +92,8 @@ class DefinedNames {
   std::list<DefinedName> names_;
   Places places_;
   std::uint64_t last_number_ = 0;
-  // By folded names of sheets.
-  mutable std::optional<std::unordered_map<std::string, std::vector<Ranged>>> ranges_;
+  // By folded names of sheets. A deque, as names are often removed one after the other from an end.
+  mutable std::optional<std::unordered_map<std::string, std::deque<Ranged>>> ranges_;
 };
 
 }  // namespace engine
