@@ -54,15 +54,15 @@ void DefinedNames::add(DefinedName name) {
 
 void DefinedNames::define(const DefinedName& name, std::string definition) {
   const Place at = place(name)->second;
-  leave_range(at);
-  at.at->definition.swap(definition);
-  try {
-    enter_range(at);
-  } catch (...) {
-    at.at->definition.swap(definition);
-    forget_ranges();
-    throw;
-  }
+  DefinedName changed = *at.at;
+  changed.definition.swap(definition);
+  const auto sheet_of = [this](const DefinedName& one) {
+    const auto range = range_of(one);
+    return range ? fold_case(range->sheet) : std::string();
+  };
+  // Among the ranges of a sheet it has one place, whatever its cells are.
+  if (ranges_ && sheet_of(*at.at) != sheet_of(changed)) forget_ranges();
+  at.at->definition.swap(changed.definition);
 }
 
 void DefinedNames::remove(const DefinedName& name) {
