@@ -4,6 +4,7 @@
 #include "engine/api/messages.h"
 #include "engine/api/sheet_object.h"
 #include "engine/formula/formula.h"
+#include "engine/formula/plain_formula.h"
 #include "engine/text/utf8.h"
 #include "engine/text/wide.h"
 
@@ -126,10 +127,14 @@ std::optional<std::string_view> SheetObject::take_formula(int row, int column,
   options.base = {row, column};
   options.max_arguments = workbook.limits.arguments;
   formula::Formula& formula = book_.formula();
+  const auto known = [&](std::string_view name) { return workbook.find_sheet(name) != nullptr; };
+  if (formula::is_plain_formula(text_, options, known)) {
+    formula.text.swap(text_);
+    return formula.text;
+  }
   formula::ParseError error;
   if (!formula::parse(formula, text_, options, &error))
     return refuse(messages::formula_error(text_, error, workbook.limits.grid));
-  const auto known = [&](std::string_view name) { return workbook.find_sheet(name) != nullptr; };
   if (const auto unknown = formula::unknown_sheet(formula, known))
     return refuse(messages::formula_unknown_sheet(text_, *unknown));
   if (workbook.r1c1) formula.text = formula::print(formula);

@@ -33,10 +33,6 @@ enum Level : int {
   kLevelCall,
 };
 
-// Brackets and signs may nest this deep, well beyond the 64 levels of spreadsheet programs; the
-// bound keeps the recursion off the end of the stack.
-constexpr int kMaxDepth = 256;
-
 // Offsets in nodes have 16 bits.
 constexpr std::size_t kMaxBytes = 65535;
 

@@ -16,6 +16,10 @@ namespace engine::formula {
 // smaller sheet perhaps, while XFE1 and YTD2024 are names.
 inline constexpr int kAddressColumns = 16384;
 
+// Brackets and signs may nest this deep, well beyond the 64 levels of spreadsheet programs; the
+// bound keeps the parser's recursion off the end of the stack.
+inline constexpr int kMaxDepth = 256;
+
 inline constexpr std::uint8_t kLetter = 1;
 inline constexpr std::uint8_t kDigit = 2;
 inline constexpr std::uint8_t kOtherWord = 4;  // _ . \ ? and every byte of a non-ASCII character

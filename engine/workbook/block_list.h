@@ -1,22 +1,24 @@
 // A list of plain data that grows at its end and whose items stay where they are.
 //
-// Items lie in blocks of one size, so growing moves nothing, and a short list is small.
+// Items lie in blocks, each twice as long as the one before, so growing moves nothing, a short list
+// is small and a long one lies in big pages.
 #pragma once
 
-#include <array>
+#include <algorithm>
+#include <bit>
 #include <cstddef>
-#include <memory>
 #include <type_traits>
 #include <utility>
 #include <vector>
+
+#include "engine/memory/block.h"
 
 namespace engine {
 
 template <class T>
 class BlockList {
   static_assert(std::is_trivially_copyable_v<T>);
-  static constexpr std::size_t kBlock = 256;
-  using Block = std::array<T, kBlock>;
+  static constexpr std::size_t kFirstBlock = 256;
 
   // Goes through the items in order. List is a list that may be changed or one that may not.
   template <class List>
@@ -46,7 +48,13 @@ class BlockList {
   BlockList(BlockList&& other) noexcept { swap(other); }
   BlockList(const BlockList& other) : size_(other.size_) {
     blocks_.reserve(other.blocks_.size());
-    for (const auto& block : other.blocks_) blocks_.push_back(std::make_unique<Block>(*block));
+    for (std::size_t left = size_; left != 0;) {
+      const std::size_t number = blocks_.size();
+      const std::size_t used = std::min(left, length_of(number));
+      add_block();
+      std::copy_n(other.blocks_[number].get(), used, blocks_[number].get());
+      left -= used;
+    }
   }
   BlockList& operator=(BlockList other) noexcept {
     swap(other);
@@ -55,13 +63,19 @@ class BlockList {
   ~BlockList() = default;
 
   std::size_t size() const { return size_; }
-  T& operator[](std::size_t at) { return (*blocks_[at / kBlock])[at % kBlock]; }
-  const T& operator[](std::size_t at) const { return (*blocks_[at / kBlock])[at % kBlock]; }
+  T& operator[](std::size_t at) {
+    const Place place(at);
+    return blocks_[place.block][place.offset];
+  }
+  const T& operator[](std::size_t at) const {
+    const Place place(at);
+    return blocks_[place.block][place.offset];
+  }
 
   void push_back(const T& item) {
-    if (size_ == blocks_.size() * kBlock)
-      blocks_.push_back(std::make_unique_for_overwrite<Block>());
-    (*blocks_.back())[size_ % kBlock] = item;
+    const Place place(size_);
+    if (place.block == blocks_.size()) add_block();
+    blocks_[place.block][place.offset] = item;
     ++size_;
   }
 
@@ -71,12 +85,25 @@ class BlockList {
   auto end() const { return Iterator(*this, size_); }
 
  private:
+  static constexpr std::size_t length_of(std::size_t block) { return kFirstBlock << block; }
+
+  // Before a block stand as many items as it has itself, but for those of the first.
+  struct Place {
+    explicit Place(std::size_t at)
+        : block(static_cast<std::size_t>(std::bit_width(at / kFirstBlock + 1)) - 1),
+          offset(at + kFirstBlock - length_of(block)) {}
+
+    std::size_t block;
+    std::size_t offset;
+  };
+
+  void add_block() { blocks_.push_back(memory::make_block<T>(length_of(blocks_.size()))); }
   void swap(BlockList& other) noexcept {
     blocks_.swap(other.blocks_);
     std::swap(size_, other.size_);
   }
 
-  std::vector<std::unique_ptr<Block>> blocks_;
+  std::vector<memory::Block<T>> blocks_;
   std::size_t size_ = 0;
 };
 
