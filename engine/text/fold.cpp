@@ -40,7 +40,8 @@ std::string fold_case(std::string_view utf8) {
   folded.reserve(utf8.size());
   while (!utf8.empty()) {
     const std::uint32_t code = take_folded(utf8);
-    if (code >= kFirstByte) folded.push_back(static_cast<char>(code - kFirstByte));
+    if (code < 0x80) folded.push_back(static_cast<char>(code));
+    else if (code >= kFirstByte) folded.push_back(static_cast<char>(code - kFirstByte));
     else append_utf8(folded, code);
   }
   return folded;

@@ -123,13 +123,21 @@ void append_text(std::string& out, std::string_view text) {
 
 bool is_plain_text(std::string_view text) {
 #ifdef __SSE2__
-  // Blocks from the beginning and one that ends with the text, which may overlap.
+  // Blocks from the beginning and one that ends with the text, which may overlap; of short texts
+  // two halves of a block.
   constexpr std::size_t kBlock = sizeof(__m128i);
   if (text.size() >= kBlock) {
     const char* const last = text.data() + text.size() - kBlock;
     for (const char* at = text.data(); at < last; at += kBlock)
       if (has_special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)))) return false;
     return !has_special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(last)));
+  }
+  if (text.size() >= kBlock / 2) {
+    const auto half = [](const char* at) {
+      return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at));
+    };
+    const char* const last = text.data() + text.size() - kBlock / 2;
+    return !has_special(_mm_unpacklo_epi64(half(text.data()), half(last)));
   }
 #endif
   return plain_length(text) == text.size();

@@ -57,6 +57,20 @@ TEST(Escapes, AreWrittenWithThoseOfXml) {
   }
 }
 
+// Wherever in a text of whatever length the character stands.
+TEST(Escapes, PlainTextHasNoneOfWhatMayBeWrittenInAnotherWay) {
+  for (std::size_t size = 0; size < 70; ++size) {
+    EXPECT_TRUE(is_plain_text(std::string(size, 'a'))) << size;
+    for (std::size_t at = 0; at < size; ++at) {
+      for (const char special : {'&', '<', '>', '_', '\r', '\x01', '\xEF'}) {
+        std::string text(size, 'a');
+        text[at] = special;
+        EXPECT_FALSE(is_plain_text(text)) << at << " of " << size << ": " << special;
+      }
+    }
+  }
+}
+
 TEST(Escapes, ReadWhatOtherProgramsWrite) {
   constexpr std::pair<const char*, const char*> kCases[] = {
       {"_x00e4__X00E4_", "ä_X00E4_"},          // digits in either case, the x in one
