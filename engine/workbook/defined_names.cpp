@@ -41,9 +41,10 @@ void DefinedNames::add(DefinedName name) {
   made.push_back(std::move(name));
   const DefinedName& added = made.front();
   const Place at{made.begin(), last_number_ + 1};
+  const std::optional<std::string> sheet = sheet_of(added);
   const auto entered = places_.emplace(Key(added.scope, fold_case(added.name)), at);
   try {
-    enter_range(at);
+    enter_range(sheet, at);
   } catch (...) {
     places_.erase(entered);
     throw;
@@ -52,22 +53,23 @@ void DefinedNames::add(DefinedName name) {
   names_.splice(names_.end(), made);
 }
 
+// A range that stays on its sheet keeps its place there.
 void DefinedNames::define(const DefinedName& name, std::string definition) {
   const Place at = place(name)->second;
-  DefinedName changed = *at.at;
-  changed.definition.swap(definition);
-  const auto sheet_of = [this](const DefinedName& one) {
-    const auto range = range_of(one);
-    return range ? fold_case(range->sheet) : std::string();
-  };
-  // Among the ranges of a sheet it has one place, whatever its cells are.
-  if (ranges_ && sheet_of(*at.at) != sheet_of(changed)) forget_ranges();
-  at.at->definition.swap(changed.definition);
+  DefinedName made = name;
+  made.definition.swap(definition);
+  const std::optional<std::string> before = sheet_of(name);
+  const std::optional<std::string> after = sheet_of(made);
+  if (before != after) {
+    enter_range(after, at);
+    leave_range(before, at);
+  }
+  at.at->definition.swap(made.definition);
 }
 
 void DefinedNames::remove(const DefinedName& name) {
   const auto found = place(name);
-  leave_range(found->second);
+  leave_range(sheet_of(name), found->second);
   names_.erase(found->second.at);
   places_.erase(found);
 }
@@ -128,21 +130,22 @@ DefinedNames::Places::iterator DefinedNames::place(const DefinedName& name) {
   return at;
 }
 
-void DefinedNames::enter_range(const Place& place) {
-  if (!ranges_) return;
-  const auto range = range_of(*place.at);
-  if (!range) return;
-  std::deque<Ranged>& ranges = (*ranges_)[fold_case(range->sheet)];
+std::optional<std::string> DefinedNames::sheet_of(const DefinedName& name) const {
+  const auto range = ranges_ ? range_of(name) : std::nullopt;
+  return range ? std::optional(fold_case(range->sheet)) : std::nullopt;
+}
+
+void DefinedNames::enter_range(const std::optional<std::string>& sheet, const Place& place) {
+  if (!sheet) return;
+  std::deque<Ranged>& ranges = (*ranges_)[*sheet];
   const Ranged ranged(place.number, &*place.at);
   ranges.insert(std::ranges::upper_bound(ranges, ranged), ranged);
 }
 
-// Throws before it changes anything.
-void DefinedNames::leave_range(const Place& place) {
-  if (!ranges_) return;
-  const auto range = range_of(*place.at);
-  if (!range) return;
-  std::deque<Ranged>& ranges = ranges_->at(fold_case(range->sheet));
+void DefinedNames::leave_range(const std::optional<std::string>& sheet,
+                               const Place& place) noexcept {
+  if (!sheet) return;
+  std::deque<Ranged>& ranges = ranges_->find(*sheet)->second;
   ranges.erase(std::ranges::lower_bound(ranges, Ranged(place.number, &*place.at)));
 }
 

@@ -85,8 +85,11 @@ class DefinedNames {
   using Places = std::multimap<Key, Place>;
 
   Places::iterator place(const DefinedName& name);
-  void enter_range(const Place& place);
-  void leave_range(const Place& place);
+  // The folded name of the sheet whose ranges have the name among them; nothing while these are
+  // not known.
+  std::optional<std::string> sheet_of(const DefinedName& name) const;
+  void enter_range(const std::optional<std::string>& sheet, const Place& place);
+  void leave_range(const std::optional<std::string>& sheet, const Place& place) noexcept;
 
   Grid grid_;
   std::list<DefinedName> names_;
