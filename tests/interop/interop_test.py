@@ -27,6 +27,7 @@ except ImportError:
     sys.exit(77)
 
 XLCALC = os.environ["XLCALC"]
+EXAMPLES = pathlib.Path(__file__).parents[2] / "examples"
 
 # Texts that trip writers: escapes, markup, white space, several scripts, beyond the basic plane.
 TEXTS = [
@@ -223,6 +224,41 @@ XL_Book_Release ( $book )
         self.assertEqual(self.read_cells(path, [(1, 0), (2, 0), (6, 0), (0, 1), (2, 1), (0, 2),
                                                 (2, 2), (3, 2)]),
                          ["3.5", "-.25", "123456789012345", TEXTS[0], TEXTS[2], "1", "7", "ab"])
+
+    # The example makes a grouped, frozen, printable report, then loads it and inserts a row.
+    def test_the_report_is_shaped_as_it_was_asked_for(self):
+        done = subprocess.run([XLCALC, "--strict", "run", str(EXAMPLES / "report.calc"),
+                               "FILE=report.xlsx"], cwd=self.folder, capture_output=True, text=True,
+                              timeout=120)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        book = openpyxl.load_workbook(self.folder / "report.xlsx")
+        self.assertEqual(book.sheetnames, ["Contents", "Sales 2026"])
+        sheet = book["Sales 2026"]
+        self.assertEqual([str(one) for one in sheet.merged_cells.ranges], ["A1:D1"])
+        self.assertEqual(sheet.row_dimensions[1].height, 30)
+        self.assertEqual(sheet.freeze_panes, "A4")
+        self.assertEqual(sheet.print_title_rows, "$1:$3")
+        self.assertIn("$A$1:$D$56", sheet.print_area)
+        self.assertEqual([one.id for one in sheet.row_breaks.brk], [30])
+        self.assertEqual(sheet.page_setup.paperSize, 9)
+        self.assertEqual(sheet.oddFooter.center.text, "Page &P of &N")
+        self.assertEqual(sheet.oddHeader.right.text, "Printed &D")
+        self.assertTrue(sheet.print_options.horizontalCentered)
+        self.assertEqual(sheet.page_margins.left, 0.5)
+        levels = [sheet.row_dimensions[row].outlineLevel for row in range(4, 18)]
+        self.assertEqual(levels, [1] * 13 + [0])
+        self.assertEqual(sheet["D17"].value, "=SUM(D4:D16)")
+        self.assertEqual(sheet["D30"].value, "=SUM(D18:D29)")
+        self.assertEqual({one.name: one.attr_text for one in book.defined_names.definedName},
+                         {"North": "'Sales 2026'!$D$4:$D$16", "South": "'Sales 2026'!$D$18:$D$29",
+                          "East": "'Sales 2026'!$D$31:$D$42",
+                          "West": "'Sales 2026'!$D$44:$D$55"})
+        self.assertGreater(sheet.column_dimensions["B"].width, 10)
+        contents = book["Contents"]
+        self.assertEqual(contents["A3"].hyperlink.location, "North")
+        self.assertEqual(contents["A8"].hyperlink.target, "mailto:sales@example.org")
+        self.assertEqual(contents.sheet_properties.tabColor.rgb, "FF006080")
+        self.assertFalse(contents.sheet_view.showGridLines)
 
 
 if __name__ == "__main__":

@@ -73,7 +73,7 @@ TEST(ArrayRanges, AreCutByRectanglesOrLieInThem) {
     };
     const CellRange* found = ranges.cut_by(cells);
     ASSERT_EQ(found != nullptr, std::ranges::any_of(all, is_cut));
-    if (found) ASSERT_TRUE(is_cut(*found));
+    EXPECT_TRUE(!found || is_cut(*found));
     if (round % 100 != 0) continue;
     ranges.remove_inside(cells);
     std::erase_if(all, lies_in);
