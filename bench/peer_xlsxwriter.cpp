@@ -151,6 +151,30 @@ void write_long_texts(const char* path) {
   workbook_close(book);
 }
 
+void write_many_things(const char* path) {
+  lxw_workbook* book = workbook_new(path);
+  lxw_worksheet* first = nullptr;
+  for (int number = 0; number < 1000; ++number) {
+    lxw_worksheet* sheet = workbook_add_worksheet(book, nullptr);
+    if (!first) first = sheet;
+    for (int row = 0; row < 10; ++row)
+      for (int column = 0; column < 10; ++column)
+        worksheet_write_number(
+            sheet, row_of(row), column_of(column),
+            bench::number(static_cast<std::uint64_t>(number * 100 + row * 10 + column), column),
+            nullptr);
+  }
+  for (int row = 0; row < 10000; ++row) {
+    const std::string number = std::to_string(row);
+    worksheet_merge_range(first, row_of(row + 20), 0, row_of(row + 20), 1, "", nullptr);
+    worksheet_write_url(first, row_of(row + 20), 2, ("https://example.org/" + number).c_str(),
+                        nullptr);
+    if (row % 2 == 0)
+      worksheet_write_comment(first, row_of(row + 20), 3, ("note " + number).c_str());
+  }
+  workbook_close(book);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -162,8 +186,9 @@ int main(int argc, char** argv) {
   else if (workload == "w8") write_formulas(argv[2]);
   else if (workload == "w9") write_in_any_order(argv[2]);
   else if (workload == "w10") write_long_texts(argv[2]);
+  else if (workload == "w12") write_many_things(argv[2]);
   else {
-    std::fputs("usage: peer_xlsxwriter w1|w2|w7|w8|w9|w10 OUT | w6 FOLDER\n", stderr);
+    std::fputs("usage: peer_xlsxwriter w1|w2|w7|w8|w9|w10|w12 OUT | w6 FOLDER\n", stderr);
     return 2;
   }
   return 0;

@@ -323,6 +323,27 @@ void read_first_rows(const char* path) {
   std::printf("info %.1f ms, partial %.1f ms\n", info, partial);
 }
 
+// A thousand small sheets; on the first one also merged ranges, links and notes.
+void write_many_things(const char* path) {
+  const BookPointer book = new_book();
+  for (int number = 0; number < 1000; ++number) {
+    Sheet* sheet = book->addSheet((L"Sheet" + std::to_wstring(number + 1)).c_str());
+    for (int row = 0; row < 10; ++row)
+      for (int column = 0; column < 10; ++column)
+        sheet->writeNum(
+            row, column,
+            bench::number(static_cast<std::uint64_t>(number * 100 + row * 10 + column), column));
+  }
+  Sheet* sheet = book->getSheet(0);
+  for (int row = 0; row < 10000; ++row) {
+    const std::wstring number = std::to_wstring(row);
+    if (!sheet->setMerge(row + 20, row + 20, 0, 1)) fail(*book);
+    sheet->addHyperlink((L"https://example.org/" + number).c_str(), row + 20, row + 20, 2, 2);
+    if (row % 2 == 0) sheet->writeComment(row + 20, 3, (L"note " + number).c_str(), L"", 0, 0);
+  }
+  save(*book, path);
+}
+
 // Rows of numbers with a formula each that refers to the row below. Then rows and columns come in
 // the middle; what that takes is to be held against reading such a sheet.
 void insert_into_a_big_sheet(const char* path) {
@@ -369,10 +390,11 @@ int main(int argc, char** argv) {
   else if (workload == "w9rows" && argc == 2) compare_directions();
   else if (workload == "w10" && argc == 3) write_long_texts(argv[2]);
   else if (workload == "w11" && argc == 3) read_first_rows(argv[2]);
+  else if (workload == "w12" && argc == 3) write_many_things(argv[2]);
   else if (workload == "w13" && argc == 3) insert_into_a_big_sheet(argv[2]);
   else {
     std::fputs(
-        "usage: workloads w1|w2|w7|w8|w9|w10|w13 OUT   write a book\n"
+        "usage: workloads w1|w2|w7|w8|w9|w10|w12|w13 OUT   write a book\n"
         "       workloads w3|w10r IN               read every cell of a book\n"
         "       workloads w4 IN OUT                change a hundred cells of a book\n"
         "       workloads w6 FOLDER                write two hundred small books\n"

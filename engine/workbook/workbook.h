@@ -73,6 +73,7 @@ class Workbook {
 
   std::vector<std::unique_ptr<Sheet>> sheets_;
   SheetNames sheet_names_;
+  mutable Sheet* last_found_ = nullptr;  // formulas name the same sheet again and again
 };
 
 // Rows that a partial load left out. They have texts and errors of their own; only numbers of
