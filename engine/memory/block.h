@@ -33,20 +33,4 @@ Block<T> make_block(std::size_t count) {
   return Block<T>(static_cast<T*>(allocate_block(count * sizeof(T))));
 }
 
-// For containers whose content lies in one block.
-template <class T>
-struct BlockAllocator {
-  using value_type = T;
-
-  BlockAllocator() = default;
-  template <class Other>
-  explicit BlockAllocator(const BlockAllocator<Other>&) {}
-
-  // No container asks for more than half of what can be addressed.
-  T* allocate(std::size_t count) { return static_cast<T*>(allocate_block(count * sizeof(T))); }
-  void deallocate(T* block, std::size_t) { std::free(block); }
-
-  friend bool operator==(const BlockAllocator&, const BlockAllocator&) { return true; }
-};
-
 }  // namespace engine::memory

@@ -119,7 +119,7 @@ std::shared_ptr<const Source> Source::from_file(const std::string& path) {
   const Handle handle(open_plain(path, about));
   const auto size = static_cast<std::size_t>(about.st_size);
   std::shared_ptr<Source> source(new Source);
-  source->block_ = memory::make_block<char>(size);
+  source->block_ = std::make_unique_for_overwrite<char[]>(size);
   source->size_ = read_some(handle.get(), source->block_.get(), size, 0);
   source->view_ = {source->block_.get(), static_cast<std::size_t>(source->size_)};
   return source;

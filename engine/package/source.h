@@ -13,8 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/memory/block.h"
-
 namespace engine::package {
 
 class Source {
@@ -49,7 +47,7 @@ class Source {
   Source() = default;
 
   std::vector<char> bytes_;
-  memory::Block<char> block_;
+  std::unique_ptr<char[]> block_;
   int handle_ = -1;
   std::string_view view_;
   std::uint64_t size_ = 0;

@@ -83,7 +83,7 @@ void StringPool::make_index(std::size_t buckets) {
     std::random_device random;
     seed_ = std::uint64_t{random()} << 32 | random();
   }
-  List<std::uint32_t> made(size);
+  std::vector<std::uint32_t> made(size);
   buckets_.swap(made);
   for (std::uint32_t index = 0; index < entries_.size(); ++index) {
     if (!rich_.empty() && rich_.contains(index)) continue;

@@ -15,8 +15,6 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/memory/block.h"
-
 namespace engine {
 
 class StringPool {
@@ -58,12 +56,9 @@ class StringPool {
   void make_index(std::size_t buckets);
   void enter(std::uint32_t index);
 
-  template <class T>
-  using List = std::vector<T, memory::BlockAllocator<T>>;
-
-  List<Entry> entries_;
-  List<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
-  std::uint64_t seed_ = 0;       // of the hashes, once the index is made
+  std::vector<Entry> entries_;
+  std::vector<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
+  std::uint64_t seed_ = 0;              // of the hashes, once the index is made
   std::vector<std::unique_ptr<char[]>> blocks_;
   char* free_ = nullptr;
   std::size_t room_ = 0;

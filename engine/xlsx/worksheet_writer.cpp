@@ -91,7 +91,7 @@ class TextBuffer {
   }
 
   std::string& out_;
-  std::array<char, 16 * 1024> buffer_{};
+  std::array<char, 16 * 1024> buffer_;  // not cleared: small sheets would pay for it
   char* at_ = buffer_.data();
 };
 
