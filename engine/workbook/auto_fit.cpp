@@ -14,7 +14,6 @@ namespace engine {
 
 namespace {
 
-constexpr int kPadding = 5;  // pixels beside the text
 constexpr double kMaxCharacters = 255;
 constexpr int kDigitsAnIndent = 3;
 constexpr double kLineHeight = 1.2;  // of the font's size
@@ -58,7 +57,7 @@ class Measuring {
     const int most = pixels_of_characters(kMaxCharacters, sheet_.digit_pixels);
     for (const auto& [column, its] : marked_) {
       if (its.text == 0) continue;
-      const double wanted = std::ceil(its.text) + kPadding + sheet_.digit_pixels;
+      const double wanted = std::ceil(its.text) + kColumnPadding + sheet_.digit_pixels;
       widths.emplace(column, static_cast<int>(std::min<double>(wanted, most)));
     }
     return widths;

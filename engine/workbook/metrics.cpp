@@ -7,7 +7,6 @@ namespace engine {
 
 namespace {
 
-constexpr int kPadding = 5;          // pixels beside the digits
 constexpr double kMaxWidth = 65535;  // files may say anything; columns end far below
 
 constexpr double kMaxHeight = 409.5;  // points
@@ -31,13 +30,14 @@ double width_of_pixels(int pixels, int digit) {
 
 // Below one character the padding shrinks with it.
 int pixels_of_characters(double characters, int digit) {
-  return characters < 1 ? static_cast<int>(std::lround(characters * (digit + kPadding)))
-                        : static_cast<int>(std::lround(characters * digit)) + kPadding;
+  return characters < 1 ? static_cast<int>(std::lround(characters * (digit + kColumnPadding)))
+                        : static_cast<int>(std::lround(characters * digit)) + kColumnPadding;
 }
 
 double characters_of_pixels(int pixels, int digit) {
-  const double exact = pixels < digit + kPadding ? static_cast<double>(pixels) / (digit + kPadding)
-                                                 : static_cast<double>(pixels - kPadding) / digit;
+  const double exact = pixels < digit + kColumnPadding
+                           ? static_cast<double>(pixels) / (digit + kColumnPadding)
+                           : static_cast<double>(pixels - kColumnPadding) / digit;
   return std::round(exact * 100) / 100;
 }
 
@@ -57,7 +57,7 @@ int pixels_of_points(double points) {
 int default_column_pixels(const SheetContents& sheet) {
   if (sheet.default_column_width)
     return pixels_of_width(*sheet.default_column_width, sheet.digit_pixels);
-  return (sheet.base_column_width * sheet.digit_pixels + kPadding + 7) / 8 * 8;
+  return (sheet.base_column_width * sheet.digit_pixels + kColumnPadding + 7) / 8 * 8;
 }
 
 int unhidden_column_pixels(const SheetContents& sheet, int column) {

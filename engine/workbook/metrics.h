@@ -13,6 +13,9 @@
 
 namespace engine {
 
+// Pixels of a column beside its digits.
+inline constexpr int kColumnPadding = 5;
+
 // Between the forms; `digit` is the width of a digit in pixels.
 int pixels_of_width(double width, int digit);
 double width_of_pixels(int pixels, int digit);

@@ -2,19 +2,9 @@
 
 #include <xxhash.h>
 
-#include <algorithm>
 #include <random>
 
 namespace engine {
-
-namespace {
-
-constexpr std::size_t kFirstBlock = 1024;
-// Small enough for ordinary pages: texts fill theirs once, from end to end, and fresh big pages
-// often cost more to get than they save then.
-constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
-
-}  // namespace
 
 std::uint32_t StringPool::hash_of(std::string_view text) const {
   const auto folded =
@@ -29,12 +19,11 @@ std::uint32_t StringPool::add(std::string_view text) {
   std::size_t at = hash & mask;
   // The text is kept before it is known to be new: meanwhile its bucket comes from memory.
   __builtin_prefetch(&buckets_[at]);
-  const char* const kept = keep(text);
+  const char* const kept = texts_.keep(text).data();
   for (; buckets_[at] != 0; at = (at + 1) & mask) {
     const Entry& entry = entries_[buckets_[at] - 1];
     if (entry.hash == hash && std::string_view(entry.data, entry.length) == text) {
-      free_ -= text.size();
-      room_ += text.size();
+      texts_.drop_last(text);
       return buckets_[at] - 1;
     }
   }
@@ -44,7 +33,7 @@ std::uint32_t StringPool::add(std::string_view text) {
 }
 
 std::uint32_t StringPool::append(std::string_view text) {
-  const char* data = keep(text);
+  const char* data = texts_.keep(text).data();
   entries_.push_back({data, static_cast<std::uint32_t>(text.size()), 0});
   return size() - 1;
 }
@@ -58,21 +47,6 @@ std::uint32_t StringPool::append_rich(std::string_view text, std::string rich) {
 const std::string* StringPool::rich(std::uint32_t index) const {
   const auto found = rich_.find(index);
   return found == rich_.end() || found->second.empty() ? nullptr : &found->second;
-}
-
-const char* StringPool::keep(std::string_view text) {
-  if (text.size() > room_) {
-    const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 10);
-    const std::size_t size = std::max(text.size(), std::min(doubled, kLargestBlock));
-    blocks_.push_back(std::make_unique_for_overwrite<char[]>(size));
-    free_ = blocks_.back().get();
-    room_ = size;
-  }
-  char* kept = free_;
-  std::ranges::copy(text, kept);
-  free_ += text.size();
-  room_ -= text.size();
-  return kept;
 }
 
 // Rich entries stay out of the index: a plain text that is equal gets an entry of its own.

@@ -10,10 +10,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "engine/workbook/text_arena.h"
 
 namespace engine {
 
@@ -52,16 +53,13 @@ class StringPool {
   };
 
   std::uint32_t hash_of(std::string_view text) const;
-  const char* keep(std::string_view text);
   void make_index(std::size_t buckets);
   void enter(std::uint32_t index);
 
   std::vector<Entry> entries_;
   std::vector<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
   std::uint64_t seed_ = 0;              // of the hashes, once the index is made
-  std::vector<std::unique_ptr<char[]>> blocks_;
-  char* free_ = nullptr;
-  std::size_t room_ = 0;
+  TextArena texts_;
   std::map<std::uint32_t, std::string> rich_;
   std::uint32_t from_file_ = 0;
 };

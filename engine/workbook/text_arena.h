@@ -35,6 +35,13 @@ class TextArena {
     return {kept, text.size()};
   }
 
+  // Gives up the text that was kept last.
+  void drop_last(std::string_view text) {
+    free_ -= text.size();
+    room_ += text.size();
+    size_ -= text.size();
+  }
+
   // Makes room: the next texts of so many bytes in all are kept without a failure.
   void reserve(std::size_t size) {
     if (size <= room_) return;
@@ -47,6 +54,8 @@ class TextArena {
   std::size_t size() const { return size_; }
 
  private:
+  // The largest block is small enough for ordinary pages: texts fill theirs once, from end to end,
+  // and fresh big pages often cost more to get than they save then.
   static constexpr std::size_t kFirstBlock = 1024;
   static constexpr std::size_t kMostDoublings = 10;
 
