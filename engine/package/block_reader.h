@@ -4,10 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace engine::package {
 
@@ -44,7 +44,7 @@ class MemoryReader : public BlockReader {
  private:
   std::string_view rest_;
   std::size_t block_size_;
-  std::vector<char> buffer_;
+  std::unique_ptr<char[]> buffer_;  // not cleared: small parts would pay for it
 };
 
 }  // namespace engine::package

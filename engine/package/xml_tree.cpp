@@ -303,12 +303,15 @@ pugi::xml_attribute attribute(pugi::xml_node node, Family family, std::string_vi
   return {};
 }
 
+std::string attribute_name(pugi::xml_node node, Family family, std::string_view local) {
+  return attribute_prefix(node, family).append(":").append(local);
+}
+
 void set_attribute(pugi::xml_node node, Family family, std::string_view local,
                    std::string_view value) {
   auto target = attribute(node, family, local);
   if (!target) {
-    const auto name = attribute_prefix(node, family).append(":").append(local);
-    target = node.append_attribute(name.c_str());
+    target = node.append_attribute(attribute_name(node, family, local).c_str());
   }
   target.set_value(std::string(value).c_str());
 }

@@ -74,7 +74,11 @@ std::vector<pugi::xml_node> children(pugi::xml_node parent, Family family, std::
 // namespace: node.attribute("id") finds them.
 pugi::xml_attribute attribute(pugi::xml_node node, Family family, std::string_view local);
 
-// Sets an attribute of a namespace; a prefix that is not declared yet is declared at the root.
+// The name of such an attribute at a node; a prefix that is not declared yet is declared at the
+// root.
+std::string attribute_name(pugi::xml_node node, Family family, std::string_view local);
+
+// Sets an attribute of a namespace.
 void set_attribute(pugi::xml_node node, Family family, std::string_view local,
                    std::string_view value);
 

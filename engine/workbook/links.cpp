@@ -1,6 +1,7 @@
 #include "engine/workbook/links.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -35,12 +36,19 @@ bool names_drive(std::string_view path) {
   return path.size() >= 2 && is_ascii_letter(path[0]) && path[1] == ':';
 }
 
+// The characters that stand escaped in URLs.
+constexpr std::array<bool, 256> kEscaped = [] {
+  std::array<bool, 256> escaped{};
+  for (unsigned code = 0; code <= 0x20; ++code) escaped[code] = true;
+  for (const char sign : std::string_view("\x7F\"<>[]^{}|`"))
+    escaped[static_cast<unsigned char>(sign)] = true;
+  return escaped;
+}();
+
 // The bytes of the character at the front if it stands escaped in URLs; else 0. Two that no XML
 // holds are among them.
 std::size_t escaped_bytes(std::string_view rest) {
-  const auto code = static_cast<unsigned char>(rest.front());
-  constexpr std::string_view kSigns = "\"<>[]^{}|`";
-  if (code <= 0x20 || code == 0x7F || kSigns.find(rest.front()) != std::string_view::npos) return 1;
+  if (kEscaped[static_cast<unsigned char>(rest.front())]) return 1;
   return rest.starts_with("\xEF\xBF\xBE") || rest.starts_with("\xEF\xBF\xBF") ? 3 : 0;
 }
 

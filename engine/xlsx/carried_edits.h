@@ -23,10 +23,13 @@ struct CarriedEdits {
   };
 
   std::vector<Details> details;
-  std::vector<std::pair<Sheet*, package::XmlTree>> trees;  // of sheets
+  std::vector<std::pair<Sheet*, std::shared_ptr<const package::XmlTree>>> trees;  // of sheets
   std::vector<std::pair<const Part*, std::shared_ptr<const std::string>>> parts;
   std::vector<Parts::Unlink> links;  // that go
 
+  void add_tree(Sheet& sheet, package::XmlTree tree) {
+    trees.emplace_back(&sheet, std::make_shared<const package::XmlTree>(std::move(tree)));
+  }
   void add_part(const Part& part, std::string bytes) {
     parts.emplace_back(&part, std::make_shared<const std::string>(std::move(bytes)));
   }

@@ -103,8 +103,9 @@ SheetContext Document::context(Workbook& texts, const Workbook& book) const {
       package::child(workbook_part_.tree().root(), Family::Main, "workbookPr");
   const bool compatible = settings.attribute("dateCompatibility").as_bool(true);
   const DateBase base = compatible ? DateBase::k1900 : DateBase::kFull1900;
-  return {texts, parts_, shared, &texts == &book ? 0 : shared, formats_,
-          book.date1904 ? DateBase::k1904 : base};
+  return {texts,    parts_,
+          shared,   &texts == &book ? 0 : shared,
+          formats_, book.date1904 ? DateBase::k1904 : base};
 }
 
 void Document::read_sheet(Workbook& book, Sheet& sheet) {
@@ -164,7 +165,7 @@ std::string Document::read_notes(const SheetPart& sheet, SheetContents& contents
     damage = error.what();
   }
   try {
-    const pugi::xml_node link = package::child(sheet.tree.root(), Family::Main, "legacyDrawing");
+    const pugi::xml_node link = package::child(sheet.tree->root(), Family::Main, "legacyDrawing");
     const Part* boxes = parts_.named_by(link, sheet.part).part;
     if (boxes) read_note_sizes(parts_.read_text(*boxes), contents.comments);
     const Part* threads = parts_.related(sheet.part, "threadedComment");

@@ -98,7 +98,8 @@ class Document : public engine::Document {
   StylesPart styles_part_;
   SheetParts sheets_;
   std::optional<ArrivingSheet> arriving_;
-  std::uint32_t formats_ = 1;     // in the file
+  std::shared_ptr<const package::XmlTree> empty_worksheet_;  // what new sheets begin with
+  std::uint32_t formats_ = 1;                                // in the file
   std::uint64_t text_cells_ = 0;  // that name a shared text, as the file counts them
   bool has_calculation_chain_ = false;
   bool sheet_removed_ = false;

@@ -136,8 +136,8 @@ CarriedEdits Document::collect_carried(Workbook& book, const FormulaEdit& edit,
     const SheetPart& remains = part_of(*sheet);
     if (!remains.read || sheet.get() == except.sheet) continue;
     if (sheet.get() != except.tree)
-      if (auto tree = edited_tree(remains.tree, *sheet, edit))
-        edits.trees.emplace_back(sheet.get(), *std::move(tree));
+      if (auto tree = edited_tree(*remains.tree, *sheet, edit))
+        edits.add_tree(*sheet, *std::move(tree));
     collect_records(*sheet, *sheet, edit, edits);
     if (sheet->outside) collect_records(sheet->outside->rows, *sheet, edit, edits);
   }

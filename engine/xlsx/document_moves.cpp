@@ -223,7 +223,7 @@ void Document::Moving::note_formulas_of(const TablePart& table, const std::vecto
 }
 
 void Document::Moving::prepare_tree(const FormulaEdit& change) {
-  package::XmlTree tree = its_.tree.copy();
+  package::XmlTree tree = its_.tree->copy();
   const pugi::xml_node root = tree.root();
   pugi::xml_node list = package::child(root, Family::Main, "tableParts");
   for (const pugi::xml_node table : package::children(list, Family::Main, "tablePart"))
@@ -240,7 +240,7 @@ void Document::Moving::prepare_tree(const FormulaEdit& change) {
   of_tree.apply();
   move_elements(root, {sheet_.contents(), move_, grid_});
   tree.settle();
-  edits_.trees.emplace_back(&sheet_, std::move(tree));
+  edits_.add_tree(sheet_, std::move(tree));
 }
 
 void Document::Moving::write_tables(const FormulaEdit& change) {
@@ -274,7 +274,7 @@ void Document::Moving::prepare_notes() {
         edits_.add_part(*part, *std::move(moved));
   for (const auto& [link, part] : related_parts(parts_, its_.part, "vmlDrawing")) {
     // Pictures of headers and footers have no place among the cells.
-    const pugi::xml_node shown = package::child(its_.tree.root(), Family::Main, "legacyDrawing");
+    const pugi::xml_node shown = package::child(its_.tree->root(), Family::Main, "legacyDrawing");
     if (parts_.named_by(shown, its_.part).part != part) continue;
     if (auto moved = move_notes_drawing(parts_.read_text(*part), move_, grid_))
       edits_.add_part(*part, *std::move(moved));

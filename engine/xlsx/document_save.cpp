@@ -179,7 +179,7 @@ class Document::Saving {
     for (SavedSheet& saved : sheets_) {
       if (!saved.rewritten) continue;
       saved.tables = tables_for_formulas(saved);
-      package::XmlTree tree = saved.remains->tree.copy();
+      package::XmlTree tree = saved.remains->tree->copy();
       patch_elements(tree.root(),
                      {book_, *saved.sheet, *saved.remains, saved.outside, styles_, parts_, notes});
       parts_.put_blocks(saved.remains->part, {},

@@ -1,4 +1,5 @@
 // New, copied and removed sheets: what becomes of their parts.
+#include <memory>
 #include <utility>
 
 #include "engine/formula/formula_text.h"
@@ -57,11 +58,14 @@ Document::ArrivingSheet Document::new_sheet(const Sheet& sheet) {
 }
 
 void Document::begin_sheet(const Workbook& /*book*/, Sheet& sheet) {
+  if (!empty_worksheet_) {
+    package::XmlTree tree = new_worksheet();
+    take_over_namespaces(workbook_part_.tree().root(), tree.root());
+    tree.settle();
+    empty_worksheet_ = std::make_shared<const package::XmlTree>(std::move(tree));
+  }
   ArrivingSheet made = new_sheet(sheet);
-  package::XmlTree& tree = made.part().tree;
-  tree = new_worksheet();
-  take_over_namespaces(workbook_part_.tree().root(), tree.root());
-  tree.settle();
+  made.part().tree = empty_worksheet_;
   arriving_ = std::move(made);
 }
 
@@ -70,8 +74,7 @@ std::vector<formula::TableChange> Document::copy_sheet(const Workbook& book, con
   if (table_names_) table_names_->take_back();
   const SheetPart& from = part_of(original);
   ArrivingSheet made = new_sheet(copy);
-  package::XmlTree& tree = made.part().tree;
-  tree = from.tree.copy();
+  package::XmlTree tree = from.tree->copy();
   std::vector<formula::TableChange> tables;
   copy_elements(tree.root(), {book, parts_, from, made.part(), made.parts, table_names_, tables});
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
@@ -84,6 +87,7 @@ std::vector<formula::TableChange> Document::copy_sheet(const Workbook& book, con
   collect_formulas(tree.root(), texts);
   texts.apply();
   tree.settle();
+  made.part().tree = std::make_shared<const package::XmlTree>(std::move(tree));
   made.part().copied_headers = odd_headers(book, original);
   arriving_ = std::move(made);
   return tables;

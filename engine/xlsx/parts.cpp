@@ -34,6 +34,19 @@ std::string extension_of(std::string_view name) {
   return dot == std::string_view::npos || name[dot] == '/' ? "" : lower_ascii(name.substr(dot + 1));
 }
 
+// One without a target that can come to these.
+Relationship free_relationship(const Relationships& items, const Ids& mentioned,
+                               std::string_view kind) {
+  Relationship made;
+  std::size_t number = items.size();
+  do made.id = "rId" + std::to_string(++number);
+  while (items.find(made.id) || mentioned.contains(made.id));
+  // A file of the strict family keeps to it.
+  const bool is_strict = !items.empty() && items.begin()->type.starts_with(kStrictTypes);
+  made.type = is_strict ? std::string(kStrictTypes).append(kind) : relationship_type(kind);
+  return made;
+}
+
 std::string part_name_of(pugi::xml_node override_node) {
   const std::string_view name = override_node.attribute("PartName").value();
   return lower_ascii(name.starts_with('/') ? name.substr(1) : name);
@@ -261,23 +274,9 @@ const Part* Parts::related(std::string_view owner, std::string_view kind) const 
   return nullptr;
 }
 
-Relationship Parts::free_relationship(std::string_view owner, const Ids& mentioned,
-                                      std::string_view kind) const {
-  const Relationships& items = relationships(owner);
-  Relationship made;
-  std::size_t number = items.size();
-  do made.id = "rId" + std::to_string(++number);
-  while (items.find(made.id) || mentioned.contains(made.id));
-  made.type = relationship_type(kind);
-  // A file of the strict family keeps to it.
-  if (!items.empty() && items.begin()->type.starts_with(kStrictTypes))
-    made.type = std::string(kStrictTypes).append(kind);
-  return made;
-}
-
 Relationship Parts::new_relationship(std::string_view owner, const Ids& mentioned,
                                      std::string_view kind, std::string_view part) const {
-  Relationship made = free_relationship(owner, mentioned, kind);
+  Relationship made = free_relationship(relationships(owner), mentioned, kind);
   made.target = relative_target(owner, part);
   return made;
 }
@@ -292,11 +291,13 @@ std::string Parts::relate(std::string_view owner, const Ids& mentioned, std::str
 
 std::string Parts::relate_outside(std::string_view owner, const Ids& mentioned,
                                   std::string_view kind, std::string target) {
-  Relationship made = free_relationship(owner, mentioned, kind);
+  PartLinks& its = links(owner);
+  Relationship made = free_relationship(its.items, mentioned, kind);
   made.target = std::move(target);
   made.external = true;
   std::string id = made.id;
-  add_relationship(owner, std::move(made));
+  its.items.add(std::move(made));
+  its.changed = true;
   return id;
 }
 

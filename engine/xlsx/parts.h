@@ -138,9 +138,6 @@ class Parts {
     std::set<std::size_t> freed;
   };
 
-  // Without a target.
-  Relationship free_relationship(std::string_view owner, const Ids& mentioned,
-                                 std::string_view kind) const;
   void read_types();
   std::string type_of(std::string_view name) const;
   Part& make(std::string_view name, std::string_view type);

@@ -75,8 +75,11 @@ void Relationships::append(Relationships&& others) noexcept {
 }
 
 std::string relationship_type(std::string_view kind) {
-  return std::string("http://schemas.openxmlformats.org/officeDocument/2006/relationships/")
-      .append(kind);
+  constexpr std::string_view kTypes =
+      "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+  std::string type;
+  type.reserve(kTypes.size() + kind.size());
+  return type.append(kTypes).append(kind);
 }
 
 std::string relationships_name(std::string_view part) {

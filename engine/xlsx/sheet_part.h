@@ -2,11 +2,12 @@
 //
 // Once a sheet is read, `tree` is its whole part but for the rows: everything in front of and
 // behind `sheetData`, as it was read, and an empty `sheetData` between. The writer patches what the
-// model knows into a copy.
+// model knows into a copy. New sheets share one tree until an edit gives a sheet its own.
 #pragma once
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <pugixml.hpp>
 #include <string>
@@ -35,11 +36,11 @@ struct SheetPart {
   std::uint32_t listed = 0;  // place in the file's list of sheets, plus one; 0 for a new sheet
 
   bool read = false;
-  package::XmlTree tree;
-  std::uint64_t text_cells = 0;  // cells that name a shared text in the file
-  std::uint64_t formulas = 0;    // what formulas_of() gave when the sheet was read
-  bool selected = false;         // the tab, in the file
-  std::string links_damage;      // why its links cannot be read or rewritten; else empty
+  std::shared_ptr<const package::XmlTree> tree;  // once it is read
+  std::uint64_t text_cells = 0;                  // cells that name a shared text in the file
+  std::uint64_t formulas = 0;                    // what formulas_of() gave when the sheet was read
+  bool selected = false;                         // the tab, in the file
+  std::string links_damage;  // why its links cannot be read or rewritten; else empty
 
   // Its tables that can be read, once somebody asked for them.
   mutable std::optional<std::vector<TablePart>> tables;

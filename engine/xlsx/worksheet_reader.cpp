@@ -1,6 +1,8 @@
 #include "engine/xlsx/worksheet_reader.h"
 
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "engine/package/xml_scanner.h"
 #include "engine/package/xml_tree.h"
@@ -42,9 +44,10 @@ void read_worksheet(package::BlockReader& reader, std::string_view part,
     }
   }
   if (!found) tree.append(cells);
-  remains.tree = package::XmlTree::parse(tree.append(end), part);
-  read_elements(remains.tree.root(), {context, sheet, remains});
-  remains.tree.settle();
+  auto made = package::XmlTree::parse(tree.append(end), part);
+  read_elements(made.root(), {context, sheet, remains});
+  made.settle();
+  remains.tree = std::make_shared<const package::XmlTree>(std::move(made));
 }
 
 }  // namespace engine::xlsx

@@ -91,17 +91,36 @@ std::string stored_target(const LinkTarget& to) {
   return absolute ? "file:///" + path : path;
 }
 
-void set_target(pugi::xml_node node, std::string_view text, const SheetPatching& from,
-                const Ids& mentioned) {
-  const LinkTarget to = link_target(text);
-  node.remove_attribute(package::attribute(node, Family::Relationships, "id"));
-  if (to.kind != LinkKind::kPlace)
-    package::set_attribute(
-        node, Family::Relationships, "id",
-        from.parts.relate_outside(from.remains.part, mentioned, "hyperlink", stored_target(to)));
-  settle_attribute(node, "location", escape(to.location),
-                   to.kind != LinkKind::kPlace && to.location.empty());
-}
+// Writes targets into the elements of one list.
+class TargetWriter {
+ public:
+  TargetWriter(const SheetPatching& from, const Ids& mentioned)
+      : from_(from), mentioned_(mentioned) {}
+
+  void set(pugi::xml_node node, std::string_view text, bool is_new) {
+    const LinkTarget to = link_target(text);
+    if (!is_new) node.remove_attribute(package::attribute(node, Family::Relationships, "id"));
+    if (to.kind != LinkKind::kPlace) {
+      const std::string id = from_.parts.relate_outside(from_.remains.part, mentioned_, "hyperlink",
+                                                        stored_target(to));
+      if (is_new) set_attribute(node, id_name(node), id);
+      else package::set_attribute(node, Family::Relationships, "id", id);
+    }
+    settle_attribute(node, "location", escape(to.location),
+                     to.kind != LinkKind::kPlace && to.location.empty());
+  }
+
+ private:
+  // The same for all new elements.
+  const char* id_name(pugi::xml_node node) {
+    if (id_name_.empty()) id_name_ = package::attribute_name(node, Family::Relationships, "id");
+    return id_name_.c_str();
+  }
+
+  const SheetPatching& from_;
+  const Ids& mentioned_;
+  std::string id_name_;
+};
 
 }  // namespace
 
@@ -127,6 +146,7 @@ void patch_links(pugi::xml_node root, const SheetPatching& from) {
 
   const Ids mentioned = mentioned_ids(root);
   if (!list) list = worksheet_child(root, "hyperlinks");
+  TargetWriter targets(from, mentioned);
   for (std::size_t i = 0; i < links.size(); ++i) {
     const Link& link = links[i];
     const Link* former = link.details == 0 ? nullptr : std::exchange(left[link.details - 1], {});
@@ -134,12 +154,13 @@ void patch_links(pugi::xml_node root, const SheetPatching& from) {
                                        : package::append_child(list, "hyperlink");
     if (!former || former->cells != link.cells)
       set_attribute(node, "ref", formula::print_range(link.cells));
-    if (!former || former->text != link.text) set_target(node, link.text, from, mentioned);
+    if (!former || former->text != link.text) targets.set(node, link.text, !former);
   }
   for (std::size_t i = 0; i < nodes.size(); ++i)
     if (left[i]) list.remove_child(nodes[i]);
   if (!list.first_child()) root.remove_child(list);
 
+  if (mentioned.empty()) return;
   const Ids now = mentioned_ids(root);
   for (const std::string& id : mentioned)
     if (!now.contains(id)) from.parts.unrelate(from.remains.part, id);
