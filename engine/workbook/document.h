@@ -139,8 +139,9 @@ class Document {
   // or, when memory is short, neither.
   virtual void remove_sheet(Workbook& /*book*/, Sheet& /*sheet*/, const FormulaEdit& /*edit*/) {}
 
-  // Applies an edit to the formulas of carried things: conditional formats, validations, charts,
-  // pivot sources. Sheets must have been read before.
+  // Applies an edit to the formulas of carried things, as conditional formats, validations, charts,
+  // pivot sources, and to the places of the book that carried things lead to. Sheets must have been
+  // read before.
   virtual void edit_formulas(Workbook& /*book*/, const FormulaEdit& /*edit*/) {}
 
   // Why the file cannot have rows or columns of the sheet inserted or removed; nothing when it can.

@@ -26,6 +26,7 @@ struct CarriedEdits {
   std::vector<std::pair<Sheet*, std::shared_ptr<const package::XmlTree>>> trees;  // of sheets
   std::vector<std::pair<const Part*, std::shared_ptr<const std::string>>> parts;
   std::vector<Parts::Unlink> links;  // that go
+  std::vector<Parts::Retarget> targets;
 
   void add_tree(Sheet& sheet, package::XmlTree tree) {
     trees.emplace_back(&sheet, std::make_shared<const package::XmlTree>(std::move(tree)));

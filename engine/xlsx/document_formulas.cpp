@@ -1,4 +1,7 @@
 // Formulas of carried things: what an operation on cells and sheets has to change in them.
+#include <algorithm>
+#include <iterator>
+#include <map>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -7,10 +10,13 @@
 #include "engine/formula/sheet_name.h"
 #include "engine/package/file_error.h"
 #include "engine/package/xml_tree.h"
+#include "engine/workbook/links.h"
 #include "engine/xlsx/carried_edits.h"
 #include "engine/xlsx/document.h"
+#include "engine/xlsx/elements/drawings.h"
 #include "engine/xlsx/formula_texts.h"
 #include "engine/xlsx/new_parts.h"
+#include "engine/xlsx/notes_drawing.h"
 #include "engine/xlsx/stored_formula.h"
 #include "engine/xlsx/worksheet_elements.h"
 
@@ -20,11 +26,24 @@ namespace {
 
 using package::Family;
 
-constexpr std::string_view kChartType =
-    "application/vnd.openxmlformats-officedocument.drawingml.chart+xml";
-constexpr std::string_view kExtendedChartType = "application/vnd.ms-office.chartex+xml";
 constexpr std::string_view kPivotCacheType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.pivotCacheDefinition+xml";
+constexpr std::string_view kVmlType = "application/vnd.openxmlformats-officedocument.vmlDrawing";
+
+// Parts with formulas, but those of sheets, by their content types.
+constexpr struct {
+  std::string_view type;
+  void (*collect)(pugi::xml_node root, TextEdits& edits);
+} kFormulaParts[] = {
+    {"application/vnd.openxmlformats-officedocument.drawingml.chart+xml", collect_chart},
+    {"application/vnd.ms-office.chartex+xml", collect_chart},
+    {"application/vnd.openxmlformats-officedocument.drawingml.chartshapes+xml", collect_drawing},
+    {kDrawingType, collect_drawing},
+    {kTableType, collect_table},
+    {"application/vnd.ms-excel.controlproperties+xml", collect_control},
+    {"application/vnd.openxmlformats-officedocument.spreadsheetml.connections+xml",
+     collect_connections},
+};
 
 // The two cells that a data table puts its values into stand in its attributes.
 std::optional<std::string> edited_inputs(const Sheet& sheet, const std::string& details,
@@ -89,21 +108,26 @@ std::optional<package::XmlTree> edited_tree(const package::XmlTree& tree, const 
   return copy;
 }
 
-// The part with its formulas edited; nothing when it stays as it is. One that is damaged stays.
-std::optional<std::string> edited_part(const Parts& parts, const Part& part,
+// The part with its formulas edited; nothing when it has none or they stay as they are, and when it
+// is damaged. `owner` is the sheet that it belongs to.
+std::optional<std::string> edited_part(const Parts& parts, const Part& part, const Sheet* owner,
                                        const FormulaEdit& edit, const Grid& grid) try {
+  if (part.type == kVmlType) return edit_controls(parts.read(part), owner, edit);
+  const auto* const row =
+      std::ranges::find_if(kFormulaParts, [&](const auto& one) { return one.type == part.type; });
+  const bool is_cache = part.type == kPivotCacheType;
+  if (!is_cache && row == std::end(kFormulaParts)) return std::nullopt;
   const auto tree = package::XmlTree::parse(parts.read(part), part.name);
-  const pugi::xml_node root = tree.root();
   bool changed = false;
-  if (part.type == kPivotCacheType) {
-    visit_elements(package::child(root, Family::Main, "cacheSource"), [&](pugi::xml_node node) {
+  if (is_cache) {
+    const pugi::xml_node source = package::child(tree.root(), Family::Main, "cacheSource");
+    visit_elements(source, [&](pugi::xml_node node) {
       const std::string_view name = package::local_name(node);
       if (name == "worksheetSource" || name == "rangeSet") changed |= edit_source(node, edit, grid);
     });
   } else {
-    TextEdits edits(nullptr, edit);
-    if (part.type == kTableType) collect_table(root, edits);
-    else collect_chart(root, edits);
+    TextEdits edits(owner, edit);
+    row->collect(tree.root(), edits);
     changed = !edits.empty();
     edits.apply();
   }
@@ -113,9 +137,33 @@ std::optional<std::string> edited_part(const Parts& parts, const Part& part,
   return std::nullopt;
 }
 
-bool holds_formulas(const Part& part) {
-  return part.type == kChartType || part.type == kExtendedChartType || part.type == kTableType ||
-         part.type == kPivotCacheType;
+// The parts that belong to sheets: their formulas mean cells of these where they name none.
+std::map<const Part*, const Sheet*> owners_of_parts(const Parts& parts, const SheetParts& sheets) {
+  std::map<const Part*, const Sheet*> owners;
+  for (const auto& [sheet, its] : sheets) try {
+      for (const Relationship& link : parts.relationships(its.part))
+        if (const Part* part = parts.target(its.part, link)) owners.emplace(part, sheet);
+    } catch (const package::FileError&) {
+      continue;
+    }
+  return owners;
+}
+
+// Shapes and pictures may lead to places in the book.
+void collect_places(const Parts& parts, const FormulaEdit& edit, CarriedEdits& edits) {
+  for (const auto& [key, part] : parts.all()) {
+    if (part.type != kDrawingType) continue;
+    try {
+      for (const Relationship& link : parts.relationships(part.name)) {
+        if (link.kind() != "hyperlink" || !link.target.starts_with('#')) continue;
+        if (const auto place = edit(nullptr, unescape_path(link.target.substr(1))))
+          edits.targets.push_back(
+              parts.prepare_retarget(part.name, link.id, "#" + escape_path(*place)));
+      }
+    } catch (const package::FileError&) {
+      continue;
+    }
+  }
 }
 
 }  // namespace
@@ -126,7 +174,9 @@ std::optional<std::string> Document::shown_formula(const Workbook& book,
 }
 
 void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
-  collect_carried(book, edit, {}).apply(parts_, sheets_);
+  CarriedEdits edits = collect_carried(book, edit, {});
+  collect_places(parts_, edit, edits);
+  edits.apply(parts_, sheets_);
 }
 
 CarriedEdits Document::collect_carried(Workbook& book, const FormulaEdit& edit,
@@ -141,10 +191,14 @@ CarriedEdits Document::collect_carried(Workbook& book, const FormulaEdit& edit,
     collect_records(*sheet, *sheet, edit, edits);
     if (sheet->outside) collect_records(sheet->outside->rows, *sheet, edit, edits);
   }
-  for (const auto& [key, part] : parts_.all())
-    if (holds_formulas(part) && !except.parts.contains(&part))
-      if (auto bytes = edited_part(parts_, part, edit, book.limits.grid))
-        edits.add_part(part, *std::move(bytes));
+  const auto owners = owners_of_parts(parts_, sheets_);
+  for (const auto& [key, part] : parts_.all()) {
+    if (except.parts.contains(&part)) continue;
+    const auto owner = owners.find(&part);
+    const Sheet* sheet = owner == owners.end() ? nullptr : owner->second;
+    if (auto bytes = edited_part(parts_, part, sheet, edit, book.limits.grid))
+      edits.add_part(part, *std::move(bytes));
+  }
   return edits;
 }
 
@@ -163,6 +217,7 @@ void CarriedEdits::apply(Parts& package, SheetParts& sheets) noexcept {
   }
   exchange_parts(package);
   for (const Parts::Unlink& link : links) package.unrelate(link);
+  for (Parts::Retarget& target : targets) Parts::retarget(target);
 }
 
 }  // namespace engine::xlsx

@@ -145,8 +145,10 @@ class Document::Moving final : public CarriedMove {
   void prepare_tree(const FormulaEdit& change);
   void write_tables(const FormulaEdit& change);
   void prepare_notes();
-  void prepare_drawings();
+  void prepare_legacy_drawing(const FormulaEdit& change);
+  void prepare_drawings(const FormulaEdit& change);
   void prepare_pivot_tables();
+  void prepare_mapped_cells();
   void note_formulas_of(const TablePart& table, const std::vector<bool>& gone);
 
   Document& document_;
@@ -160,7 +162,7 @@ class Document::Moving final : public CarriedMove {
   std::shared_ptr<TableEdits> table_edits_ = std::make_shared<TableEdits>();
   std::vector<TablePart> tables_;         // those that stay
   std::set<std::string> removed_tables_;  // ids of relationships
-  std::set<const Part*> own_parts_;       // tables of the sheet
+  std::set<const Part*> own_parts_;       // of the sheet: what they are is known here
   std::map<CellAddress, Header> headers_;
 };
 
@@ -168,6 +170,9 @@ void Document::Moving::prepare() {
   for (const std::string& damage : {sheet_.comments_damage, its_.links_damage})
     if (!damage.empty()) throw FileError(damage);
   headers_ = document_.odd_headers(book_, sheet_);
+  for (const std::string_view kind : {"table", "drawing", "vmlDrawing"})
+    for (const RelatedPart& one : related_parts(parts_, its_.part, kind))
+      own_parts_.insert(one.part);
   prepare_tables();
   formula::Adjuster adjuster(move_, sheet_.name(), grid_);
   const FormulaEdit change = [&](const Sheet* on, std::string_view text) {
@@ -184,15 +189,16 @@ void Document::Moving::prepare() {
   prepare_tree(change);
   write_tables(change);
   prepare_notes();
-  prepare_drawings();
+  prepare_legacy_drawing(change);
+  prepare_drawings(change);
   prepare_pivot_tables();
+  prepare_mapped_cells();
 }
 
 // Tables that go, and columns of others: they change formulas everywhere.
 void Document::Moving::prepare_tables() {
   table_edits_->grid = grid_;
   for (const auto& [link, part] : related_parts(parts_, its_.part, "table")) {
-    own_parts_.insert(part);
     auto table = read_table(parts_.read(*part), part->name, grid_);
     if (!table) continue;
     if (!moved_range(table->cells, move_, grid_)) {
@@ -272,19 +278,26 @@ void Document::Moving::prepare_notes() {
     for (const auto& [link, part] : related_parts(parts_, its_.part, kind))
       if (auto moved = move_comments(parts_.read(*part), part->name, move_))
         edits_.add_part(*part, *std::move(moved));
-  for (const auto& [link, part] : related_parts(parts_, its_.part, "vmlDrawing")) {
-    // Pictures of headers and footers have no place among the cells.
-    const pugi::xml_node shown = package::child(its_.tree->root(), Family::Main, "legacyDrawing");
-    if (parts_.named_by(shown, its_.part).part != part) continue;
-    if (auto moved = move_notes_drawing(parts_.read_text(*part), move_, grid_))
-      edits_.add_part(*part, *std::move(moved));
-  }
 }
 
-void Document::Moving::prepare_drawings() {
+void Document::Moving::prepare_legacy_drawing(const FormulaEdit& change) {
+  // Pictures of headers and footers have no place among the cells.
+  const pugi::xml_node shown = package::child(its_.tree->root(), Family::Main, "legacyDrawing");
+  const Part* part = parts_.named_by(shown, its_.part).part;
+  if (!part) return;
+  const std::string stored = parts_.read_text(*part);
+  auto moved = move_notes_drawing(stored, move_, grid_);
+  auto edited = edit_controls(moved ? *moved : stored, &sheet_, change);
+  if (edited || moved) edits_.add_part(*part, *std::move(edited ? edited : moved));
+}
+
+void Document::Moving::prepare_drawings(const FormulaEdit& change) {
   for (const auto& [link, part] : related_parts(parts_, its_.part, "drawing")) {
     const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
     const std::string before = tree.serialize();
+    TextEdits of_drawing(&sheet_, change);
+    collect_drawing(tree.root(), of_drawing);
+    of_drawing.apply();
     move_drawing(tree.root(), DrawingMove(sheet_.contents(), move_, grid_));
     std::string after = tree.serialize();
     if (after != before) edits_.add_part(*part, std::move(after));
@@ -304,6 +317,25 @@ void Document::Moving::prepare_pivot_tables() {
     }
     set_attribute(location, "ref", formula::print_range(*to));
     edits_.add_part(*part, tree.serialize());
+  }
+}
+
+// Cells that belong to an element of an XML document each.
+void Document::Moving::prepare_mapped_cells() {
+  for (const auto& [link, part] : related_parts(parts_, its_.part, "tableSingleCells")) {
+    const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
+    pugi::xml_node root = tree.root();
+    const std::string before = tree.serialize();
+    for (pugi::xml_node cell : package::children(root, Family::Main, "singleXmlCell")) {
+      const auto at = formula::parse_range(cell.attribute("r").value(), grid_);
+      const auto to = at ? moved_range(*at, move_, grid_) : std::nullopt;
+      if (to) set_attribute(cell, "r", formula::print_range(*to));
+      else if (at) root.remove_child(cell);
+    }
+    std::string after = tree.serialize();
+    if (package::children(root, Family::Main, "singleXmlCell").empty())
+      edits_.links.push_back(parts_.prepare_unrelate(its_.part, link->id));
+    else if (after != before) edits_.add_part(*part, std::move(after));
   }
 }
 

@@ -32,6 +32,8 @@ class TextEdits {
   // The text of the element or attribute is a formula.
   void ask(pugi::xml_node element);
   void ask(pugi::xml_attribute attribute);
+  // The attribute is the name of a sheet; cells of it are told elsewhere.
+  void ask_sheet(pugi::xml_attribute attribute);
 
   bool empty() const { return elements_.empty() && attributes_.empty(); }
   void apply();
@@ -47,5 +49,9 @@ class TextEdits {
 void collect_chart(pugi::xml_node root, TextEdits& edits);
 // Those of a table: calculated columns and totals.
 void collect_table(pugi::xml_node root, TextEdits& edits);
+// The cells that a form control shows and changes.
+void collect_control(pugi::xml_node root, TextEdits& edits);
+// The cells that queries of connections take values from.
+void collect_connections(pugi::xml_node root, TextEdits& edits);
 
 }  // namespace engine::xlsx

@@ -490,4 +490,27 @@ std::optional<std::string> move_notes_drawing(std::string_view stored, const for
   return edited(text, std::move(edits));
 }
 
+std::optional<std::string> edit_controls(std::string_view stored, const Sheet* sheet,
+                                         const FormulaEdit& edit) {
+  // FmlaLink, FmlaRange and others.
+  constexpr std::string_view kFormula = "Fmla";
+  if (stored.find(kFormula) == std::string_view::npos) return std::nullopt;
+  std::vector<Edit> edits;
+  VmlTags tags(stored);
+  for (VmlTag tag; tags.next(tag);) {
+    const std::string_view local = package::local_name(tag.name);
+    if (tag.kind != VmlTag::Kind::kStart || tag.family != VmlFamily::kExcel) continue;
+    if (!local.starts_with(kFormula) || local == "FmlaMacro") continue;
+    const std::size_t end = std::min(stored.find('<', tag.end), stored.size());
+    std::string formula;
+    if (!package::decode_xml_text(stored.substr(tag.end, end - tag.end), formula)) continue;
+    const auto made = edit(sheet, formula);
+    if (!made) continue;
+    edits.push_back({tag.end, end, ""});
+    package::append_xml_text(edits.back().text, *made);
+  }
+  if (edits.empty()) return std::nullopt;
+  return edited(stored, std::move(edits));
+}
+
 }  // namespace engine::xlsx

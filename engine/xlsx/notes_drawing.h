@@ -15,6 +15,7 @@
 
 #include "engine/formula/interval.h"
 #include "engine/workbook/cell.h"
+#include "engine/workbook/document.h"
 #include "engine/workbook/sheet.h"
 
 namespace engine::xlsx {
@@ -45,5 +46,9 @@ std::string write_notes_drawing(std::string_view stored, const SheetContents& sh
 // when all stay.
 std::optional<std::string> move_notes_drawing(std::string_view stored, const formula::Move& move,
                                               const Grid& grid);
+
+// The drawing with the formulas of its form controls edited; nothing when they stay.
+std::optional<std::string> edit_controls(std::string_view stored, const Sheet* sheet,
+                                         const FormulaEdit& edit);
 
 }  // namespace engine::xlsx

@@ -317,6 +317,11 @@ void Parts::unrelate(const Unlink& link) noexcept {
   unrelated_ = true;
 }
 
+void Parts::retarget(Retarget& link) noexcept {
+  link.links->items.exchange(link.id, link.target);
+  link.links->changed = true;
+}
+
 void Parts::take(NewParts&& made) noexcept {
   parts_.merge(made.parts_);
   for (auto& [owner, its] : made.links_) {

@@ -12,6 +12,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "engine/package/archive.h"
 #include "engine/package/archive_writer.h"
@@ -114,6 +115,16 @@ class Parts {
     return {&links(owner), std::string(id)};
   }
   void unrelate(const Unlink& link) noexcept;
+  // Gives a relationship another target, in such two steps.
+  struct Retarget {
+    PartLinks* links = nullptr;
+    std::string id;
+    std::string target;
+  };
+  Retarget prepare_retarget(std::string_view owner, std::string_view id, std::string target) const {
+    return {&links(owner), std::string(id), std::move(target)};
+  }
+  static void retarget(Retarget& link) noexcept;
 
   // Takes over parts that were made together.
   void take(NewParts&& made) noexcept;

@@ -58,6 +58,11 @@ void Relationships::add(Relationship one) {
   items_.splice(items_.end(), made);
 }
 
+void Relationships::exchange(std::string_view id, std::string& target) noexcept {
+  const auto found = std::ranges::find(items_, id, &Relationship::id);
+  if (found != items_.end()) found->target.swap(target);
+}
+
 bool Relationships::remove(std::string_view id) {
   const auto [first, last] = by_id_.equal_range(id);
   const bool any = first != last;

@@ -49,6 +49,8 @@ class Relationships {
   void add(Relationship one);
   // All of that id; false when there is none.
   bool remove(std::string_view id);
+  // Gives the first of that id another target, and the former one back.
+  void exchange(std::string_view id, std::string& target) noexcept;
   // Takes the others behind its own.
   void append(Relationships&& others) noexcept;
 

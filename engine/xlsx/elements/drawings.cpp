@@ -174,6 +174,22 @@ int last_anchor(pugi::xml_node root, formula::Axis axis, int first) {
   return last;
 }
 
+void collect_drawing(pugi::xml_node root, TextEdits& edits) {
+  visit_elements(root, [&](pugi::xml_node node) {
+    const std::string_view name = package::local_name(node);
+    const char* formula = name == "sp" ? "textlink" : name == "cameraTool" ? "cellRange" : nullptr;
+    const pugi::xml_attribute text = formula ? node.attribute(formula) : pugi::xml_attribute();
+    if (*text.value() != '\0') edits.ask(text);
+  });
+}
+
+void collect_controls(pugi::xml_node element, TextEdits& edits) {
+  visit_elements(element, [&](pugi::xml_node node) {
+    for (const char* name : {"linkedCell", "listFillRange"})
+      if (const pugi::xml_attribute cells = node.attribute(name)) edits.ask(cells);
+  });
+}
+
 void move_controls(pugi::xml_node element, const SheetMoving& moving) {
   const DrawingMove drawing(moving.sheet, moving.move, moving.grid);
   visit_elements(element, [&](pugi::xml_node node) {

@@ -25,6 +25,11 @@ void move_drawing(pugi::xml_node root, const DrawingMove& moving);
 // without one.
 int last_anchor(pugi::xml_node root, formula::Axis axis, int first);
 
+// The formulas of a drawing: cells whose text shapes show, ranges that pictures are taken of.
+void collect_drawing(pugi::xml_node root, TextEdits& edits);
+// Those of controls that stand in the worksheet.
+void collect_controls(pugi::xml_node element, TextEdits& edits);
+
 // Controls and embedded objects, which have their anchors in the worksheet. They never go.
 void move_controls(pugi::xml_node element, const SheetMoving& moving);
 

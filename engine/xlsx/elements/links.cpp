@@ -177,6 +177,14 @@ void copy_consolidation(pugi::xml_node element, const SheetCopying& to) {
   else if (list.attribute("count")) set_attribute(list, "count", std::to_string(left));
 }
 
+void collect_consolidation(pugi::xml_node element, TextEdits& edits) {
+  const pugi::xml_node list = package::child(element, Family::Main, "dataRefs");
+  for (const pugi::xml_node source : package::children(list, Family::Main, "dataRef")) {
+    const pugi::xml_attribute sheet = source.attribute("sheet");
+    if (sheet && !package::attribute(source, Family::Relationships, "id")) edits.ask_sheet(sheet);
+  }
+}
+
 // A link stays although its target is lost: the model knows it by its place.
 void copy_links(pugi::xml_node element, const SheetCopying& to) {
   ExternalLinks links(to);

@@ -6,6 +6,8 @@
 namespace engine::xlsx {
 
 void copy_consolidation(pugi::xml_node element, const SheetCopying& to);
+// Sheets of this book are known by name; the cells of consolidations stay as they are.
+void collect_consolidation(pugi::xml_node element, TextEdits& edits);
 
 // Relationships of links are made and dropped as the sheet is written.
 void read_links(pugi::xml_node element, const SheetReading& to);
