@@ -154,7 +154,7 @@ bool parse(Formula& formula, std::string_view text, const ParseOptions& options,
 std::string print(const Formula& formula, Notation notation = Notation::kA1, CellAddress base = {});
 
 // The functions below take a formula in A1 notation, in which formulas are kept, and give its
-// changed text, or nothing when it does not change. A reference that is lost becomes #REF! behind
+// changed text, or nothing when it does not change. A reference that is lost becomes #REF!, without
 // its sheet prefix.
 
 // As copied to a cell that lies so many rows and columns away: relative parts move along, what

@@ -47,10 +47,8 @@ class Rewriting {
     return out_;
   }
 
-  // A lost reference; the prefix stays, but not one that is lost already.
-  void lose(const Node& node) {
-    replace(node.prefix == PrefixKind::kBroken ? node.begin : node.mark, node.end) += "#REF!";
-  }
+  // A lost reference goes with its prefix: not every program reads Sheet1!#REF!.
+  void lose(const Node& node) { replace(node.begin, node.end) += "#REF!"; }
 
   std::optional<std::string> result() && {
     if (copied_ == 0) return std::nullopt;

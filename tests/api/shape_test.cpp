@@ -260,7 +260,7 @@ TEST(Shape, CopiedCellsHaveValuesFormulasAndFormats) {
   } cases[] = {
       {"a number with a format", 1, 1, nullptr, L"45000"},
       {"rich text", 0, 2, nullptr, L"rich text"},
-      {"a formula", 1, 2, L"SUM(#REF!,More!#REF!)", L"8.5"},
+      {"a formula", 1, 2, L"SUM(#REF!,#REF!)", L"8.5"},
       {"a shared formula", 2, 3, L"#REF!*2", L"0"},
       {"nothing", 9, 9, nullptr, nullptr},
   };

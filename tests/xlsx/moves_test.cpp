@@ -287,7 +287,7 @@ TEST(Moves, TakeTheCarriedPartsAlong) {
        R"(ref="A1:B3"><tableColumns count="2"><tableColumn id="2" name="Value"/>)"},
       {remove_columns(1, 1), 0, "xl/worksheets/sheet2.xml", "Data!A2+SUM(#REF!)"},
       {remove_columns(1, 1), 0, "xl/tables/table1.xml", "More!A1+#REF!<"},
-      {remove_rows(0, 3), 0, "xl/worksheets/sheet2.xml", "Data!#REF!+SUM(#REF!)"},
+      {remove_rows(0, 3), 0, "xl/worksheets/sheet2.xml", "#REF!+SUM(#REF!)"},
       {remove_rows(0, 3), 0, "xl/workbook.xml", ">Data!$A$1:$D$3<"},
       {insert_rows(1, 1), 1, "xl/charts/chart1.xml", "More!$A$1:$A$4"},
       {insert_rows(1, 1), 1, "xl/pivotCache/pivotCacheDefinition1.xml", "ref=\"A1:A4\""},
