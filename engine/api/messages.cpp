@@ -103,6 +103,10 @@ std::string not_finite(std::string_view property) {
   return join(property, " is not a finite number");
 }
 
+std::string not_whole(std::string_view property, double value) {
+  return join(property, " ", value, " is not a whole number");
+}
+
 std::string unknown(std::string_view property, long long value) {
   return join(property, " ", value, " is not known");
 }
@@ -242,6 +246,8 @@ std::string table_header(int first, int last, std::string_view table) {
 std::string table_rows(int first, int last, std::string_view table) {
   return join("rows ", first, "..", last, " hold all data rows of table ", quoted(table));
 }
+
+std::string no_filter() { return "the sheet has no auto-filter range"; }
 
 std::string formula_error(std::string_view formula, const formula::ParseError& error,
                           const Grid& grid) {

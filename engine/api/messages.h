@@ -25,6 +25,7 @@ std::string index(std::string_view thing, long long index, std::size_t count);
 std::string out_of_range(std::string_view property, int value, int low, int high);
 std::string out_of_range(std::string_view property, double value, double low, double high);
 std::string not_finite(std::string_view property);
+std::string not_whole(std::string_view property, double value);
 std::string unknown(std::string_view property, long long value);
 std::string empty(std::string_view what);
 std::string too_long(std::string_view what, std::size_t length, std::size_t limit);
@@ -78,6 +79,8 @@ std::string splits_array(formula::Axis axis, int first, int last, const CellRang
 std::string overlaps_pivot_table(const CellRange& range);
 std::string table_header(int first, int last, std::string_view table);
 std::string table_rows(int first, int last, std::string_view table);
+
+std::string no_filter();
 
 // Formulas.
 std::string formula_error(std::string_view formula, const formula::ParseError& error,

@@ -43,6 +43,7 @@ bool SheetObject::move(Axis axis, Move::Kind kind, int first, int last, bool nam
     const auto refusal =
         move_cells(book_.workbook(), book_.document(), *sheet_, {move, names_follow});
     if (refusal) return book_.refuse(false, text_of(*refusal, *sheet_, move, limits().grid));
+    if (filter_) filter_->follow(move);
     book_.contents().values_changed = true;
     return true;
   });

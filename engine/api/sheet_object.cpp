@@ -34,6 +34,13 @@ bool SheetObject::check_range(const CellRange& range) const {
          book_.refuse(false, messages::column_order(column_first, column_last));
 }
 
+bool SheetObject::check_tables(const CellRange& range) const {
+  for (const Table& table : book_.document().tables(book_.workbook(), *sheet_))
+    if (table.cells.overlaps(range))
+      return book_.refuse(false, messages::overlaps_table(range, table.name));
+  return true;
+}
+
 bool SheetObject::check_value(std::string_view property, int value, int low, int high) const {
   if (value >= low && value <= high) return true;
   return book_.refuse(false, messages::out_of_range(property, value, low, high));

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
 
+#include "engine/api/auto_filter.h"
 #include "engine/api/book_context.h"
 #include "engine/api/unsupported_sheet.h"
 
@@ -21,6 +23,7 @@ class SheetObject final : public UnsupportedSheet {
   engine::Sheet* sheet() const { return sheet_; }
   void detach() noexcept {
     BookPart::detach();
+    if (filter_) filter_->detach();
     sheet_ = nullptr;
     std::string().swap(text_);
   }
@@ -173,6 +176,14 @@ class SheetObject final : public UnsupportedSheet {
   void clearPrintRepeats() override;
   void clearPrintArea() override;
 
+  // Tables and the filter.
+  int tableSize() const override;
+  const wchar_t* table(int index, int* rowFirst, int* rowLast, int* colFirst, int* colLast,
+                       int* headerRowCount, int* totalsRowCount) const override;
+  libxl::AutoFilter* autoFilter() override;
+  void applyFilter() override;
+  void removeFilter() override;
+
   // Links.
   int hyperlinkSize() const override;
   const wchar_t* hyperlink(int index, int* rowFirst, int* rowLast, int* colFirst,
@@ -180,6 +191,11 @@ class SheetObject final : public UnsupportedSheet {
   bool delHyperlink(int index) override;
   void addHyperlink(const wchar_t* hyperlink, int rowFirst, int rowLast, int colFirst,
                     int colLast) override;
+
+  // Steps that the sheet's filter takes, too: a range is one of the grid, the first ones not after
+  // the last, and meets no table. Each sets the message.
+  bool check_range(const CellRange& range) const;
+  bool check_tables(const CellRange& range) const;
 
  private:
   using Style = std::optional<std::uint32_t>;
@@ -197,7 +213,6 @@ class SheetObject final : public UnsupportedSheet {
   // Of the grid, the first ones not after the last.
   bool check_rows(int first, int last) const;
   bool check_columns(int first, int last) const;
-  bool check_range(const CellRange& range) const;
   bool check_format(const libxl::Format* format, Style* style) const;
   bool check_loaded(int row) const {
     if (sheet_->loading != Loading::kPartly) [[likely]]
@@ -224,6 +239,7 @@ class SheetObject final : public UnsupportedSheet {
   bool check_size(std::string_view property, double size, double limit) const;
   bool check_mergeable(const CellRange& range) const;
   bool check_merge(int index) const;
+  bool check_filter_rows() const;
   bool check_value(std::string_view property, int value, int low, int high) const;
   bool check_margin(std::string_view property, double margin) const;
   bool move(formula::Axis axis, formula::Move::Kind kind, int first, int last, bool names_follow);
@@ -268,7 +284,8 @@ class SheetObject final : public UnsupportedSheet {
   CellRange used_range() const;
 
   engine::Sheet* sheet_;
-  std::string text_;  // reused by every text that is taken
+  std::unique_ptr<AutoFilterObject> filter_;  // once somebody asked for it
+  std::string text_;                          // reused by every text that is taken
 };
 
 }  // namespace engine::api

@@ -192,9 +192,7 @@ bool SheetObject::getMerge(int row, int column, int* rowFirst, int* rowLast, int
 
 // Tables and pivot tables hold no merged cells: programs take such a file for damaged.
 bool SheetObject::check_mergeable(const CellRange& range) const {
-  for (const Table& table : book_.document().tables(book_.workbook(), *sheet_))
-    if (table.cells.overlaps(range))
-      return book_.refuse(false, messages::overlaps_table(range, table.name));
+  if (!check_tables(range)) return false;
   for (const CellRange& pivot : book_.document().pivot_tables(book_.workbook(), *sheet_))
     if (pivot.overlaps(range)) return book_.refuse(false, messages::overlaps_pivot_table(range));
   return true;

@@ -23,15 +23,6 @@ class UnsupportedSheet : public libxl::Sheet, public BookPart {
   void setPicture2(int, int, int, int, int, int, int, libxl::Position) override {
     unsupported("setPicture2");
   }
-  int tableSize() const override { return unsupported(0, "tableSize"); }
-  const wchar_t* table(int, int*, int*, int*, int*, int*, int*) const override {
-    return unsupported<const wchar_t*>(nullptr, "table");
-  }
-  libxl::AutoFilter* autoFilter() override {
-    return unsupported<libxl::AutoFilter*>(nullptr, "autoFilter");
-  }
-  void applyFilter() override { unsupported("applyFilter"); }
-  void removeFilter() override { unsupported("removeFilter"); }
   bool addIgnoredError(int, int, int, int, libxl::IgnoredError) override {
     return unsupported(false, "addIgnoredError");
   }

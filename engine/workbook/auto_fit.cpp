@@ -19,6 +19,7 @@ constexpr int kDigitsAnIndent = 3;
 constexpr double kLineHeight = 1.2;  // of the font's size
 constexpr double kPixelsPerPoint = 96.0 / 72;
 constexpr double kWidestLetter = 1.1;  // of the font's size, bold ones included
+constexpr double kButton = 16;         // pixels, of a filter
 
 // How wide a text is that stands in so many lines at the angle of its format.
 double turned(double width, double height, std::uint8_t rotation) {
@@ -81,8 +82,18 @@ class Measuring {
       if (number < column.row_first || number > column.row_last) continue;
       const CellRange* merge = sheet_.merges.find({number, cell.column});
       if (merge && merge->column_first != merge->column_last) continue;
-      column.text = std::max(column.text, width_of(cell, column.text));
+      const double button = button_at(number, cell.column);
+      const double text = width_of(cell, column.text - button);
+      if (text > 0) column.text = std::max(column.text, text + button);
     }
+  }
+
+  // How wide the button is that stands beside the text.
+  double button_at(int row, int column) const {
+    const auto& range = sheet_.filter.range;
+    if (!range || row != range->row_first || !range->contains(row, column)) return 0;
+    const ColumnFilter* its = find_column(sheet_.filter, column);
+    return !its || its->shows_button ? kButton : 0;
   }
 
   // At most `known` where a glance tells that the cell is no wider.

@@ -36,6 +36,8 @@ using FormulaEdit =
 struct Table {
   std::string name;
   CellRange cells;
+  int header_rows = 1;
+  int totals_rows = 0;
 };
 
 // Why rows or columns cannot be inserted or removed.

@@ -259,6 +259,7 @@ class ContentsMove {
   Merges merges_;
   Links links_;
   PageBreaks breaks_;
+  AutoFilter filter_;
   std::optional<FitArea> fit_area_;
   std::optional<RowProperties> properties_;  // of inserted rows
   std::size_t properties_before_ = 0;
@@ -313,6 +314,7 @@ void ContentsMove::prepare_ranges() {
   merges_ = engine::moved(sheet_.contents().merges, move_, grid_);
   links_ = engine::moved(sheet_.contents().links, move_, grid_);
   breaks_ = engine::moved(sheet_.contents().breaks, move_, grid_);
+  filter_ = engine::moved(sheet_.contents().filter, move_, grid_);
   if (const auto& area = sheet_.contents().fit_area) fit_area_ = moved_area(*area, move_, grid_);
   for (const CellRange& array : sheet_.contents().arrays.all())
     if (const auto to = moved(array, move_, grid_)) arrays_.add(*to);
@@ -355,6 +357,8 @@ void ContentsMove::apply() noexcept {
   std::swap(contents.merges, merges_);
   std::swap(contents.links, links_);
   std::swap(contents.breaks, breaks_);
+  if (contents.filter.range && !filter_.range) contents.filtered = false;
+  std::swap(contents.filter, filter_);
   contents.view = engine::moved(contents.view, move_, grid_);
   contents.fit_area = fit_area_;
   move_keys(contents.outer_arrays, move_);

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "engine/workbook/array_ranges.h"
+#include "engine/workbook/auto_filter.h"
 #include "engine/workbook/block_list.h"
 #include "engine/workbook/cell.h"
 #include "engine/workbook/cell_store.h"
@@ -105,6 +106,8 @@ class SheetContents {
   Protection protection;
   PageSetup page;
   PageBreaks breaks;
+  AutoFilter filter;
+  bool filtered = false;  // a filter hides rows: this one, or one that only the file knows
 
   // What the cell shows, through its record if it has one.
   Value value(const Cell& cell) const {

@@ -55,12 +55,12 @@ std::optional<MoveRefusal> refusal_of_table(const TablePart& table, const Move& 
     return std::nullopt;
   MoveRefusal refusal;
   refusal.table = table.name;
-  if (table.has_header && is_removed(row_first, move)) {
+  if (table.has_header() && is_removed(row_first, move)) {
     refusal.kind = MoveRefusal::Kind::kTableHeader;
     return refusal;
   }
-  const int data_first = row_first + (table.has_header ? 1 : 0);
-  const int data_last = row_last - table.totals;
+  const int data_first = row_first + (table.has_header() ? 1 : 0);
+  const int data_last = row_last - table.totals_rows;
   if (!is_removed(data_first, move) || move.at + move.count <= data_last) return std::nullopt;
   refusal.kind = MoveRefusal::Kind::kTableRows;
   return refusal;
@@ -198,7 +198,7 @@ void Document::Moving::prepare() {
 // Tables that go, and columns of others: they change formulas everywhere.
 void Document::Moving::prepare_tables() {
   table_edits_->grid = grid_;
-  for (const auto& [link, part] : related_parts(parts_, its_.part, "table")) {
+  for (const auto& [link, part] : table_parts(parts_, its_)) {
     auto table = read_table(parts_.read(*part), part->name, grid_);
     if (!table) continue;
     if (!moved_range(table->cells, move_, grid_)) {
@@ -264,7 +264,7 @@ void Document::Moving::write_tables(const FormulaEdit& change) {
       of_table.apply();
       edits_.add_part(part, tree.serialize());
     }
-    if (!widens || !table.has_header) continue;
+    if (!widens || !table.has_header()) continue;
     for (int column = move_.at; column < move_.at + move_.count; ++column) {
       const auto place = static_cast<std::size_t>(column - first);
       if (place < table.columns.size())

@@ -94,13 +94,12 @@ std::vector<std::pair<CellAddress, std::string>> own_formulas(const SheetContent
   return texts;
 }
 
-// A table that cannot be read is none that formulas are known to mean.
+// A table that cannot be read is none that formulas are known to mean. Once the sheet is read, its
+// list of tables tells their order.
 std::vector<TablePart>& Document::tables_of(const Workbook& book, const SheetPart& sheet) const {
   if (sheet.tables) return *sheet.tables;
   std::vector<TablePart> tables;
-  for (const Relationship& one : parts_.relationships(sheet.part)) {
-    const Part* part = one.kind() == "table" ? parts_.target(sheet.part, one) : nullptr;
-    if (!part) continue;
+  for (const auto& [link, part] : table_parts(parts_, sheet)) {
     try {
       auto table = read_table(parts_.read(*part), part->name, book.limits.grid);
       if (table) tables.push_back(*std::move(table));
@@ -113,8 +112,7 @@ std::vector<TablePart>& Document::tables_of(const Workbook& book, const SheetPar
 
 std::vector<Table> Document::tables(const Workbook& book, const Sheet& sheet) const {
   std::vector<Table> all;
-  for (const TablePart& table : tables_of(book, part_of(sheet)))
-    all.push_back({table.name, table.cells});
+  for (const TablePart& table : tables_of(book, part_of(sheet))) all.push_back(table);
   return all;
 }
 
@@ -156,7 +154,7 @@ std::vector<std::optional<std::string>> Document::changed_headers(const Workbook
   const int row = table.cells.row_first;
   const bool is_loaded = sheet.loading != Loading::kPartly ||
                          (row >= sheet.loaded_rows.row_first && row <= sheet.loaded_rows.row_last);
-  if (!table.has_header || !is_loaded) return {};
+  if (!table.has_header() || !is_loaded) return {};
   const SheetContents& contents = sheet.contents();
   const SheetPart& its = part_of(sheet);
   const auto width = static_cast<std::size_t>(table.cells.column_last - table.cells.column_first);
@@ -188,7 +186,7 @@ std::map<CellAddress, Header> Document::odd_headers(const Workbook& book,
                                                     const Sheet& sheet) const {
   std::map<CellAddress, Header> odd;
   for (const TablePart& table : tables_of(book, part_of(sheet))) {
-    if (!table.has_header) continue;
+    if (!table.has_header()) continue;
     const auto changed = changed_headers(book, sheet, table);
     for (std::size_t i = 0; i < changed.size(); ++i) {
       const CellAddress at{table.cells.row_first, table.cells.column_first + static_cast<int>(i)};

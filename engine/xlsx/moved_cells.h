@@ -7,11 +7,9 @@
 
 #include "engine/formula/interval.h"
 #include "engine/formula/reference.h"
+#include "engine/workbook/cell_ranges.h"
 
 namespace engine::xlsx {
-
-// Where a range goes; nothing when all of it does.
-std::optional<CellRange> moved_range(CellRange range, const formula::Move& move, const Grid& grid);
 
 // The ranges of a text, parted by blanks. Nothing when all stay, an empty text when none is left.
 // What names no cells stays as it stands.

@@ -21,6 +21,21 @@ constexpr std::string_view kNewWorksheet =
 
 }  // namespace
 
+std::vector<NamedPart> table_parts(const Parts& parts, const SheetPart& sheet) {
+  using package::Family;
+  std::vector<NamedPart> found;
+  const auto add = [&](const NamedPart& one) {
+    if (one.part && std::ranges::find(found, one.part, &NamedPart::part) == found.end())
+      found.push_back(one);
+  };
+  const pugi::xml_node list = package::child(sheet.tree->root(), Family::Main, "tableParts");
+  for (const pugi::xml_node table : package::children(list, Family::Main, "tablePart"))
+    add(parts.named_by(table, sheet.part));
+  for (const Relationship& one : parts.relationships(sheet.part))
+    if (one.kind() == "table") add({&one, parts.target(sheet.part, one)});
+  return found;
+}
+
 bool has_formula_element(const SheetContents& sheet, const CellRecord& record) {
   if (record.has_formula()) return true;
   const CellExtra* extra = sheet.extra(record);

@@ -61,6 +61,9 @@ struct SheetPart {
 // Those of all sheets of a book.
 using SheetParts = std::map<const Sheet*, SheetPart>;
 
+// The parts of its tables, those first that the sheet lists once it is read, and in its order.
+std::vector<NamedPart> table_parts(const Parts& parts, const SheetPart& sheet);
+
 // Whether the cell's element holds an f element: then a text beside it is the cell's own.
 bool has_formula_element(const SheetContents& sheet, const CellRecord& record);
 

@@ -81,8 +81,8 @@ std::optional<TablePart> read_table(std::string_view bytes, std::string_view par
   table.part = part;
   table.name = unescape(root.attribute("displayName").value());
   table.cells = *cells;
-  table.has_header = root.attribute("headerRowCount").as_uint(1) != 0;
-  table.totals = root.attribute("totalsRowCount").as_int(0);
+  table.header_rows = std::max(root.attribute("headerRowCount").as_int(1), 0);
+  table.totals_rows = std::max(root.attribute("totalsRowCount").as_int(0), 0);
   for (const pugi::xml_node column : column_nodes(root))
     table.columns.push_back(unescape(column.attribute("name").value()));
   return table;
@@ -163,18 +163,15 @@ std::string move_table(std::string_view bytes, TablePart& table, const formula::
   pugi::xml_node root = tree.root();
   const bool rows = move.axis == formula::Axis::kRows;
   const int last = table.cells.row_last;
-  if (rows && table.totals != 0 && move.kind == formula::Move::Kind::kRemove &&
-      last - table.totals + 1 >= move.at && last < move.at + move.count) {
+  if (rows && table.totals_rows != 0 && move.kind == formula::Move::Kind::kRemove &&
+      last - table.totals_rows + 1 >= move.at && last < move.at + move.count) {
     root.remove_attribute("totalsRowCount");
-    table.totals = 0;
+    table.totals_rows = 0;
   }
   if (!rows) move_columns(root, table, move);
   table.cells = *moved_range(table.cells, move, grid);
   set_attribute(root, "ref", formula::print_range(table.cells));
-  if (const pugi::xml_node filter = package::child(root, Family::Main, "autoFilter"))
-    move_filter(filter, move, grid);
-  if (const pugi::xml_node sort = package::child(root, Family::Main, "sortState"))
-    move_sort(sort, move, grid);
+  move_table_filter(root, move, grid);
   return tree.serialize();
 }
 

@@ -13,17 +13,16 @@
 #include "engine/formula/formula.h"
 #include "engine/formula/interval.h"
 #include "engine/formula/reference.h"
+#include "engine/workbook/document.h"
 #include "engine/workbook/sheet.h"
 
 namespace engine::xlsx {
 
-struct TablePart {
+struct TablePart : Table {
   std::string part;  // its name
-  std::string name;  // by which formulas call it
-  CellRange cells;   // header and totals included
-  bool has_header = true;
-  int totals = 0;  // rows of totals at the end
   std::vector<std::string> columns;
+
+  bool has_header() const { return header_rows != 0; }
 };
 
 // What a header cell shows, and whether it is a text as header cells have to be.

@@ -56,7 +56,7 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "sheetProtection", .read = read_sheet_protection, .patch = patch_sheet_protection},
     {.name = "protectedRanges", .cells = kProtectedRanges},
     {.name = "scenarios"},
-    {.name = "autoFilter", .move = move_sheet_filter},
+    {.name = "autoFilter", .read = read_sheet_filter, .patch = patch_sheet_filter},
     {.name = "sortState", .move = move_sheet_sort},
     {.name = "dataConsolidate", .copy = copy_consolidation, .formulas = collect_consolidation},
     {.name = "customSheetViews", .copy = copy_custom_views},

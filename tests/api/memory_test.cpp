@@ -149,6 +149,22 @@ const Operation kOperations[] = {
     {"setMerge", whole_book, [](Stage& s) { s.sheet->setMerge(10, 12, 3, 4); }},
     {"clear", whole_book, [](Stage& s) { s.sheet->clear(0, 20, 1, 9); }},
     {"copyCell", whole_book, [](Stage& s) { s.sheet->copyCell(2, 3, 900, 9); }},
+    {"setRef of a filter", whole_book,
+     [](Stage& s) { s.sheet->autoFilter()->setRef(9, 12, 0, 3); }},
+    {"criteria of a filter", whole_book,
+     [](Stage& s) {
+       libxl::FilterColumn* column = s.sheet->autoFilter()->column(1);
+       column->setCustomFilter(libxl::OperatorLess, L"a value that is long enough to allocate");
+     },
+     [](Stage& s) { s.sheet->autoFilter()->column(0)->setTop10(3); }},
+    {"addFilter", whole_book,
+     [](Stage& s) {
+       libxl::FilterColumn* column = s.sheet->autoFilter()->column(0);
+       column->addFilter(L"a value that is long enough to allocate");
+     }},
+    {"setSort", whole_book, [](Stage& s) { s.sheet->autoFilter()->setSort(1); }},
+    {"applyFilter", whole_book, [](Stage& s) { s.sheet->applyFilter(); }},
+    {"removeFilter", whole_book, [](Stage& s) { s.sheet->removeFilter(); }},
     {"addHyperlink", whole_book,
      [](Stage& s) { s.sheet->addHyperlink(L"http://a.example/a long address", 5, 6, 7, 8); }},
     {"addHyperlink in place of another", whole_book,

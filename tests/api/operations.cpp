@@ -5,8 +5,10 @@
 
 namespace {
 
+using libxl::AutoFilter;
 using libxl::Book;
 using libxl::Color;
+using libxl::FilterColumn;
 using libxl::Font;
 using libxl::Format;
 using libxl::Sheet;
@@ -45,6 +47,8 @@ Book& object_of(const Objects& objects, const Book*) { return *objects.book; }
 Sheet& object_of(const Objects& objects, const Sheet*) { return *objects.sheet; }
 Format& object_of(const Objects& objects, const Format*) { return *objects.format; }
 Font& object_of(const Objects& objects, const Font*) { return *objects.font; }
+AutoFilter& object_of(const Objects& objects, const AutoFilter*) { return *objects.filter; }
+FilterColumn& object_of(const Objects& objects, const FilterColumn*) { return *objects.column; }
 
 template <class Method>
 struct Signature;
@@ -188,16 +192,21 @@ constexpr auto kOperations = list<
     &Sheet::delHyperlink, &Sheet::addHyperlink, &Sheet::addrToRowCol, &Sheet::rowColToAddr,
     &Sheet::tableSize, &Sheet::table, &Sheet::autoFilter, &Sheet::applyFilter, &Sheet::removeFilter,
     &Sheet::addIgnoredError, &Sheet::addDataValidation, &Sheet::addDataValidationDouble,
-    &Sheet::removeDataValidations, &Book::load, &Book::loadRaw, &Book::loadSheet,
-    &Book::loadPartially, &Book::loadInfo, &Book::save, &Book::saveRaw, &Book::addSheet,
-    &Book::insertSheet, &Book::getSheet, &Book::getSheetName, &Book::sheetType, &Book::moveSheet,
-    &Book::delSheet, &Book::sheetCount, &Book::activeSheet, &Book::setActiveSheet, &Book::addFormat,
-    &Book::addFont, &Book::addCustomNumFormat, &Book::customNumFormat, &Book::format,
-    &Book::formatSize, &Book::font, &Book::fontSize, &Book::defaultFont, &Book::setDefaultFont,
-    &Book::pictureSize, &Book::getPicture, &Book::addPicture, &Book::addPicture2,
-    &Book::addPictureAsLink, &Book::datePack, &Book::dateUnpack, &Book::colorPack,
-    &Book::colorUnpack, &Book::rgbMode, &Book::setRgbMode, &Book::refR1C1, &Book::setRefR1C1,
-    &Book::biffVersion, &Book::isDate1904, &Book::setDate1904, &Book::isTemplate,
+    &Sheet::removeDataValidations, &AutoFilter::getRef, &AutoFilter::setRef, &AutoFilter::column,
+    &AutoFilter::columnSize, &AutoFilter::columnByIndex, &AutoFilter::getSortRange,
+    &AutoFilter::getSort, &AutoFilter::setSort, &FilterColumn::index, &FilterColumn::filterType,
+    &FilterColumn::filterSize, &FilterColumn::filter, &FilterColumn::addFilter,
+    &FilterColumn::getTop10, &FilterColumn::setTop10, &FilterColumn::getCustomFilter,
+    &FilterColumn::setCustomFilter, &FilterColumn::clear, &Book::load, &Book::loadRaw,
+    &Book::loadSheet, &Book::loadPartially, &Book::loadInfo, &Book::save, &Book::saveRaw,
+    &Book::addSheet, &Book::insertSheet, &Book::getSheet, &Book::getSheetName, &Book::sheetType,
+    &Book::moveSheet, &Book::delSheet, &Book::sheetCount, &Book::activeSheet, &Book::setActiveSheet,
+    &Book::addFormat, &Book::addFont, &Book::addCustomNumFormat, &Book::customNumFormat,
+    &Book::format, &Book::formatSize, &Book::font, &Book::fontSize, &Book::defaultFont,
+    &Book::setDefaultFont, &Book::pictureSize, &Book::getPicture, &Book::addPicture,
+    &Book::addPicture2, &Book::addPictureAsLink, &Book::datePack, &Book::dateUnpack,
+    &Book::colorPack, &Book::colorUnpack, &Book::rgbMode, &Book::setRgbMode, &Book::refR1C1,
+    &Book::setRefR1C1, &Book::biffVersion, &Book::isDate1904, &Book::setDate1904, &Book::isTemplate,
     &Book::setTemplate, &Book::setLocale>();
 
 }  // namespace

@@ -1,4 +1,5 @@
-// Every operation of books, sheets, formats and fonts, to be called without knowing which it is.
+// Every operation of books, sheets, formats, fonts and filters, to be called without knowing which
+// it is.
 #pragma once
 
 #include <span>
@@ -12,6 +13,8 @@ struct Objects {
   libxl::Sheet* sheet = nullptr;
   libxl::Format* format = nullptr;
   libxl::Font* font = nullptr;
+  libxl::AutoFilter* filter = nullptr;
+  libxl::FilterColumn* column = nullptr;
 };
 
 // What arguments are made of: each is as its type says.

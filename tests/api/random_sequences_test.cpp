@@ -46,7 +46,9 @@ void run_sequence(OwnedBook book, std::uint32_t seed) {
     const Lot lot(seed * 1000 + static_cast<std::uint32_t>(i));
     const Step step = make_step(*book, lot);
     SCOPED_TRACE("change " + std::to_string(i) + " " + step.name + ": " + step.message);
-    if (step.message != "ok") ASSERT_EQ(difference(before, step.text), "");
+    if (step.message != "ok") {
+      ASSERT_EQ(difference(before, step.text), "");
+    }
     if (twin) {
       const Step its = make_step(*twin, lot);
       ASSERT_EQ(its.message, step.message);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "engine/workbook/metrics.h"
 
@@ -114,6 +115,26 @@ TEST_F(AutoFit, FilesHoldTheWidthsThatWereMeasured) {
   EXPECT_TRUE(columns.find(1)->best_fit && columns.find(1)->custom_width);
   EXPECT_EQ(pixels_of_width(*columns.find(1)->width, sheet.digit_pixels), width(1));
   EXPECT_EQ(columns.find(0), nullptr);
+}
+
+// In its header row alone, and not where the button is hidden or there is no text.
+TEST_F(AutoFit, LeavesRoomForTheButtonOfAFilter) {
+  const struct {
+    int row;
+    const char* text;
+    int button;
+  } cases[] = {{3, "Customer", 16}, {4, "Customer", 0}, {3, "", 0}, {3, "Customer", 0}};
+  int column = 0;
+  for (const auto& [row, text, button] : cases) {
+    write(row, column, text);
+    write(8, column, "ab");
+    mark(column++);
+  }
+  std::vector<int> plain;
+  for (int i = 0; i < column; ++i) plain.push_back(width(i));
+  sheet.filter.range = CellRange{3, 9, 0, column - 1};
+  sheet.filter.columns.push_back({column - 1, {}, false});
+  for (int i = 0; i < column; ++i) EXPECT_EQ(width(i) - plain[i], cases[i].button) << i;
 }
 
 }  // namespace

@@ -82,6 +82,8 @@ inline std::string rich_data() {
       R"(<sheetPr codeName="Data"/><dimension ref="A1:D6"/><sheetViews><sheetView tabSelected="1" )"
       R"(workbookViewId="0"/></sheetViews><sheetFormatPr defaultRowHeight="15"/><cols><col min="1" )"
       R"(max="2" width="12.7109375" customWidth="1"/><col min="3" max="3" width="20" style="1"/></cols>)",
+      R"(<autoFilter ref="F1:G3"><filterColumn colId="0"><filters><filter val="x"/></filters>)"
+      R"(</filterColumn></autoFilter>)"
       R"(<conditionalFormatting sqref="A2:A3"><cfRule type="expression" dxfId="0" priority="1">)"
       R"(<formula>More!A1&gt;A2</formula></cfRule></conditionalFormatting><dataValidations count="1">)"
       R"(<dataValidation type="list" sqref="B9"><formula1>More!$A$1:$A$3</formula1></dataValidation>)"

@@ -34,10 +34,6 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
       {R"(<sheetViews><sheetView><selection activeCell="B2" sqref="B2"/></sheetView></sheetViews>)",
        {Axis::kRows, Kind::kRemove, 1, 1},
        R"(<sheetViews><sheetView><selection activeCell="B2" sqref="B2"/></sheetView></sheetViews>)"},
-      {R"(<autoFilter ref="A1:C9"><sortState ref="A2:C9"><sortCondition ref="B2:B9"/></sortState>)"
-       R"(</autoFilter>)",
-       {Axis::kRows, Kind::kRemove, 0, 20},
-       ""},
       {R"(<own ref="A5"/><phoneticPr fontId="5"/>)", {Axis::kRows, Kind::kInsert, 0, 1}, nullptr},
       {R"(<ignoredErrors><ignoredError sqref="A:B"/></ignoredErrors>)",
        {Axis::kRows, Kind::kInsert, 3, 1},

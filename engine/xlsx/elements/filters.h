@@ -1,19 +1,21 @@
-// Filter buttons and sorting, of a worksheet or a table.
+// Filters and sorting, of a worksheet or a table: their criteria, and by what rows were sorted.
+//
+// What a criterion says of the look of cells, of today or in a later form stays in its element,
+// which goes with its column.
 #pragma once
 
+#include "engine/workbook/auto_filter.h"
 #include "engine/xlsx/worksheet_elements.h"
 
 namespace engine::xlsx {
 
-// After rows or columns were inserted or removed: criteria stay with the columns that they belong
-// to. A filter whose header goes is removed; then the result is false.
-bool move_filter(pugi::xml_node filter, const formula::Move& move, const Grid& grid);
+void read_sheet_filter(pugi::xml_node element, const SheetReading& to);
+void patch_sheet_filter(pugi::xml_node root, const SheetPatching& from);
 
-// The filter of a worksheet, of which the sheet's properties tell, too.
-void move_sheet_filter(pugi::xml_node filter, const SheetMoving& moving);
+// A sort of a worksheet that has no filter.
 void move_sheet_sort(pugi::xml_node sort, const SheetMoving& moving);
 
-// A sort of which no condition is left goes.
-void move_sort(pugi::xml_node sort, const formula::Move& move, const Grid& grid);
+// The filter and the sort of a table after rows or columns were inserted or removed.
+void move_table_filter(pugi::xml_node table, const formula::Move& move, const Grid& grid);
 
 }  // namespace engine::xlsx

@@ -25,6 +25,7 @@ struct Properties {
   bool summary_below = true;
   bool summary_right = true;
   bool fitted = false;
+  bool filtered = false;
 
   friend bool operator==(const Properties&, const Properties&) = default;
 };
@@ -45,6 +46,7 @@ Properties read_properties(pugi::xml_node element) {
   for (const auto& [name, attribute, flag] : kPropertyFlags)
     made.*flag =
         package::child(element, Family::Main, name).attribute(attribute).as_bool(made.*flag);
+  made.filtered = element.attribute("filterMode").as_bool();
   return made;
 }
 
@@ -185,12 +187,13 @@ void read_sheet_properties(pugi::xml_node element, const SheetReading& to) {
   to.sheet.summary_below = stored.summary_below;
   to.sheet.summary_right = stored.summary_right;
   to.sheet.page.fitted = stored.fitted;
+  to.sheet.filtered = stored.filtered;
 }
 
 void patch_sheet_properties(pugi::xml_node root, const SheetPatching& from) {
   const SheetContents& sheet = from.sheet.contents();
   const Properties wanted{sheet.tab_color, sheet.summary_below, sheet.summary_right,
-                          sheet.page.fitted};
+                          sheet.page.fitted, sheet.filtered};
   pugi::xml_node element = package::child(root, Family::Main, "sheetPr");
   const Properties stored = read_properties(element);
   if (stored == wanted) return;
@@ -202,6 +205,7 @@ void patch_sheet_properties(pugi::xml_node root, const SheetPatching& from) {
     settle_flag(child, attribute, wanted.*flag, Properties().*flag);
     remove_if_bare(child);
   }
+  settle_flag(element, "filterMode", wanted.filtered);
   remove_if_bare(element);
 }
 
