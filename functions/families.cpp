@@ -9,7 +9,8 @@ constexpr Family kFamilies[] = {
     shape_functions,          name_functions,
     format_functions,         font_functions,
     view_functions,           page_functions,
-    moving_functions,
+    moving_functions,         sheet_filter_functions,
+    auto_filter_functions,    filter_column_functions,
 };
 
 }  // namespace

@@ -24,3 +24,6 @@ std::span<const bind::Row> format_functions();
 std::span<const bind::Row> font_functions();
 std::span<const bind::Row> view_functions();
 std::span<const bind::Row> page_functions();
+std::span<const bind::Row> sheet_filter_functions();
+std::span<const bind::Row> auto_filter_functions();
+std::span<const bind::Row> filter_column_functions();
