@@ -1,7 +1,6 @@
 #include "engine/workbook/filter_matcher.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <functional>
 #include <string_view>
@@ -11,6 +10,7 @@
 #include "engine/text/utf8.h"
 #include "engine/workbook/dates.h"
 #include "engine/workbook/display.h"
+#include "engine/workbook/iso_date.h"
 
 namespace engine {
 
@@ -62,32 +62,12 @@ bool matches(const std::u32string& pattern, std::string_view text) {
   return at == pattern.size();
 }
 
-// Takes a number of so many digits, behind a character if one is named, off the front.
-bool take_digits(std::string_view& text, char before, std::size_t digits, int& number) {
-  if (before != 0) {
-    if (!text.starts_with(before)) return false;
-    text.remove_prefix(1);
-  }
-  if (text.size() < digits || text.front() == '-') return false;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + digits, number);
-  if (error != std::errc() || end != text.data() + digits) return false;
-  text.remove_prefix(digits);
-  return true;
-}
-
 // 2026-03-01, with a time behind it or without: 2026-03-01 14:05, 2026-03-01T14:05:30.
-std::optional<double> serial_of_text(std::string_view text, bool date1904) {
-  DateTime date;
-  if (!take_digits(text, 0, 4, date.year) || !take_digits(text, '-', 2, date.month) ||
-      !take_digits(text, '-', 2, date.day))
-    return std::nullopt;
-  if (!text.empty()) {
-    const char mark = text.front() == 'T' ? 'T' : ' ';
-    if (!take_digits(text, mark, 2, date.hour) || !take_digits(text, ':', 2, date.minute))
-      return std::nullopt;
-    if (!text.empty() && !take_digits(text, ':', 2, date.second)) return std::nullopt;
-  }
-  return text.empty() ? serial_of_date(date, date1904) : std::nullopt;
+std::optional<double> serial_of_text(std::string text, bool date1904) {
+  constexpr std::size_t kYear = 4;
+  if (text.find('-') != kYear) return std::nullopt;
+  std::ranges::replace(text, ' ', 'T');
+  return parse_iso_date(text, date1904 ? DateBase::k1904 : DateBase::k1900);
 }
 
 // What a value says if it is a number as a whole: 1.5, 15%, 2026-03-01.
@@ -97,7 +77,7 @@ std::optional<double> number_of_text(std::string_view text, bool date1904) {
     const auto number = parse_number(text.substr(0, text.size() - 1));
     return number ? std::optional(*number / 100) : std::nullopt;
   }
-  return serial_of_text(text, date1904);
+  return serial_of_text(std::string(text), date1904);
 }
 
 template <class T>

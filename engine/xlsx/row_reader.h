@@ -12,7 +12,7 @@
 #include "engine/package/xml_scanner.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/workbook.h"
-#include "engine/xlsx/iso_date.h"
+#include "engine/workbook/iso_date.h"
 #include "engine/xlsx/sheet_part.h"
 
 namespace engine::xlsx {

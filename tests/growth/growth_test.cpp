@@ -284,6 +284,36 @@ void names_added_saved_and_removed(int n) {
   }
 }
 
+void values_of_a_filter(int n) {
+  Stage stage;
+  libxl::AutoFilter* filter = stage.sheet->autoFilter();
+  filter->setRef(0, n, 0, 0);
+  for (int i = 0; i < n; ++i) {
+    stage.sheet->writeStr(n - i, 0, (L"text " + std::to_wstring(i * 2)).c_str());
+    filter->column(0)->addFilter((L"Text " + std::to_wstring(i)).c_str());
+    EXPECT_TRUE(filter->column(0)->filter(i));
+  }
+  stage.sheet->applyFilter();
+  EXPECT_TRUE(stage.reload());
+  EXPECT_EQ(stage.sheet->autoFilter()->column(0)->filterSize(), n);
+  EXPECT_TRUE(stage.sheet->rowHidden(1));
+  EXPECT_FALSE(stage.sheet->rowHidden(n));
+  stage.sheet->removeFilter();
+}
+
+void columns_of_a_filter(int n) {
+  Stage stage;
+  libxl::AutoFilter* filter = stage.sheet->autoFilter();
+  filter->setRef(0, 2, 0, n - 1);
+  for (int column = 0; column < n; ++column) filter->column(column)->setTop10(3);
+  EXPECT_TRUE(stage.reload());
+  filter = stage.sheet->autoFilter();
+  for (int column = 0; column < n; ++column) filter->columnByIndex(column)->addFilter(L"x");
+  stage.sheet->applyFilter();
+  EXPECT_TRUE(stage.reload());
+  EXPECT_EQ(stage.sheet->autoFilter()->columnByIndex(n - 1)->filterType(), libxl::FilterValues);
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -313,6 +343,8 @@ constexpr Case kCases[] = {
     {"sheets added", sheets_added, 1500},
     {"links added, saved and removed", links_added_saved_and_removed, 3000},
     {"names added, saved and removed", names_added_saved_and_removed, 3000},
+    {"values of a filter", values_of_a_filter, 6000},
+    {"columns of a filter", columns_of_a_filter, 3000},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},
 };
 

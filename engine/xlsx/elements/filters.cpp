@@ -201,17 +201,19 @@ void remove_lost(pugi::xml_node parent, const std::vector<pugi::xml_node>& nodes
 
 void patch_columns(pugi::xml_node filter, const AutoFilter& stored, const AutoFilter& wanted) {
   const auto nodes = package::children(filter, Family::Main, "filterColumn");
+  static const FilterCriterion kNone;
+  std::vector<const FilterCriterion*> criteria(nodes.size());
+  for (const ColumnFilter& one : stored.columns) criteria[one.details - 1] = &one.criterion;
   remove_lost(filter, nodes, wanted.columns);
   pugi::xml_node next = package::child(filter, Family::Main, "sortState");
   if (!next) next = package::child(filter, Family::Main, "extLst");
   for (auto column = wanted.columns.rbegin(); column != wanted.columns.rend(); ++column) {
     pugi::xml_node node = numbered(nodes, column->details);
-    const auto before = std::ranges::find(stored.columns, column->details, &ColumnFilter::details);
-    const FilterCriterion criterion = node ? before->criterion : FilterCriterion();
+    const FilterCriterion& before = node ? *criteria[column->details - 1] : kNone;
     if (!node) node = package::insert_child(filter, "filterColumn", next);
     const std::string id = std::to_string(column->column - wanted.range->column_first);
     if (node.attribute("colId").value() != id) set_attribute(node, "colId", id);
-    if (column->criterion != criterion) write_criterion(node, column->criterion, criterion.kind);
+    if (column->criterion != before) write_criterion(node, column->criterion, before.kind);
     next = node;
   }
 }

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-namespace engine::xlsx {
+namespace engine {
 
 // What day numbers are counted from.
 enum class DateBase : std::uint8_t {
@@ -19,4 +19,4 @@ enum class DateBase : std::uint8_t {
 // base have negative numbers. Nothing when the text is none of that.
 std::optional<double> parse_iso_date(std::string_view text, DateBase base);
 
-}  // namespace engine::xlsx
+}  // namespace engine

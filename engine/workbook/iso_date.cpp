@@ -1,4 +1,4 @@
-#include "engine/xlsx/iso_date.h"
+#include "engine/workbook/iso_date.h"
 
 #include <algorithm>
 #include <charconv>
@@ -8,7 +8,7 @@
 
 #include "engine/text/number_text.h"
 
-namespace engine::xlsx {
+namespace engine {
 
 namespace {
 
@@ -125,4 +125,4 @@ std::optional<double> parse_iso_date(std::string_view text, DateBase base) {
   return serial + *time;
 }
 
-}  // namespace engine::xlsx
+}  // namespace engine

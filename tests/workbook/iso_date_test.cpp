@@ -1,8 +1,8 @@
-#include "engine/xlsx/iso_date.h"
+#include "engine/workbook/iso_date.h"
 
 #include <gtest/gtest.h>
 
-namespace engine::xlsx {
+namespace engine {
 namespace {
 
 TEST(IsoDate, GivesSerialDays) {
@@ -57,4 +57,4 @@ TEST(IsoDate, GivesSerialDays) {
 }
 
 }  // namespace
-}  // namespace engine::xlsx
+}  // namespace engine
