@@ -261,5 +261,28 @@ XL_Book_Release ( $book )
         self.assertFalse(contents.sheet_view.showGridLines)
 
 
+    # The example fills a template that carries a filter.
+    def test_the_orders_are_filtered_by_their_template(self):
+        done = subprocess.run([XLCALC, "--strict", "run", str(EXAMPLES / "orders.calc"),
+                               f"TEMPLATE={EXAMPLES / 'orders.xlsx'}", "FILE=orders.xlsx"],
+                              cwd=self.folder, capture_output=True, text=True, timeout=120)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        book = openpyxl.load_workbook(self.folder / "orders.xlsx")
+        sheet = book.active
+        self.assertEqual(sheet.auto_filter.ref, "A1:E41")
+        columns = {one.colId: one for one in sheet.auto_filter.filterColumn}
+        self.assertEqual(columns[3].filters.filter, ["open", "overdue"])
+        condition, = columns[4].customFilters.customFilter
+        self.assertEqual((condition.operator, condition.val), ("greaterThanOrEqual", "250"))
+        self.assertEqual(sheet.sheet_properties.filterMode, True)
+        self.assertEqual(sheet["E43"].value, "=SUBTOTAL(109,E2:E41)")
+        shown = [row for row in range(2, 42) if not sheet.row_dimensions[row].hidden]
+        self.assertEqual(shown, [row for row in range(2, 42)
+                                 if sheet.cell(row, 4).value.lower() in ("open", "overdue")
+                                 and sheet.cell(row, 5).value >= 250])
+        self.assertIn(f"Orders shown: {len(shown)} of 40", done.stdout)
+        self.assertIn("Condition on the amount: 4 250 0  0", done.stdout)
+
+
 if __name__ == "__main__":
     unittest.main()
