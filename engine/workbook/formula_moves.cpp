@@ -37,6 +37,9 @@ void FormulaMoves::collect(Workbook& book, bool names_follow) {
   for (const auto& sheet : book.sheets()) {
     collect_cells(*sheet, *sheet);
     if (sheet->outside) collect_cells(sheet->outside->rows, *sheet);
+    if (sheet.get() == &sheet_) continue;
+    texts_.collect_validations(
+        *sheet, [this](const Sheet* on, std::string_view formula) { return edited(on, formula); });
   }
   collect_names(book, names_follow);
 }

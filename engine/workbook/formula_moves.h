@@ -26,7 +26,9 @@ class FormulaMoves {
   FormulaMoves(formula::Adjuster& adjuster, const Sheet& sheet, const CarriedMove* carried)
       : adjuster_(adjuster), sheet_(sheet), carried_(carried) {}
 
-  // Cells of the book, and names, if they follow.
+  // The new text of a formula that stands on a sheet; nothing when it stays.
+  std::optional<std::string> edited(const Sheet* on, std::string_view formula);
+  // Cells of the book, validations of its other sheets, and names, if they follow.
   void collect(Workbook& book, bool names_follow);
   // What may fail of putting them in place; then nothing has changed.
   void begin_apply(Workbook& book);
@@ -46,7 +48,6 @@ class FormulaMoves {
     std::vector<std::pair<std::uint32_t, std::uint32_t>> records;  // with the formula's number
   };
 
-  std::optional<std::string> edited(const Sheet* on, std::string_view formula);
   void collect_cells(Sheet& rows, const Sheet& owner);
   void collect_shared(Sheet& rows, const Sheet& owner);
   void collect_groups(Sheet& rows, bool own_sheet, Split& split, std::uint32_t number,

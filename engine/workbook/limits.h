@@ -25,6 +25,7 @@ struct Limits {
   std::size_t author = 255;        // of a comment
   int arguments = 255;             // of one call in a formula
   std::size_t links = 65530;       // of a sheet
+  std::size_t validations = 65534;  // of a sheet
   std::size_t page_breaks = 1023;  // in one direction
   std::size_t password = 255;
   PasswordForm password_form = PasswordForm::kSha512;

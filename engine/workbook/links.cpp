@@ -8,6 +8,7 @@
 #include "engine/text/fold.h"
 #include "engine/text/percent.h"
 #include "engine/text/utf8.h"
+#include "engine/workbook/cell_ranges.h"
 
 namespace engine {
 
@@ -162,17 +163,10 @@ bool operator==(const Links& a, const Links& b) {
 }
 
 Links moved(const Links& links, const formula::Move& move, const Grid& grid) {
-  const bool rows = move.axis == formula::Axis::kRows;
   Links made;
   for (std::size_t index = 0; index < links.size(); ++index) {
-    Link link = links[index];
-    int& first = rows ? link.cells.row_first : link.cells.column_first;
-    int& last = rows ? link.cells.row_last : link.cells.column_last;
-    const auto kept = formula::moved({first, last}, move, rows ? grid.rows : grid.columns);
-    if (!kept) continue;
-    first = kept->first;
-    last = kept->last;
-    made.add(std::move(link));
+    const auto cells = moved_range(links[index].cells, move, grid);
+    if (cells) made.add({*cells, links[index].text, links[index].details});
   }
   return made;
 }

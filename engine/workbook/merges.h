@@ -6,18 +6,16 @@
 // Two questions have to be quick among many: which range is number i of the order, and which one
 // meets a rectangle. For the first a range keeps its slot as long as it lives, and a binary indexed
 // tree over the slots counts those that live. For the second stands an index, made by the first
-// question after a change. It sorts ranges by their size, to powers of two in both directions, then
-// by columns and rows: of one size few of those that begin near a rectangle do not meet it.
+// question after a change.
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
-#include <set>
 #include <vector>
 
 #include "engine/formula/interval.h"
 #include "engine/formula/reference.h"
+#include "engine/workbook/range_index.h"
 
 namespace engine {
 
@@ -43,30 +41,18 @@ class Merges {
   bool remove_at(CellAddress at);
 
  private:
-  struct Entry {
-    std::uint16_t size = 0;  // bits of its height, then four of its width
-    std::uint16_t band = 0;  // of columns, as wide as the width's power of two
-    std::int32_t row = 0;    // its first
-    std::uint32_t slot = 0;
-
-    friend auto operator<=>(const Entry&, const Entry&) = default;
-  };
-  using Index = std::set<Entry>;
-
-  static Entry entry_of(const CellRange& range, std::size_t slot);
   static bool is_free(const CellRange& slot) { return slot.row_first < 0; }
   std::size_t slot_of(std::size_t index) const;
   void append_slot(const CellRange& range);
   void remove_slot(std::size_t slot) noexcept;
   void drop_free_slots();
   void make_index() const;
-  const Entry* search(const CellRange& range) const;
 
   std::vector<CellRange> slots_;
   std::vector<std::uint32_t>
       sums_;  // of living slots; place i ends at slot i and spans lowbit(i+1)
   std::size_t count_ = 0;
-  mutable Index index_;              // of the first slots
+  mutable RangeIndex index_;         // of the first slots
   mutable std::size_t indexed_ = 0;  // so many
   mutable bool overlaps_ = false;    // some of those are not in the index as they meet another
 };

@@ -29,15 +29,6 @@ Interval along(const CellRange& range, const Move& move) {
                                   : Interval{range.column_first, range.column_last};
 }
 
-// Where a range goes; nothing when it goes whole.
-std::optional<CellRange> moved(CellRange range, const Move& move, const Grid& grid) {
-  const auto to = formula::moved(along(range, move), move, size_along(grid, move));
-  if (!to) return std::nullopt;
-  (move.axis == Axis::kRows ? range.row_first : range.column_first) = to->first;
-  (move.axis == Axis::kRows ? range.row_last : range.column_last) = to->last;
-  return range;
-}
-
 // Refusals.
 
 bool holds_something(const SheetContents& contents, const Cell& cell) {
@@ -235,8 +226,8 @@ Columns moved_columns(const Columns& columns, const Move& move, const Grid& grid
 class ContentsMove {
  public:
   // `texts` are cells of inserted columns; `before` holds the row before inserted ones.
-  ContentsMove(Sheet& sheet, const Move& move, const Grid& grid)
-      : sheet_(sheet), move_(move), grid_(grid) {}
+  ContentsMove(Sheet& sheet, FormulaMoves& formulas, const Move& move, const Grid& grid)
+      : sheet_(sheet), formulas_(formulas), move_(move), grid_(grid) {}
   ContentsMove(const ContentsMove&) = delete;
   ContentsMove& operator=(const ContentsMove&) = delete;
   ~ContentsMove();
@@ -250,6 +241,7 @@ class ContentsMove {
   void drop_cells() noexcept;
 
   Sheet& sheet_;
+  FormulaMoves& formulas_;
   const Move move_;
   const Grid grid_;
   CellStore::RowsMove rows_;
@@ -260,6 +252,8 @@ class ContentsMove {
   Links links_;
   PageBreaks breaks_;
   AutoFilter filter_;
+  Validations validations_;
+  IgnoredErrors ignored_errors_;
   std::optional<FitArea> fit_area_;
   std::optional<RowProperties> properties_;  // of inserted rows
   std::size_t properties_before_ = 0;
@@ -315,9 +309,13 @@ void ContentsMove::prepare_ranges() {
   links_ = engine::moved(sheet_.contents().links, move_, grid_);
   breaks_ = engine::moved(sheet_.contents().breaks, move_, grid_);
   filter_ = engine::moved(sheet_.contents().filter, move_, grid_);
+  validations_ =
+      engine::moved(sheet_.contents().validations, move_, grid_,
+                    [this](std::string_view text) { return formulas_.edited(&sheet_, text); });
+  ignored_errors_ = engine::moved(sheet_.contents().ignored_errors, move_, grid_);
   if (const auto& area = sheet_.contents().fit_area) fit_area_ = moved_area(*area, move_, grid_);
   for (const CellRange& array : sheet_.contents().arrays.all())
-    if (const auto to = moved(array, move_, grid_)) arrays_.add(*to);
+    if (const auto to = moved_range(array, move_, grid_)) arrays_.add(*to);
 }
 
 // What goes with the cells that are removed or pushed off the sheet.
@@ -351,7 +349,7 @@ void ContentsMove::apply() noexcept {
   }
   for (CellExtra& extra : contents.extras()) {
     if (extra.form == FormulaForm::kNormal) continue;
-    if (const auto to = moved(extra.range, move_, grid_)) extra.range = *to;
+    if (const auto to = moved_range(extra.range, move_, grid_)) extra.range = *to;
   }
   std::swap(contents.arrays, arrays_);
   std::swap(contents.merges, merges_);
@@ -359,6 +357,8 @@ void ContentsMove::apply() noexcept {
   std::swap(contents.breaks, breaks_);
   if (contents.filter.range && !filter_.range) contents.filtered = false;
   std::swap(contents.filter, filter_);
+  std::swap(contents.validations, validations_);
+  std::swap(contents.ignored_errors, ignored_errors_);
   contents.view = engine::moved(contents.view, move_, grid_);
   contents.fit_area = fit_area_;
   move_keys(contents.outer_arrays, move_);
@@ -400,9 +400,9 @@ std::optional<MoveRefusal> move_cells(Workbook& book, Document& document, Sheet&
   formula::Adjuster adjuster(move, sheet.name(), grid);
   FormulaMoves formulas(adjuster, sheet, carried.get());
   formulas.collect(book, cells.names_follow);
-  ContentsMove inside(sheet, move, grid);
+  ContentsMove inside(sheet, formulas, move, grid);
   std::optional<ContentsMove> others;
-  if (outside) others.emplace(outside->rows, move, grid);
+  if (outside) others.emplace(outside->rows, formulas, move, grid);
   if (move.axis == Axis::kRows) {
     const bool first_is_loaded = !outside || move.at > sheet.loaded_rows.row_first;
     RowLook look;

@@ -23,6 +23,7 @@
 #include "engine/workbook/cell_store.h"
 #include "engine/workbook/color.h"
 #include "engine/workbook/columns.h"
+#include "engine/workbook/ignored_errors.h"
 #include "engine/workbook/links.h"
 #include "engine/workbook/merges.h"
 #include "engine/workbook/page_breaks.h"
@@ -30,6 +31,7 @@
 #include "engine/workbook/protection.h"
 #include "engine/workbook/sheet_view.h"
 #include "engine/workbook/text_arena.h"
+#include "engine/workbook/validations.h"
 
 namespace engine {
 
@@ -108,6 +110,8 @@ class SheetContents {
   PageBreaks breaks;
   AutoFilter filter;
   bool filtered = false;  // a filter hides rows: this one, or one that only the file knows
+  Validations validations;
+  IgnoredErrors ignored_errors;
 
   // What the cell shows, through its record if it has one.
   Value value(const Cell& cell) const {

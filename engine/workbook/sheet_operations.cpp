@@ -23,6 +23,12 @@ void edit_copy(SheetContents& copy, const FormulaEdit& edit, const Sheet* origin
         copy.set_formula(record, copy.keep_text(*text));
   for (SharedFormula& shared : copy.shared_formulas)
     if (auto text = edit(original, shared.text)) shared.text = *std::move(text);
+  for (std::size_t slot = 0; slot < copy.validations.slots().size(); ++slot)
+    for (std::size_t number = 0;
+         const std::string& formula : copy.validations.slots()[slot].formulas) {
+      if (auto text = edit(original, formula)) copy.validations.exchange(slot, number, *text);
+      ++number;
+    }
 }
 
 void copy_names(const Workbook& book, const FormulaEdit& edit, const Sheet& original,
@@ -111,10 +117,22 @@ void FormulaEdits::collect(Workbook& book, const FormulaEdit& edit, const Sheet*
     if (sheet.get() == except) continue;
     collect_cells(*sheet, *sheet, edit);
     if (sheet->outside) collect_cells(sheet->outside->rows, *sheet, edit);
+    collect_validations(*sheet, edit);
   }
   for (const DefinedName& name : book.names) {
     if (except && name.scope == except) continue;
     if (auto text = edit(name.scope, name.definition)) names_.push_back({&name, *std::move(text)});
+  }
+}
+
+void FormulaEdits::collect_validations(Sheet& sheet, const FormulaEdit& edit) {
+  for (std::size_t slot = 0; const Validation& rule : sheet.contents().validations.slots()) {
+    for (std::size_t number = 0; const std::string& formula : rule.formulas) {
+      if (auto text = edit(&sheet, formula))
+        validations_.push_back({&sheet, slot, number, *std::move(text)});
+      ++number;
+    }
+    ++slot;
   }
 }
 
@@ -147,6 +165,8 @@ void FormulaEdits::apply(Workbook& book) noexcept {
   }
   for (SharedEdit& edit : shared_)
     edit.sheet->change().shared_formulas[edit.number].text.swap(edit.formula);
+  for (ValidationEdit& edit : validations_)
+    edit.sheet->change().validations.exchange(edit.slot, edit.number, edit.formula);
   for (NameEdit& edit : names_) book.names.exchange(*edit.name, edit.definition);
 }
 

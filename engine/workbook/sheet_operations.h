@@ -22,6 +22,8 @@ class FormulaEdits {
  public:
   // Asks `edit` about every formula in memory but those of `except`, a sheet that goes.
   void collect(Workbook& book, const FormulaEdit& edit, const Sheet* except = nullptr);
+  // Asks about the formulas of validations alone.
+  void collect_validations(Sheet& sheet, const FormulaEdit& edit);
   // Asks about the formulas of cells alone, those that they share not among them.
   void collect_records(Sheet& rows, const Sheet& sheet, const FormulaEdit& edit);
   void add(Sheet& rows, std::uint32_t record, std::string_view formula);
@@ -42,6 +44,12 @@ class FormulaEdits {
     std::uint32_t number;
     std::string formula;
   };
+  struct ValidationEdit {
+    Sheet* sheet;
+    std::size_t slot;
+    std::size_t number;  // of the rule's formulas
+    std::string formula;
+  };
   struct NameEdit {
     const DefinedName* name;
     std::string definition;
@@ -49,6 +57,7 @@ class FormulaEdits {
 
   std::vector<CellEdit> cells_;
   std::vector<SharedEdit> shared_;
+  std::vector<ValidationEdit> validations_;
   std::vector<NameEdit> names_;
 };
 

@@ -30,6 +30,34 @@ void remove_if_bare(pugi::xml_node element) {
   if (!element.first_attribute() && !element.first_child()) element.parent().remove_child(element);
 }
 
+std::size_t count_elements(pugi::xml_node parent) {
+  const auto is_element = [](pugi::xml_node one) { return one.type() == pugi::node_element; };
+  return static_cast<std::size_t>(std::count_if(parent.begin(), parent.end(), is_element));
+}
+
+void remove_with_lists(std::set<pugi::xml_node> gone, pugi::xml_node root) {
+  while (!gone.empty()) {
+    // What stands inside of another goes with that.
+    std::erase_if(gone, [&gone](pugi::xml_node node) {
+      while ((node = node.parent()))
+        if (gone.contains(node)) return true;
+      return false;
+    });
+    std::set<pugi::xml_node> parents;
+    for (const pugi::xml_node node : gone) {
+      if (node.parent() != root) parents.insert(node.parent());
+      node.parent().remove_child(node);
+    }
+    gone.clear();
+    for (const pugi::xml_node parent : parents) {
+      const std::size_t left = count_elements(parent);
+      if (left == 0)
+        gone.insert(package::local_name(parent) == "sparklines" ? parent.parent() : parent);
+      else if (parent.attribute("count")) set_attribute(parent, "count", std::to_string(left));
+    }
+  }
+}
+
 void remove_identification(pugi::xml_node element) {
   for (const pugi::xml_attribute attribute : element.attributes())
     if (package::local_name(attribute.name()) == "uid") {

@@ -1,7 +1,9 @@
 // Small changes of elements: attributes, and children at their place in the format's order.
 #pragma once
 
+#include <cstddef>
 #include <pugixml.hpp>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -19,6 +21,13 @@ void settle_flag(pugi::xml_node element, const char* name, bool value, bool usua
 
 // Removes an element that says nothing: without attributes and content.
 void remove_if_bare(pugi::xml_node element);
+
+// What a list with so many children says as its count: white space and comments are none.
+std::size_t count_elements(pugi::xml_node parent);
+
+// Removes elements, and what holds nothing then: the list around one, a group of sparklines, an
+// extension, the list of extensions. What stands directly in the root goes alone.
+void remove_with_lists(std::set<pugi::xml_node> gone, pugi::xml_node root);
 
 // Removes what identifies one element among all files, which its copy may not keep.
 void remove_identification(pugi::xml_node element);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,6 +12,7 @@
 #include "engine/xlsx/attributes.h"
 #include "engine/xlsx/elements/conditions.h"
 #include "engine/xlsx/elements/drawings.h"
+#include "engine/xlsx/elements/extensions.h"
 #include "engine/xlsx/elements/filters.h"
 #include "engine/xlsx/elements/links.h"
 #include "engine/xlsx/elements/merges.h"
@@ -23,6 +23,7 @@
 #include "engine/xlsx/elements/sheet_views.h"
 #include "engine/xlsx/elements/sizes.h"
 #include "engine/xlsx/elements/tables.h"
+#include "engine/xlsx/elements/validations.h"
 #include "engine/xlsx/moved_cells.h"
 
 namespace engine::xlsx {
@@ -34,8 +35,6 @@ using package::Family;
 constexpr CellsAttribute kRef[] = {{{}, "ref"}};
 constexpr CellsAttribute kSqref[] = {{{}, "sqref"}};
 constexpr CellsAttribute kProtectedRanges[] = {{"protectedRange", "sqref"}};
-constexpr CellsAttribute kValidations[] = {{"dataValidation", "sqref"}};
-constexpr CellsAttribute kIgnoredErrors[] = {{"ignoredError", "sqref"}};
 constexpr CellsAttribute kSmartTags[] = {{"cellSmartTags", "r"}};
 
 constexpr auto kElements = std::to_array<WorksheetElement>({
@@ -63,7 +62,7 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "mergeCells", .read = read_merges, .patch = patch_merges},
     {.name = "phoneticPr"},
     {.name = "conditionalFormatting", .formulas = collect_conditional_format, .cells = kSqref},
-    {.name = "dataValidations", .formulas = collect_validations, .cells = kValidations},
+    {.name = "dataValidations", .read = read_validations, .patch = patch_validations},
     {.name = "hyperlinks", .read = read_links, .patch = patch_links, .copy = copy_links},
     {.name = "printOptions", .read = read_print_options, .patch = patch_print_options},
     {.name = "pageMargins", .read = read_margins, .patch = patch_margins},
@@ -76,7 +75,7 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "colBreaks", .read = read_column_breaks, .patch = patch_column_breaks},
     {.name = "customProperties", .copying = Copying::kDropped},
     {.name = "cellWatches"},
-    {.name = "ignoredErrors", .cells = kIgnoredErrors},
+    {.name = "ignoredErrors", .read = read_ignored_errors, .patch = patch_ignored_errors},
     {.name = "smartTags", .cells = kSmartTags},
     {.name = "drawing", .copy = copy_drawing},
     {.name = "legacyDrawing", .patch = patch_notes, .copying = Copying::kDropped},
@@ -91,6 +90,7 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "webPublishItems", .copying = Copying::kDropped},
     {.name = "tableParts", .copy = copy_tables},
     {.name = "extLst",
+     .read = read_extended_validations,
      .copy = copy_extensions,
      .formulas = collect_extensions,
      .move = move_extensions},
@@ -108,16 +108,6 @@ const WorksheetElement* row_of(pugi::xml_node element) {
   const auto* const found =
       std::ranges::find(kElements, package::local_name(element), &WorksheetElement::name);
   return found == kElements.end() ? nullptr : found;
-}
-
-// Removes an element, and the list around it when it was the last in there.
-void remove_with_list(pugi::xml_node element, pugi::xml_node root) {
-  pugi::xml_node list = element.parent();
-  list.remove_child(element);
-  if (list == root) return;
-  const auto left = std::distance(list.begin(), list.end());
-  if (left == 0) list.parent().remove_child(list);
-  else if (list.attribute("count")) set_attribute(list, "count", std::to_string(left));
 }
 
 void move_attribute(pugi::xml_node element, const char* name, const SheetMoving& moving,
@@ -175,7 +165,7 @@ void move_elements(pugi::xml_node root, const SheetMoving& moving) {
       }
     element = next;
   }
-  for (const pugi::xml_node element : lost) remove_with_list(element, root);
+  remove_with_lists(std::move(lost), root);
 }
 
 pugi::xml_node worksheet_child(pugi::xml_node root, std::string_view name) {

@@ -236,9 +236,8 @@ TEST(Sheets, EditsReachCarriedFormulas) {
   });
   const PartTexts saved = unzip(book->save());
   const std::string& sheet = saved.at("xl/worksheets/sheet1.xml");
-  for (const char* text :
-       {"<formula>'First one'!A1&gt;A2</formula>", "val=\"'First one'!$B$1\"",
-        "<formula1>'First one'!$A$1:$A$3</formula1>", "'First one'!A1:A9</xm:f>", "val=\"1\""})
+  for (const char* text : {"<formula>'First one'!A1&gt;A2</formula>", "val=\"'First one'!$B$1\"",
+                           "'First one'!A1:A9</xm:f>", "val=\"1\""})
     EXPECT_THAT(sheet, HasSubstr(text));
   EXPECT_THAT(saved.at("xl/chart1.xml"), HasSubstr("<c:f>'First one'!$A$1:$A$3</c:f>"));
   EXPECT_THAT(saved.at("xl/tables/table1.xml"), HasSubstr(">'First one'!A1+Table1[a]<"));

@@ -18,13 +18,12 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
     formula::Move move;
     const char* moved;
   } cases[] = {
-      {R"(<ignoredErrors><ignoredError sqref="A1:B2"/><ignoredError sqref="A5:B6"/></ignoredErrors>)",
+      {R"(<protectedRanges><protectedRange sqref="A1:B2"/><protectedRange sqref="A5:B6"/></protectedRanges>)",
        {Axis::kRows, Kind::kInsert, 1, 3},
-       R"(<ignoredErrors><ignoredError sqref="A1:B5"/><ignoredError sqref="A8:B9"/></ignoredErrors>)"},
-      {R"(<dataValidations count="2"><dataValidation sqref="A1:B2"/><dataValidation )"
-       R"(sqref="A5:B6"/></dataValidations>)",
+       R"(<protectedRanges><protectedRange sqref="A1:B5"/><protectedRange sqref="A8:B9"/></protectedRanges>)"},
+      {R"(<smartTags count="2"><cellSmartTags r="A1"/><cellSmartTags r="A5"/></smartTags>)",
        {Axis::kRows, Kind::kRemove, 4, 2},
-       R"(<dataValidations count="1"><dataValidation sqref="A1:B2"/></dataValidations>)"},
+       R"(<smartTags count="1"><cellSmartTags r="A1"/></smartTags>)"},
       {R"(<cellWatches><cellWatch r="C3"/></cellWatches>)",
        {Axis::kColumns, Kind::kRemove, 2, 1},
        ""},
@@ -35,7 +34,7 @@ TEST(WorksheetElements, CellsThatTheyNameMove) {
        {Axis::kRows, Kind::kRemove, 1, 1},
        R"(<sheetViews><sheetView><selection activeCell="B2" sqref="B2"/></sheetView></sheetViews>)"},
       {R"(<own ref="A5"/><phoneticPr fontId="5"/>)", {Axis::kRows, Kind::kInsert, 0, 1}, nullptr},
-      {R"(<ignoredErrors><ignoredError sqref="A:B"/></ignoredErrors>)",
+      {R"(<protectedRanges><protectedRange sqref="A:B"/></protectedRanges>)",
        {Axis::kRows, Kind::kInsert, 3, 1},
        nullptr},
   };
