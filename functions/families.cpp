@@ -11,6 +11,7 @@ constexpr Family kFamilies[] = {
     view_functions,           page_functions,
     moving_functions,         sheet_filter_functions,
     auto_filter_functions,    filter_column_functions,
+    rule_functions,
 };
 
 }  // namespace

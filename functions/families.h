@@ -27,3 +27,4 @@ std::span<const bind::Row> page_functions();
 std::span<const bind::Row> sheet_filter_functions();
 std::span<const bind::Row> auto_filter_functions();
 std::span<const bind::Row> filter_column_functions();
+std::span<const bind::Row> rule_functions();

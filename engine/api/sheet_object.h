@@ -192,6 +192,25 @@ class SheetObject final : public UnsupportedSheet {
   void addHyperlink(const wchar_t* hyperlink, int rowFirst, int rowLast, int colFirst,
                     int colLast) override;
 
+  // Data validations and ignored errors.
+  bool addIgnoredError(int rowFirst, int colFirst, int rowLast, int colLast,
+                       libxl::IgnoredError iError) override;
+  void addDataValidation(libxl::DataValidationType type, libxl::DataValidationOperator op,
+                         int rowFirst, int rowLast, int colFirst, int colLast,
+                         const wchar_t* value1, const wchar_t* value2, bool allowBlank,
+                         bool hideDropDown, bool showInputMessage, bool showErrorMessage,
+                         const wchar_t* promptTitle, const wchar_t* prompt,
+                         const wchar_t* errorTitle, const wchar_t* error,
+                         libxl::DataValidationErrorStyle errorStyle) override;
+  void addDataValidationDouble(libxl::DataValidationType type, libxl::DataValidationOperator op,
+                               int rowFirst, int rowLast, int colFirst, int colLast, double value1,
+                               double value2, bool allowBlank, bool hideDropDown,
+                               bool showInputMessage, bool showErrorMessage,
+                               const wchar_t* promptTitle, const wchar_t* prompt,
+                               const wchar_t* errorTitle, const wchar_t* error,
+                               libxl::DataValidationErrorStyle errorStyle) override;
+  void removeDataValidations() override;
+
   // Steps that the sheet's filter takes, too: a range is one of the grid, the first ones not after
   // the last, and meets no table. Each sets the message.
   bool check_range(const CellRange& range) const;
@@ -234,6 +253,15 @@ class SheetObject final : public UnsupportedSheet {
   // The name that a scope leads to: undefined, the sheet's own comes before the book's.
   const DefinedName* find_name(const std::string& name, int scope) const;
   bool check_pixels(std::string_view property, int pixels) const;
+
+  // Steps of adding a validation. `number` is that of a value; it stands in text_.
+  bool begin_validation(int type, int comparison, const CellRange& cells, Validation& rule) const;
+  bool take_value(const CellRange& cells, Validation& rule, std::size_t number);
+  bool names_cells(const CellRange& cells) const;
+  bool take_list(Validation& rule, std::size_t number);
+  bool take_messages(const wchar_t* prompt_title, const wchar_t* prompt, const wchar_t* error_title,
+                     const wchar_t* error, Validation& rule);
+  void end_validation(int error_style, const CellRange& cells, Validation& rule);
 
   // -1 stands for a size that follows the contents.
   bool check_size(std::string_view property, double size, double limit) const;
@@ -280,6 +308,10 @@ class SheetObject final : public UnsupportedSheet {
   // The text of a formula as the model keeps it, valid until the book's next one; nothing, with
   // the message set, when it is none.
   std::optional<std::string_view> take_formula(int row, int column, const wchar_t* expr);
+  // The same of text_.
+  std::optional<std::string_view> take_formula(int row, int column);
+  // For a formula of that cell as callers write it.
+  formula::ParseOptions formula_options(int row, int column) const;
   // First row and column 0 and last ones -1 without cells.
   CellRange used_range() const;
 

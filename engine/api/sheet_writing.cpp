@@ -110,22 +110,32 @@ bool SheetObject::writeBlank(int row, int column, libxl::Format* format) {
   });
 }
 
+formula::ParseOptions SheetObject::formula_options(int row, int column) const {
+  const Workbook& workbook = book_.workbook();
+  formula::ParseOptions options(workbook.limits.grid);
+  options.notation = workbook.r1c1 ? formula::Notation::kR1C1 : formula::Notation::kA1;
+  options.base = {row, column};
+  options.max_arguments = workbook.limits.arguments;
+  return options;
+}
+
 // Formulas. Those that are written have to parse, whatever was loaded.
 std::optional<std::string_view> SheetObject::take_formula(int row, int column,
                                                           const wchar_t* expr) {
+  to_utf8(expr, text_);
+  return take_formula(row, column);
+}
+
+std::optional<std::string_view> SheetObject::take_formula(int row, int column) {
   const auto refuse = [&](std::string text) {
     book_.refuse(std::move(text));
     return std::nullopt;
   };
   Workbook& workbook = book_.workbook();
-  to_utf8(expr, text_);
   if (text_.starts_with('=')) text_.erase(0, 1);
   if (text_.empty()) return refuse(messages::empty("formula"));
   if (text_.starts_with("{=")) return refuse(messages::array_braces());
-  formula::ParseOptions options(workbook.limits.grid);
-  options.notation = workbook.r1c1 ? formula::Notation::kR1C1 : formula::Notation::kA1;
-  options.base = {row, column};
-  options.max_arguments = workbook.limits.arguments;
+  const formula::ParseOptions options = formula_options(row, column);
   formula::Formula& formula = book_.formula();
   const auto known = [&](std::string_view name) { return workbook.find_sheet(name) != nullptr; };
   if (formula::is_plain_formula(text_, options, known)) {

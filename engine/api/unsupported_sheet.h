@@ -23,22 +23,6 @@ class UnsupportedSheet : public libxl::Sheet, public BookPart {
   void setPicture2(int, int, int, int, int, int, int, libxl::Position) override {
     unsupported("setPicture2");
   }
-  bool addIgnoredError(int, int, int, int, libxl::IgnoredError) override {
-    return unsupported(false, "addIgnoredError");
-  }
-  void addDataValidation(libxl::DataValidationType, libxl::DataValidationOperator, int, int, int,
-                         int, const wchar_t*, const wchar_t*, bool, bool, bool, bool,
-                         const wchar_t*, const wchar_t*, const wchar_t*, const wchar_t*,
-                         libxl::DataValidationErrorStyle) override {
-    unsupported("addDataValidation");
-  }
-  void addDataValidationDouble(libxl::DataValidationType, libxl::DataValidationOperator, int, int,
-                               int, int, double, double, bool, bool, bool, bool, const wchar_t*,
-                               const wchar_t*, const wchar_t*, const wchar_t*,
-                               libxl::DataValidationErrorStyle) override {
-    unsupported("addDataValidationDouble");
-  }
-  void removeDataValidations() override { unsupported("removeDataValidations"); }
 
  protected:
   explicit UnsupportedSheet(BookContext& book) : BookPart(book, "sheet") {}

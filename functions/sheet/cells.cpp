@@ -1,7 +1,7 @@
 // External functions that read and write cells and their comments.
-#include <algorithm>
 #include <string>
 
+#include "functions/enumeration.h"
 #include "functions/families.h"
 
 namespace {
@@ -58,25 +58,12 @@ bool write_bool(Sheet& sheet, int row, int col, bool value, Format* format) {
   return sheet.writeBool(row, col, value, format, libxl::ErrorNone);
 }
 
-// A handle that XL_Sheet_ReadError gave, or one of the library's numbers, as the named constants
-// give them. A number that is both is the handle.
-ErrorType error_of(long number) {
-  constexpr long kNumbers[] = {libxl::ErrorNull, libxl::ErrorDiv0, libxl::ErrorValue,
-                               libxl::ErrorRef,  libxl::ErrorName, libxl::ErrorNum,
-                               libxl::ErrorNA,   libxl::ErrorNone};
-  const bool is_number =
-      std::find(std::begin(kNumbers), std::end(kNumbers), number) != std::end(kNumbers);
-  if (is_number && !is_object(number, bind::type_name<ErrorType>))
-    return static_cast<ErrorType>(number);
-  return static_cast<ErrorType>(object_as_value(get_object(number, bind::type_name<ErrorType>)));
-}
-
 // The error is a handle or a number, which no plain row reads.
 short write_error(const fmx::DataVect& params, fmx::Data&) {
   const bind::Target<Sheet> sheet(params);
   const int row = bind::read<int>(params, 1, 0);
   const int col = bind::read<int>(params, 2, 0);
-  const ErrorType error = error_of(ParameterAsLong(params, 3, 0));
+  const auto error = bind::read_enumeration<ErrorType>(params, 3);
   Format* format = bind::read<Format*>(params, 4, nullptr);
   sheet.get().writeError(row, col, error, format);
   return set_last_error_message(sheet.handle());

@@ -169,6 +169,19 @@ const Operation kOperations[] = {
      [](Stage& s) { s.sheet->addHyperlink(L"http://a.example/a long address", 5, 6, 7, 8); }},
     {"addHyperlink in place of another", whole_book,
      [](Stage& s) { s.sheet->addHyperlink(L"a path that allocates.txt", 0, 0, 0, 0); }},
+    {"addDataValidation", new_book,
+     [](Stage& s) {
+       s.sheet->addDataValidation(libxl::ValidationList, libxl::ValidationBetween, 5, 6, 7, 8,
+                                  L"a list that allocates,b", L"", true);
+     }},
+    {"addDataValidation over another", whole_book,
+     [](Stage& s) {
+       s.sheet->addDataValidation(libxl::ValidationCustom, libxl::ValidationBetween, 0, 90, 0, 9,
+                                  L"SUM(More!A1:A9)>A1", L"", true);
+     }},
+    {"removeDataValidations", whole_book, [](Stage& s) { s.sheet->removeDataValidations(); }},
+    {"addIgnoredError", whole_book,
+     [](Stage& s) { s.sheet->addIgnoredError(0, 1, 2, 3, libxl::IgnoreEvalError); }},
     {"delHyperlink", whole_book, [](Stage& s) { s.sheet->delHyperlink(0); }},
     {"setNamedRange", whole_book,
      [](Stage& s) { s.sheet->setNamedRange(L"A_name_that_allocates", 1, 2, 3, 4); }},

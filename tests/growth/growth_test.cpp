@@ -314,6 +314,24 @@ void columns_of_a_filter(int n) {
   EXPECT_EQ(stage.sheet->autoFilter()->columnByIndex(n - 1)->filterType(), libxl::FilterValues);
 }
 
+// Each takes a cell from one that had the whole column, or from the one before it there.
+void validations_over_one_another(int n) {
+  Stage stage;
+  const auto add = [&](int first, int last) {
+    stage.sheet->addDataValidation(libxl::ValidationCustom, libxl::ValidationBetween, first, last,
+                                   0, 0, L"B1>0", L"", true);
+  };
+  add(0, 1048575);
+  for (const int step : {2, 1})
+    for (int row = 1; row < n; ++row) add(step * row, step * row);
+  stage.sheet->insertRow(1, 1);
+  EXPECT_TRUE(stage.reload());
+  for (int row = 0; row < n; ++row)
+    stage.sheet->addIgnoredError(row, 0, row, 0, libxl::IgnoreEvalError);
+  stage.sheet->removeDataValidations();
+  EXPECT_TRUE(stage.reload());
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -345,6 +363,7 @@ constexpr Case kCases[] = {
     {"names added, saved and removed", names_added_saved_and_removed, 3000},
     {"values of a filter", values_of_a_filter, 6000},
     {"columns of a filter", columns_of_a_filter, 3000},
+    {"validations over one another", validations_over_one_another, 3000},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},
 };
 
