@@ -143,6 +143,40 @@ class Interop(unittest.TestCase):
             digest = hashlib.sha512(digest + number.to_bytes(4, "little")).digest()
         self.assertEqual(base64.b64encode(digest).decode(), protection.hashValue)
 
+    def test_openpyxl_reads_validations_of_every_type(self):
+        types = ["None", "Whole", "Decimal", "List", "Date", "Time", "TextLength", "Custom"]
+        operators = ["Between", "NotBetween", "Equal", "NotEqual", "Less", "LessOrEqual", "Greater",
+                     "GreaterOrEqual"]
+        styles = ["Stop", "Warning", "Information"]
+        path = self.write_book([
+            f"XL_Sheet_AddDataValidation ( $sheet ; XL_Validation{kind} ; "
+            f"XL_Validation{operators[row]} ; {row} ; {row} ; 0 ; 1 ; \"{row + 1}\" ; \"A9\" ; "
+            f"{row % 2} ; {row // 2 % 2} ; {row % 2} ; {row // 2 % 2} ; \"t{row}\" ; \"p <&{row}\" "
+            f"; \"et{row}\" ; \"Größe¶{row}\" ; XL_ErrorStyle{styles[row % 3]} )"
+            for row, kind in enumerate(types)])
+        sheet = openpyxl.load_workbook(path).active
+        with zipfile.ZipFile(path) as package:
+            rules = package.read("xl/worksheets/sheet1.xml").decode().split("<dataValidation ")[1:]
+        compared = ["whole", "decimal", "date", "time", "textLength"]
+        names = ["between", "notBetween", "equal", "notEqual", "lessThan", "lessThanOrEqual",
+                 "greaterThan", "greaterThanOrEqual"]
+        for row, one in enumerate(sheet.data_validations.dataValidation):
+            kind = types[row][0].lower() + types[row][1:]
+            self.assertEqual(str(one.sqref), f"A{row + 1}:B{row + 1}")
+            self.assertEqual(one.type or "none", kind)
+            self.assertEqual(one.operator or "between", names[row] if kind in compared else "between")
+            value = f'"{row + 1}"' if kind == "list" else str(row + 1)
+            self.assertEqual(one.formula1, None if kind == "none" else value)
+            self.assertEqual(one.formula2, "A9" if row == 1 else None)
+            self.assertEqual((bool(one.allow_blank), bool(one.hide_drop_down)),
+                             (bool(row % 2), bool(row // 2 % 2)))
+            # openpyxl takes the other two as set where they are not written.
+            self.assertEqual('showInputMessage="1"' in rules[row], bool(row % 2))
+            self.assertEqual('showErrorMessage="1"' in rules[row], bool(row // 2 % 2))
+            self.assertEqual((one.promptTitle, one.prompt, one.errorTitle, one.errorStyle or "stop"),
+                             (f"t{row}", f"p <&{row}", f"et{row}", styles[row % 3].lower()))
+            self.assertEqual(one.error, f"Größe\n{row}")
+
     @unittest.skipUnless(shutil.which("ssconvert"), "gnumeric is not there")
     def test_gnumeric_reads_what_we_write(self):
         path = self.write_values()
@@ -225,13 +259,40 @@ XL_Book_Release ( $book )
                                                 (2, 2), (3, 2)]),
                          ["3.5", "-.25", "123456789012345", TEXTS[0], TEXTS[2], "1", "7", "ab"])
 
+    def run_example(self, name, *settings):
+        done = subprocess.run([XLCALC, "--strict", "run", str(EXAMPLES / f"{name}.calc"),
+                               f"FILE={name}.xlsx", *settings], cwd=self.folder,
+                              capture_output=True, text=True, timeout=120)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        return openpyxl.load_workbook(self.folder / f"{name}.xlsx")
+
+    # The example makes a price list whose cells check what is typed.
+    def test_the_price_list_says_what_may_be_typed(self):
+        sheet = self.run_example("prices")["Prices"]
+        rules = {str(one.sqref): one for one in sheet.data_validations.dataValidation}
+        self.assertEqual({cells: (one.type, one.operator, one.formula1, one.formula2,
+                                  one.allow_blank, one.errorStyle, bool(one.hide_drop_down))
+                          for cells, one in rules.items()},
+                         {"C2:C100": ("list", None, "Groups", None, False, None, False),
+                          "D2:D100": ("list", None, '"small,medium,large"', None, False, None,
+                                      False),
+                          "E2:E100": ("decimal", None, "0.01", "9999.99", False, "warning", False),
+                          "F2:F100": ("date", "greaterThanOrEqual", "46023", None, True, None,
+                                      False),
+                          "A2:A100": ("custom", None, "COUNTIF($A$2:$A$100,A2)=1", None, False,
+                                      None, False)})
+        size = rules["D2:D100"]
+        self.assertEqual((size.promptTitle, size.prompt, size.errorTitle, size.error,
+                          size.showInputMessage, size.showErrorMessage),
+                         ("Size", "Pick one of the three sizes.", "No such size",
+                          "Sizes are small, medium and large.", True, True))
+        with zipfile.ZipFile(self.folder / "prices.xlsx") as package:
+            self.assertIn(b'<ignoredErrors><ignoredError sqref="A2:A100" numberStoredAsText="1"/>',
+                          package.read("xl/worksheets/sheet1.xml"))
+
     # The example makes a grouped, frozen, printable report, then loads it and inserts a row.
     def test_the_report_is_shaped_as_it_was_asked_for(self):
-        done = subprocess.run([XLCALC, "--strict", "run", str(EXAMPLES / "report.calc"),
-                               "FILE=report.xlsx"], cwd=self.folder, capture_output=True, text=True,
-                              timeout=120)
-        self.assertEqual(done.returncode, 0, done.stderr)
-        book = openpyxl.load_workbook(self.folder / "report.xlsx")
+        book = self.run_example("report")
         self.assertEqual(book.sheetnames, ["Contents", "Sales 2026"])
         sheet = book["Sales 2026"]
         self.assertEqual([str(one) for one in sheet.merged_cells.ranges], ["A1:D1"])
@@ -263,11 +324,7 @@ XL_Book_Release ( $book )
 
     # The example fills a template that carries a filter.
     def test_the_orders_are_filtered_by_their_template(self):
-        done = subprocess.run([XLCALC, "--strict", "run", str(EXAMPLES / "orders.calc"),
-                               f"TEMPLATE={EXAMPLES / 'orders.xlsx'}", "FILE=orders.xlsx"],
-                              cwd=self.folder, capture_output=True, text=True, timeout=120)
-        self.assertEqual(done.returncode, 0, done.stderr)
-        book = openpyxl.load_workbook(self.folder / "orders.xlsx")
+        book = self.run_example("orders", f"TEMPLATE={EXAMPLES / 'orders.xlsx'}")
         sheet = book.active
         self.assertEqual(sheet.auto_filter.ref, "A1:E41")
         columns = {one.colId: one for one in sheet.auto_filter.filterColumn}
