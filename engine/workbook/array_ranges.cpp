@@ -12,6 +12,9 @@ namespace {
 // c is the leaf kFirstLeaf + c.
 constexpr std::uint32_t kFirstLeaf = 1 << 16;
 
+// What a range is once it is removed: it holds no cell and overlaps nothing.
+constexpr CellRange kRemoved{-1, -2, -1, -2};
+
 bool lies_in(const CellRange& range, const CellRange& cells) {
   return cells.contains(range.row_first, range.column_first) &&
          cells.contains(range.row_last, range.column_last);
@@ -24,13 +27,23 @@ void ArrayRanges::add(const CellRange& range) {
   index_.clear();
 }
 
+void ArrayRanges::drop_removed() const noexcept {
+  if (removed_ == 0) return;
+  std::erase(ranges_, kRemoved);
+  removed_ = 0;
+  index_.clear();
+}
+
 void ArrayRanges::make_index() const {
+  drop_removed();
   std::vector<Entry> made;
+  std::vector<Start> starts;
   std::uint32_t levels = 0;
   for (std::uint32_t i = 0; i < ranges_.size(); ++i) {
     const CellRange& range = ranges_[i];
+    starts.emplace_back(CellAddress{range.row_first, range.column_first}, i);
     const auto enter = [&](std::uint32_t node) {
-      made.push_back({node, range.row_first, range.row_last, i});
+      made.push_back({node, range.row_first, range.row_last, i, i});
       levels |= std::bit_floor(node);
     };
     std::uint32_t first = kFirstLeaf + static_cast<std::uint32_t>(range.column_first);
@@ -47,8 +60,10 @@ void ArrayRanges::make_index() const {
     const Entry& before = made[i - 1];
     if (made[i].node != before.node || made[i].row_last > before.row_last) continue;
     made[i].row_last = before.row_last;
-    made[i].range = before.range;
+    made[i].deepest = before.deepest;
   }
+  std::ranges::sort(starts);
+  starts_ = std::move(starts);
   index_ = std::move(made);
   levels_ = levels;
 }
@@ -62,9 +77,12 @@ const CellRange* ArrayRanges::find(CellAddress at) const {
     const auto behind = std::ranges::upper_bound(
         index_, std::pair(node, at.row), {},
         [](const Entry& entry) { return std::pair(entry.node, entry.row_first); });
-    if (behind == index_.begin()) continue;
-    const Entry& entry = behind[-1];
-    if (entry.node == node && entry.row_last >= at.row) return &ranges_[entry.range];
+    for (auto entry = behind; entry != index_.begin();) {
+      --entry;
+      if (entry->node != node || entry->row_last < at.row) break;
+      for (const std::uint32_t range : {entry->deepest, entry->range})
+        if (ranges_[range].contains(at.row, at.column)) return &ranges_[range];
+    }
   }
   return nullptr;
 }
@@ -96,9 +114,24 @@ const CellRange* ArrayRanges::cut_by(const CellRange& cells) const {
 }
 
 void ArrayRanges::remove_inside(const CellRange& cells) noexcept {
-  const auto removed =
-      std::erase_if(ranges_, [&](const CellRange& range) { return lies_in(range, cells); });
-  if (removed != 0) index_.clear();
+  const auto remove = [&](CellRange& range) {
+    if (!lies_in(range, cells)) return;
+    range = kRemoved;
+    ++removed_;
+  };
+  const auto rows = static_cast<std::size_t>(cells.row_last - cells.row_first);
+  if (index_.empty() || rows >= ranges_.size()) {
+    for (CellRange& range : ranges_) remove(range);
+  } else {
+    for (int row = cells.row_first; row <= cells.row_last; ++row) {
+      const CellAddress first{row, cells.column_first};
+      const CellAddress last{row, cells.column_last};
+      auto start = std::ranges::lower_bound(starts_, first, {}, &Start::first);
+      for (; start != starts_.end() && start->first <= last; ++start)
+        remove(ranges_[start->second]);
+    }
+  }
+  if (removed_ > ranges_.size() / 2) drop_removed();
 }
 
 }  // namespace engine

@@ -6,11 +6,15 @@
 // node are sorted by their first row, each entry telling which of those so far reaches down the
 // furthest, so one binary search a level finds a range if there is any. A range has at most two
 // entries a level, whatever ranges a file makes up.
+//
+// A range that is removed stays in the index as one that holds nothing, until there are many of
+// these or the others are asked for.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "engine/formula/reference.h"
@@ -30,23 +34,32 @@ class ArrayRanges {
   // Removes those that lie in a rectangle.
   void remove_inside(const CellRange& cells) noexcept;
 
-  std::span<const CellRange> all() const { return ranges_; }
-  bool empty() const { return ranges_.empty(); }
-  std::size_t size() const { return ranges_.size(); }
+  std::span<const CellRange> all() const {
+    drop_removed();
+    return ranges_;
+  }
+  bool empty() const { return size() == 0; }
+  std::size_t size() const { return ranges_.size() - removed_; }
 
  private:
   struct Entry {
     std::uint32_t node;
     int row_first;
-    int row_last;         // of the range below
-    std::uint32_t range;  // that reaches down the furthest
+    int row_last;           // of the range that reaches down the furthest
+    std::uint32_t range;    // its own
+    std::uint32_t deepest;  // the one that reaches down the furthest
   };
 
-  void make_index() const;
+  using Start = std::pair<CellAddress, std::uint32_t>;  // the first cell of a range
 
-  std::vector<CellRange> ranges_;
-  mutable std::vector<Entry> index_;  // by node and first row; empty until it is asked for
-  mutable std::uint32_t levels_ = 0;  // a bit for each level of the tree that has entries
+  void make_index() const;
+  void drop_removed() const noexcept;
+
+  mutable std::vector<CellRange> ranges_;
+  mutable std::size_t removed_ = 0;    // of them
+  mutable std::vector<Entry> index_;   // by node and first row; empty until it is asked for
+  mutable std::vector<Start> starts_;  // in order, made with the index
+  mutable std::uint32_t levels_ = 0;   // a bit for each level of the tree that has entries
 };
 
 }  // namespace engine

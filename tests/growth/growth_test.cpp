@@ -221,6 +221,19 @@ void cells_cleared_one_by_one(int n) {
 }
 
 // The limit counts what is set here, not what a file brings.
+void arrays_cleared_one_by_one(int n) {
+  std::string rows;
+  for (int row = 0; row < n; ++row) {
+    const std::string number = std::to_string(row + 1);
+    rows += cell(row, "", "<f t=\"array\" ref=\"A" + number + ":B" + number + "\">1</f><v>1</v>");
+  }
+  const Stage stage = loaded(rows);
+  for (int row = 0; row < n; ++row) {
+    stage.sheet->clear(row, row, 0, 1);
+    EXPECT_TRUE(stage.sheet->writeNum(row, 1, 1));
+  }
+}
+
 void page_breaks_loaded_and_removed(int n) {
   std::string breaks;
   for (int row = 1; row <= n; ++row)
@@ -355,6 +368,7 @@ constexpr Case kCases[] = {
     {"rows of their own size", rows_of_their_own_size, 12000},
     {"cells cleared one by one", cells_cleared_one_by_one, 6000},
     {"page breaks loaded and removed", page_breaks_loaded_and_removed, 3000},
+    {"arrays cleared one by one", arrays_cleared_one_by_one, 3000},
     {"arrays over one another", arrays_over_one_another, 3000},
     {"rows inserted among formulas", rows_inserted_among_formulas, 6000},
     {"rows removed under shared formulas", rows_removed_under_shared_formulas, 6000},

@@ -82,4 +82,38 @@ TEST(ArrayRanges, AreCutByRectanglesOrLieInThem) {
   }
 }
 
+// Whatever is removed, and asked for in between.
+TEST(ArrayRanges, AreRemovedWhereTheyLieInRectangles) {
+  std::mt19937 random(5);
+  const auto below = [&](unsigned end) { return static_cast<int>(random() % end); };
+  ArrayRanges ranges;
+  std::vector<CellRange> all;
+  for (int i = 0; i < 400; ++i) {
+    const int row = below(200);
+    const int column = below(20);
+    all.push_back({row, row + below(9), column, column + below(4)});
+    ranges.add(all.back());
+  }
+  while (!all.empty()) {
+    const int row = below(200);
+    const int column = below(20);
+    const CellRange cells{row, row + below(12), column, column + below(6)};
+    ranges.remove_inside(cells);
+    std::erase_if(all, [&](const CellRange& one) {
+      return cells.contains(one.row_first, one.column_first) &&
+             cells.contains(one.row_last, one.column_last);
+    });
+    ASSERT_EQ(ranges.size(), all.size());
+    for (int tries = 0; tries < 40; ++tries) {
+      const CellAddress at{below(210), below(24)};
+      const auto holds = [&](const CellRange& one) { return one.contains(at.row, at.column); };
+      ASSERT_EQ(ranges.find(at) != nullptr, std::ranges::any_of(all, holds));
+    }
+    if (all.size() % 50 == 0) {
+      ASSERT_TRUE(std::ranges::equal(ranges.all(), all));
+    }
+  }
+  EXPECT_TRUE(ranges.empty());
+}
+
 }  // namespace
