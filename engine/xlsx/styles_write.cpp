@@ -113,15 +113,16 @@ class EntryList {
   std::unordered_map<std::string, std::uint32_t> numbers_;
 };
 
-// The look of a format that no setter was called for.
-unsigned set_aspects(const FormatRecord& record) {
+// What a new format says: what differs from the first entries of the file's lists, or from what is
+// usual.
+unsigned set_aspects(const FormatRecord& record, const FormatNumbers& numbers) {
   const FormatRecord usual;
   unsigned aspects = record.changed;
   if (record.font != usual.font) aspects |= kFormatFont;
   if (record.number_format != usual.number_format) aspects |= kFormatNumber;
   if (record.alignment != usual.alignment) aspects |= kFormatAlignment;
-  if (record.border != usual.border) aspects |= kFormatBorder;
-  if (record.fill != usual.fill) aspects |= kFormatFill;
+  if (record.border != usual.border || numbers.border != 0) aspects |= kFormatBorder;
+  if (record.fill != usual.fill || numbers.fill != 0) aspects |= kFormatFill;
   if (record.locked != usual.locked || record.hidden != usual.hidden) aspects |= kFormatProtection;
   return aspects;
 }
@@ -325,7 +326,7 @@ std::uint32_t StylesWriter::add_format(const FormatRecord& record) {
   }
   for (const char* name : {"numFmtId", "fontId", "fillId", "borderId", "xfId"})
     set_attribute(xf, name, "0");
-  patch_format(xf, record, numbers, set_aspects(record));
+  patch_format(xf, record, numbers, set_aspects(record, numbers));
   return number;
 }
 

@@ -244,6 +244,19 @@ TEST(StylesPart, FoldsWhatWasAdded) {
             std::string::npos);
 }
 
+// What is usual need not be what the file has first.
+TEST(StylesPart, ANewFormatIsPlainWhereTheFirstIsNot) {
+  const std::string filled =
+      replaced(std::string(kSample), R"(patternType="none")", R"(patternType="solid")");
+  Book book(replaced(filled, "<border><left/>", R"(<border><left><color rgb="FF000000"/></left>)"));
+  const std::uint32_t added = *book.styles.add_format();
+  const WrittenStyles written = book.part.write(book.styles);
+  const Book again(written.bytes);
+  const FormatRecord& format = again.styles.format(written.file_number(added));
+  EXPECT_EQ(format.border, FormatRecord().border);
+  EXPECT_EQ(format.fill, FormatRecord().fill);
+}
+
 // Entries of the branch that is read count in their place, and go on standing for themselves alone
 // when they are changed.
 TEST(StylesPart, CountsEntriesOfAlternateContent) {
