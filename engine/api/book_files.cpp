@@ -18,12 +18,13 @@ namespace {
 constexpr const Codec* kCodecs[] = {&xlsx::kCodec, &xls::kCodec};
 
 // Refuses a file that is no book of the kind, as the predicate of a sentence about it.
-[[noreturn]] void refuse_kind(const package::Source& source, const Codec& wanted) {
+[[noreturn]] void refuse_kind(const std::shared_ptr<const package::Source>& source,
+                              const Codec& wanted) {
   for (const Codec* other : kCodecs)
     if (other->recognise(source))
       throw package::FileError(
           std::string("is an ").append(other->name).append(" workbook, not ").append(wanted.name));
-  const package::FileKind kind = package::file_kind(source);
+  const package::FileKind kind = package::file_kind(*source);
   const bool is_old =
       kind == package::FileKind::OldBiff ||
       (kind == package::FileKind::CompoundFile && package::has_stream(source, "Book"));
@@ -57,7 +58,7 @@ BookContents load_contents(const Codec& codec, const LoadRequest& request) {
   contents.source = source_name(request);
   contents.workbook = std::make_unique<Workbook>(codec.limits);
   auto source = open_source(request);
-  if (!codec.recognise(*source)) refuse_kind(*source, codec);
+  if (!codec.recognise(source)) refuse_kind(source, codec);
   const auto scope = request.info_only ? LoadScope::kInfo : LoadScope::kEverything;
   contents.document = codec.load(std::move(source), *contents.workbook, scope);
   contents.info_only = request.info_only;

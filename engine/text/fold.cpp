@@ -47,6 +47,16 @@ std::string fold_case(std::string_view utf8) {
   return folded;
 }
 
+std::string upper_case(std::string_view utf8) {
+  std::string upper;
+  while (!utf8.empty()) {
+    const std::uint32_t code = take_character(utf8);
+    append_utf8(upper,
+                static_cast<std::uint32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(code))));
+  }
+  return upper;
+}
+
 bool equal_ignoring_case(std::string_view a, std::string_view b) {
   while (!a.empty() && !b.empty()) {
     const bool is_ascii = static_cast<unsigned char>(a.front() | b.front()) < 0x80;

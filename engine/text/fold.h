@@ -9,6 +9,8 @@ namespace engine {
 // Unicode's simple case folding: equal texts of different case fall together. The Turkish letters i
 // with and without a dot stay apart from the others. A byte that is no UTF-8 stands for itself.
 std::string fold_case(std::string_view utf8);
+// Each character's capital, where it has a single one.
+std::string upper_case(std::string_view utf8);
 bool equal_ignoring_case(std::string_view a, std::string_view b);
 
 // For names in which only the letters A to Z have no case: parts, file name extensions, encodings.

@@ -38,7 +38,7 @@ struct Codec {
   std::unique_ptr<Document> (*begin)(Workbook& book);
 
   // Whether the bytes are a book of this kind, whatever state it is in.
-  bool (*recognise)(const package::Source& source);
+  bool (*recognise)(const std::shared_ptr<const package::Source>& source);
 
   // Reads a file into an empty workbook. Throws FileError. Null as long as books of this kind live
   // in memory only, neither loaded nor saved.

@@ -43,8 +43,8 @@ std::unique_ptr<engine::Document> begin(Workbook& book) {
   return std::make_unique<Document>();
 }
 
-bool recognise(const package::Source& source) {
-  return package::file_kind(source) == package::FileKind::CompoundFile &&
+bool recognise(const std::shared_ptr<const package::Source>& source) {
+  return package::file_kind(*source) == package::FileKind::CompoundFile &&
          package::has_stream(source, "Workbook");
 }
 

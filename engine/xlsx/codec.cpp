@@ -14,8 +14,8 @@ constexpr FileEnding kEndings[] = {
 std::unique_ptr<engine::Document> begin(Workbook& book) { return Document::make_new(book); }
 
 // A package, or one that a password protects: that is a stream of a compound file.
-bool recognise(const package::Source& source) {
-  const package::FileKind kind = package::file_kind(source);
+bool recognise(const std::shared_ptr<const package::Source>& source) {
+  const package::FileKind kind = package::file_kind(*source);
   return kind == package::FileKind::Zip || (kind == package::FileKind::CompoundFile &&
                                             package::has_stream(source, "EncryptedPackage"));
 }
