@@ -48,8 +48,7 @@ bool BookObject::take_rows(int first, int last, std::optional<CellRange>* rows) 
   return true;
 }
 
-bool BookObject::load_with(std::string_view operation, const LoadRequest& request) {
-  if (!book_.codec().load) return book_.refuse(false, messages::not_supported(operation));
+bool BookObject::load_with(const LoadRequest& request) {
   BookContents contents;
   try {
     contents = load_contents(book_.codec(), request);
@@ -86,7 +85,7 @@ bool BookObject::choose_sheet(const LoadRequest& request, BookContents& contents
 bool BookObject::load(const wchar_t* path, const wchar_t* tempFile) {
   return book_.run_always(false, [&] {
     LoadRequest request;
-    return take_paths(path, tempFile, &request) && load_with("load", request);
+    return take_paths(path, tempFile, &request) && load_with(request);
   });
 }
 
@@ -100,7 +99,7 @@ bool BookObject::loadRaw(const char* data, unsigned size, int sheetIndex, int fi
       request.sheet = sheetIndex;
       if (firstRow >= 0 && !take_rows(firstRow, lastRow, &request.rows)) return false;
     }
-    return load_with("loadRaw", request);
+    return load_with(request);
   });
 }
 
@@ -108,7 +107,7 @@ bool BookObject::loadSheet(const wchar_t* path, int sheetIndex, const wchar_t* t
   return book_.run_always(false, [&] {
     LoadRequest request;
     request.sheet = sheetIndex;
-    return take_paths(path, tempFile, &request) && load_with("loadSheet", request);
+    return take_paths(path, tempFile, &request) && load_with(request);
   });
 }
 
@@ -118,7 +117,7 @@ bool BookObject::loadPartially(const wchar_t* path, int sheetIndex, int firstRow
     LoadRequest request;
     request.sheet = sheetIndex;
     return take_paths(path, tempFile, &request) && take_rows(firstRow, lastRow, &request.rows) &&
-           load_with("loadPartially", request);
+           load_with(request);
   });
 }
 
@@ -126,14 +125,14 @@ bool BookObject::loadInfo(const wchar_t* path) {
   return book_.run_always(false, [&] {
     LoadRequest request;
     request.info_only = true;
-    return take_paths(path, nullptr, &request) && load_with("loadInfo", request);
+    return take_paths(path, nullptr, &request) && load_with(request);
   });
 }
 
 // Saving.
 
 bool BookObject::check_savable(std::string_view operation) const {
-  if (!book_.codec().load) return book_.refuse(false, messages::not_supported(operation));
+  if (!book_.codec().writes) return book_.refuse(false, messages::not_supported(operation));
   const auto& sheets = book_.workbook().sheets();
   if (sheets.empty()) return book_.refuse(false, messages::no_sheets());
   const bool any_visible = std::ranges::any_of(

@@ -101,7 +101,7 @@ class BookObject final : public libxl::Book {
   // The rows of a partial load, cut to the grid.
   bool take_rows(int first, int last, std::optional<CellRange>* rows) const;
 
-  bool load_with(std::string_view operation, const LoadRequest& request);
+  bool load_with(const LoadRequest& request);
   // Reads the one sheet that a partial load asks for and closes the others.
   bool choose_sheet(const LoadRequest& request, BookContents& contents);
   bool values_may_be_old() const;

@@ -33,6 +33,7 @@ struct Codec {
   std::span<const FileEnding> endings;
   int biff_version;  // of the binary format; 0 for others
   Limits limits;
+  bool writes;  // whether books of this kind can be saved
 
   // Makes an empty workbook of this kind a new book.
   std::unique_ptr<Document> (*begin)(Workbook& book);
@@ -40,8 +41,7 @@ struct Codec {
   // Whether the bytes are a book of this kind, whatever state it is in.
   bool (*recognise)(const std::shared_ptr<const package::Source>& source);
 
-  // Reads a file into an empty workbook. Throws FileError. Null as long as books of this kind live
-  // in memory only, neither loaded nor saved.
+  // Reads a file into an empty workbook. Throws FileError.
   std::unique_ptr<Document> (*load)(std::shared_ptr<const package::Source> source, Workbook& book,
                                     LoadScope scope);
 };

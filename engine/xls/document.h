@@ -1,0 +1,42 @@
+// The .xls file behind a workbook.
+//
+// Loading reads the globals: the list of sheets, styles, texts and names. Sheets are read when they
+// are asked for, straight from where the stream lies in the file.
+#pragma once
+
+#include <memory>
+
+#include "engine/package/compound_file.h"
+#include "engine/workbook/codec.h"
+#include "engine/workbook/document.h"
+#include "engine/workbook/workbook.h"
+#include "engine/xls/globals.h"
+#include "engine/xls/sheet_part.h"
+
+namespace engine::xls {
+
+class Document : public engine::Document {
+ public:
+  static std::unique_ptr<Document> make_new(Workbook& book);
+
+  // Reads a file into an empty workbook. Throws FileError.
+  static std::unique_ptr<Document> load(std::shared_ptr<const package::Source> source,
+                                        Workbook& book, LoadScope scope);
+
+  void read_sheet(Workbook& book, Sheet& sheet) override;
+  std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
+                                            const Sheet& sheet) const override;
+  void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
+  void save(const Workbook& book, const SaveOptions& options, package::Output& output) override;
+
+ private:
+  Document() = default;
+
+  void look_at_tabs(Workbook& book);
+
+  package::CompoundStream stream_;
+  Globals globals_;
+  SheetParts sheets_;
+};
+
+}  // namespace engine::xls

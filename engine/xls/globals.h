@@ -1,0 +1,29 @@
+// The first substream of a workbook: what all sheets share.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/workbook/codec.h"
+#include "engine/workbook/workbook.h"
+#include "engine/xls/link_table.h"
+#include "engine/xls/record_reader.h"
+
+namespace engine::xls {
+
+struct Globals {
+  LinkTable links;
+  std::vector<std::uint32_t> sheets;   // where their substreams begin, in the file's order
+  std::vector<std::uint32_t> formats;  // numbers in the model by those of the file
+
+  std::uint32_t format(std::size_t number) const {
+    return number < formats.size() ? formats[number] : 0;
+  }
+};
+
+// Reads from the stream's beginning into an empty workbook, of which the sheets stay unread. Throws
+// FileError.
+void read_globals(RecordReader& reader, LoadScope scope, Workbook& book, Globals& globals);
+
+}  // namespace engine::xls

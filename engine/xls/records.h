@@ -1,0 +1,87 @@
+// Numbers of the records of a workbook stream that the engine knows.
+#pragma once
+
+#include <cstdint>
+
+namespace engine::xls {
+
+enum RecordId : std::uint16_t {
+  kFormula = 0x06,
+  kEof = 0x0A,
+  kReferenceMode = 0x0F,
+  kProtect = 0x12,
+  kPassword = 0x13,
+  kHeader = 0x14,
+  kFooter = 0x15,
+  kExternSheet = 0x17,
+  kName = 0x18,
+  kVerticalBreaks = 0x1A,
+  kHorizontalBreaks = 0x1B,
+  kNote = 0x1C,
+  kDateMode = 0x22,
+  kExternName = 0x23,
+  kLeftMargin = 0x26,
+  kRightMargin = 0x27,
+  kTopMargin = 0x28,
+  kBottomMargin = 0x29,
+  kPrintHeadings = 0x2A,
+  kPrintGridlines = 0x2B,
+  kFilePass = 0x2F,
+  kFont = 0x31,
+  kContinue = 0x3C,
+  kWindow1 = 0x3D,
+  kPane = 0x41,
+  kDefaultColumnWidth = 0x55,
+  kObject = 0x5D,
+  kTemplate = 0x60,
+  kObjectProtect = 0x63,
+  kColumns = 0x7D,
+  kGuts = 0x80,
+  kSheetOptions = 0x81,
+  kGridSet = 0x82,
+  kCenterAcross = 0x83,
+  kCenterDown = 0x84,
+  kBoundSheet = 0x85,
+  kPalette = 0x92,
+  kStandardWidth = 0x99,
+  kZoom = 0xA0,
+  kPageSetup = 0xA1,
+  kMulRk = 0xBD,
+  kMulBlank = 0xBE,
+  kRichText = 0xD6,
+  kDbCell = 0xD7,
+  kScenarioProtect = 0xDD,
+  kFormat = 0xE0,  // of cells
+  kInterfaceHeader = 0xE1,
+  kMerges = 0xE5,
+  kDrawing = 0xEC,
+  kTexts = 0xFC,
+  kTextCell = 0xFD,
+  kSupBook = 0x1AE,
+  kTextBox = 0x1B6,
+  kLink = 0x1B8,
+  kDimensions = 0x200,
+  kBlank = 0x201,
+  kNumber = 0x203,
+  kLabel = 0x204,
+  kBooleanOrError = 0x205,
+  kString = 0x207,
+  kRow = 0x208,
+  kIndex = 0x20B,
+  kArray = 0x221,
+  kDefaultRowHeight = 0x225,
+  kDataTable = 0x236,
+  kWindow2 = 0x23E,
+  kRk = 0x27E,
+  kNumberFormat = 0x41E,
+  kShared = 0x4BC,
+  kBof = 0x809,
+  kSheetExtension = 0x862,
+  kFeatureHeader = 0x867,
+};
+
+// Kinds of substreams, as their first record has them.
+inline constexpr std::uint16_t kGlobalsStream = 0x05;
+inline constexpr std::uint16_t kVersion8 = 0x600;
+
+}  // namespace engine::xls

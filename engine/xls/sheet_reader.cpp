@@ -1,0 +1,547 @@
+#include "engine/xls/sheet_reader.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/package/file_error.h"
+#include "engine/workbook/font_metrics.h"
+#include "engine/xls/cell_errors.h"
+#include "engine/xls/fields.h"
+#include "engine/xls/records.h"
+#include "engine/xls/sheet_records.h"
+#include "engine/xls/tokens_read.h"
+
+namespace engine::xls {
+
+namespace {
+
+using package::get16;
+using package::get32;
+
+// Two bits of a compressed number say what the others are.
+double decode_rk(std::uint32_t rk) {
+  constexpr std::uint32_t kHundredths = 1;
+  constexpr std::uint32_t kWhole = 2;
+  const double value = (rk & kWhole) != 0 ? static_cast<std::int32_t>(rk) >> 2
+                                          : std::bit_cast<double>(std::uint64_t{rk & ~3U} << 32);
+  return (rk & kHundredths) != 0 ? value / 100 : value;
+}
+
+// An expression and what stands behind it: constants of arrays.
+struct Expression {
+  std::string_view tokens;
+  std::string_view behind;
+};
+
+Expression take_expression(Fields& in) {
+  Expression made;
+  const std::size_t size = in.take16();
+  made.tokens = in.take(size);
+  made.behind = in.rest();
+  return made;
+}
+
+// Whether an expression only names the cell where its formula stands, and which.
+bool points_elsewhere(std::string_view tokens, CellAddress& to) {
+  constexpr unsigned kOfFormula = 1;
+  constexpr unsigned kOfTable = 2;
+  Fields in(tokens);
+  const unsigned token = in.take8();
+  to.row = in.take16();
+  to.column = in.take16();
+  return in.ok() && in.at_end() && (token == kOfFormula || token == kOfTable);
+}
+
+class SheetReader {
+ public:
+  SheetReader(RecordReader& reader, const SheetContext& context, const RowFilter& filter,
+              SheetContents& contents, SheetFlags& flags, SheetPart& part)
+      : reader_(reader),
+        context_(context),
+        grid_(context.workbook.limits.grid),
+        filter_(filter),
+        sheet_(contents),
+        part_(part),
+        reading_(context, contents, flags),
+        tokens_(context.globals.links, grid_) {}
+
+  void read() {
+    sheet_.digit_pixels = digit_pixels(context_.workbook.styles.font(0));
+    if (!reader_.next() || reader_.id() != kBof) reader_.fail("no sheet begins here");
+    for (bool more = true; more;) {
+      if (!reader_.next()) reader_.fail("ends too early");
+      more = reader_.id() != kEof;
+      if (pending_ && !belongs_to_formula(reader_.id())) store_pending();
+      if (more) read_record();
+    }
+    part_.end = static_cast<std::uint32_t>(reader_.offset());
+    resolve_waiting();
+    finish_sheet_records(reading_);
+  }
+
+ private:
+  // A group of cells that share a formula, found by the first of them.
+  struct Shared {
+    std::uint32_t number = 0;  // of the model's shared formula; 0: each cell has a text of its own
+    CellRange range;
+    std::string tokens;
+    std::string behind;
+  };
+
+  // A formula whose later records, with its text say, have not come yet.
+  struct Pending {
+    CellAddress at;
+    std::uint32_t style = 0;
+    Value value;
+    bool awaits_text = false;
+    std::optional<CellAddress> elsewhere;  // where its expression stands
+    std::string formula;                   // else its text
+    std::string raw;                       // or its expression, if there is no text for it
+  };
+
+  // A cell whose expression stands at another one that has not come yet.
+  struct Waiting {
+    CellAddress at;
+    CellAddress elsewhere;
+  };
+
+  static bool belongs_to_formula(std::uint16_t id) {
+    return id == kString || id == kShared || id == kArray || id == kDataTable;
+  }
+
+  void read_record() {
+    const std::string_view data = reader_.data();
+    switch (reader_.id()) {
+      case kNumber:
+        need(14);
+        return store_number(get16(data, 0), get16(data, 2), get16(data, 4),
+                            package::get_double(data, 6));
+      case kRk:
+        need(10);
+        return store_number(get16(data, 0), get16(data, 2), get16(data, 4),
+                            decode_rk(get32(data, 6)));
+      case kMulRk:
+        return read_numbers(data);
+      case kTextCell:
+        return read_text_cell(data);
+      case kBlank:
+        need(6);
+        return store(get16(data, 0), get16(data, 2), get16(data, 4), {});
+      case kMulBlank:
+        return read_blanks(data);
+      case kBooleanOrError:
+        return read_boolean_or_error(data);
+      case kLabel:
+      case kRichText:
+        return read_label();
+      case kFormula:
+        return read_formula();
+      case kString:
+        return read_formula_text();
+      case kShared:
+        return read_shared();
+      case kArray:
+        return read_array();
+      case kDataTable:
+        return read_data_table();
+      case kRow:
+        return read_row(data);
+      case kTextBox:
+        return read_box();
+      case kBof:
+        return skip_substream();
+      default:
+        return read_other();
+    }
+  }
+
+  void read_other() {
+    const SheetRecord* known = find_sheet_record(reader_.id());
+    note_group(known ? known->group : RecordGroup::kCarried);
+    if (!known || !known->read) return;
+    Fields in(reader_.whole_data());
+    known->read(in, reading_);
+  }
+
+  void note_group(RecordGroup group) {
+    if (!part_.outline.empty() && part_.outline.back().group == group) return;
+    part_.outline.push_back({static_cast<std::uint32_t>(reader_.offset()), group});
+  }
+  void note_cells() { note_group(RecordGroup::kCells); }
+
+  void need(std::size_t size) {
+    note_cells();
+    if (reader_.data().size() < size) reader_.fail("ends too early");
+  }
+
+  void store(int row, int column, std::size_t style, Value value) {
+    if (!filter_.keeps(row)) return;
+    put(row, SheetContents::make_cell(checked(column), value, context_.globals.format(style)));
+  }
+  void store_number(int row, int column, std::size_t style, double value) {
+    if (!std::isfinite(value)) reader_.fail("a number is none");
+    store(row, column, style, Value::of_number(value));
+  }
+  int checked(int column) {
+    if (column >= grid_.columns) reader_.fail("a cell is beyond the last one");
+    return column;
+  }
+
+  // A later cell of the same place is the one that counts.
+  void put(int row, const Cell& cell) {
+    if (!row_ || row_->number != static_cast<std::uint32_t>(row)) row_ = &sheet_.cells.row_at(row);
+    Cell& place = sheet_.cells.at(*row_, cell.column);
+    if (place.kind == CellKind::kRecord) sheet_.forget_record(place);
+    place = cell;
+  }
+
+  void read_numbers(std::string_view data) {
+    constexpr std::size_t kEntry = 6;
+    need(kEntry);
+    const int row = get16(data, 0);
+    int column = get16(data, 2);
+    for (std::size_t at = 4; at + kEntry + 2 <= data.size(); at += kEntry)
+      store_number(row, column++, get16(data, at), decode_rk(get32(data, at + 2)));
+  }
+
+  void read_blanks(std::string_view data) {
+    need(6);
+    int column = get16(data, 2);
+    for (std::size_t at = 4; at + 4 <= data.size(); at += 2)
+      store(get16(data, 0), column++, get16(data, at), {});
+  }
+
+  void read_text_cell(std::string_view data) {
+    need(10);
+    const std::uint32_t text = get32(data, 6);
+    if (text >= context_.texts)
+      reader_.fail("text " + std::to_string(text) + " of " + std::to_string(context_.texts));
+    store(get16(data, 0), get16(data, 2), get16(data, 4), Value::of_text(text));
+  }
+
+  void read_boolean_or_error(std::string_view data) {
+    need(8);
+    const auto value = static_cast<std::uint8_t>(data[6]);
+    store(get16(data, 0), get16(data, 2), get16(data, 4),
+          data[7] != 0 ? error_value(value) : Value::of_boolean(value != 0));
+  }
+
+  Value error_value(std::uint8_t number) {
+    return Value::of_error(error_number(context_.workbook, cell_error_text(number)));
+  }
+  Value own_text(std::string_view text) {
+    return Value::of_text(context_.first_text + context_.workbook.strings.add(text));
+  }
+
+  // A text that stands in its cell.
+  void read_label() {
+    need(9);
+    Fields in(reader_.whole_data());
+    const int row = in.take16();
+    const int column = in.take16();
+    const std::size_t style = in.take16();
+    const std::string text = in.take_long_text();
+    if (!in.ok()) reader_.fail("ends too early");
+    if (filter_.keeps(row)) store(row, column, style, own_text(text));
+  }
+
+  // Formulas.
+
+  void read_formula() {
+    constexpr unsigned kAlwaysCalculated = 1;
+    need(20);
+    Fields in(reader_.whole_data());
+    Pending& made = pending_.emplace();
+    made.at.row = in.take16();
+    made.at.column = in.take16();
+    made.style = context_.globals.format(in.take16());
+    checked(made.at.column);
+    const std::string_view value = in.take(8);
+    const bool unknown = (in.take16() & kAlwaysCalculated) != 0;
+    in.skip(4);
+    const Expression expression = take_expression(in);
+    if (!in.ok()) reader_.fail("ends too early");
+    made.value = cached_value(value, unknown);
+    made.awaits_text = made.value.kind == ValueKind::kText;
+    CellAddress elsewhere;
+    if (points_elsewhere(expression.tokens, elsewhere)) made.elsewhere = elsewhere;
+    else if (filter_.keeps(made.at.row)) read_expression(expression, made.at, made);
+  }
+
+  // What is no number is marked by its last bytes, and its kind stands in the first one.
+  Value cached_value(std::string_view bytes, bool unknown) {
+    if (get16(bytes, 6) != 0xFFFF) return Value::of_number(finite(package::get_double(bytes, 0)));
+    const auto value = static_cast<std::uint8_t>(bytes[2]);
+    switch (bytes[0]) {
+      case 1:
+        return Value::of_boolean(value != 0);
+      case 2:
+        return error_value(value);
+      case 3:
+        return unknown ? Value() : own_text("");
+      default:
+        return own_text("");
+    }
+  }
+  double finite(double value) {
+    if (!std::isfinite(value)) reader_.fail("a number is none");
+    return value;
+  }
+
+  void read_expression(const Expression& expression, CellAddress at, Pending& to) {
+    if (tokens_.read(expression.tokens, expression.behind, {&context_.sheet, at}))
+      to.formula = tokens_.text();
+    else to.raw.assign(expression.tokens).append(expression.behind);
+  }
+
+  void read_formula_text() {
+    note_cells();
+    if (!pending_ || !pending_->awaits_text) return;
+    ContinuedData in(reader_);
+    const std::size_t length = in.take16();
+    std::string text;
+    if (length != 0) {
+      const bool wide = (in.take8() & 1) != 0;
+      in.take_characters(length, wide, text);
+    }
+    if (filter_.keeps(pending_->at.row)) pending_->value = own_text(text);
+    pending_->awaits_text = false;
+  }
+
+  // The range in front of an expression.
+  CellRange take_range(Fields& in) {
+    CellRange range;
+    range.row_first = in.take16();
+    range.row_last = in.take16();
+    range.column_first = in.take8();
+    range.column_last = in.take8();
+    if (!in.ok() || range.row_first > range.row_last || range.column_first > range.column_last)
+      reader_.fail("the range is none");
+    return range;
+  }
+
+  // Where the cells of a group say that its expression stands: at the one it follows.
+  CellAddress anchor(const CellRange& range) const {
+    if (pending_) return pending_->elsewhere.value_or(pending_->at);
+    return {range.row_first, range.column_first};
+  }
+
+  void read_shared() {
+    note_cells();
+    Fields in(reader_.whole_data());
+    Shared made;
+    made.range = take_range(in);
+    in.skip(2);
+    const Expression expression = take_expression(in);
+    if (!in.ok()) reader_.fail("ends too early");
+    made.tokens = expression.tokens;
+    made.behind = expression.behind;
+    const CellAddress first{made.range.row_first, made.range.column_first};
+    if (tokens_.read(made.tokens, made.behind, {&context_.sheet, first})) {
+      // References that some cell has wrapped around the sheet's end differ in more than distance.
+      const CellAddress furthest = tokens_.furthest();
+      if (grid_.holds(furthest.row + made.range.row_last - first.row,
+                      furthest.column + made.range.column_last - first.column)) {
+        sheet_.shared_formulas.push_back({tokens_.text(), first, {}});
+        made.number = static_cast<std::uint32_t>(sheet_.shared_formulas.size());
+      }
+    }
+    shared_.insert_or_assign(anchor(made.range), std::move(made));
+  }
+
+  void read_array() {
+    note_cells();
+    Fields in(reader_.whole_data());
+    const CellRange range = take_range(in);
+    in.skip(6);
+    const Expression expression = take_expression(in);
+    if (!in.ok()) reader_.fail("ends too early");
+    const CellAddress first{range.row_first, range.column_first};
+    const bool has_text =
+        tokens_.read(expression.tokens, expression.behind, {&context_.sheet, first});
+    std::string raw;
+    if (!has_text) raw.assign(expression.tokens).append(expression.behind);
+    take_array(range, FormulaForm::kArray, has_text ? tokens_.text() : std::string(), raw);
+  }
+
+  void read_data_table() {
+    note_cells();
+    Fields in(reader_.whole_data());
+    const CellRange range = take_range(in);
+    take_array(range, FormulaForm::kDataTable, {}, std::string(in.rest()));
+  }
+
+  // The first cell of the range has the formula, the others values.
+  void take_array(const CellRange& range, FormulaForm form, const std::string& formula,
+                  const std::string& raw) {
+    const bool first_kept = filter_.keeps(range.row_first);
+    const bool reaches_in = first_kept || (!filter_.others && range.row_first <= filter_.last &&
+                                           range.row_last >= filter_.first);
+    arrays_.insert(anchor(range));
+    if (!reaches_in) return;
+    const bool many = range.row_first != range.row_last || range.column_first != range.column_last;
+    if (many) sheet_.arrays.add(range);
+    CellRecord record;
+    record.formula = sheet_.keep_text(formula);
+    if (!first_kept) {
+      if (many && form == FormulaForm::kArray)
+        sheet_.outer_arrays[{range.row_first, range.column_first}] = sheet_.keep_record(record);
+      return;
+    }
+    CellExtra extra;
+    extra.form = form;
+    extra.range = range;
+    extra.formula_details = raw;
+    if (!pending_) return;
+    array_ = std::pair{record, std::move(extra)};
+  }
+
+  // Stores a formula once all its records have come.
+  void store_pending() {
+    const Pending made = *std::exchange(pending_, std::nullopt);
+    auto array = std::exchange(array_, std::nullopt);
+    if (!filter_.keeps(made.at.row)) return;
+    const bool is_first = array && array->second.range.row_first == made.at.row &&
+                          array->second.range.column_first == made.at.column;
+    if (is_first) {
+      CellRecord record = array->first;
+      record.value = made.value;
+      record.extra = sheet_.keep_extra(std::move(array->second));
+      return put_record(made, record);
+    }
+    CellRecord record;
+    record.value = made.value;
+    if (!made.elsewhere) {
+      record.formula = sheet_.keep_text(made.formula);
+      if (!made.raw.empty()) {
+        CellExtra extra;
+        extra.formula_details = made.raw;
+        record.extra = sheet_.keep_extra(std::move(extra));
+      }
+      return put_record(made, record);
+    }
+    if (arrays_.contains(*made.elsewhere))
+      return put(made.at.row, SheetContents::make_cell(made.at.column, made.value, made.style));
+    const auto group = shared_.find(*made.elsewhere);
+    if (group == shared_.end()) waiting_.push_back({made.at, *made.elsewhere});
+    else share(group->second, made.at, record);
+    put_record(made, record);
+  }
+
+  void put_record(const Pending& made, const CellRecord& record) {
+    Cell cell;
+    cell.bits = sheet_.keep_record(record);
+    cell.style = made.style;
+    cell.column = static_cast<std::uint16_t>(made.at.column);
+    cell.kind = CellKind::kRecord;
+    put(made.at.row, cell);
+  }
+
+  void share(const Shared& group, CellAddress at, CellRecord& record) {
+    if (group.number != 0 && group.range.contains(at.row, at.column)) record.shared = group.number;
+    else if (tokens_.read(group.tokens, group.behind, {&context_.sheet, at}))
+      record.formula = sheet_.keep_text(tokens_.text());
+  }
+
+  // Files may name a group that comes later, or none: then the value is all there is.
+  void resolve_waiting() {
+    for (const auto& [at, elsewhere] : waiting_) {
+      const Cell* cell = sheet_.cells.find(at.row, at.column);
+      const auto group = shared_.find(elsewhere);
+      if (!cell || cell->kind != CellKind::kRecord || group == shared_.end()) continue;
+      CellRecord record = *sheet_.record(*cell);
+      if (record.has_formula()) continue;
+      share(group->second, at, record);
+      if (record.shared != 0)
+        sheet_.record(*sheet_.cells.find(at.row, at.column))->shared = record.shared;
+      else
+        sheet_.set_formula(*sheet_.record(*sheet_.cells.find(at.row, at.column)), record.formula);
+    }
+  }
+
+  void read_row(std::string_view data) {
+    constexpr unsigned kUsualHeight = 0x8000;
+    constexpr unsigned kCollapsed = 0x10;
+    constexpr unsigned kHidden = 0x20;
+    constexpr unsigned kCustomHeight = 0x40;
+    constexpr unsigned kHasFormat = 0x80;
+    need(16);
+    const int row = get16(data, 0);
+    if (!filter_.keeps(row)) return;
+    const unsigned height = get16(data, 6);
+    const unsigned flags = get16(data, 12);
+    RowProperties its;
+    its.custom_height = (flags & kCustomHeight) != 0;
+    const double points = (height & ~kUsualHeight) / 20.0;
+    const bool usual = (height & kUsualHeight) != 0 || points == sheet_.default_row_height;
+    if (its.custom_height || !usual) its.height = points;
+    its.hidden = (flags & kHidden) != 0;
+    its.collapsed = (flags & kCollapsed) != 0;
+    its.outline_level = static_cast<std::uint8_t>(flags & 7);
+    if ((flags & kHasFormat) != 0) its.style = context_.globals.format(get16(data, 14) & 0xFFFU);
+    // Where rows are hidden, those that are not are told of by standing here.
+    if (its == RowProperties() && !sheet_.hides_rows) return;
+    row_ = &sheet_.cells.row_at(row);
+    if (row_->properties == 0) {
+      sheet_.row_properties.emplace_back();
+      row_->properties = static_cast<std::uint32_t>(sheet_.row_properties.size());
+    }
+    sheet_.row_properties[row_->properties - 1] = its;
+  }
+
+  // The text of a box stands in the records that continue it.
+  void read_box() {
+    note_group(RecordGroup::kDrawing);
+    const std::string_view data = reader_.data();
+    const std::uint16_t box = std::exchange(reading_.box, 0);
+    if (box == 0 || data.size() < 12) return;
+    const std::size_t length = get16(data, 10);
+    std::string& text = reading_.boxes[box];
+    text.clear();
+    if (length == 0) return;
+    ContinuedData in(reader_);
+    in.skip(data.size());
+    in.take_characters(length, false, text);
+  }
+
+  // A chart that lies in the sheet, with what it consists of.
+  void skip_substream() {
+    note_group(RecordGroup::kCarried);
+    for (std::size_t depth = 1; depth > 0;) {
+      if (!reader_.next()) reader_.fail("ends too early");
+      if (reader_.id() == kBof) ++depth;
+      else if (reader_.id() == kEof) --depth;
+    }
+  }
+
+  RecordReader& reader_;
+  const SheetContext& context_;
+  const Grid grid_;
+  const RowFilter filter_;
+  SheetContents& sheet_;
+  SheetPart& part_;
+  SheetReading reading_;
+  TokenReader tokens_;
+  Row* row_ = nullptr;  // met last
+  std::optional<Pending> pending_;
+  std::optional<std::pair<CellRecord, CellExtra>> array_;  // that the pending formula begins
+  std::map<CellAddress, Shared> shared_;
+  std::set<CellAddress> arrays_;  // where cells of arrays say that the formula stands
+  std::vector<Waiting> waiting_;
+};
+
+}  // namespace
+
+void read_sheet(RecordReader& reader, const SheetContext& context, const RowFilter& filter,
+                SheetContents& contents, SheetFlags& flags, SheetPart& part) {
+  SheetReader(reader, context, filter, contents, flags, part).read();
+}
+
+}  // namespace engine::xls

@@ -1,0 +1,342 @@
+#include "engine/xls/sheet_records.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "engine/workbook/outline.h"
+#include "engine/workbook/page_breaks.h"
+#include "engine/xls/records.h"
+
+namespace engine::xls {
+
+namespace {
+
+constexpr double kTwip = 1.0 / 20;  // points
+
+// Sizes.
+
+void read_column_run(Fields& in, SheetReading& to) {
+  constexpr unsigned kHidden = 0x01;
+  constexpr unsigned kUserSet = 0x02;
+  constexpr unsigned kBestFit = 0x04;
+  constexpr unsigned kCollapsed = 0x1000;
+  ColumnProperties one;
+  one.first = in.take16();
+  one.last = std::min<int>(in.take16(), to.context.workbook.limits.grid.columns - 1);
+  one.width = in.take16() / 256.0;
+  one.style = to.context.globals.format(in.take16());
+  const unsigned flags = in.take16();
+  one.hidden = (flags & kHidden) != 0;
+  one.custom_width = (flags & kUserSet) != 0;
+  one.best_fit = (flags & kBestFit) != 0;
+  one.outline_level = static_cast<std::uint8_t>(flags >> 8 & 7);
+  one.collapsed = (flags & kCollapsed) != 0;
+  if (in.ok()) to.columns.push_back(one);
+}
+
+void read_default_column_width(Fields& in, SheetReading& to) {
+  const int width = in.take16();
+  if (in.ok() && width <= 255) to.sheet.base_column_width = width;
+}
+
+void read_standard_width(Fields& in, SheetReading& to) {
+  const unsigned width = in.take16();
+  if (in.ok()) to.sheet.default_column_width = width / 256.0;
+}
+
+void read_default_row_height(Fields& in, SheetReading& to) {
+  const unsigned flags = in.take16();
+  const double height = in.take16() * kTwip;
+  if (!in.ok()) return;
+  to.sheet.default_row_height = height;
+  to.sheet.hides_rows = (flags & 2) != 0;
+}
+
+void read_options(Fields& in, SheetReading& to) {
+  const unsigned flags = in.take16();
+  if (!in.ok()) return;
+  to.sheet.summary_below = (flags & 0x40) != 0;
+  to.sheet.summary_right = (flags & 0x80) != 0;
+  to.sheet.page.fitted = (flags & 0x100) != 0;
+}
+
+// Pages.
+
+template <double PageSetup::*Margin>
+void read_margin(Fields& in, SheetReading& to) {
+  const double margin = in.take_double();
+  if (in.ok() && margin >= 0 && margin < 50) to.sheet.page.*Margin = margin;
+}
+
+template <bool PageSetup::*Option>
+void read_option(Fields& in, SheetReading& to) {
+  to.sheet.page.*Option = in.take16() == 1;
+}
+
+template <std::string PageSetup::*Text>
+void read_page_text(Fields& in, SheetReading& to) {
+  if (in.at_end()) return;
+  std::string text = in.take_long_text();
+  if (in.ok()) to.sheet.page.*Text = std::move(text);
+}
+
+void read_page_setup(Fields& in, SheetReading& to) {
+  constexpr unsigned kPortrait = 0x02;
+  constexpr unsigned kNoPrinter = 0x04;  // paper, scale and orientation say nothing
+  constexpr unsigned kNoOrientation = 0x40;
+  PageSetup page = to.sheet.page;
+  const int paper = in.take16();
+  const int zoom = in.take16();
+  in.skip(2);
+  page.pages_wide = in.take16();
+  page.pages_tall = in.take16();
+  const unsigned flags = in.take16();
+  in.skip(4);
+  const double header = in.take_double();
+  const double footer = in.take_double();
+  if (!in.ok()) return;
+  if ((flags & kNoPrinter) == 0) {
+    page.paper = paper;
+    if (zoom >= 10 && zoom <= 400) page.zoom = zoom;
+    page.landscape = (flags & (kPortrait | kNoOrientation)) == 0;
+  }
+  if (header >= 0 && header < 50) page.header_margin = header;
+  if (footer >= 0 && footer < 50) page.footer_margin = footer;
+  to.sheet.page = page;
+}
+
+PageBreakList read_breaks(Fields& in, int count, int across) {
+  PageBreakList list;
+  for (std::size_t left = in.take16(); left > 0 && !in.at_end(); --left) {
+    PageBreak one;
+    one.at = in.take16();
+    one.first = in.take16();
+    one.last = std::min<int>(in.take16(), across - 1);
+    if (in.ok() && one.at > 0 && one.at < count) put_break(list, one);
+  }
+  return list;
+}
+
+void read_row_breaks(Fields& in, SheetReading& to) {
+  const Grid& grid = to.context.workbook.limits.grid;
+  to.sheet.breaks.rows = read_breaks(in, grid.rows, grid.columns);
+}
+
+void read_column_breaks(Fields& in, SheetReading& to) {
+  const Grid& grid = to.context.workbook.limits.grid;
+  to.sheet.breaks.columns = read_breaks(in, grid.columns, grid.rows);
+}
+
+// The view.
+
+void read_window(Fields& in, SheetReading& to) {
+  constexpr unsigned kGridlines = 0x02;
+  constexpr unsigned kFrozen = 0x08;
+  constexpr unsigned kRightToLeft = 0x40;
+  constexpr unsigned kSelected = 0x200;
+  constexpr unsigned kPreview = 0x800;
+  const unsigned flags = in.take16();
+  const int row = in.take16();
+  const int column = in.take16();
+  if (!in.ok()) return;
+  SheetView& view = to.sheet.view;
+  view.gridlines = (flags & kGridlines) != 0;
+  view.right_to_left = (flags & kRightToLeft) != 0;
+  view.top_left = {row, std::min(column, to.context.workbook.limits.grid.columns - 1)};
+  to.frozen = (flags & kFrozen) != 0;
+  to.flags.selected = (flags & kSelected) != 0;
+  to.preview = (flags & kPreview) != 0;
+  in.skip(6);
+  const int normal_zoom = in.take16();
+  if (to.preview && in.ok() && normal_zoom >= 10 && normal_zoom <= 400) view.zoom = normal_zoom;
+}
+
+// What it scales is what the window shows, which may be pages.
+void read_zoom(Fields& in, SheetReading& to) {
+  const int numerator = in.take16();
+  const int denominator = in.take16();
+  if (!in.ok() || denominator == 0 || to.preview) return;
+  const long zoom = std::lround(100.0 * numerator / denominator);
+  if (zoom >= 10 && zoom <= 400) to.sheet.view.zoom = static_cast<int>(zoom);
+}
+
+// A pane that is not frozen is a bar that can be moved.
+void read_pane(Fields& in, SheetReading& to) {
+  const int columns = in.take16();
+  const int rows = in.take16();
+  const int row = in.take16();
+  const int column = in.take16();
+  if (!in.ok() || !to.frozen) return;
+  SheetView& view = to.sheet.view;
+  view.frozen_from = view.top_left;
+  view.frozen_rows = rows;
+  view.frozen_columns = columns;
+  if (rows != 0) view.top_left.row = row;
+  if (columns != 0) view.top_left.column = std::min(column, 255);
+}
+
+void read_reference_mode(Fields& in, SheetReading& to) {
+  to.flags.r1c1 = in.take16() == 0 && in.ok();
+}
+
+// Protection.
+
+void read_protect(Fields& in, SheetReading& to) { to.sheet.protection.on = in.take16() == 1; }
+
+void read_password(Fields& in, SheetReading& to) {
+  to.sheet.protection.password.short_hash = in.take16();
+}
+
+void read_object_protect(Fields& in, SheetReading& to) { to.objects_locked = in.take16() == 1; }
+void read_scenario_protect(Fields& in, SheetReading& to) { to.scenarios_locked = in.take16() == 1; }
+
+void read_feature_header(Fields& in, SheetReading& to) {
+  constexpr unsigned kProtectionFeature = 2;
+  in.skip(12);
+  if (in.take16() != kProtectionFeature) return;
+  in.skip(1);
+  const bool has_data = in.take32() != 0;
+  const std::uint32_t allowed = in.take32();
+  if (!has_data || !in.ok()) return;
+  to.sheet.protection.allowed = allowed & kAllowAll;
+  to.has_features = true;
+}
+
+// Other things.
+
+void read_merges(Fields& in, SheetReading& to) {
+  const Grid& grid = to.context.workbook.limits.grid;
+  for (std::size_t left = in.take16(); left > 0 && !in.at_end(); --left) {
+    CellRange range;
+    range.row_first = in.take16();
+    range.row_last = in.take16();
+    range.column_first = in.take16();
+    range.column_last = in.take16();
+    const bool in_order =
+        range.row_first <= range.row_last && range.column_first <= range.column_last;
+    const bool single =
+        range.row_first == range.row_last && range.column_first == range.column_last;
+    if (in.ok() && in_order && !single && grid.holds(range.row_last, range.column_last))
+      to.sheet.merges.add(range);
+  }
+}
+
+void read_tab(Fields& in, SheetReading& to) {
+  in.skip(16);
+  const std::uint32_t color = in.take32() & 0x7F;
+  if (in.ok() && color >= kPaletteFirst && color < kPaletteFirst + kPaletteSize)
+    to.sheet.tab_color = Color::indexed(color);
+}
+
+// The first thing of an object tells its kind and number.
+void read_object(Fields& in, SheetReading& to) {
+  constexpr unsigned kCommon = 0x15;
+  constexpr unsigned kNoteBox = 0x19;
+  const unsigned first = in.take16();
+  in.skip(2);
+  const unsigned kind = in.take16();
+  const std::uint16_t number = in.take16();
+  to.box = in.ok() && first == kCommon && kind == kNoteBox ? number : std::uint16_t{0};
+}
+
+// Stands behind the objects.
+void read_note(Fields& in, SheetReading& to) {
+  CellAddress cell;
+  cell.row = in.take16();
+  cell.column = in.take16();
+  in.skip(2);
+  const auto box = to.boxes.find(in.take16());
+  if (!in.ok() || !to.context.workbook.limits.grid.holds(cell.row, cell.column)) return;
+  Comment made;
+  if (box != to.boxes.end()) made.text = box->second;
+  made.author = in.take_long_text();
+  if (!in.ok()) made.author.clear();
+  to.sheet.comments.insert_or_assign(cell, std::move(made));
+}
+
+// Ascending.
+constexpr SheetRecord kSheetRecords[] = {
+    {kFormula, RecordGroup::kCells, nullptr},
+    {kReferenceMode, RecordGroup::kCarried, read_reference_mode},
+    {kProtect, RecordGroup::kProtection, read_protect},
+    {kPassword, RecordGroup::kProtection, read_password},
+    {kHeader, RecordGroup::kPage, read_page_text<&PageSetup::header>},
+    {kFooter, RecordGroup::kPage, read_page_text<&PageSetup::footer>},
+    {kVerticalBreaks, RecordGroup::kBreaks, read_column_breaks},
+    {kHorizontalBreaks, RecordGroup::kBreaks, read_row_breaks},
+    {kNote, RecordGroup::kNotes, read_note},
+    {kLeftMargin, RecordGroup::kPage, read_margin<&PageSetup::left_margin>},
+    {kRightMargin, RecordGroup::kPage, read_margin<&PageSetup::right_margin>},
+    {kTopMargin, RecordGroup::kPage, read_margin<&PageSetup::top_margin>},
+    {kBottomMargin, RecordGroup::kPage, read_margin<&PageSetup::bottom_margin>},
+    {kPrintHeadings, RecordGroup::kPage, read_option<&PageSetup::headings>},
+    {kPrintGridlines, RecordGroup::kPage, read_option<&PageSetup::gridlines>},
+    {kPane, RecordGroup::kView, read_pane},
+    {kDefaultColumnWidth, RecordGroup::kSizes, read_default_column_width},
+    {kObject, RecordGroup::kDrawing, read_object},
+    {kObjectProtect, RecordGroup::kProtection, read_object_protect},
+    {kColumns, RecordGroup::kSizes, read_column_run},
+    {kGuts, RecordGroup::kOutline, nullptr},
+    {kSheetOptions, RecordGroup::kOutline, read_options},
+    {kGridSet, RecordGroup::kPage, nullptr},
+    {kCenterAcross, RecordGroup::kPage, read_option<&PageSetup::centered_across>},
+    {kCenterDown, RecordGroup::kPage, read_option<&PageSetup::centered_down>},
+    {kStandardWidth, RecordGroup::kSizes, read_standard_width},
+    {kZoom, RecordGroup::kView, read_zoom},
+    {kPageSetup, RecordGroup::kPage, read_page_setup},
+    {kMulRk, RecordGroup::kCells, nullptr},
+    {kMulBlank, RecordGroup::kCells, nullptr},
+    {kRichText, RecordGroup::kCells, nullptr},
+    {kDbCell, RecordGroup::kCells, nullptr},
+    {kScenarioProtect, RecordGroup::kProtection, read_scenario_protect},
+    {kMerges, RecordGroup::kMerges, read_merges},
+    {kDrawing, RecordGroup::kDrawing, nullptr},
+    {kTextCell, RecordGroup::kCells, nullptr},
+    {kTextBox, RecordGroup::kDrawing, nullptr},
+    {kLink, RecordGroup::kLinks, read_link},
+    {kDimensions, RecordGroup::kCells, nullptr},
+    {kBlank, RecordGroup::kCells, nullptr},
+    {kNumber, RecordGroup::kCells, nullptr},
+    {kLabel, RecordGroup::kCells, nullptr},
+    {kBooleanOrError, RecordGroup::kCells, nullptr},
+    {kString, RecordGroup::kCells, nullptr},
+    {kRow, RecordGroup::kCells, nullptr},
+    {kIndex, RecordGroup::kCells, nullptr},
+    {kArray, RecordGroup::kCells, nullptr},
+    {kDefaultRowHeight, RecordGroup::kSizes, read_default_row_height},
+    {kDataTable, RecordGroup::kCells, nullptr},
+    {kWindow2, RecordGroup::kView, read_window},
+    {kRk, RecordGroup::kCells, nullptr},
+    {kShared, RecordGroup::kCells, nullptr},
+    {kSheetExtension, RecordGroup::kTab, read_tab},
+    {kFeatureHeader, RecordGroup::kProtection, read_feature_header},
+};
+static_assert(std::ranges::is_sorted(kSheetRecords, {}, &SheetRecord::id));
+
+}  // namespace
+
+const SheetRecord* find_sheet_record(std::uint16_t id) {
+  const auto* const found = std::ranges::lower_bound(kSheetRecords, id, {}, &SheetRecord::id);
+  return found != std::end(kSheetRecords) && found->id == id ? found : nullptr;
+}
+
+void finish_sheet_records(SheetReading& reading) {
+  std::ranges::stable_sort(reading.columns, {}, &ColumnProperties::first);
+  int free = 0;  // the first column that no run tells of so far
+  for (ColumnProperties& one : reading.columns) {
+    one.first = std::max(one.first, free);
+    if (one.first > one.last) continue;
+    free = one.last + 1;
+    reading.sheet.columns.append(one);
+  }
+  Protection& protection = reading.sheet.protection;
+  if (!protection.on) {
+    protection = {};
+  } else if (!reading.has_features) {
+    // As programs did that know no finer protection.
+    if (!reading.objects_locked) protection.allowed |= kAllowObjects;
+    if (!reading.scenarios_locked) protection.allowed |= kAllowScenarios;
+  }
+}
+
+}  // namespace engine::xls

@@ -1,0 +1,52 @@
+// The records of a worksheet beside its cells: to which group each belongs and how it is read.
+//
+// Whatever is too short or makes no sense is passed over and leaves the model as it was.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/workbook/sheet.h"
+#include "engine/xls/fields.h"
+#include "engine/xls/sheet_part.h"
+#include "engine/xls/sheet_reader.h"
+
+namespace engine::xls {
+
+// What is gathered while the records of a sheet come by.
+struct SheetReading {
+  SheetReading(const SheetContext& its_context, SheetContents& contents, SheetFlags& its_flags)
+      : context(its_context), sheet(contents), flags(its_flags) {}
+
+  const SheetContext& context;
+  SheetContents& sheet;
+  SheetFlags& flags;
+  std::vector<ColumnProperties> columns;       // in the file's order
+  std::map<std::uint16_t, std::string> boxes;  // texts of notes by the numbers of their boxes
+  std::uint16_t box = 0;  // the note's box that was met last; 0 for other things
+  bool frozen = false;
+  bool preview = false;  // the view shows pages
+  bool has_features = false;
+  bool objects_locked = false;
+  bool scenarios_locked = false;
+};
+
+struct SheetRecord {
+  std::uint16_t id;
+  RecordGroup group;
+  void (*read)(Fields& in, SheetReading& to);  // null for what only belongs to a group
+};
+
+// The entry of a record; null for one that the model has nothing of.
+const SheetRecord* find_sheet_record(std::uint16_t id);
+
+// Puts together what several records say.
+void finish_sheet_records(SheetReading& reading);
+
+// In files of their own: links, and the objects that notes lie in.
+void read_link(Fields& in, SheetReading& to);
+
+}  // namespace engine::xls

@@ -1,0 +1,158 @@
+#include "engine/xls/styles_read.h"
+
+#include <algorithm>
+
+#include "engine/xls/fields.h"
+
+namespace engine::xls {
+
+namespace {
+
+constexpr std::uint16_t kNoFont = 4;
+constexpr std::size_t kAlikeFonts = 4;
+constexpr unsigned kBoldWeight = 600;
+constexpr std::uint32_t kAutomaticColor = 0x7FFF;
+constexpr std::uint32_t kLastColor = 65;
+constexpr unsigned kStyleFlag = 4;  // of a named style's format
+
+// An entry of the palette or one of the system's colours; anything else is as good as none.
+Color color_of(std::uint32_t number, std::uint32_t absent) {
+  if (number == absent || number == kAutomaticColor || number > kLastColor) return {};
+  return Color::indexed(number);
+}
+
+FontRecord read_font(std::string_view record) {
+  Fields in(record);
+  FontRecord made;
+  made.size = std::clamp(in.take16() / 20.0, 1.0, static_cast<double>(kMaxFontSize));
+  const unsigned flags = in.take16();
+  made.italic = (flags & 2) != 0;
+  made.strike_out = (flags & 8) != 0;
+  made.color = color_of(in.take16(), kAutomaticColor);
+  made.bold = in.take16() >= kBoldWeight;
+  const unsigned script = in.take16();
+  made.script = static_cast<std::uint8_t>(script <= 2 ? script : 0);
+  const unsigned underline = in.take8();
+  const bool known = underline <= 2 || underline == 33 || underline == 34;
+  made.underline = static_cast<std::uint8_t>(known ? underline : 0);
+  in.skip(3);
+  made.name = in.take_short_text();
+  return made;
+}
+
+// A side without a line has no colour, whatever stands there.
+BorderSide read_side(std::uint32_t style, std::uint32_t color) {
+  BorderSide side;
+  if (style == 0 || style > 13) return side;
+  side.style = static_cast<std::uint8_t>(style);
+  side.color = color_of(color, kAutomaticColor);
+  return side;
+}
+
+Alignment read_alignment(Fields& in) {
+  constexpr unsigned kMaxRotation = 180;
+  constexpr unsigned kStacked = 255;
+  Alignment made;
+  const unsigned align = in.take8();
+  made.horizontal = align & 7;
+  made.wrap = (align & 8) != 0;
+  const unsigned vertical = align >> 4 & 7;
+  if (vertical <= 4) made.vertical = static_cast<std::uint8_t>(vertical);
+  const unsigned rotation = in.take8();
+  if (rotation <= kMaxRotation || rotation == kStacked)
+    made.rotation = static_cast<std::uint8_t>(rotation);
+  const unsigned more = in.take8();
+  made.indent = more & 15;
+  made.shrink_to_fit = (more & 16) != 0;
+  return made;
+}
+
+FormatRecord read_format(std::string_view record, const std::vector<std::uint32_t>& fonts) {
+  Fields in(record);
+  FormatRecord made;
+  const std::size_t font = in.take16();
+  made.font = font < fonts.size() ? fonts[font] : 0;
+  made.number_format = in.take16();
+  const unsigned flags = in.take16();
+  made.locked = (flags & 1) != 0;
+  made.hidden = (flags & 2) != 0;
+  made.alignment = read_alignment(in);
+  in.skip(1);
+  const std::uint32_t lines = in.take32();
+  const std::uint32_t colors = in.take32();
+  Border& border = made.border;
+  border.left = read_side(lines & 15, lines >> 16 & 0x7F);
+  border.right = read_side(lines >> 4 & 15, lines >> 23 & 0x7F);
+  border.top = read_side(lines >> 8 & 15, colors & 0x7F);
+  border.bottom = read_side(lines >> 12 & 15, colors >> 7 & 0x7F);
+  border.diagonal = read_side(colors >> 21 & 15, colors >> 14 & 0x7F);
+  border.diagonals = static_cast<std::uint8_t>(lines >> 30);
+  const std::uint32_t pattern = colors >> 26;
+  const std::uint32_t fill = in.take16();
+  if (pattern <= 18) made.fill.pattern = static_cast<std::uint8_t>(pattern);
+  made.fill.foreground = color_of(fill & 0x7F, 64);
+  made.fill.background = color_of(fill >> 7 & 0x7F, 65);
+  return made;
+}
+
+bool is_of_style(std::string_view format) {
+  Fields in(format);
+  in.skip(4);
+  return (in.take16() & kStyleFlag) != 0;
+}
+
+std::size_t font_of(std::string_view format) { return Fields(format).take16(); }
+
+// The number that formats call the font record of that place by.
+std::size_t number_of_font(std::size_t place) { return place < kNoFont ? place : place + 1; }
+
+}  // namespace
+
+// Gives the fonts' numbers in the model by those of the file.
+std::vector<std::uint32_t> StylesReader::append_fonts(Styles& styles) const {
+  std::vector<bool> used(number_of_font(fonts_.size()) + 1);
+  for (const std::string& format : formats_)
+    if (!is_of_style(format) && font_of(format) < used.size()) used[font_of(format)] = true;
+  std::vector<std::uint32_t> numbers(used.size());
+  for (std::size_t place = 0; place < fonts_.size(); ++place) {
+    const bool spare =
+        place > 0 && place < kAlikeFonts && fonts_[place] == fonts_[0] && !used[place];
+    if (spare) continue;
+    numbers[number_of_font(place)] = styles.font_count();
+    styles.append_font(read_font(fonts_[place]));
+  }
+  return numbers;
+}
+
+std::vector<std::uint32_t> StylesReader::finish(Styles& styles) const {
+  styles.begin_file_entries();
+  Fields palette(palette_);
+  const std::size_t colors = std::min<std::size_t>(palette.take16(), kPaletteSize);
+  for (std::size_t i = 0; i < colors && !palette.at_end(); ++i) {
+    const std::uint32_t red = palette.take8();
+    const std::uint32_t green = palette.take8();
+    const std::uint32_t blue = palette.take8();
+    palette.skip(1);
+    if (palette.ok()) styles.colors.palette[i] = red << 16 | green << 8 | blue;
+  }
+  for (const std::string& format : number_formats_) {
+    Fields in(format);
+    const std::uint16_t id = in.take16();
+    const std::string code = in.take_long_text();
+    if (in.ok()) styles.define_number_format(id, code);
+  }
+  const std::vector<std::uint32_t> fonts = append_fonts(styles);
+  std::vector<std::uint32_t> numbers;
+  std::uint32_t count = 0;
+  for (const std::string& format : formats_) {
+    const bool of_cells = !is_of_style(format);
+    numbers.push_back(of_cells ? count : 0);
+    if (!of_cells) continue;
+    styles.append_format(read_format(format, fonts));
+    ++count;
+  }
+  styles.end_of_file_entries();
+  return numbers;
+}
+
+}  // namespace engine::xls
