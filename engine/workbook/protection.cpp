@@ -14,6 +14,7 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "engine/text/utf16.h"
 #include "engine/text/wide.h"
 
 namespace engine {
@@ -47,15 +48,6 @@ std::string base64(std::string_view bytes) {
                   reinterpret_cast<const unsigned char*>(bytes.data()),
                   static_cast<int>(bytes.size()));
   return text;
-}
-
-std::string utf16_bytes(std::string_view text) {
-  std::string bytes;
-  for (const wchar_t unit : to_wide(text)) {
-    bytes.push_back(static_cast<char>(unit & 0xFF));
-    bytes.push_back(static_cast<char>(unit >> 8));
-  }
-  return bytes;
 }
 
 // Characters of code page 1252 from 0x80 to 0x9F; the others are numbered as in Unicode.

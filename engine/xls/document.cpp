@@ -64,7 +64,7 @@ void Document::look_at_tabs(Workbook& book) {
   for (const auto& sheet : book.sheets()) {
     if (sheet->kind == SheetKind::kWorksheet && has_mode) continue;
     try {
-      RecordReader reader(stream_, sheets_.at(sheet.get()).begin);
+      RecordReader reader(stream_, sheets_.at(sheet.get()).begin, globals_.cipher);
       while (reader.next() && reader.id() != kEof && reader.id() != kDimensions) {
         Fields in(reader.data());
         if (reader.id() == kReferenceMode && sheet->kind == SheetKind::kWorksheet) {
@@ -90,7 +90,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   if (sheet.loading == Loading::kPartly)
     filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false};
   SheetFlags flags;
-  RecordReader reader(stream_, part.begin, sheet.name());
+  RecordReader reader(stream_, part.begin, globals_.cipher, sheet.name());
   const SheetContext context{book, globals_, sheet, book.strings.count_from_file(), 0};
   xls::read_sheet(reader, context, filter, contents, flags, part);
   part.read = true;
@@ -108,7 +108,7 @@ std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
   SheetPart part;
   SheetFlags flags;
   const RowFilter filter{sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, true};
-  RecordReader reader(stream_, sheets_.at(&sheet).begin, sheet.name());
+  RecordReader reader(stream_, sheets_.at(&sheet).begin, globals_.cipher, sheet.name());
   const std::uint32_t texts = book.strings.count_from_file();
   xls::read_sheet(reader, {outside->texts, globals_, sheet, texts, texts}, filter, contents, flags,
                   part);

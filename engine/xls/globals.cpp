@@ -70,7 +70,9 @@ class GlobalsReader {
     Fields in(reader_.data());
     switch (reader_.id()) {
       case kFilePass:
-        throw package::FileError("is protected by a password");
+        globals_.cipher = default_cipher(reader_.data());
+        reader_.decrypt_with(*globals_.cipher);
+        break;
       case kTemplate:
         book_.is_template = true;
         break;

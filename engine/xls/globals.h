@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,7 @@
 namespace engine::xls {
 
 struct Globals {
+  std::optional<Cipher> cipher;  // of an encrypted stream
   LinkTable links;
   std::vector<std::uint32_t> sheets;   // where their substreams begin, in the file's order
   std::vector<std::uint32_t> formats;  // numbers in the model by those of the file

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cstring>
+#include <span>
 
 #include "engine/package/file_error.h"
 #include "engine/package/little_endian.h"
@@ -26,8 +26,8 @@ std::string hexadecimal(unsigned number) {
 }  // namespace
 
 RecordReader::RecordReader(const package::CompoundStream& stream, std::uint64_t offset,
-                           std::string_view sheet)
-    : stream_(stream), sheet_(sheet), offset_(offset), next_(offset) {}
+                           const std::optional<Cipher>& cipher, std::string_view sheet)
+    : stream_(stream), sheet_(sheet), offset_(offset), next_(offset), cipher_(cipher) {}
 
 // Brings bytes into the window: as they lie in memory where they do in one piece, else a copy.
 bool RecordReader::reach(std::uint64_t offset, std::size_t count) {
@@ -55,7 +55,19 @@ bool RecordReader::next() {
   at = static_cast<std::size_t>(offset_ - window_begin_);
   data_ = window_.substr(at + kHeaderSize, size);
   next_ = offset_ + kHeaderSize + size;
+  if (cipher_) decrypt();
   return true;
+}
+
+// A few records are needed to get so far, and one of them says where sheets begin.
+void RecordReader::decrypt() {
+  constexpr std::uint16_t kPlain[] = {kBof,  kFilePass, kInterfaceHeader, 0x138, 0x194,
+                                      0x195, 0x196};
+  if (std::ranges::find(kPlain, id_) != std::end(kPlain)) return;
+  const std::size_t plain = id_ == kBoundSheet ? std::min<std::size_t>(4, data_.size()) : 0;
+  decrypted_ = data_;
+  cipher_->apply(offset_ + kHeaderSize + plain, std::span(decrypted_).subspan(plain));
+  data_ = decrypted_;
 }
 
 std::uint16_t RecordReader::next_id() {
@@ -68,7 +80,7 @@ std::uint16_t RecordReader::next_id() {
 }
 
 std::string_view RecordReader::whole_data() {
-  if (next_id() != kContinueId) return data_;
+  if (next_id() != kContinue) return data_;
   whole_ = data_;
   const std::uint64_t offset = offset_;
   const std::uint16_t id = id_;

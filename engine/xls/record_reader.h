@@ -7,11 +7,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "engine/package/compound_file.h"
+#include "engine/xls/cipher.h"
+#include "engine/xls/records.h"
 
 namespace engine::xls {
 
@@ -19,7 +22,10 @@ class RecordReader {
  public:
   // The stream outlives this. `sheet` names the sheet in messages.
   RecordReader(const package::CompoundStream& stream, std::uint64_t offset,
-               std::string_view sheet = {});
+               const std::optional<Cipher>& cipher = {}, std::string_view sheet = {});
+
+  // The records from here on are encrypted.
+  void decrypt_with(const Cipher& cipher) { cipher_ = cipher; }
 
   // Goes to the next record; false at the end of the stream.
   bool next();
@@ -34,17 +40,17 @@ class RecordReader {
   std::uint16_t next_id();
 
   // Goes on to the next record if it continues this one.
-  bool next_part() { return next_id() == kContinueId && next(); }
+  bool next_part() { return next_id() == kContinue && next(); }
   // The data with that of all records that continue this one, which are passed.
   std::string_view whole_data();
 
   [[noreturn]] void fail(std::string_view what) const;
 
  private:
-  static constexpr std::uint16_t kContinueId = 0x3C;
   static constexpr std::size_t kHeaderSize = 4;
 
   bool reach(std::uint64_t offset, std::size_t count);
+  void decrypt();
 
   const package::CompoundStream& stream_;
   const std::string_view sheet_;
@@ -56,6 +62,8 @@ class RecordReader {
   std::uint16_t id_ = 0;
   std::string_view data_;
   std::string whole_;
+  std::optional<Cipher> cipher_;
+  std::string decrypted_;
 };
 
 // A record's data and those of the records that continue it, taken from the front. What is not
