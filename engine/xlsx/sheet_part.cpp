@@ -28,7 +28,8 @@ std::vector<NamedPart> table_parts(const Parts& parts, const SheetPart& sheet) {
     if (one.part && std::ranges::find(found, one.part, &NamedPart::part) == found.end())
       found.push_back(one);
   };
-  const pugi::xml_node list = package::child(sheet.tree->root(), Family::Main, "tableParts");
+  const pugi::xml_node root = sheet.tree ? sheet.tree->root() : pugi::xml_node();
+  const pugi::xml_node list = package::child(root, Family::Main, "tableParts");
   for (const pugi::xml_node table : package::children(list, Family::Main, "tablePart"))
     add(parts.named_by(table, sheet.part));
   for (const Relationship& one : parts.relationships(sheet.part))
