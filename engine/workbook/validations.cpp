@@ -72,7 +72,7 @@ struct Validations::Cut {
 };
 
 // Most cuts leave the corner where it is, which the first ranges tell.
-void Validations::settle(Cut& cut, const Validation& rule, const Grid& grid) const {
+void Validations::settle(Cut& cut, const Validation& rule, const Grid& grid) {
   std::ranges::sort(cut.lost, RangeLess());
   constexpr int kFar = std::numeric_limits<int>::max();
   cut.corner = {kFar, kFar};

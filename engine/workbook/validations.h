@@ -92,7 +92,7 @@ class Validations {
  private:
   struct Cut;
 
-  void settle(Cut& cut, const Validation& rule, const Grid& grid) const;
+  static void settle(Cut& cut, const Validation& rule, const Grid& grid);
   void drop_free_slots();
   void make_index();
 

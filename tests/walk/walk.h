@@ -46,6 +46,7 @@ Group views();
 Group pages();
 Group names_and_links();
 Group rules();
+Group filters_and_tables();
 Group formats();
 Group fonts();
 Group general();

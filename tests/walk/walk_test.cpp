@@ -17,6 +17,7 @@
 #include "devhost/fm/function_registry.h"
 #include "devhost/fm/unicode.h"
 #include "devhost/program/plugin_module.h"
+#include "tests/walk/files.h"
 
 namespace walk {
 namespace {
@@ -25,10 +26,22 @@ using devhost::utf16_from_utf8;
 using devhost::utf8_from_utf16;
 
 constexpr Group (*kGroups[])() = {
-    books,    sheets_of_books, formats_of_books, dates_and_colors,
-    settings, cells,           structure,        moves,
-    views,    pages,           names_and_links,  rules,
-    formats,  fonts,           general,
+    books,
+    sheets_of_books,
+    formats_of_books,
+    dates_and_colors,
+    settings,
+    cells,
+    structure,
+    moves,
+    views,
+    pages,
+    names_and_links,
+    rules,
+    filters_and_tables,
+    formats,
+    fonts,
+    general,
 };
 
 struct Format {
@@ -138,6 +151,7 @@ TEST(Walk, EveryFunctionDoesAndTellsWhatItShall) {
       std::filesystem::path(testing::TempDir()) / "walk_over_functions";
   std::filesystem::create_directories(folder);
   std::filesystem::current_path(folder);
+  write_files();
   Walker walker;
   for (const Format& format : kFormats)
     for (const auto& group : kGroups) work_off(walker, group(), format);

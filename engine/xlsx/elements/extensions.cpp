@@ -17,7 +17,8 @@ using package::Family;
 // Whether an element of the shared namespace belongs to a validation.
 bool is_of_validation(pugi::xml_node node) {
   const pugi::xml_node parent = node.parent();
-  return is_extended_validation(parent) || is_extended_validation(parent.parent());
+  return package::local_name(parent) == "dataValidation" ||
+         package::local_name(parent.parent()) == "dataValidation";
 }
 
 }  // namespace
