@@ -134,34 +134,39 @@ void FormatObject::setShrinkToFit(bool shrinkToFit) {
 
 libxl::BorderStyle FormatObject::side_style(Side side) const {
   return run(libxl::BorderNone,
-             [&] { return static_cast<libxl::BorderStyle>((record().border.*side).style); });
+             [&] { return static_cast<libxl::BorderStyle>((border().*side).style); });
 }
 
 void FormatObject::set_side_style(Side side, libxl::BorderStyle style) {
   run([&] {
     if (!check("border style", style, libxl::BorderSlantDashDot)) return;
-    (change(kFormatBorder).border.*side).style = static_cast<std::uint8_t>(style);
+    Border changed = border();
+    (changed.*side).style = static_cast<std::uint8_t>(style);
+    styles().set_border(index_, changed);
   });
 }
 
 libxl::Color FormatObject::side_color(Side side) const {
   return run(libxl::ColorDefaultForeground,
-             [&] { return number((record().border.*side).color, kForegroundNumber); });
+             [&] { return number((border().*side).color, kForegroundNumber); });
 }
 
 void FormatObject::set_side_color(Side side, libxl::Color color) {
   run([&] {
     Color stored;
     if (!check_color(color, &stored)) return;
-    (change(kFormatBorder).border.*side).color = stored;
+    Border changed = border();
+    (changed.*side).color = stored;
+    styles().set_border(index_, changed);
   });
 }
 
 void FormatObject::setBorder(libxl::BorderStyle style) {
   run([&] {
     if (!check("border style", style, libxl::BorderSlantDashDot)) return;
-    Border& border = change(kFormatBorder).border;
-    for (const Side side : kSides) (border.*side).style = static_cast<std::uint8_t>(style);
+    Border changed = border();
+    for (const Side side : kSides) (changed.*side).style = static_cast<std::uint8_t>(style);
+    styles().set_border(index_, changed);
   });
 }
 
@@ -169,8 +174,9 @@ void FormatObject::setBorderColor(libxl::Color color) {
   run([&] {
     Color stored;
     if (!check_color(color, &stored)) return;
-    Border& border = change(kFormatBorder).border;
-    for (const Side side : kSides) (border.*side).color = stored;
+    Border changed = border();
+    for (const Side side : kSides) (changed.*side).color = stored;
+    styles().set_border(index_, changed);
   });
 }
 
@@ -214,62 +220,69 @@ void FormatObject::setBorderDiagonalColor(libxl::Color color) {
 
 libxl::BorderDiagonal FormatObject::borderDiagonal() const {
   return run(libxl::DiagonalNone,
-             [&] { return static_cast<libxl::BorderDiagonal>(record().border.diagonals); });
+             [&] { return static_cast<libxl::BorderDiagonal>(border().diagonals); });
 }
 
 // A diagonal without a style would not show.
-void FormatObject::setBorderDiagonal(libxl::BorderDiagonal border) {
+void FormatObject::setBorderDiagonal(libxl::BorderDiagonal diagonals) {
   run([&] {
-    if (!check("diagonal border", border, libxl::DiagonalBoth)) return;
-    Border& changed = change(kFormatBorder).border;
-    changed.diagonals = static_cast<std::uint8_t>(border);
+    if (!check("diagonal border", diagonals, libxl::DiagonalBoth)) return;
+    Border changed = border();
+    changed.diagonals = static_cast<std::uint8_t>(diagonals);
     if (changed.diagonals != 0 && changed.diagonal.style == libxl::BorderNone)
       changed.diagonal.style = libxl::BorderThin;
+    styles().set_border(index_, changed);
   });
 }
 
 // Fill and protection.
 
 // A gradient gives way to whatever is set of a fill.
-Fill& FormatObject::change_fill() {
-  Fill& fill = change(kFormatFill).fill;
+void FormatObject::set_fill(Fill fill) {
   fill.carried = 0;
-  return fill;
+  styles().set_fill(index_, fill);
 }
 
 libxl::FillPattern FormatObject::fillPattern() const {
-  return run(libxl::FillNone,
-             [&] { return static_cast<libxl::FillPattern>(record().fill.pattern); });
+  return run(libxl::FillNone, [&] { return static_cast<libxl::FillPattern>(fill().pattern); });
 }
 
 void FormatObject::setFillPattern(libxl::FillPattern pattern) {
   run([&] {
     if (!check("fill pattern", pattern, libxl::FillGray6)) return;
-    change_fill().pattern = static_cast<std::uint8_t>(pattern);
+    Fill changed = fill();
+    changed.pattern = static_cast<std::uint8_t>(pattern);
+    set_fill(changed);
   });
 }
 
 libxl::Color FormatObject::patternForegroundColor() const {
   return run(libxl::ColorDefaultForeground,
-             [&] { return number(record().fill.foreground, kForegroundNumber); });
+             [&] { return number(fill().foreground, kForegroundNumber); });
 }
 
 void FormatObject::setPatternForegroundColor(libxl::Color color) {
   run([&] {
     Color stored;
-    if (check_color(color, &stored)) change_fill().foreground = stored;
+    if (!check_color(color, &stored)) return;
+    Fill changed = fill();
+    changed.foreground = stored;
+    set_fill(changed);
   });
 }
 
 libxl::Color FormatObject::patternBackgroundColor() const {
   return run(libxl::ColorDefaultBackground,
-             [&] { return number(record().fill.background, kBackgroundNumber); });
+             [&] { return number(fill().background, kBackgroundNumber); });
 }
 
 void FormatObject::setPatternBackgroundColor(libxl::Color color) {
   run([&] {
     Color stored;
-    if (check_color(color, &stored)) change_fill().background = stored;
+    if (!check_color(color, &stored)) return;
+    Fill changed = fill();
+    changed.background = stored;
+    set_fill(changed);
   });
 }
 

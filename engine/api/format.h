@@ -49,7 +49,7 @@ class FormatObject final : public libxl::Format, public BookPart {
   libxl::Color borderBottomColor() const override;
   void setBorderBottomColor(libxl::Color color) override;
   libxl::BorderDiagonal borderDiagonal() const override;
-  void setBorderDiagonal(libxl::BorderDiagonal border) override;
+  void setBorderDiagonal(libxl::BorderDiagonal diagonals) override;
   libxl::BorderStyle borderDiagonalStyle() const override;
   void setBorderDiagonalStyle(libxl::BorderStyle style) override;
   libxl::Color borderDiagonalColor() const override;
@@ -71,7 +71,9 @@ class FormatObject final : public libxl::Format, public BookPart {
   Styles& styles() const { return book_.workbook().styles; }
   const FormatRecord& record() const { return styles().format(index_); }
   FormatRecord& change(unsigned aspects) { return styles().change_format(index_, aspects); }
-  Fill& change_fill();
+  const Border& border() const { return styles().border_of(index_); }
+  const Fill& fill() const { return styles().fill_of(index_); }
+  void set_fill(Fill fill);
 
   bool check(std::string_view property, int value, int last) const;
   bool check_color(libxl::Color color, Color* stored) const;

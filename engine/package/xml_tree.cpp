@@ -149,6 +149,31 @@ std::string refer_to_returns(std::string text) {
   return out;
 }
 
+bool holds(pugi::xml_node node, pugi::xml_node element) {
+  while (element && element != node) element = element.parent();
+  return static_cast<bool>(element);
+}
+
+// The nodes around the cut are written here, as the library writes whole ones only.
+void append_cut(XmlTree::Halves& halves, pugi::xml_node node, pugi::xml_node element,
+                bool& behind) {
+  const auto out = [&]() -> std::string& { return behind ? halves.tail : halves.head; };
+  if (!holds(node, element)) {
+    out().append(serialize_xml(node));
+    return;
+  }
+  out().append("<").append(node.name());
+  for (const auto attribute : node.attributes()) {
+    out().append(" ").append(attribute.name()).append("=\"");
+    append_xml_attribute(out(), attribute.value());
+    out().append("\"");
+  }
+  out().append(">");
+  for (const auto child : node.children()) append_cut(halves, child, element, behind);
+  behind |= node == element;
+  out().append("</").append(node.name()).append(">");
+}
+
 // The namespace that a prefix stands for at an element; null when it is declared nowhere.
 const char* find_uri(pugi::xml_node node, std::string_view prefix) {
   const std::string name =
@@ -191,11 +216,6 @@ std::string attribute_prefix(pugi::xml_node node, Family family) {
   while (root && root.type() != pugi::node_element) root = root.next_sibling();
   root.append_attribute(("xmlns:" + prefix).c_str()).set_value(std::string(uri_of(family)).c_str());
   return prefix;
-}
-
-std::string name_in(pugi::xml_node parent, std::string_view local) {
-  const auto prefix = prefix_of(parent.name());
-  return prefix.empty() ? std::string(local) : std::string(prefix).append(":").append(local);
 }
 
 }  // namespace
@@ -246,6 +266,14 @@ std::string XmlTree::serialize() const {
   StringWriter writer(kDeclaration);
   document_.save(writer, "", kFormat, pugi::encoding_utf8);
   return refer_to_returns(writer.take());
+}
+
+XmlTree::Halves XmlTree::cut_in(pugi::xml_node element) const {
+  check();
+  Halves halves{std::string(kDeclaration), {}};
+  bool behind = false;
+  for (const auto node : document_.children()) append_cut(halves, node, element, behind);
+  return halves;
 }
 
 std::string serialize_xml(pugi::xml_node node) {
@@ -314,6 +342,11 @@ void set_attribute(pugi::xml_node node, Family family, std::string_view local,
     target = node.append_attribute(attribute_name(node, family, local).c_str());
   }
   target.set_value(std::string(value).c_str());
+}
+
+std::string name_in(pugi::xml_node parent, std::string_view local) {
+  const auto prefix = prefix_of(parent.name());
+  return prefix.empty() ? std::string(local) : std::string(prefix).append(":").append(local);
 }
 
 pugi::xml_node append_child(pugi::xml_node parent, std::string_view local) {

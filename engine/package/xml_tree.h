@@ -42,6 +42,14 @@ class XmlTree {
   // one of them.
   void settle();
 
+  // What serialize() gives, cut in front of an element's end tag: more of its children fit in
+  // there.
+  struct Halves {
+    std::string head;
+    std::string tail;
+  };
+  Halves cut_in(pugi::xml_node element) const;
+
   // UTF-8 with an XML declaration. A carriage return in a text becomes a character reference: it
   // came from one, as reading turns plain ones into line feeds. Throws as settle() does.
   std::string serialize() const;
@@ -81,6 +89,9 @@ std::string attribute_name(pugi::xml_node node, Family family, std::string_view 
 // Sets an attribute of a namespace.
 void set_attribute(pugi::xml_node node, Family family, std::string_view local,
                    std::string_view value);
+
+// The name of an element of the parent's namespace.
+std::string name_in(pugi::xml_node parent, std::string_view local);
 
 // A new element of the parent's namespace: last, or before `next` when that is not null.
 pugi::xml_node append_child(pugi::xml_node parent, std::string_view local);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <functional>
 #include <utility>
 
 #include "engine/workbook/number_format.h"
@@ -16,7 +17,31 @@ void make_room(std::vector<T>& list) {
   if (list.size() == list.capacity()) list.reserve(list.size() * 2 + 8);
 }
 
+std::size_t joined(std::size_t hash, std::size_t with) {
+  constexpr std::size_t kOdd = 0x9E3779B97F4A7C15U & SIZE_MAX;
+  hash = (hash ^ with) * kOdd;
+  return hash ^ (hash >> 29);
+}
+
+std::size_t hash_of(const Color& color) {
+  const std::uint64_t entry = std::uint64_t{color.value} << 8 | static_cast<unsigned>(color.kind);
+  return joined(std::hash<std::uint64_t>()(entry), std::hash<double>()(color.tint));
+}
+
 }  // namespace
+
+std::size_t LookHash::operator()(const Border& border) const {
+  std::size_t hash = border.diagonals;
+  for (const BorderSide* side :
+       {&border.left, &border.right, &border.top, &border.bottom, &border.diagonal})
+    hash = joined(joined(hash, side->style), hash_of(side->color));
+  return hash;
+}
+
+std::size_t LookHash::operator()(const Fill& fill) const {
+  const std::size_t colors = joined(hash_of(fill.foreground), hash_of(fill.background));
+  return joined(joined(colors, fill.pattern), fill.carried);
+}
 
 Styles::Styles(FontRecord default_font) : default_font_(std::move(default_font)) {
   end_of_file_entries();
@@ -43,19 +68,47 @@ FontRecord& Styles::change_font(std::uint32_t index, unsigned aspects) {
   return record;
 }
 
+void Styles::set_border(std::uint32_t format_index, const Border& border) {
+  const std::uint32_t number = borders_.take(border);
+  FormatRecord& record = change_format(format_index, kFormatBorder);
+  borders_.release(std::exchange(record.border, number));
+}
+
+void Styles::set_fill(std::uint32_t format_index, const Fill& fill) {
+  const std::uint32_t number = fills_.take(fill);
+  FormatRecord& record = change_format(format_index, kFormatFill);
+  fills_.release(std::exchange(record.fill, number));
+}
+
+void Styles::take_looks(FormatRecord& format, const Border& border, const Fill& fill) {
+  format.border = borders_.take(border);
+  try {
+    format.fill = fills_.take(fill);
+  } catch (...) {
+    borders_.release(format.border);
+    throw;
+  }
+}
+
+std::uint32_t Styles::push_copy(FormatRecord format) {
+  formats_.push_back(format);
+  borders_.again(format.border);
+  fills_.again(format.fill);
+  return format_count() - 1;
+}
+
 std::optional<std::uint32_t> Styles::add_format() {
   if (formats_.size() >= limits.formats) return std::nullopt;
-  formats_.emplace_back();
+  const std::uint32_t added = push_copy({});
   changed_ = true;
-  return format_count() - 1;
+  return added;
 }
 
 std::optional<std::uint32_t> Styles::add_format(std::uint32_t init) {
   if (formats_.size() >= limits.formats) return std::nullopt;
-  const FormatRecord copy = format(init);
-  formats_.push_back(copy);
+  const std::uint32_t added = push_copy(format(init));
   changed_ = true;
-  return format_count() - 1;
+  return added;
 }
 
 // Short memory must leave the lists as they were: room for all is there before the first grows.
@@ -64,11 +117,13 @@ std::optional<std::uint32_t> Styles::add_format(const Styles& other, std::uint32
   make_room(formats_);
   make_room(fonts_);
   FontRecord font = imported(other.font(other.font_of(init)), other);
-  FormatRecord made = imported(other.format(init), other);
+  FormatRecord made = other.format(init);
   const auto number = import_number_format(other, made.number_format);
   if (!number) return std::nullopt;
+  take_looks(made, imported(other.border_of(init), other), imported(other.fill_of(init), other));
   made.number_format = *number;
   made.font = font_count();
+  made.model = kNoModel;
   fonts_.push_back(std::move(font));
   formats_.push_back(made);
   changed_ = true;
@@ -96,16 +151,18 @@ FontRecord Styles::imported(FontRecord font, const Styles& other) const {
   return font;
 }
 
-FormatRecord Styles::imported(FormatRecord format, const Styles& other) const {
-  Border& border = format.border;
+Border Styles::imported(Border border, const Styles& other) const {
   for (BorderSide* side :
        {&border.left, &border.right, &border.top, &border.bottom, &border.diagonal})
     side->color = imported(side->color, other);
-  format.fill.foreground = imported(format.fill.foreground, other);
-  format.fill.background = imported(format.fill.background, other);
-  format.fill.carried = 0;
-  format.model = kNoModel;
-  return format;
+  return border;
+}
+
+Fill Styles::imported(Fill fill, const Styles& other) const {
+  fill.foreground = imported(fill.foreground, other);
+  fill.background = imported(fill.background, other);
+  fill.carried = 0;
+  return fill;
 }
 
 // An index or theme number means here what it meant there only when the tables are the same.
@@ -183,6 +240,8 @@ bool Styles::is_date(std::uint32_t format_index, double value) const {
 void Styles::begin_file_entries() {
   fonts_.clear();
   formats_.clear();
+  borders_ = {};
+  fills_ = {};
   numbers_.clear();
   numbers_by_code_.clear();
   colors = ColorTable();
@@ -193,9 +252,11 @@ void Styles::append_font(FontRecord font) {
   fonts_.push_back(std::move(font));
 }
 
-void Styles::append_format(const FormatRecord& format) {
+void Styles::append_format(FormatRecord format, const Border& border, const Fill& fill) {
+  make_room(formats_);
+  format.model = format_count();
+  take_looks(format, border, fill);
   formats_.push_back(format);
-  formats_.back().model = format_count() - 1;
 }
 
 void Styles::define_number_format(std::uint32_t id, std::string_view code) {
@@ -223,7 +284,7 @@ void Styles::end_of_file_entries() {
   fonts_from_file_ = font_count();
   formats_from_file_ = format_count();
   if (fonts_.empty()) fonts_.push_back(default_font_);
-  if (formats_.empty()) formats_.emplace_back();
+  if (formats_.empty()) push_copy({});
   for (FormatRecord& format : formats_)
     if (format.font >= fonts_.size()) format.font = 0;
   changed_ = false;

@@ -17,6 +17,7 @@
 
 #include "engine/workbook/color.h"
 #include "engine/workbook/limits.h"
+#include "engine/workbook/shared_values.h"
 
 namespace engine {
 
@@ -100,17 +101,23 @@ struct Fill {
   friend bool operator==(const Fill&, const Fill&) = default;
 };
 
+// A book may have tens of thousands of formats, of which few differ in their borders or fills.
 struct FormatRecord {
   std::uint32_t font = 0;
   std::uint32_t number_format = 0;
+  std::uint32_t border = 0;  // numbers that Styles gives out: set_border() and set_fill()
+  std::uint32_t fill = 0;
   Alignment alignment;
-  Border border;
-  Fill fill;
   bool locked = true;
   bool hidden = false;
 
   std::uint16_t changed = 0;
   std::uint32_t model = kNoModel;
+};
+
+struct LookHash {
+  std::size_t operator()(const Border& border) const;
+  std::size_t operator()(const Fill& fill) const;
 };
 
 class Styles {
@@ -134,6 +141,17 @@ class Styles {
     return fonts_[index < fonts_.size() ? index : 0];
   }
   std::uint32_t font_of(std::uint32_t format_index) const;
+
+  // By their numbers in a format. Equal ones have equal numbers, and number 0 is the usual one.
+  const Border& border(std::uint32_t number) const { return borders_[number]; }
+  const Fill& fill(std::uint32_t number) const { return fills_[number]; }
+  const Border& border_of(std::uint32_t format_index) const {
+    return border(format(format_index).border);
+  }
+  const Fill& fill_of(std::uint32_t format_index) const { return fill(format(format_index).fill); }
+  // The index must be in the list.
+  void set_border(std::uint32_t format_index, const Border& border);
+  void set_fill(std::uint32_t format_index, const Fill& fill);
 
   // The entry, to be changed by the caller in the aspects named. The index must be in the list.
   FormatRecord& change_format(std::uint32_t index, unsigned aspects);
@@ -166,7 +184,7 @@ class Styles {
   // ends with end_of_file_entries(), which adds entry 0 where the file has none.
   void begin_file_entries();
   void append_font(FontRecord font);
-  void append_format(const FormatRecord& format);
+  void append_format(FormatRecord format, const Border& border, const Fill& fill);
   void define_number_format(std::uint32_t id, std::string_view code);
   void end_of_file_entries();
 
@@ -189,10 +207,16 @@ class Styles {
   std::optional<std::uint32_t> import_number_format(const Styles& other, std::uint32_t id);
   Color imported(const Color& color, const Styles& other) const;
   FontRecord imported(FontRecord font, const Styles& other) const;
-  FormatRecord imported(FormatRecord format, const Styles& other) const;
+  Border imported(Border border, const Styles& other) const;
+  Fill imported(Fill fill, const Styles& other) const;
+  // Gives the format a border and a fill of its own; its former ones are not its to give back.
+  void take_looks(FormatRecord& format, const Border& border, const Fill& fill);
+  std::uint32_t push_copy(FormatRecord format);
 
   std::vector<FontRecord> fonts_;
   std::vector<FormatRecord> formats_;
+  SharedValues<Border, LookHash> borders_;
+  SharedValues<Fill, LookHash> fills_;
   std::map<std::uint32_t, NumberFormat> numbers_;
   std::map<std::string, std::uint32_t, std::less<>> numbers_by_code_;
   FontRecord default_font_;

@@ -67,9 +67,16 @@ Alignment read_alignment(Fields& in) {
   return made;
 }
 
-FormatRecord read_format(std::string_view record, const std::vector<std::uint32_t>& fonts) {
+struct Look {
+  FormatRecord format;
+  Border border;
+  Fill fill;
+};
+
+Look read_format(std::string_view record, const std::vector<std::uint32_t>& fonts) {
   Fields in(record);
-  FormatRecord made;
+  Look look;
+  FormatRecord& made = look.format;
   const std::size_t font = in.take16();
   made.font = font < fonts.size() ? fonts[font] : 0;
   made.number_format = in.take16();
@@ -80,7 +87,7 @@ FormatRecord read_format(std::string_view record, const std::vector<std::uint32_
   in.skip(1);
   const std::uint32_t lines = in.take32();
   const std::uint32_t colors = in.take32();
-  Border& border = made.border;
+  Border& border = look.border;
   border.left = read_side(lines & 15, lines >> 16 & 0x7F);
   border.right = read_side(lines >> 4 & 15, lines >> 23 & 0x7F);
   border.top = read_side(lines >> 8 & 15, colors & 0x7F);
@@ -89,10 +96,10 @@ FormatRecord read_format(std::string_view record, const std::vector<std::uint32_
   border.diagonals = static_cast<std::uint8_t>(lines >> 30);
   const std::uint32_t pattern = colors >> 26;
   const std::uint32_t fill = in.take16();
-  if (pattern <= 18) made.fill.pattern = static_cast<std::uint8_t>(pattern);
-  made.fill.foreground = color_of(fill & 0x7F, 64);
-  made.fill.background = color_of(fill >> 7 & 0x7F, 65);
-  return made;
+  if (pattern <= 18) look.fill.pattern = static_cast<std::uint8_t>(pattern);
+  look.fill.foreground = color_of(fill & 0x7F, 64);
+  look.fill.background = color_of(fill >> 7 & 0x7F, 65);
+  return look;
 }
 
 bool is_of_style(std::string_view format) {
@@ -148,7 +155,8 @@ std::vector<std::uint32_t> StylesReader::finish(Styles& styles) const {
     const bool of_cells = !is_of_style(format);
     numbers.push_back(of_cells ? count : 0);
     if (!of_cells) continue;
-    styles.append_format(read_format(format, fonts));
+    const Look look = read_format(format, fonts);
+    styles.append_format(look.format, look.border, look.fill);
     ++count;
   }
   styles.end_of_file_entries();

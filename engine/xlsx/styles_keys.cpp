@@ -1,6 +1,7 @@
 #include "engine/xlsx/styles_keys.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <span>
 
@@ -128,19 +129,13 @@ std::string fill_key(const Fill& record) {
 
 std::string format_key(const FormatRecord& record, const FormatNumbers& numbers,
                        std::string_view rest) {
-  std::string key;
-  append_value(key, numbers.font);
-  append_value(key, numbers.fill);
-  append_value(key, numbers.border);
-  append_value(key, record.number_format);
   const Alignment& alignment = record.alignment;
-  for (const std::uint8_t value :
-       {alignment.horizontal, alignment.vertical, alignment.rotation, alignment.indent})
-    append_value(key, value);
-  append_value(key, alignment.wrap);
-  append_value(key, alignment.shrink_to_fit);
-  append_value(key, record.locked);
-  append_value(key, record.hidden);
+  std::string key;
+  append_value(key, std::array{numbers.font, numbers.fill, numbers.border, numbers.number_format});
+  append_value(
+      key, std::array<std::uint8_t, 8>{alignment.horizontal, alignment.vertical, alignment.rotation,
+                                       alignment.indent, alignment.wrap, alignment.shrink_to_fit,
+                                       record.locked, record.hidden});
   return key.append(rest);
 }
 

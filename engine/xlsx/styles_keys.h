@@ -19,8 +19,10 @@ std::string rest_of_font(pugi::xml_node font, bool is_renamed);
 std::string rest_of_border(pugi::xml_node border);
 std::string rest_of_format(pugi::xml_node xf);
 
-// Numbers of the parts of a format in their lists.
+// What a format's parts are called in the file: the id of its number format, the places of the
+// others in their lists.
 struct FormatNumbers {
+  std::uint32_t number_format = 0;
   std::uint32_t font = 0;
   std::uint32_t fill = 0;
   std::uint32_t border = 0;

@@ -48,15 +48,18 @@ BorderSide read_side(pugi::xml_node side) {
   return made;
 }
 
-FormatRecord read_format(pugi::xml_node xf, const std::vector<Border>& borders,
-                         const std::vector<Fill>& fills) {
+// The entry that a format names; beyond the list it means the first one.
+template <class T>
+T named_by(pugi::xml_node xf, const char* attribute, const std::vector<T>& list) {
+  const std::uint32_t number = xf.attribute(attribute).as_uint();
+  if (list.empty()) return {};
+  return list[number < list.size() ? number : 0];
+}
+
+FormatRecord read_format(pugi::xml_node xf) {
   FormatRecord made;
   made.font = xf.attribute("fontId").as_uint();
   made.number_format = xf.attribute("numFmtId").as_uint();
-  const std::uint32_t border = xf.attribute("borderId").as_uint();
-  const std::uint32_t fill = xf.attribute("fillId").as_uint();
-  if (!borders.empty()) made.border = borders[border < borders.size() ? border : 0];
-  if (!fills.empty()) made.fill = fills[fill < fills.size() ? fill : 0];
   made.alignment = read_alignment(child(xf, Family::Main, "alignment"));
   const auto protection = child(xf, Family::Main, "protection");
   made.locked = protection.attribute("locked").as_bool(true);
@@ -228,7 +231,7 @@ void settle_alternatives(pugi::xml_node entry) {
     pugi::xml_node list = alternatives.parent();
     declare_in(list, alternatives);
     declare_in(list, branch);
-    while (const auto node = branch.first_child()) list.insert_move_before(node, alternatives);
+    while (const auto one = branch.first_child()) list.insert_move_before(one, alternatives);
     list.remove_child(alternatives);
     branch = list;
   }
@@ -251,7 +254,8 @@ void read_style_sheet(pugi::xml_node sheet, std::string_view part, Styles& style
   for (const auto border : style_entries(sheet, "borders", "border", part))
     borders.push_back(read_border(border));
   for (const auto xf : style_entries(sheet, "cellXfs", "xf", part))
-    styles.append_format(read_format(xf, borders, fills));
+    styles.append_format(read_format(xf), named_by(xf, "borderId", borders),
+                         named_by(xf, "fillId", fills));
   styles.end_of_file_entries();
 }
 

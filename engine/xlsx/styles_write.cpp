@@ -7,6 +7,7 @@
 // the number of an equal one, or stands behind the others.
 
 #include <algorithm>
+#include <map>
 #include <unordered_map>
 #include <utility>
 
@@ -70,10 +71,15 @@ class EntryList {
 
   // A new entry behind the others: like a given one, or empty.
   pugi::xml_node append(pugi::xml_node model) {
-    if (!grown_) grown_ = ordered_child(sheet_, list_, kSections);
     ++count_;
-    return model ? grown_.append_copy(model) : package::append_child(grown_, entry_);
+    return model ? grown().append_copy(model) : package::append_child(grown(), entry_);
   }
+  // The list in the copy, which it has now if it had none.
+  pugi::xml_node grown() {
+    if (!grown_) grown_ = ordered_child(sheet_, list_, kSections);
+    return grown_;
+  }
+  void count_one() { ++count_; }
 
   // Makes the keys of the file's entries known, once, by `key_of(number)`.
   template <class KeyOf>
@@ -127,30 +133,42 @@ unsigned set_aspects(const FormatRecord& record, const FormatNumbers& numbers) {
   return aspects;
 }
 
-// Writes the aspects into the element of a format; the numbers are those of its parts.
-void patch_format(pugi::xml_node xf, const FormatRecord& record, const FormatNumbers& numbers,
-                  unsigned aspects) {
-  struct Aspect {
-    const char* apply;
-    const char* number_name;  // null where the aspect is a child
-    std::uint32_t number;
-    FormatAspect aspect;
-  };
-  const Aspect all[] = {
-      {"applyNumberFormat", "numFmtId", record.number_format, kFormatNumber},
-      {"applyFont", "fontId", numbers.font, kFormatFont},
-      {"applyFill", "fillId", numbers.fill, kFormatFill},
-      {"applyBorder", "borderId", numbers.border, kFormatBorder},
-      {"applyAlignment", nullptr, 0, kFormatAlignment},
-      {"applyProtection", nullptr, 0, kFormatProtection},
-  };
-  for (const auto& [apply, number_name, number, aspect] : all) {
-    if ((aspects & aspect) == 0) continue;
-    if (number_name) set_attribute(xf, number_name, std::to_string(number));
-    set_attribute(xf, apply, "1");
-  }
+// An aspect of a format: the attribute that switches it on, and what names the part that has it.
+struct AspectNames {
+  const char* apply;
+  FormatAspect aspect;
+  const char* name;
+  std::uint32_t FormatNumbers::*number;
+};
+constexpr AspectNames kAspectNames[] = {
+    {"applyNumberFormat", kFormatNumber, "numFmtId", &FormatNumbers::number_format},
+    {"applyFont", kFormatFont, "fontId", &FormatNumbers::font},
+    {"applyFill", kFormatFill, "fillId", &FormatNumbers::fill},
+    {"applyBorder", kFormatBorder, "borderId", &FormatNumbers::border},
+};
+constexpr const char* kApplyAlignment = "applyAlignment";
+constexpr const char* kApplyProtection = "applyProtection";
+
+void patch_children(pugi::xml_node xf, const FormatRecord& record, unsigned aspects) {
   if (aspects & kFormatAlignment) patch_alignment(xf, record.alignment);
   if (aspects & kFormatProtection) patch_protection(xf, record.locked, record.hidden);
+}
+
+// Writes the aspects into the element of a format.
+void patch_format(pugi::xml_node xf, const FormatRecord& record, const FormatNumbers& numbers,
+                  unsigned aspects) {
+  for (const auto& [apply, aspect, name, number] : kAspectNames) {
+    if ((aspects & aspect) == 0) continue;
+    set_attribute(xf, name, std::to_string(numbers.*number));
+    set_attribute(xf, apply, "1");
+  }
+  if (aspects & kFormatAlignment) set_attribute(xf, kApplyAlignment, "1");
+  if (aspects & kFormatProtection) set_attribute(xf, kApplyProtection, "1");
+  patch_children(xf, record, aspects);
+}
+
+void append_attribute(std::string& out, std::string_view name, std::uint32_t number) {
+  out.append(" ").append(name).append("=\"").append(std::to_string(number)).append("\"");
 }
 
 class StylesWriter {
@@ -165,8 +183,7 @@ class StylesWriter {
         style_formats_(original.root(), sheet_, "cellStyleXfs", "xf"),
         formats_(original.root(), sheet_, "cellXfs", "xf") {}
 
-  // The numbers of the book's formats.
-  std::vector<std::uint32_t> write() {
+  WrittenStyles write(const package::XmlTree& copy) {
     write_number_formats();
     write_fonts();
     mend_formats();
@@ -174,7 +191,15 @@ class StylesWriter {
     write_formats();
     for (EntryList* list : {&numbers_, &fonts_, &fills_, &borders_, &style_formats_, &formats_})
       list->correct_count();
-    return std::move(format_numbers_);
+    WrittenStyles made;
+    made.format_numbers = std::move(format_numbers_);
+    if (added_formats_.empty()) {
+      made.bytes = copy.serialize();
+      return made;
+    }
+    auto [head, tail] = copy.cut_in(formats_.grown());
+    made.bytes = std::move(head.append(added_formats_).append(tail));
+    return made;
   }
 
  private:
@@ -185,6 +210,9 @@ class StylesWriter {
   void write_formats();
 
   void mend_numbers(pugi::xml_node xf) const;
+  std::string copied_format(pugi::xml_node model, const FormatRecord& record,
+                            const FormatNumbers& numbers);
+  void append_format(const FormatRecord& record, const FormatNumbers& numbers);
   // The numbers of entries, which are appended unless there are equal ones.
   void add_font(const FontRecord& record);
   std::uint32_t add_fill(const Fill& fill);
@@ -195,6 +223,7 @@ class StylesWriter {
   void learn_borders();
   void learn_formats();
   std::string_view font_rest(const FontRecord& record);
+  std::string_view format_rest(const FormatRecord& record);
   FormatNumbers numbers_of(const FormatRecord& record);
   std::uint32_t border_number(const FormatRecord& record);
   std::uint32_t fill_number(const FormatRecord& record);
@@ -207,10 +236,21 @@ class StylesWriter {
   EntryList borders_;
   EntryList style_formats_;
   EntryList formats_;
-  // The answer of font_rest() and what it was given: added fonts mostly have the same model.
-  std::uint32_t rest_model_ = kNoModel;
-  bool rest_renamed_ = false;
-  std::string rest_;
+  // The answers of font_rest() and format_rest() and what these were given: added entries mostly
+  // have the same model.
+  struct Rest {
+    std::uint32_t model = kNoModel;
+    bool is_renamed = false;
+    std::string text;
+  };
+  Rest font_rest_;
+  Rest format_rest_;
+  // Numbers of fills by those in the book, and of borders by those in the book and of the entry
+  // that they descend from.
+  std::unordered_map<std::uint32_t, std::uint32_t> fill_numbers_;
+  std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> border_numbers_;
+  // Formats may be very many: what is added is written as text and never becomes part of the tree.
+  std::string added_formats_;
   std::vector<std::uint32_t> font_numbers_;
   std::vector<std::uint32_t> format_numbers_;
 };
@@ -229,13 +269,17 @@ void StylesWriter::write_number_formats() {
 }
 
 std::string_view StylesWriter::font_rest(const FontRecord& record) {
-  const bool renamed = (record.changed & kFontName) != 0;
-  if (record.model != rest_model_ || renamed != rest_renamed_) {
-    rest_ = rest_of_font(fonts_.original(record.model), renamed);
-    rest_model_ = record.model;
-    rest_renamed_ = renamed;
-  }
-  return rest_;
+  const bool is_renamed = (record.changed & kFontName) != 0;
+  if (record.model != font_rest_.model || is_renamed != font_rest_.is_renamed)
+    font_rest_ = {record.model, is_renamed,
+                  rest_of_font(fonts_.original(record.model), is_renamed)};
+  return font_rest_.text;
+}
+
+std::string_view StylesWriter::format_rest(const FormatRecord& record) {
+  if (record.model != format_rest_.model)
+    format_rest_ = {record.model, false, rest_of_format(formats_.original(record.model))};
+  return format_rest_.text;
 }
 
 void StylesWriter::write_fonts() {
@@ -308,46 +352,80 @@ void StylesWriter::write_formats() {
 void StylesWriter::learn_formats() {
   formats_.learn([this](std::uint32_t number) {
     const FormatRecord& record = styles_.format(number);
-    return format_key(record, numbers_of(record), rest_of_format(formats_.original(number)));
+    return format_key(record, numbers_of(record), format_rest(record));
   });
 }
 
 std::uint32_t StylesWriter::add_format(const FormatRecord& record) {
-  const auto model = formats_.original(record.model);
   const FormatNumbers numbers = numbers_of(record);
   const auto [number, is_new] =
-      formats_.number_of(format_key(record, numbers, rest_of_format(model)));
+      formats_.number_of(format_key(record, numbers, format_rest(record)));
   if (!is_new) return number;
-  const auto xf = formats_.append(model);
-  if (model) {
-    mend_numbers(xf);
-    patch_format(xf, record, numbers, record.changed);
-    return number;
-  }
-  for (const char* name : {"numFmtId", "fontId", "fillId", "borderId", "xfId"})
-    set_attribute(xf, name, "0");
-  patch_format(xf, record, numbers, set_aspects(record, numbers));
+  formats_.count_one();
+  if (const auto model = formats_.original(record.model))
+    added_formats_.append(copied_format(model, record, numbers));
+  else append_format(record, numbers);
   return number;
+}
+
+std::string StylesWriter::copied_format(pugi::xml_node model, const FormatRecord& record,
+                                        const FormatNumbers& numbers) {
+  pugi::xml_node list = formats_.grown();
+  const pugi::xml_node xf = list.append_copy(model);
+  mend_numbers(xf);
+  patch_format(xf, record, numbers, record.changed);
+  std::string text = package::serialize_xml(xf);
+  list.remove_child(xf);
+  return text;
+}
+
+void StylesWriter::append_format(const FormatRecord& record, const FormatNumbers& numbers) {
+  const unsigned aspects = set_aspects(record, numbers);
+  std::string& out = added_formats_;
+  const std::string name = package::name_in(formats_.grown(), "xf");
+  out.append("<").append(name);
+  for (const AspectNames& one : kAspectNames)
+    append_attribute(out, one.name, aspects & one.aspect ? numbers.*one.number : 0);
+  append_attribute(out, "xfId", 0);
+  for (const AspectNames& one : kAspectNames)
+    if (aspects & one.aspect) append_attribute(out, one.apply, 1);
+  if (aspects & kFormatAlignment) append_attribute(out, kApplyAlignment, 1);
+  if (aspects & kFormatProtection) append_attribute(out, kApplyProtection, 1);
+  std::string children;
+  if (aspects & (kFormatAlignment | kFormatProtection)) {
+    pugi::xml_node list = formats_.grown();
+    const pugi::xml_node xf = package::append_child(list, "xf");
+    patch_children(xf, record, aspects);
+    for (const pugi::xml_node child : xf.children()) children.append(package::serialize_xml(child));
+    list.remove_child(xf);
+  }
+  if (children.empty()) out.append("/>");
+  else out.append(">").append(children).append("</").append(name).append(">");
 }
 
 FormatNumbers StylesWriter::numbers_of(const FormatRecord& record) {
   const std::uint32_t font = font_numbers_[record.font];
-  return {fonts_.first_equal(font), fills_.first_equal(fill_number(record)),
+  return {record.number_format, fonts_.first_equal(font), fills_.first_equal(fill_number(record)),
           borders_.first_equal(border_number(record))};
 }
 
 std::uint32_t StylesWriter::border_number(const FormatRecord& record) {
-  const auto format = formats_.original(record.model);
-  if (!format) return add_border(record.border, {});
-  const std::uint32_t stored = borders_.named_by(format, "borderId");
-  const bool is_changed = (record.changed & kFormatBorder) != 0;
-  return is_changed ? add_border(record.border, borders_.original(stored)) : stored;
+  std::uint32_t model = kNoModel;
+  if (const auto format = formats_.original(record.model)) {
+    model = borders_.named_by(format, "borderId");
+    if ((record.changed & kFormatBorder) == 0) return model;
+  }
+  const auto [at, is_new] = border_numbers_.try_emplace({record.border, model});
+  if (is_new) at->second = add_border(styles_.border(record.border), borders_.original(model));
+  return at->second;
 }
 
 std::uint32_t StylesWriter::fill_number(const FormatRecord& record) {
   const auto format = formats_.original(record.model);
   if (format && (record.changed & kFormatFill) == 0) return fills_.named_by(format, "fillId");
-  return add_fill(record.fill);
+  const auto [at, is_new] = fill_numbers_.try_emplace(record.fill);
+  if (is_new) at->second = add_fill(styles_.fill(record.fill));
+  return at->second;
 }
 
 void StylesWriter::learn_borders() {
@@ -381,10 +459,7 @@ std::uint32_t StylesWriter::add_fill(const Fill& fill) {
 
 WrittenStyles StylesPart::write(const Styles& styles) const {
   const package::XmlTree copy = document_.copy();
-  WrittenStyles made;
-  made.format_numbers = StylesWriter(document_, copy, styles).write();
-  made.bytes = copy.serialize();
-  return made;
+  return StylesWriter(document_, copy, styles).write(copy);
 }
 
 }  // namespace engine::xlsx

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace engine {
@@ -65,10 +66,11 @@ TEST(Styles, CopiesOfAnotherBookBringWhatTheyNeed) {
   from.colors.palette[0] = 0x111111;
   from.change_font(0, kFontColor).color = Color::indexed(8);
   from.add_number_format("first");
-  FormatRecord& model = from.change_format(0, kFormatNumber | kFormatFill | kFormatBorder);
-  model.number_format = *from.add_number_format("second");
-  model.fill = {1, Color::indexed(8), Color::indexed(64), 5};
-  model.border.left = {1, Color::theme(4, 0.5)};
+  from.change_format(0, kFormatNumber).number_format = *from.add_number_format("second");
+  from.set_fill(0, {1, Color::indexed(8), Color::indexed(64), 5});
+  Border border;
+  border.left = {1, Color::theme(4, 0.5)};
+  from.set_border(0, border);
 
   Styles to;
   const std::uint32_t added = *to.add_format(from, 0);
@@ -77,8 +79,41 @@ TEST(Styles, CopiesOfAnotherBookBringWhatTheyNeed) {
   EXPECT_EQ(to.font(1).color, Color::rgb(0x111111));
   EXPECT_EQ(to.code_of(copy.number_format), "second");
   EXPECT_EQ(copy.number_format, 164U);
-  EXPECT_EQ(copy.fill, (Fill{1, Color::rgb(0x111111), Color::indexed(64), 0}));
-  EXPECT_EQ(copy.border.left.color, Color::rgb(rgb_of(Color::theme(4, 0.5), from.colors)));
+  EXPECT_EQ(to.fill_of(added), (Fill{1, Color::rgb(0x111111), Color::indexed(64), 0}));
+  EXPECT_EQ(to.border_of(added).left.color, Color::rgb(rgb_of(Color::theme(4, 0.5), from.colors)));
+}
+
+// Equal looks are one, a look that nothing has any more leaves its place, and none changes under
+// another format that has it.
+TEST(Styles, FormatsShareTheirLooks) {
+  Styles styles;
+  const auto filled = [](std::uint32_t rgb) { return Fill{1, Color::rgb(rgb), {}, 0}; };
+  const std::uint32_t first = *styles.add_format();
+  styles.set_fill(first, filled(1));
+  const std::uint32_t copy = *styles.add_format(first);
+  const std::uint32_t other = *styles.add_format();
+  styles.set_fill(other, filled(2));
+  EXPECT_NE(styles.format(other).fill, styles.format(first).fill);
+  styles.set_fill(other, styles.fill_of(first));
+  EXPECT_EQ(styles.format(other).fill, styles.format(first).fill);
+
+  std::uint32_t highest = 0;
+  for (std::uint32_t rgb = 3; rgb < 1000; ++rgb) {
+    styles.set_fill(first, filled(rgb));
+    highest = std::max(highest, styles.format(first).fill);
+  }
+  EXPECT_LT(highest, 5U);
+  EXPECT_EQ(styles.fill_of(copy), filled(1));
+  EXPECT_EQ(styles.fill_of(other), filled(1));
+  styles.set_fill(first, {});
+  EXPECT_EQ(styles.format(first).fill, 0U);
+  // A negative zero is no other tint.
+  Border border;
+  border.top = {1, Color::theme(1, 0.0)};
+  styles.set_border(first, border);
+  border.top.color.tint = -0.0;
+  styles.set_border(copy, border);
+  EXPECT_EQ(styles.format(first).border, styles.format(copy).border);
 }
 
 TEST(Styles, FullListsAddNothing) {
@@ -96,7 +131,7 @@ TEST(Styles, FontsBeyondTheirListAreTheFirst) {
   styles.begin_file_entries();
   FormatRecord format;
   format.font = 7;
-  styles.append_format(format);
+  styles.append_format(format, {}, {});
   styles.end_of_file_entries();
   EXPECT_EQ(styles.font_of(0), 0U);
   EXPECT_EQ(styles.font_count(), 1U);

@@ -83,15 +83,17 @@ TEST(StylesPart, ReadsTheLooks) {
   EXPECT_TRUE(styles.is_date(1));
   EXPECT_EQ(format.alignment, (Alignment{6, 0, 135, 3, true, false}));
   EXPECT_TRUE(!format.locked && format.hidden);
-  EXPECT_EQ(format.fill, (Fill{1, Color::theme(4, 0.7999816888943144), Color::indexed(64), 0}));
-  EXPECT_EQ(format.border.left, (BorderSide{1, Color::automatic()}));
-  EXPECT_EQ(format.border.right, (BorderSide{13, Color::theme(5, -0.249977111117893)}));
-  EXPECT_EQ(format.border.diagonal, (BorderSide{7, Color::indexed(64)}));
-  EXPECT_EQ(format.border.diagonals, 2);
+  EXPECT_EQ(styles.fill_of(1),
+            (Fill{1, Color::theme(4, 0.7999816888943144), Color::indexed(64), 0}));
+  const Border& border = styles.border_of(1);
+  EXPECT_EQ(border.left, (BorderSide{1, Color::automatic()}));
+  EXPECT_EQ(border.right, (BorderSide{13, Color::theme(5, -0.249977111117893)}));
+  EXPECT_EQ(border.diagonal, (BorderSide{7, Color::indexed(64)}));
+  EXPECT_EQ(border.diagonals, 2);
 
   // Beyond the lists stands the first entry; the file may redefine a built-in number format.
   EXPECT_EQ(styles.format(2).font, 0U);
-  EXPECT_EQ(styles.format(2).border, Border());
+  EXPECT_EQ(styles.border_of(2), Border());
   EXPECT_FALSE(styles.is_date(2));
   EXPECT_EQ(styles.colors.palette[0], 8U);
   EXPECT_EQ(styles.colors.palette[1], 0x123456U);
@@ -150,9 +152,10 @@ TEST(StylesPart, PatchesInPlace) {
         {R"(<protection locked="0" hidden="true"/>)", ""}}},
       {"a border, which gets an entry of its own with what is unknown in the old one",
        [](Styles& styles) {
-         Border& border = styles.change_format(1, kFormatBorder).border;
+         Border border = styles.border_of(1);
          border.left.style = 2;
          border.diagonals = 1;
+         styles.set_border(1, border);
        },
        {{R"(borderId="1" xfId="0" quotePrefix="1" applyFont="1")",
          R"(borderId="2" xfId="0" quotePrefix="1" applyFont="1" applyBorder="1")"},
@@ -164,7 +167,7 @@ TEST(StylesPart, PatchesInPlace) {
          R"(</borders>)"}}},
       {"a gradient replaced",
        [](Styles& styles) {
-         styles.change_format(2, kFormatFill).fill = {1, Color::rgb(0xFF), {}, 0};
+         styles.set_fill(2, {1, Color::rgb(0xFF), {}, 0});
        },
        {{R"(fillId="3" borderId="0" xfId="0")",
          R"(fillId="4" borderId="0" xfId="0" applyFill="1")"},
@@ -173,7 +176,7 @@ TEST(StylesPart, PatchesInPlace) {
          R"(<fill><patternFill patternType="solid"><fgColor rgb="FF0000FF"/></patternFill></fill>)"
          R"(</fills>)"}}},
       {"a fill that the file has already",
-       [](Styles& styles) { styles.change_format(0, kFormatFill).fill = styles.format(1).fill; },
+       [](Styles& styles) { styles.set_fill(0, styles.fill_of(1)); },
        {{R"(fillId="0" borderId="0" xfId="0"/><xf numFmtId="170")",
          R"(fillId="2" borderId="0" xfId="0" applyFill="1"/><xf numFmtId="170")"}}},
       {"font and number format",
@@ -216,8 +219,14 @@ TEST(StylesPart, FoldsWhatWasAdded) {
   const std::uint32_t second = *styles.add_format(first);
   // The look of format 1 without the quote mark and reading order that the file gives it.
   const std::uint32_t plain_1 = *styles.add_format();
-  styles.change_format(plain_1, 63) = styles.format(1);
-  styles.change_format(plain_1, 63).model = kNoModel;
+  styles.set_border(plain_1, styles.border_of(1));
+  styles.set_fill(plain_1, styles.fill_of(1));
+  FormatRecord& plain = styles.change_format(plain_1, 63);
+  plain.font = styles.format(1).font;
+  plain.number_format = styles.format(1).number_format;
+  plain.alignment = styles.format(1).alignment;
+  plain.locked = styles.format(1).locked;
+  plain.hidden = styles.format(1).hidden;
   const std::uint32_t equal_font = *styles.add_font(2);
   const std::uint32_t with_font = *styles.add_format(first);
   styles.change_format(with_font, kFormatFont).font = equal_font;
@@ -239,7 +248,7 @@ TEST(StylesPart, FoldsWhatWasAdded) {
   const Book again(written.bytes);
   EXPECT_EQ(again.styles.format_count(), 7U);
   EXPECT_EQ(again.styles.font_count(), 3U);
-  EXPECT_EQ(again.styles.format(6).fill.carried, 4U);
+  EXPECT_EQ(again.styles.fill_of(6).carried, 4U);
   EXPECT_NE(written.bytes.find(R"(fillId="3" borderId="0" xfId="0" applyAlignment="1")"),
             std::string::npos);
 }
@@ -316,8 +325,8 @@ TEST(StylesPart, CountsEntriesOfAlternateContent) {
       R"(<mc:Fallback><border><top style="thin"/></border></mc:Fallback></mc:AlternateContent></borders>)"
       R"(<cellXfs><mc:AlternateContent><mc:Fallback><xf fillId="2"/></mc:Fallback>)"
       R"(</mc:AlternateContent></cellXfs></styleSheet>)"));
-  EXPECT_EQ(fills.styles.format(0).fill.pattern, 1);
-  EXPECT_EQ(fills.styles.format(0).border.top.style, 1);
+  EXPECT_EQ(fills.styles.fill_of(0).pattern, 1);
+  EXPECT_EQ(fills.styles.border_of(0).top.style, 1);
 }
 
 // A copy has the values that its model had at the moment, the carried things included.
@@ -327,15 +336,14 @@ TEST(StylesPart, CopiesStandForThemselves) {
   const std::uint32_t format = *book.styles.add_format(1);
   book.styles.change_font(font, kFontBold).bold = true;
   book.styles.change_font(0, kFontName).name = "Arial";
-  book.styles.change_format(1, kFormatFill).fill = Fill();
+  book.styles.set_fill(1, {});
   const WrittenStyles written = book.part.write(book.styles);
   EXPECT_NE(written.bytes.find(R"(<font><b/><sz val="11"/><color theme="1"/><name val="Calibri"/>)"
                                R"(<family val="2"/><scheme val="minor"/></font></fonts>)"),
             std::string::npos);
   const Book again(written.bytes);
-  EXPECT_EQ(again.styles.format(1).fill, Fill());
-  EXPECT_EQ(again.styles.format(written.file_number(format)).fill,
-            Book(kSample).styles.format(1).fill);
+  EXPECT_EQ(again.styles.fill_of(1), Fill());
+  EXPECT_EQ(again.styles.fill_of(written.file_number(format)), Book(kSample).styles.fill_of(1));
 }
 
 // Every value of every property of a new book comes back, and unequal formats stay apart.
@@ -346,16 +354,17 @@ TEST(StylesPart, NewBooksComeBack) {
     return styles.change_format(*styles.add_format(), aspect);
   };
   for (std::uint8_t value = 0; value < 19; ++value) {
-    FormatRecord& filled = add(kFormatFill);
-    filled.fill = {value, Color::rgb(value * 0x10203U), Color::indexed(8U + value), 0};
+    styles.set_fill(*styles.add_format(),
+                    {value, Color::rgb(value * 0x10203U), Color::indexed(8U + value), 0});
     if (value < 14) {
-      add(kFormatBorder).border.left = {value, Color::rgb(value)};
-      add(kFormatBorder).border.right = {value, Color::indexed(64)};
-      add(kFormatBorder).border.top = {value, {}};
-      add(kFormatBorder).border.bottom = {value, Color::automatic()};
-      Border& border = add(kFormatBorder).border;
-      border.diagonal = {value, Color::theme(value % 12U, 1.0 / 3)};
-      border.diagonals = static_cast<std::uint8_t>(value % 4);
+      Border borders[5];
+      borders[0].left = {value, Color::rgb(value)};
+      borders[1].right = {value, Color::indexed(64)};
+      borders[2].top = {value, {}};
+      borders[3].bottom = {value, Color::automatic()};
+      borders[4].diagonal = {value, Color::theme(value % 12U, 1.0 / 3)};
+      borders[4].diagonals = static_cast<std::uint8_t>(value % 4);
+      for (const Border& border : borders) styles.set_border(*styles.add_format(), border);
     }
     if (value < 8) add(kFormatAlignment).alignment.horizontal = value;
     if (value < 5) add(kFormatAlignment).alignment.vertical = value;
@@ -391,8 +400,8 @@ TEST(StylesPart, NewBooksComeBack) {
     const FormatRecord& was = styles.format(index);
     const FormatRecord& is = again.styles.format(written.file_number(index));
     EXPECT_EQ(is.alignment, was.alignment);
-    EXPECT_EQ(is.border, was.border);
-    EXPECT_EQ(is.fill, was.fill);
+    EXPECT_EQ(again.styles.border(is.border), styles.border(was.border));
+    EXPECT_EQ(again.styles.fill(is.fill), styles.fill(was.fill));
     EXPECT_TRUE(is.locked == was.locked && is.hidden == was.hidden);
     EXPECT_EQ(again.styles.code_of(is.number_format), styles.code_of(was.number_format));
     const FontRecord& font = styles.font(was.font);
@@ -416,12 +425,12 @@ TEST(StylesPart, MissingPiecesAreMade) {
     SCOPED_TRACE(part);
     Book book(part);
     const std::uint32_t added = *book.styles.add_format();
-    book.styles.change_format(added, kFormatFill).fill = {1, Color::rgb(0xFF0000), {}, 0};
+    book.styles.set_fill(added, {1, Color::rgb(0xFF0000), {}, 0});
     const WrittenStyles written = book.part.write(book.styles);
     const Book again(written.bytes);
     EXPECT_EQ(again.styles.font_count(), 1U);
     EXPECT_EQ(again.styles.format_count(), 2U);
-    EXPECT_EQ(again.styles.format(1).fill, book.styles.format(added).fill);
+    EXPECT_EQ(again.styles.fill_of(1), book.styles.fill_of(added));
     EXPECT_EQ(again.styles.format(0).number_format, book.styles.format(0).number_format);
     // In the order of the format, with the prefix of the file.
     std::size_t at = 0;
@@ -438,18 +447,20 @@ TEST(StylesPart, MissingPiecesAreMade) {
 TEST(StylesPart, NumbersBeyondTheirListsStayTheFirst) {
   Book book(replaced(std::string(kSample), R"(fontId="77" fillId="3" borderId="77" xfId="0")",
                      R"(fontId="3" fillId="4" borderId="2" xfId="1")"));
-  const FormatRecord before = book.styles.format(2);
+  const Border border = book.styles.border_of(2);
+  const Fill fill = book.styles.fill_of(2);
   const std::uint32_t font = *book.styles.add_font();
   book.styles.change_font(font, kFontSize).size = 40;
-  FormatRecord& added = book.styles.change_format(*book.styles.add_format(), ~0U);
-  added.font = font;
-  added.border.left.style = 5;
-  added.fill = {1, Color::rgb(0xFF0000), {}, 0};
+  const std::uint32_t added = *book.styles.add_format();
+  book.styles.change_format(added, ~0U).font = font;
+  Border thick;
+  thick.left.style = 5;
+  book.styles.set_border(added, thick);
+  book.styles.set_fill(added, {1, Color::rgb(0xFF0000), {}, 0});
   const Book again(book.part.write(book.styles).bytes);
-  const FormatRecord& after = again.styles.format(2);
-  EXPECT_EQ(after.font, 0U);
-  EXPECT_EQ(after.border, before.border);
-  EXPECT_EQ(after.fill, before.fill);
+  EXPECT_EQ(again.styles.format(2).font, 0U);
+  EXPECT_EQ(again.styles.border_of(2), border);
+  EXPECT_EQ(again.styles.fill_of(2), fill);
   EXPECT_EQ(again.styles.font(again.styles.format(3).font).size, 40);
 }
 
@@ -471,9 +482,8 @@ TEST(StylesPart, FoldsManyEqualFormats) {
   for (int i = 0; i < 20000; ++i) {
     const std::uint32_t index = *book.styles.add_format();
     book.styles.change_font(*book.styles.add_font(), kFontBold).bold = true;
-    FormatRecord& format = book.styles.change_format(index, kFormatFont | kFormatFill);
-    format.font = book.styles.font_count() - 1;
-    format.fill = {1, Color::rgb(0xFF0000), {}, 0};
+    book.styles.change_format(index, kFormatFont).font = book.styles.font_count() - 1;
+    book.styles.set_fill(index, {1, Color::rgb(0xFF0000), {}, 0});
   }
   const WrittenStyles written = book.part.write(book.styles);
   EXPECT_EQ(written.file_number(20000), 1U);

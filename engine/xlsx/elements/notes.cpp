@@ -16,7 +16,8 @@ void patch_notes(pugi::xml_node root, const SheetPatching& from) {
 }
 
 void NotesWriter::write(const SheetPatching& from, pugi::xml_node root) {
-  const Ids mentioned = mentioned_ids(root);
+  // What was made since the sheet was read is among its relationships.
+  const Ids mentioned = mentioned_ids(from.remains.tree->root());
   write_texts(from, mentioned);
   write_threads_of(from);
   write_boxes(from, root, mentioned);
