@@ -16,8 +16,7 @@ namespace {
 
 constexpr double kMaxCharacters = 255;
 constexpr int kDigitsAnIndent = 3;
-constexpr double kLineHeight = 1.2;  // of the font's size
-constexpr double kPixelsPerPoint = 96.0 / 72;
+constexpr double kLineHeight = 1.2;    // of the font's size
 constexpr double kWidestLetter = 1.1;  // of the font's size, bold ones included
 constexpr double kButton = 16;         // pixels, of a filter
 

@@ -9,13 +9,13 @@
 #include "engine/text/fold.h"
 #include "engine/text/letters.h"
 #include "engine/text/utf8.h"
+#include "engine/workbook/metrics.h"
 
 namespace engine {
 
 namespace {
 
 constexpr double kUnitsPerEm = 2048;
-constexpr double kPixelsPerPoint = 96.0 / 72;
 constexpr int kCalibriDigit = 1038;
 
 // The advance widths of the characters from U+0020 to U+007E, in units of the em.

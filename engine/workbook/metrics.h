@@ -13,6 +13,8 @@
 
 namespace engine {
 
+inline constexpr double kPixelsPerPoint = 96.0 / 72;
+
 // Pixels of a column beside its digits.
 inline constexpr int kColumnPadding = 5;
 

@@ -27,7 +27,6 @@ namespace engine::xlsx {
 
 namespace {
 
-using package::Family;
 using package::XmlAttribute;
 using package::XmlAttributes;
 using package::XmlScanner;

@@ -180,20 +180,20 @@ std::string_view FormulaPlace::table() const {
 }
 
 // Those call no newer function and use no sign of newer grammar.
-bool is_stored_as_shown(std::string_view text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
+bool is_stored_as_shown(std::string_view shown) {
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    const char c = shown[i];
     if (!kTelling[static_cast<unsigned char>(c)]) continue;
-    if (c == '"' || c == '\'') i = std::min(text.find(c, i + 1), text.size());
-    else if (c != '(' || calls_newer_function(text, i)) return false;
+    if (c == '"' || c == '\'') i = std::min(shown.find(c, i + 1), shown.size());
+    else if (c != '(' || calls_newer_function(shown, i)) return false;
   }
   return true;
 }
 
-std::optional<std::string> stored_formula(std::string_view text, const Grid& grid,
+std::optional<std::string> stored_formula(std::string_view shown, const Grid& grid,
                                           const FormulaPlace& place) {
-  if (is_stored_as_shown(text)) return std::nullopt;
-  const std::optional<Formula> formula = formula::parse(text, ParseOptions::of_book(grid));
+  if (is_stored_as_shown(shown)) return std::nullopt;
+  const std::optional<Formula> formula = formula::parse(shown, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   const auto& nodes = formula->nodes;
   const Parameters parameters(*formula);
@@ -211,12 +211,12 @@ std::optional<std::string> stored_formula(std::string_view text, const Grid& gri
     else if (node.kind == NodeKind::kSpill) edits.replace(node.end - 1U, node.end, ")");
     else if (node.kind == NodeKind::kStructured) write_structured(edits, *formula, node, place);
   }
-  return edits.apply(text);
+  return edits.apply(shown);
 }
 
-std::optional<std::string> shown_formula(std::string_view text, const Grid& grid) {
-  if (text.find("_xl") == std::string_view::npos) return std::nullopt;
-  const std::optional<Formula> formula = formula::parse(text, ParseOptions::of_book(grid));
+std::optional<std::string> shown_formula(std::string_view stored, const Grid& grid) {
+  if (stored.find("_xl") == std::string_view::npos) return std::nullopt;
+  const std::optional<Formula> formula = formula::parse(stored, ParseOptions::of_book(grid));
   if (!formula) return std::nullopt;
   const Parameters parameters(*formula);
   Edits edits;
@@ -230,8 +230,8 @@ std::optional<std::string> shown_formula(std::string_view text, const Grid& grid
   }
   // Without its prefixes a text may read differently: a parameter such as x1 is a cell. Then it
   // stays as the file has it.
-  std::optional<std::string> read = edits.apply(text);
-  if (read && stored_formula(*read, grid) != text) return std::nullopt;
+  std::optional<std::string> read = edits.apply(stored);
+  if (read && stored_formula(*read, grid) != stored) return std::nullopt;
   return read;
 }
 
