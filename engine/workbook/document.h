@@ -101,6 +101,10 @@ class Document {
   // Reads the rows that a partial load of the sheet left out. Throws FileError.
   virtual std::unique_ptr<OutsideRows> read_outside(const Workbook& book, const Sheet& sheet) const;
 
+  // Whether a sheet that is not read yet may say something of others: false only where its formulas
+  // mean no cells but its own.
+  virtual bool may_refer(const Sheet& /*sheet*/) const { return true; }
+
   // The tables of a sheet, read or not.
   virtual std::vector<Table> tables(const Workbook& /*book*/, const Sheet& /*sheet*/) const {
     return {};
@@ -142,8 +146,8 @@ class Document {
   virtual void remove_sheet(Workbook& /*book*/, Sheet& /*sheet*/, const FormulaEdit& /*edit*/) {}
 
   // Applies an edit to the formulas of carried things, as conditional formats, validations, charts,
-  // pivot sources, and to the places of the book that carried things lead to. Sheets must have been
-  // read before.
+  // pivot sources, and to the places of the book that carried things lead to. Sheets that may
+  // refer to others must have been read before.
   virtual void edit_formulas(Workbook& /*book*/, const FormulaEdit& /*edit*/) {}
 
   // Why the file cannot have rows or columns of the sheet inserted or removed; nothing when it can.
@@ -154,7 +158,7 @@ class Document {
     return std::nullopt;
   }
 
-  // Prepares it. All sheets have been read. Null when nothing is carried. Throws FileError.
+  // Prepares it. All sheets that may refer to others have been read. Null when nothing is carried. Throws FileError.
   virtual std::unique_ptr<CarriedMove> prepare_move(Workbook& /*book*/, Sheet& /*sheet*/,
                                                     const formula::Move& /*move*/) {
     return nullptr;

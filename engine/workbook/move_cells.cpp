@@ -394,7 +394,10 @@ std::optional<MoveRefusal> move_cells(Workbook& book, Document& document, Sheet&
   if (outside)
     if (auto refusal = refusal_of_contents(outside->rows.contents(), move, grid)) return refusal;
   if (auto refusal = document.refusal_of_move(book, sheet, move)) return refusal;
-  read_all_sheets(book, document);
+  // Tables are called by their names from anywhere.
+  const bool tables_may_go = !inserts(move) && !document.tables(book, sheet).empty();
+  if (tables_may_go) read_all_sheets(book, document);
+  else read_referring_sheets(book, document);
 
   const auto carried = document.prepare_move(book, sheet, move);
   formula::Adjuster adjuster(move, sheet.name(), grid);

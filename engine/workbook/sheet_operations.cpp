@@ -62,6 +62,11 @@ std::vector<LinkEdit> edited_links(const Workbook& book, const FormulaEdit& edit
   return edits;
 }
 
+bool is_unread(const Sheet& sheet) {
+  return sheet.kind == SheetKind::kWorksheet &&
+         (sheet.loading == Loading::kUnread || sheet.loading == Loading::kExcluded);
+}
+
 bool is_visible(const std::unique_ptr<Sheet>& sheet) {
   return sheet->visibility == SheetVisibility::kVisible;
 }
@@ -171,11 +176,14 @@ void FormulaEdits::apply(Workbook& book) noexcept {
 }
 
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except) {
-  for (const auto& sheet : book.sheets()) {
-    if (sheet.get() == except || sheet->kind != SheetKind::kWorksheet) continue;
-    if (sheet->loading == Loading::kUnread || sheet->loading == Loading::kExcluded)
+  for (const auto& sheet : book.sheets())
+    if (sheet.get() != except && is_unread(*sheet)) document.read_sheet(book, *sheet);
+}
+
+void read_referring_sheets(Workbook& book, Document& document, const Sheet* except) {
+  for (const auto& sheet : book.sheets())
+    if (sheet.get() != except && is_unread(*sheet) && document.may_refer(*sheet))
       document.read_sheet(book, *sheet);
-  }
 }
 
 // A sheet whose rows cannot be read leaves the others as they were.
@@ -242,7 +250,7 @@ void move_sheet(Workbook& book, std::size_t from, std::size_t to) noexcept {
 }
 
 void rename_sheet(Workbook& book, Document& document, Sheet& sheet, std::string name) {
-  read_all_sheets(book, document);
+  read_referring_sheets(book, document);
   const AllRows all_rows(book, document);
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::rename_sheet_text(text, sheet.name(), name, book.limits.grid);
@@ -260,12 +268,13 @@ void rename_sheet(Workbook& book, Document& document, Sheet& sheet, std::string 
 
 std::unique_ptr<Sheet> delete_sheet(Workbook& book, Document& document, std::size_t position) {
   Sheet& gone = *book.sheets()[position];
-  read_all_sheets(book, document, &gone);
+  std::vector<formula::TableChange> tables;
+  for (Table& table : document.tables(book, gone)) tables.push_back({std::move(table.name), {}});
+  if (tables.empty()) read_referring_sheets(book, document, &gone);
+  else read_all_sheets(book, document, &gone);
   const AllRows all_rows(book, document, &gone);
   std::vector<std::string_view> order;
   for (const auto& sheet : book.sheets()) order.push_back(sheet->name());
-  std::vector<formula::TableChange> tables;
-  for (Table& table : document.tables(book, gone)) tables.push_back({std::move(table.name), {}});
   const FormulaEdit edit = [&](const Sheet*, std::string_view text) {
     return formula::change_tables_text(
         text, formula::delete_sheet_text(text, order, position, book.limits.grid), tables,

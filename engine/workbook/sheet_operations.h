@@ -61,9 +61,11 @@ class FormulaEdits {
   std::vector<NameEdit> names_;
 };
 
-// Reads every worksheet that is not read yet but `except`, as a change to all formulas needs. Those
-// that a partial load left out stay closed.
+// Reads every worksheet that is not read yet but `except`. Those that a partial load left out stay
+// closed.
 void read_all_sheets(Workbook& book, Document& document, const Sheet* except = nullptr);
+// The same for those that a change of some sheet can concern through formulas.
+void read_referring_sheets(Workbook& book, Document& document, const Sheet* except = nullptr);
 
 // A formula that cells share stands in the file at one of them, and the others have it moved by the
 // grammar. One that the grammar does not know is bound to its cell while others share it: at

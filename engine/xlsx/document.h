@@ -37,6 +37,7 @@ class Document : public engine::Document {
   void read_sheet(Workbook& book, Sheet& sheet) override;
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
                                             const Sheet& sheet) const override;
+  bool may_refer(const Sheet& sheet) const override;
   std::vector<Table> tables(const Workbook& book, const Sheet& sheet) const override;
   bool is_table_name(const Workbook& book, std::string_view name) const override;
   std::vector<CellRange> pivot_tables(const Workbook& book, const Sheet& sheet) const override;

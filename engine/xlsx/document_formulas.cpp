@@ -3,12 +3,17 @@
 #include <iterator>
 #include <map>
 #include <optional>
+#include <span>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "engine/formula/formula_text.h"
 #include "engine/formula/sheet_name.h"
+#include "engine/package/block_reader.h"
 #include "engine/package/file_error.h"
+#include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
 #include "engine/workbook/links.h"
 #include "engine/xlsx/carried_edits.h"
@@ -166,7 +171,41 @@ void collect_places(const Parts& parts, const FormulaEdit& edit, CarriedEdits& e
   }
 }
 
+// Whether the text of a worksheet may name a sheet. What stands before `!` in a formula is one,
+// while a cell with an error ends behind it; elsewhere it stands in an attribute of a few elements.
+// The character need not be written as itself.
+bool may_name_sheets(package::BlockReader& reader) {
+  constexpr std::string_view kSource = "dataRef";
+  std::string tail;
+  for (std::span<char> block; !(block = reader.next()).empty();) {
+    char* const begin = block.data() - tail.size();
+    std::ranges::copy(tail, begin);
+    const std::string_view text(begin, tail.size() + block.size());
+    if (package::looks_like_utf16(text)) return true;
+    if (text.find("&#") != std::string_view::npos) return true;
+    if (text.find(kSource) != std::string_view::npos) return true;
+    for (std::size_t at = 0; (at = text.find('!', at)) != std::string_view::npos; ++at)
+      if (at + 1 < text.size() && text[at + 1] != '<') return true;
+    tail = text.substr(text.size() - std::min(text.size(), kSource.size()));
+  }
+  return false;
+}
+
 }  // namespace
+
+// A part that is missing or damaged is left to those who read it.
+bool Document::may_refer(const Sheet& sheet) const {
+  const SheetPart& its = part_of(sheet);
+  if (its.may_refer) return *its.may_refer;
+  const Part* part = parts_.find(its.part);
+  if (!part) return true;
+  try {
+    its.may_refer = may_name_sheets(*parts_.open(*part));
+  } catch (const package::FileError&) {
+    its.may_refer = true;
+  }
+  return *its.may_refer;
+}
 
 std::optional<std::string> Document::shown_formula(const Workbook& book,
                                                    std::string_view formula) const {

@@ -42,6 +42,9 @@ struct SheetPart {
   bool selected = false;                         // the tab, in the file
   std::string links_damage;  // why its links cannot be read or rewritten; else empty
 
+  // Whether it may refer to other sheets, once somebody asked before it was read.
+  mutable std::optional<bool> may_refer;
+
   // Its tables that can be read, once somebody asked for them.
   mutable std::optional<std::vector<TablePart>> tables;
   // The ranges of its pivot tables, likewise.

@@ -76,8 +76,8 @@ TEST(Files, FailedLoadsLeaveTheBookAsItWas) {
 }
 
 TEST(Files, DamageShowsInTheSheetThatHasIt) {
-  const std::string bad =
-      with_replaced(three_sheets(), "xl/worksheets/sheet2.xml", "</sheetData>", "");
+  const std::string bad = with_replaced(three_sheets(), "xl/worksheets/sheet2.xml", "</sheetData>",
+                                        "<row r=\"99\"><c r=\"A99\"><f>One!A1</f></c></row>");
   Stage stage;
   ASSERT_TRUE(load(*stage.book, bad)) << stage.message();
   EXPECT_EQ(stage.book->getSheet(1), nullptr);

@@ -137,5 +137,52 @@ TEST(CarriedReferences, AMappedCellGoesWithItsRow) {
   EXPECT_THAT(parts.at(kControl), HasSubstr("fmlaLink=\"#REF!\""));
 }
 
+// A sheet that names no other stays as it is stored, whatever happens to others.
+TEST(CarriedReferences, SheetsWithoutAnyStayUnread) {
+  const struct {
+    const char* rows;
+    const char* tail;
+    bool read;
+  } cases[] = {
+      {"<row><c><v>1</v></c><c><f>A1*2</f><v>2</v></c></row>", "", false},
+      {"<row><c t=\"e\"><f>1/0</f><v>#DIV/0!</v></c></row>", "", false},
+      {"<row><c><f>Data!A1</f></c></row>", "", true},
+      {"<row><c><f>Data&#33;A1</f></c></row>", "", true},
+      {"<row><c><f><![CDATA[Data!A1]]></f></c></row>", "", true},
+      {"",
+       R"(<dataConsolidate><dataRefs><dataRef sheet="Data" ref="A1"/></dataRefs>)"
+       R"(</dataConsolidate>)",
+       true},
+      {"", R"(<hyperlinks><hyperlink ref="A1" location="Data!A1"/></hyperlinks>)", true},
+  };
+  for (const auto& [rows, tail, read] : cases) {
+    SCOPED_TRACE(std::string(rows) + tail);
+    PartTexts parts = rich_package();
+    parts["xl/worksheets/sheet2.xml"] = worksheet(rows, {}, tail);
+    const auto loading_after = [&](const auto& change) {
+      const auto book = load(parts);
+      change(*book);
+      return book->sheet(kMore).loading;
+    };
+    const Loading expected = read ? Loading::kRead : Loading::kUnread;
+    EXPECT_EQ(loading_after([](Book& book) {
+                rename_sheet(book.workbook, *book.document, book.sheet(kData), "New");
+              }),
+              expected);
+    EXPECT_EQ(
+        loading_after([](Book& book) {
+          const formula::Move rows_move{formula::Axis::kRows, formula::Move::Kind::kInsert, 0, 2};
+          move_cells(book.workbook, *book.document, book.read(kData), {rows_move, true});
+        }),
+        expected);
+    // Its table can be called from anywhere.
+    EXPECT_EQ(loading_after([](Book& book) {
+                book.read(kData);
+                delete_sheet(book.workbook, *book.document, kData);
+              }),
+              Loading::kRead);
+  }
+}
+
 }  // namespace
 }  // namespace engine::xlsx
