@@ -287,7 +287,7 @@ TEST(SheetName, FollowsTheRules) {
   EXPECT_STREQ(stage.sheet->name(), L"DATA");
 }
 
-// Sheets beside a partial load follow, and one that is damaged refuses.
+// Sheets beside a partial load follow, and one that is damaged and may refer to others refuses.
 TEST(SheetName, AsksForTheOtherSheets) {
   Stage stage;
   ASSERT_TRUE(load(*stage.book, engine::xlsx::zip(engine::xlsx::rich_package()), 1, 0, 0));
@@ -297,7 +297,7 @@ TEST(SheetName, AsksForTheOtherSheets) {
   EXPECT_STREQ(stage.sheet->readFormula(1, 2, nullptr), L"SUM(A2,New!A1)");
 
   auto parts = engine::xlsx::rich_package();
-  parts["xl/worksheets/sheet1.xml"] = "<worksheet>";
+  parts["xl/worksheets/sheet1.xml"] = "<worksheet><f>More!A1</f>";
   ASSERT_TRUE(load(*stage.book, engine::xlsx::zip(parts)));
   libxl::Sheet* more = stage.book->getSheet(1);
   more->setName(L"New");
