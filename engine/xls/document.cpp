@@ -1,6 +1,7 @@
 #include "engine/xls/document.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 #include "engine/package/file_error.h"
@@ -53,19 +54,37 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
   read_globals(reader, scope, book, made->globals_);
   for (std::size_t i = 0; i < book.sheets().size(); ++i)
     made->sheets_[book.sheets()[i].get()].begin = made->globals_.sheets[i];
+  made->part_sheets(book);
   made->look_at_tabs(book);
   return made;
+}
+
+// Sheets share no record: of those that a file lets begin at one place the first has it.
+void Document::part_sheets(const Workbook& book) {
+  std::map<std::uint32_t, SheetPart*> begins;
+  for (const auto& sheet : book.sheets()) {
+    if (sheet->kind != SheetKind::kWorksheet) continue;
+    SheetPart& part = sheets_.at(sheet.get());
+    if (!begins.try_emplace(part.begin, &part).second) part.limit = part.begin;
+  }
+  std::uint64_t limit = stream_.size();
+  for (auto sheet = begins.rbegin(); sheet != begins.rend(); ++sheet) {
+    sheet->second->limit = limit;
+    limit = sheet->first;
+  }
 }
 
 // Two things that concern the book stand in its sheets: how references are written, the same in
 // all, and which tabs are selected. For sheets that are read later on that comes with them.
 void Document::look_at_tabs(Workbook& book) {
   bool has_mode = false;
+  std::uint64_t budget = stream_.size() / 4;  // as many records as the stream can hold
   for (const auto& sheet : book.sheets()) {
     if (sheet->kind == SheetKind::kWorksheet && has_mode) continue;
     try {
       RecordReader reader(stream_, sheets_.at(sheet.get()).begin, globals_.cipher);
-      while (reader.next() && reader.id() != kEof && reader.id() != kDimensions) {
+      while (budget > 0 && reader.next() && reader.id() != kEof && reader.id() != kDimensions) {
+        --budget;
         Fields in(reader.data());
         if (reader.id() == kReferenceMode && sheet->kind == SheetKind::kWorksheet) {
           book.r1c1 = in.take16() == 0;
@@ -86,11 +105,13 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   SheetContents contents = begin_contents(book);
   SheetPart part;
   part.begin = known->second.begin;
+  part.limit = known->second.limit;
   RowFilter filter;
   if (sheet.loading == Loading::kPartly)
     filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false};
   SheetFlags flags;
   RecordReader reader(stream_, part.begin, globals_.cipher, sheet.name());
+  reader.end_at(part.limit);
   const SheetContext context{book, globals_, sheet, book.strings.count_from_file(), 0};
   xls::read_sheet(reader, context, filter, contents, flags, part);
   part.read = true;
@@ -108,7 +129,9 @@ std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
   SheetPart part;
   SheetFlags flags;
   const RowFilter filter{sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, true};
-  RecordReader reader(stream_, sheets_.at(&sheet).begin, globals_.cipher, sheet.name());
+  const SheetPart& known = sheets_.at(&sheet);
+  RecordReader reader(stream_, known.begin, globals_.cipher, sheet.name());
+  reader.end_at(known.limit);
   const std::uint32_t texts = book.strings.count_from_file();
   xls::read_sheet(reader, {outside->texts, globals_, sheet, texts, texts}, filter, contents, flags,
                   part);
@@ -125,7 +148,7 @@ void Document::remove_sheet(Workbook& /*book*/, Sheet& sheet, const FormulaEdit&
 
 void Document::save(const Workbook& /*book*/, const SaveOptions& /*options*/,
                     package::Output& /*output*/) {
-  throw package::FileError("cannot be written: .xls workbooks live in memory only");
+  throw package::FileError("cannot be written: .xls workbooks cannot be saved yet");
 }
 
 }  // namespace engine::xls

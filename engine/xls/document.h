@@ -32,6 +32,7 @@ class Document : public engine::Document {
  private:
   Document() = default;
 
+  void part_sheets(const Workbook& book);
   void look_at_tabs(Workbook& book);
 
   package::CompoundStream stream_;

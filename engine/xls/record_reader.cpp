@@ -27,19 +27,24 @@ std::string hexadecimal(unsigned number) {
 
 RecordReader::RecordReader(const package::CompoundStream& stream, std::uint64_t offset,
                            const std::optional<Cipher>& cipher, std::string_view sheet)
-    : stream_(stream), sheet_(sheet), offset_(offset), next_(offset), cipher_(cipher) {}
+    : stream_(stream),
+      sheet_(sheet),
+      offset_(offset),
+      next_(offset),
+      end_(stream.size()),
+      cipher_(cipher) {}
 
 // Brings bytes into the window: as they lie in memory where they do in one piece, else a copy.
 bool RecordReader::reach(std::uint64_t offset, std::size_t count) {
+  if (offset >= end_ || end_ - offset < count) return false;
   if (offset >= window_begin_ && offset - window_begin_ <= window_.size() &&
       window_.size() - (offset - window_begin_) >= count)
     return true;
-  if (offset >= stream_.size() || stream_.size() - offset < count) return false;
   window_ = stream_.view_at(offset);
   window_begin_ = offset;
   if (window_.size() >= count) return true;
-  buffer_.resize(static_cast<std::size_t>(
-      std::min<std::uint64_t>(std::max(count, kBlock), stream_.size() - offset)));
+  buffer_.resize(
+      static_cast<std::size_t>(std::min<std::uint64_t>(std::max(count, kBlock), end_ - offset)));
   stream_.read(offset, buffer_);
   window_ = {buffer_.data(), buffer_.size()};
   return true;
@@ -71,9 +76,9 @@ void RecordReader::decrypt() {
 }
 
 std::uint16_t RecordReader::next_id() {
+  if (next_ + kHeaderSize > end_) return 0;
   if (next_ - window_begin_ + kHeaderSize <= window_.size())
     return package::get16(window_, static_cast<std::size_t>(next_ - window_begin_));
-  if (next_ + kHeaderSize > stream_.size()) return 0;
   std::array<char, 2> bytes{};
   stream_.read(next_, bytes);
   return package::get16({bytes.data(), bytes.size()}, 0);

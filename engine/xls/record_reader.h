@@ -5,6 +5,7 @@
 // change its width there.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -27,7 +28,10 @@ class RecordReader {
   // The records from here on are encrypted.
   void decrypt_with(const Cipher& cipher) { cipher_ = cipher; }
 
-  // Goes to the next record; false at the end of the stream.
+  // Nothing is read from `offset` on.
+  void end_at(std::uint64_t offset) { end_ = std::min(end_, offset); }
+
+  // Goes to the next record; false at the end.
   bool next();
 
   std::uint16_t id() const { return id_; }
@@ -36,7 +40,7 @@ class RecordReader {
   // Of the record in the stream, its number and size included.
   std::uint64_t offset() const { return offset_; }
 
-  // The number of the record behind this one; 0 at the end of the stream.
+  // The number of the record behind this one; 0 at the end.
   std::uint16_t next_id();
 
   // Goes on to the next record if it continues this one.
@@ -59,6 +63,7 @@ class RecordReader {
   std::vector<char> buffer_;  // of a window that does not lie in one piece
   std::uint64_t offset_ = 0;
   std::uint64_t next_ = 0;
+  std::uint64_t end_;
   std::uint16_t id_ = 0;
   std::string_view data_;
   std::string whole_;

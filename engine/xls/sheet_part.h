@@ -39,7 +39,8 @@ struct OutlinedRecords {
 
 struct SheetPart {
   std::uint32_t begin = 0;  // of the substream in the stream
-  std::uint32_t end = 0;    // of its last record, once it is read
+  std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();  // where another sheet begins
+  std::uint32_t end = 0;  // of its last record, once it is read
   std::vector<OutlinedRecords> outline;
   bool read = false;
 };

@@ -90,6 +90,7 @@ class SheetReader {
   // A group of cells that share a formula, found by the first of them.
   struct Shared {
     std::uint32_t number = 0;  // of the model's shared formula; 0: each cell has a text of its own
+    bool has_text = false;
     CellRange range;
     std::string tokens;
     std::string behind;
@@ -163,6 +164,7 @@ class SheetReader {
   }
 
   void read_other() {
+    if (reader_.id() == kContinue) return;  // goes with the record in front of it
     const SheetRecord* known = find_sheet_record(reader_.id());
     note_group(known ? known->group : RecordGroup::kCarried);
     if (!known || !known->read) return;
@@ -346,6 +348,7 @@ class SheetReader {
     const CellAddress first{made.range.row_first, made.range.column_first};
     if (tokens_.read(made.tokens, made.behind, {&context_.sheet, first})) {
       // References that some cell has wrapped around the sheet's end differ in more than distance.
+      made.has_text = true;
       const CellAddress furthest = tokens_.furthest();
       if (grid_.holds(furthest.row + made.range.row_last - first.row,
                       furthest.column + made.range.column_last - first.column)) {
@@ -444,10 +447,16 @@ class SheetReader {
     put(made.at.row, cell);
   }
 
+  // Cells that only name a long expression would make more of it than the file can pay for.
   void share(const Shared& group, CellAddress at, CellRecord& record) {
+    constexpr std::size_t kMaxExpanded = std::size_t{1} << 26;
+    if (!group.has_text) return;
     if (group.number != 0 && group.range.contains(at.row, at.column)) record.shared = group.number;
-    else if (tokens_.read(group.tokens, group.behind, {&context_.sheet, at}))
+    if (record.shared != 0) return;
+    if (expanded_ > kMaxExpanded) reader_.fail("the shared formulas are too long");
+    if (tokens_.read(group.tokens, group.behind, {&context_.sheet, at}))
       record.formula = sheet_.keep_text(tokens_.text());
+    expanded_ += group.tokens.size() + record.formula.size();
   }
 
   // Files may name a group that comes later, or none: then the value is all there is.
@@ -535,6 +544,7 @@ class SheetReader {
   std::map<CellAddress, Shared> shared_;
   std::set<CellAddress> arrays_;  // where cells of arrays say that the formula stands
   std::vector<Waiting> waiting_;
+  std::size_t expanded_ = 0;  // bytes of expressions that were read for one cell more, and of texts
 };
 
 }  // namespace
