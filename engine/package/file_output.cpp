@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -14,7 +15,10 @@
 namespace engine::package {
 namespace {
 
-constexpr std::size_t kBufferSize = 256 * 1024;
+// Where the system keeps what is written: in pieces as large as one write. Large pieces come from
+// memory that nobody used for long, which on virtual machines has to be fetched first: after other
+// programs had run, 24 MB took 12 ms to write in steps of this size and 70 ms in steps of twice it.
+constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr int kMaxLinks = 40;
 constexpr mode_t kPermissions = 0777;
 
@@ -107,16 +111,13 @@ void FileOutput::open_side_file() {
 }
 
 void FileOutput::write(std::span<const char> bytes) {
-  if (buffer_.size() + bytes.size() > kBufferSize) {
+  while (!bytes.empty()) {
+    const auto part = bytes.first(std::min(bytes.size(), kBufferSize - buffer_.size()));
+    buffer_.insert(buffer_.end(), part.begin(), part.end());
+    bytes = bytes.subspan(part.size());
+    if (buffer_.size() < kBufferSize) continue;
     flush();
     begin_writeback();
-  }
-  if (bytes.size() > kBufferSize) {
-    write_at(handle_, bytes, flushed_, target_);
-    flushed_ += bytes.size();
-    begin_writeback();
-  } else {
-    buffer_.insert(buffer_.end(), bytes.begin(), bytes.end());
   }
 }
 

@@ -76,7 +76,7 @@ TEST(FileOutput, PatchesBeforeAndBehindItsBuffer) {
     expected += text;
     EXPECT_EQ(output.position(), expected.size());
   }
-  for (const std::size_t at : {0U, 199998U, 262143U, 300099U, 700105U}) {
+  for (const std::size_t at : {0U, 199998U, 300099U, 655358U, 700105U}) {
     output.patch(at, std::string_view("12345"));
     expected.replace(at, 5, "12345");
   }
