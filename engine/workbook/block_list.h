@@ -1,17 +1,17 @@
 // A list of plain data that grows at its end and whose items stay where they are.
 //
 // Items lie in blocks, each twice as long as the one before, so growing moves nothing, a short list
-// is small and a long one lies in big pages.
+// is small. A block's memory is not touched before it is used.
 #pragma once
 
 #include <algorithm>
 #include <bit>
 #include <cstddef>
+#include <iterator>
+#include <memory>
 #include <type_traits>
 #include <utility>
 #include <vector>
-
-#include "engine/memory/block.h"
 
 namespace engine {
 
@@ -52,7 +52,7 @@ class BlockList {
       const std::size_t number = blocks_.size();
       const std::size_t used = std::min(left, length_of(number));
       add_block();
-      std::copy_n(other.blocks_[number].get(), used, blocks_[number].get());
+      std::copy_n(other.items(number), used, items(number));
       left -= used;
     }
   }
@@ -65,17 +65,17 @@ class BlockList {
   std::size_t size() const { return size_; }
   T& operator[](std::size_t at) {
     const Place place(at);
-    return blocks_[place.block][place.offset];
+    return items(place.block)[place.offset];
   }
   const T& operator[](std::size_t at) const {
     const Place place(at);
-    return blocks_[place.block][place.offset];
+    return items(place.block)[place.offset];
   }
 
   void push_back(const T& item) {
     const Place place(size_);
     if (place.block == blocks_.size()) add_block();
-    blocks_[place.block][place.offset] = item;
+    items(place.block)[place.offset] = item;
     ++size_;
   }
 
@@ -97,13 +97,17 @@ class BlockList {
     std::size_t offset;
   };
 
-  void add_block() { blocks_.push_back(memory::make_block<T>(length_of(blocks_.size()))); }
+  T* items(std::size_t block) const { return reinterpret_cast<T*>(blocks_[block].get()); }
+  void add_block() {
+    const std::size_t size = length_of(blocks_.size()) * sizeof(T);
+    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
+  }
   void swap(BlockList& other) noexcept {
     blocks_.swap(other.blocks_);
     std::swap(size_, other.size_);
   }
 
-  std::vector<memory::Block<T>> blocks_;
+  std::vector<std::unique_ptr<std::byte[]>> blocks_;  // not T: that would initialise all of it
   std::size_t size_ = 0;
 };
 

@@ -15,20 +15,22 @@ std::uint32_t StringPool::hash_of(std::string_view text) const {
 std::uint32_t StringPool::add(std::string_view text) {
   if ((entries_.size() + 1) * 2 > buckets_.size()) make_index((entries_.size() + 8) * 4);
   const std::uint32_t hash = hash_of(text);
-  const std::size_t mask = buckets_.size() - 1;
-  std::size_t at = hash & mask;
+  const auto mask = static_cast<std::uint32_t>(buckets_.size() - 1);
+  std::uint32_t at = hash & mask;
   // The text is kept before it is known to be new: meanwhile its bucket comes from memory.
   __builtin_prefetch(&buckets_[at]);
   const char* const kept = texts_.keep(text).data();
   for (; buckets_[at] != 0; at = (at + 1) & mask) {
-    const Entry& entry = entries_[buckets_[at] - 1];
+    if (((buckets_[at] ^ hash) & ~mask) != 0) continue;
+    const std::uint32_t index = (buckets_[at] & mask) - 1;
+    const Entry& entry = entries_[index];
     if (entry.hash == hash && std::string_view(entry.data, entry.length) == text) {
       texts_.drop_last(text);
-      return buckets_[at] - 1;
+      return index;
     }
   }
   entries_.push_back({kept, static_cast<std::uint32_t>(text.size()), hash});
-  buckets_[at] = size();
+  buckets_[at] = (hash & ~mask) | size();
   return size() - 1;
 }
 
@@ -68,10 +70,11 @@ void StringPool::make_index(std::size_t buckets) {
 }
 
 void StringPool::enter(std::uint32_t index) {
-  const std::size_t mask = buckets_.size() - 1;
-  std::size_t at = entries_[index].hash & mask;
+  const auto mask = static_cast<std::uint32_t>(buckets_.size() - 1);
+  const std::uint32_t hash = entries_[index].hash;
+  std::uint32_t at = hash & mask;
   while (buckets_[at] != 0) at = (at + 1) & mask;
-  buckets_[at] = index + 1;
+  buckets_[at] = (hash & ~mask) | (index + 1);
 }
 
 }  // namespace engine

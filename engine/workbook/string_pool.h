@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/workbook/block_list.h"
 #include "engine/workbook/text_arena.h"
 
 namespace engine {
@@ -43,7 +44,6 @@ class StringPool {
   std::string_view operator[](std::uint32_t index) const {
     return {entries_[index].data, entries_[index].length};
   }
-  void reserve(std::size_t count) { entries_.reserve(count); }
 
  private:
   struct Entry {
@@ -56,9 +56,12 @@ class StringPool {
   void make_index(std::size_t buckets);
   void enter(std::uint32_t index);
 
-  std::vector<Entry> entries_;
-  std::vector<std::uint32_t> buckets_;  // open addressing; entry number plus one, 0 is free
-  std::uint64_t seed_ = 0;              // of the hashes, once the index is made
+  BlockList<Entry> entries_;
+  // Open addressing. As many low bits as number all buckets hold the entry's number plus one, 0 is
+  // free; above them stands what the hash has there, so that most texts which meet in a bucket are
+  // told apart without looking at the entry.
+  std::vector<std::uint32_t> buckets_;
+  std::uint64_t seed_ = 0;  // of the hashes, once the index is made
   TextArena texts_;
   std::map<std::uint32_t, std::string> rich_;
   std::uint32_t from_file_ = 0;

@@ -20,9 +20,10 @@ namespace {
 
 using package::XmlScanner;
 
-constexpr std::size_t kSliceSize = std::size_t{1} << 20;
-constexpr std::size_t kItemSize = 20;            // around a text, about
-constexpr std::uint64_t kMaxReserved = 1 << 18;  // entries that a part may announce unseen
+// Long, as each slice is packed for itself: with half of it a part of long texts is 1.5% larger.
+// Twice of it leaves one of two threads without work at the end of a middling part.
+constexpr std::size_t kSliceSize = std::size_t{1} << 19;
+constexpr std::size_t kItemSize = 20;  // around a text, about
 constexpr std::string_view kNamespace = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 
 // Takes plain texts, <si><t>text</t></si>, as long as they stand there just so.
@@ -152,7 +153,6 @@ std::uint64_t read_shared_strings(package::BlockReader& reader, std::string_view
     return number;
   };
   const std::uint64_t count = number_of("count");
-  pool.reserve(static_cast<std::size_t>(std::min(number_of("uniqueCount"), kMaxReserved)));
   const bool prefixed = scanner.qualified_name() != scanner.name();
   StringItem item;
   if (!prefixed) read_plain_items(scanner, pool);
