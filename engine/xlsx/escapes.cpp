@@ -1,5 +1,7 @@
 #include "engine/xlsx/escapes.h"
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
 #include <optional>
 
@@ -58,39 +60,50 @@ std::optional<std::uint32_t> unit_to_escape(std::string_view text) {
   return std::nullopt;
 }
 
-// All bits for a character that either layer may have to write in another way, else none.
-constexpr unsigned char special_bits(char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  // Arithmetic, not a choice: the compiler makes vector instructions of nothing else.
-  const int bits = -int{byte < ' '} | -int{byte == '&'} | -int{byte == '<'} | -int{byte == '>'} |
-                   -int{byte == '_'} | -int{byte == 0xEF};
-  return static_cast<unsigned char>(bits);
+// Whether either layer may have to write a character in another way.
+constexpr bool is_special(char c) {
+  return (c >= 0 && c < ' ') || c == '&' || c == '<' || c == '>' || c == '_' || c == '\xEF';
 }
 
 #ifdef __SSE2__
 
-// Whether one of the bytes is such a character.
-bool has_special(__m128i bytes) {
+// A bit for each byte that is such a character.
+unsigned special_bits(__m128i bytes) {
   const auto equal = [bytes](char c) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(c)); };
   const __m128i controls = _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(' ' - 1)), bytes);
   const __m128i signs = _mm_or_si128(_mm_or_si128(equal('&'), equal('<')), equal('>'));
   const __m128i others = _mm_or_si128(equal('_'), equal('\xEF'));
-  return _mm_movemask_epi8(_mm_or_si128(controls, _mm_or_si128(signs, others))) != 0;
+  return static_cast<unsigned>(
+      _mm_movemask_epi8(_mm_or_si128(controls, _mm_or_si128(signs, others))));
 }
 
 #endif
 
 // The length of a text up to its first special character.
 std::size_t plain_length(std::string_view text) {
-  constexpr std::size_t kBlock = 32;
   std::size_t at = 0;
-  for (; at + kBlock <= text.size(); at += kBlock) {
-    unsigned char special = 0;
-    for (std::size_t i = 0; i < kBlock; ++i)
-      special = static_cast<unsigned char>(special | special_bits(text[at + i]));
-    if (special != 0) break;
+#ifdef __SSE2__
+  constexpr std::size_t kBlock = sizeof(__m128i);
+  const auto special_from = [text](std::size_t begin) {
+    return special_bits(_mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + begin)));
+  };
+  if (text.size() >= kBlock) {
+    // The last block ends with the text and may overlap the one before.
+    for (const std::size_t last = text.size() - kBlock;; at = std::min(at + kBlock, last)) {
+      const unsigned special = special_from(at);
+      if (special != 0) return at + static_cast<std::size_t>(std::countr_zero(special));
+      if (at == last) return text.size();
+    }
   }
-  while (at < text.size() && special_bits(text[at]) == 0) ++at;
+  if (text.size() >= kBlock / 2) {
+    const auto half = [](const char* begin) {
+      return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(begin));
+    };
+    const char* const last = text.data() + text.size() - kBlock / 2;
+    if (special_bits(_mm_unpacklo_epi64(half(text.data()), half(last))) == 0) return text.size();
+  }
+#endif
+  while (at < text.size() && !is_special(text[at])) ++at;
   return at;
 }
 
@@ -121,27 +134,7 @@ void append_text(std::string& out, std::string_view text) {
   }
 }
 
-bool is_plain_text(std::string_view text) {
-#ifdef __SSE2__
-  // Blocks from the beginning and one that ends with the text, which may overlap; of short texts
-  // two halves of a block.
-  constexpr std::size_t kBlock = sizeof(__m128i);
-  if (text.size() >= kBlock) {
-    const char* const last = text.data() + text.size() - kBlock;
-    for (const char* at = text.data(); at < last; at += kBlock)
-      if (has_special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)))) return false;
-    return !has_special(_mm_loadu_si128(reinterpret_cast<const __m128i*>(last)));
-  }
-  if (text.size() >= kBlock / 2) {
-    const auto half = [](const char* at) {
-      return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at));
-    };
-    const char* const last = text.data() + text.size() - kBlock / 2;
-    return !has_special(_mm_unpacklo_epi64(half(text.data()), half(last)));
-  }
-#endif
-  return plain_length(text) == text.size();
-}
+bool is_plain_text(std::string_view text) { return plain_length(text) == text.size(); }
 
 std::string unescape(std::string_view text) {
   std::string out;

@@ -69,10 +69,12 @@ StringItem parse_string_item(std::string_view element, std::string_view part,
 }
 
 void append_string_item(std::string& out, std::string_view text) {
+  const bool plain = is_plain_text(text);
   const bool preserve = !text.empty() && (is_blank(text.front()) || is_blank(text.back()) ||
-                                          text.find('\n') != std::string_view::npos);
+                                          (!plain && text.find('\n') != std::string_view::npos));
   out.append(preserve ? "<si><t xml:space=\"preserve\">" : "<si><t>");
-  append_text(out, text);
+  if (plain) out.append(text);
+  else append_text(out, text);
   out.append("</t></si>");
 }
 
