@@ -10,9 +10,9 @@
 #include <string_view>
 
 #include "engine/package/xml_scanner.h"
+#include "engine/workbook/iso_date.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/workbook.h"
-#include "engine/workbook/iso_date.h"
 #include "engine/xlsx/sheet_part.h"
 
 namespace engine::xlsx {
