@@ -102,7 +102,7 @@ void BookContext::refuse_exception() {
     throw;
   } catch (const package::FileError& error) {
     refuse(contents_.source + error.what());
-  } catch (const package::SizeError& error) {
+  } catch (const package::LimitError& error) {
     refuse(error.what());
   } catch (const std::exception& error) {
     refuse(messages::unexpected(error.what()));

@@ -11,8 +11,14 @@ constexpr std::size_t kFirstCapacity = 16 * 1024;
 
 }  // namespace
 
+LimitError::LimitError(std::string_view things, std::uint64_t limit)
+    : std::runtime_error(std::string("too many ")
+                             .append(things)
+                             .append(": the limit is ")
+                             .append(std::to_string(limit))) {}
+
 SizeError::SizeError(std::uint64_t limit)
-    : std::runtime_error("the workbook is larger than " + std::to_string(limit) + " bytes") {}
+    : LimitError("the workbook is larger than " + std::to_string(limit) + " bytes") {}
 
 void MemoryOutput::write(std::span<const char> bytes) {
   if (bytes.empty()) return;

@@ -21,8 +21,17 @@ class FileTargetError : public FileError {
   using FileError::FileError;
 };
 
-// More bytes than a buffer's receiver can take. The text is a whole sentence.
-class SizeError : public std::runtime_error {
+// More of something than a format or a buffer's receiver can take. The text is a whole sentence.
+class LimitError : public std::runtime_error {
+ public:
+  LimitError(std::string_view things, std::uint64_t limit);
+
+ protected:
+  using std::runtime_error::runtime_error;
+};
+
+// The same of bytes.
+class SizeError : public LimitError {
  public:
   explicit SizeError(std::uint64_t limit);
 };
