@@ -25,4 +25,11 @@ std::string_view cell_error_text(std::uint8_t number) {
   }
 }
 
+std::optional<std::uint8_t> cell_error_number(std::string_view text) {
+  constexpr std::uint8_t kNumbers[] = {0x00, 0x07, 0x0F, 0x17, 0x1D, 0x24, 0x2A, 0x2B};
+  for (const std::uint8_t number : kNumbers)
+    if (cell_error_text(number) == text) return number;
+  return std::nullopt;
+}
+
 }  // namespace engine::xls

@@ -1,6 +1,8 @@
 #include "engine/xls/functions.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 
 namespace engine::xls {
 
@@ -9,15 +11,15 @@ namespace {
 // Ascending.
 constexpr Function kFunctions[] = {
     {0, "COUNT", 0, 30, 'V', "R"},
-    {1, "IF", 2, 3, 'V', "VR"},
+    {1, "IF", 2, 3, 'R', "vr"},
     {2, "ISNA", 1, 1, 'V', "V"},
     {3, "ISERROR", 1, 1, 'V', "V"},
     {4, "SUM", 0, 30, 'V', "R"},
     {5, "AVERAGE", 1, 30, 'V', "R"},
     {6, "MIN", 1, 30, 'V', "R"},
     {7, "MAX", 1, 30, 'V', "R"},
-    {8, "ROW", 0, 1, 'V', "R"},
-    {9, "COLUMN", 0, 1, 'V', "R"},
+    {8, "ROW", 0, 1, 'V', "r"},
+    {9, "COLUMN", 0, 1, 'V', "r"},
     {10, "NA", 0, 0, 'V', ""},
     {11, "NPV", 2, 30, 'V', "VR"},
     {12, "STDEV", 1, 30, 'V', "R"},
@@ -36,8 +38,8 @@ constexpr Function kFunctions[] = {
     {25, "INT", 1, 1, 'V', "V"},
     {26, "SIGN", 1, 1, 'V', "V"},
     {27, "ROUND", 2, 2, 'V', "V"},
-    {28, "LOOKUP", 2, 3, 'V', "VR"},
-    {29, "INDEX", 2, 4, 'R', "RV"},
+    {28, "LOOKUP", 2, 3, 'V', "Va"},
+    {29, "INDEX", 2, 4, 'R', "as"},
     {30, "REPT", 2, 2, 'V', "V"},
     {31, "MID", 3, 3, 'V', "V"},
     {32, "LEN", 1, 1, 'V', "V"},
@@ -57,17 +59,17 @@ constexpr Function kFunctions[] = {
     {46, "VAR", 1, 30, 'V', "R"},
     {47, "DVAR", 3, 3, 'V', "R"},
     {48, "TEXT", 2, 2, 'V', "V"},
-    {49, "LINEST", 1, 4, 'A', "RRV"},
-    {50, "TREND", 1, 4, 'A', "RRRV"},
-    {51, "LOGEST", 1, 4, 'A', "RRV"},
-    {52, "GROWTH", 1, 4, 'A', "RRRV"},
+    {49, "LINEST", 1, 4, 'A', "aas"},
+    {50, "TREND", 1, 4, 'A', "aaas"},
+    {51, "LOGEST", 1, 4, 'A', "aas"},
+    {52, "GROWTH", 1, 4, 'A', "aaas"},
     {56, "PV", 3, 5, 'V', "V"},
     {57, "FV", 3, 5, 'V', "V"},
     {58, "NPER", 3, 5, 'V', "V"},
     {59, "PMT", 3, 5, 'V', "V"},
     {60, "RATE", 3, 6, 'V', "V"},
-    {61, "MIRR", 3, 3, 'V', "RV"},
-    {62, "IRR", 1, 2, 'V', "RV"},
+    {61, "MIRR", 3, 3, 'V', "as"},
+    {62, "IRR", 1, 2, 'V', "as"},
     {63, "RAND", 0, 0, 'V', ""},
     {64, "MATCH", 2, 3, 'V', "VR"},
     {65, "DATE", 3, 3, 'V', "V"},
@@ -81,8 +83,8 @@ constexpr Function kFunctions[] = {
     {73, "SECOND", 1, 1, 'V', "V"},
     {74, "NOW", 0, 0, 'V', ""},
     {75, "AREAS", 1, 1, 'V', "R"},
-    {76, "ROWS", 1, 1, 'V', "R"},
-    {77, "COLUMNS", 1, 1, 'V', "R"},
+    {76, "ROWS", 1, 1, 'V', "a"},
+    {77, "COLUMNS", 1, 1, 'V', "a"},
     {78, "OFFSET", 3, 5, 'R', "RV"},
     {82, "SEARCH", 2, 3, 'V', "V"},
     {83, "TRANSPOSE", 1, 1, 'A', "A"},
@@ -90,9 +92,9 @@ constexpr Function kFunctions[] = {
     {97, "ATAN2", 2, 2, 'V', "V"},
     {98, "ASIN", 1, 1, 'V', "V"},
     {99, "ACOS", 1, 1, 'V', "V"},
-    {100, "CHOOSE", 2, 30, 'V', "VR"},
-    {101, "HLOOKUP", 3, 4, 'V', "VRRV"},
-    {102, "VLOOKUP", 3, 4, 'V', "VRRV"},
+    {100, "CHOOSE", 2, 30, 'R', "vr"},
+    {101, "HLOOKUP", 3, 4, 'V', "srVs"},
+    {102, "VLOOKUP", 3, 4, 'V', "srVs"},
     {105, "ISREF", 1, 1, 'V', "R"},
     {109, "LOG", 1, 2, 'V', "V"},
     {111, "CHAR", 1, 1, 'V', "V"},
@@ -169,7 +171,7 @@ constexpr Function kFunctions[] = {
     {235, "DGET", 3, 3, 'V', "R"},
     {244, "INFO", 1, 1, 'V', "V"},
     {247, "DB", 4, 5, 'V', "V"},
-    {252, "FREQUENCY", 2, 2, 'A', "R"},
+    {252, "FREQUENCY", 2, 2, 'A', "a"},
     {257, "EVALUATE", 1, 1, 'V', "V"},
     {261, "ERROR.TYPE", 1, 1, 'V', "V"},
     {267, "REGISTER.ID", 2, 3, 'V', "V"},
@@ -243,8 +245,8 @@ constexpr Function kFunctions[] = {
     {342, "RADIANS", 1, 1, 'V', "V"},
     {343, "DEGREES", 1, 1, 'V', "V"},
     {344, "SUBTOTAL", 2, 30, 'V', "VR"},
-    {345, "SUMIF", 2, 3, 'V', "RVR"},
-    {346, "COUNTIF", 2, 2, 'V', "RV"},
+    {345, "SUMIF", 2, 3, 'V', "rVr"},
+    {346, "COUNTIF", 2, 2, 'V', "rV"},
     {347, "COUNTBLANK", 1, 1, 'V', "R"},
     {350, "ISPMT", 4, 4, 'V', "V"},
     {351, "DATEDIF", 3, 3, 'V', "V"},
@@ -275,11 +277,25 @@ constexpr Function kFunctions[] = {
     {379, "RTD", 2, 5, 'V', "V"},
 };
 
+// Places in the table by name.
+constexpr auto kByName = [] {
+  std::array<std::uint16_t, std::size(kFunctions)> places{};
+  for (std::size_t i = 0; i < places.size(); ++i) places[i] = static_cast<std::uint16_t>(i);
+  std::ranges::sort(places, {}, [](std::uint16_t place) { return kFunctions[place].name; });
+  return places;
+}();
+
 }  // namespace
 
 const Function* find_function(std::uint16_t number) {
   const auto* const found = std::ranges::lower_bound(kFunctions, number, {}, &Function::number);
   return found != std::end(kFunctions) && found->number == number ? found : nullptr;
+}
+
+const Function* find_function(std::string_view name) {
+  const auto name_at = [](std::uint16_t place) { return kFunctions[place].name; };
+  const auto* const found = std::ranges::lower_bound(kByName, name, {}, name_at);
+  return found != kByName.end() && name_at(*found) == name ? &kFunctions[*found] : nullptr;
 }
 
 }  // namespace engine::xls

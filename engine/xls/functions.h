@@ -11,7 +11,9 @@ namespace engine::xls {
 
 inline constexpr std::uint16_t kUserFunction = 255;
 
-// Classes say what an operand is taken as: R a reference, V a value, A an array.
+// Classes say what an operand is taken as: R a reference, V a value, A an array. Inside of an array
+// all of these are one too. Those in small letters are not: r and v are taken as they are, s is a
+// single value, and a is a reference, but where it is none an array.
 struct Function {
   std::uint16_t number;
   std::string_view name;
@@ -23,5 +25,7 @@ struct Function {
 
 // Null for a number that no function has.
 const Function* find_function(std::uint16_t number);
+// The same for a name, in upper case.
+const Function* find_function(std::string_view name);
 
 }  // namespace engine::xls
