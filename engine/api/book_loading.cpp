@@ -132,7 +132,8 @@ bool BookObject::loadInfo(const wchar_t* path) {
 // Saving.
 
 bool BookObject::check_savable(std::string_view operation) const {
-  if (!book_.codec().writes) return book_.refuse(false, messages::not_supported(operation));
+  if (!book_.document().is_savable())
+    return book_.refuse(false, messages::not_supported(operation));
   const auto& sheets = book_.workbook().sheets();
   if (sheets.empty()) return book_.refuse(false, messages::no_sheets());
   const bool any_visible = std::ranges::any_of(

@@ -33,7 +33,6 @@ struct Codec {
   std::span<const FileEnding> endings;
   int biff_version;  // of the binary format; 0 for others
   Limits limits;
-  bool writes;  // whether books of this kind can be saved
 
   // Makes an empty workbook of this kind a new book.
   std::unique_ptr<Document> (*begin)(Workbook& book);

@@ -33,6 +33,6 @@ std::unique_ptr<engine::Document> load(std::shared_ptr<const package::Source> so
 
 }  // namespace
 
-const Codec kCodec = {".xls", kEndings, 0x0600, kLimits, false, begin, recognise, load};
+const Codec kCodec = {".xls", kEndings, 0x0600, kLimits, begin, recognise, load};
 
 }  // namespace engine::xls

@@ -1,10 +1,12 @@
 #include "engine/xls/document.h"
 
 #include <algorithm>
+#include <ctime>
 #include <map>
 #include <utility>
 
 #include "engine/package/file_error.h"
+#include "engine/xls/book_write.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/record_reader.h"
 #include "engine/xls/records.h"
@@ -39,7 +41,9 @@ SheetContents begin_contents(const Workbook& book) {
 
 std::unique_ptr<Document> Document::make_new(Workbook& book) {
   begin_book(book);
-  return std::unique_ptr<Document>(new Document);
+  std::unique_ptr<Document> made(new Document);
+  made->created_ = std::time(nullptr);
+  return made;
 }
 
 std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> source,
@@ -146,9 +150,8 @@ void Document::remove_sheet(Workbook& /*book*/, Sheet& sheet, const FormulaEdit&
   sheets_.erase(&sheet);
 }
 
-void Document::save(const Workbook& /*book*/, const SaveOptions& /*options*/,
-                    package::Output& /*output*/) {
-  throw package::FileError("cannot be written: .xls workbooks cannot be saved yet");
+void Document::save(const Workbook& book, const SaveOptions& options, package::Output& output) {
+  write_book(book, options, created_.value_or(0), output);
 }
 
 }  // namespace engine::xls

@@ -4,7 +4,9 @@
 // are asked for, straight from where the stream lies in the file.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "engine/package/compound_file.h"
 #include "engine/workbook/codec.h"
@@ -27,6 +29,8 @@ class Document : public engine::Document {
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
                                             const Sheet& sheet) const override;
   void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
+  // Carried records of a loaded file cannot be put back in their places yet.
+  bool is_savable() const override { return created_.has_value(); }
   void save(const Workbook& book, const SaveOptions& options, package::Output& output) override;
 
  private:
@@ -35,6 +39,7 @@ class Document : public engine::Document {
   void part_sheets(const Workbook& book);
   void look_at_tabs(Workbook& book);
 
+  std::optional<std::int64_t> created_;  // of a new book: when, in seconds since 1970
   package::CompoundStream stream_;
   Globals globals_;
   SheetParts sheets_;

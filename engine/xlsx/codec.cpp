@@ -27,6 +27,6 @@ std::unique_ptr<engine::Document> load(std::shared_ptr<const package::Source> so
 
 }  // namespace
 
-const Codec kCodec = {".xlsx", kEndings, 0, Limits(), true, begin, recognise, load};
+const Codec kCodec = {".xlsx", kEndings, 0, Limits(), begin, recognise, load};
 
 }  // namespace engine::xlsx

@@ -1,0 +1,37 @@
+// Writing a whole workbook.
+//
+// The stream begins with what all sheets share, which is known once the sheets are laid out: which
+// texts they have, which other sheets their formulas mean. So the sheets come into being first, and
+// places in the stream that their records name are filled in behind.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "engine/workbook/document.h"
+#include "engine/workbook/workbook.h"
+#include "engine/xls/link_writer.h"
+#include "engine/xls/styles_write.h"
+#include "engine/xls/text_numbers.h"
+
+namespace engine::xls {
+
+// What the writers of a book's parts share.
+struct BookWriting {
+  const Workbook& book;
+  const SaveOptions& options;
+  const StyleNumbers& styles;
+  TextNumbers& texts;
+  LinkWriter& links;
+};
+
+// Refuses to write something of a sheet, whose place is a cell or a word.
+[[noreturn]] void throw_unwritable(const Sheet& sheet, std::string_view place,
+                                   std::string_view what);
+
+// `created` is when the book was begun, in seconds since 1970. Throws FileTargetError or LimitError
+// for what the format cannot hold.
+void write_book(const Workbook& book, const SaveOptions& options, std::int64_t created,
+                package::Output& output);
+
+}  // namespace engine::xls

@@ -1,0 +1,18 @@
+// Writing the hyperlinks of a sheet.
+//
+// A link is flags, then as they say what it leads to and a place in that. A URL is one text. A path
+// stands there twice, in the characters of an old system and as it is, without the steps upwards
+// that it begins with, which are counted.
+#pragma once
+
+#include "engine/workbook/links.h"
+#include "engine/xls/record_writer.h"
+
+namespace engine::xls {
+
+void write_links(RecordWriter& out, const Links& links);
+
+// Rows and columns, first and last of each.
+void put_range(RecordWriter& out, const CellRange& range);
+
+}  // namespace engine::xls
