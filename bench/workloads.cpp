@@ -373,6 +373,27 @@ void insert_into_a_big_sheet(const char* path) {
   std::printf("rows %.1f ms, columns %.1f ms, loading %.1f ms\n", rows, columns, loading);
 }
 
+// A book of the binary format, which has fewer rows.
+void write_binary(const char* path) {
+  constexpr int kColumns = 20;
+  const BookPointer book(xlCreateBookW());
+  Sheet* sheet = book->addSheet(L"Sheet1");
+  const std::vector<std::wstring> texts = wide(bench::repeated_texts());
+  for (int row = 0; row < 60000; ++row)
+    for (int column = 0; column < kColumns; ++column) {
+      const auto k = static_cast<std::uint64_t>(row) * kColumns + static_cast<std::uint64_t>(column);
+      if (column < 14) {
+        sheet->writeNum(row, column, bench::number(k, column));
+      } else if (column < 19) {
+        const auto entry = static_cast<std::size_t>(bench::repeated_entry(k));
+        sheet->writeStr(row, column, texts[entry].c_str());
+      } else {
+        sheet->writeStr(row, column, wide(bench::unique_text(row, column, k)).c_str());
+      }
+    }
+  save(*book, path);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -381,6 +402,7 @@ int main(int argc, char** argv) {
   else if (workload == "w2" && argc == 3) write_mixed(argv[2]);
   else if ((workload == "w3" || workload == "w10r") && argc == 3) read_cells(argv[2]);
   else if (workload == "w4" && argc == 4) change_cells(argv[2], argv[3]);
+  else if (workload == "w5w" && argc == 3) write_binary(argv[2]);
   else if (workload == "w6" && argc == 3) write_small_books(argv[2]);
   else if (workload == "w6raw" && argc == 2) write_small_books(nullptr);
   else if (workload == "w7" && argc == 3) write_formats(argv[2]);
@@ -397,6 +419,7 @@ int main(int argc, char** argv) {
         "usage: workloads w1|w2|w7|w8|w9|w10|w12|w13 OUT   write a book\n"
         "       workloads w3|w10r IN               read every cell of a book\n"
         "       workloads w4 IN OUT                change a hundred cells of a book\n"
+        "       workloads w5w OUT                  write a book of the binary format\n"
         "       workloads w6 FOLDER                write two hundred small books\n"
         "       workloads w6raw                    the same into memory\n"
         "       workloads w8r IN                   read every formula of a book\n"
