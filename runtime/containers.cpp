@@ -24,6 +24,10 @@ fmx::QuadCharUniquePtr make_exact_code(const std::string& type) {
   return make_code(type);
 }
 
+std::string_view chars_of(const std::vector<unsigned char>& bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
 }  // namespace
 
 KelQuadChar::KelQuadChar(const std::string& type) : code_(make_exact_code(type)) {}
@@ -103,15 +107,11 @@ std::vector<char> DataAsVectorChar(const BinaryData& container, std::uint32_t in
   return bytes;
 }
 
-void SetResult(const std::string& fileName, const std::vector<char>& bytes, const std::string& type,
+void SetResult(const std::string& fileName, std::string_view bytes, const std::string& type,
                short width, short height, fmx::Data& result) {
   constexpr short kUnknown = -1;
   const KelQuadChar code(type);
-  if (fileName.empty()) {
-    std::vector<char> text = bytes;
-    SetResult(text, result);
-    return;
-  }
+  if (fileName.empty()) return SetResult(std::string(bytes), result);
   const fmx::BinaryDataUniquePtr container;
   const fmx::TextUniquePtr name;
   name->Assign(fileName.c_str(), fmx::Text::kEncoding_UTF8);
@@ -122,14 +122,17 @@ void SetResult(const std::string& fileName, const std::vector<char>& bytes, cons
   result.SetBinaryData(*container, true);
 }
 
+void SetResult(const std::string& fileName, const std::vector<char>& bytes, const std::string& type,
+               short width, short height, fmx::Data& result) {
+  SetResult(fileName, std::string_view(bytes.data(), bytes.size()), type, width, height, result);
+}
+
 void SetResult(const std::string& fileName, KelImage& image, fmx::Data& result) {
-  const std::vector<char> bytes(image.bytes.begin(), image.bytes.end());
-  SetResult(fileName, bytes, image.get_type(), static_cast<short>(image.width),
+  SetResult(fileName, chars_of(image.bytes), image.get_type(), static_cast<short>(image.width),
             static_cast<short>(image.height), result);
 }
 
 void SetResult(const std::string& fileName, const std::vector<unsigned char>& bytes,
                fmx::Data& result) {
-  const std::vector<char> chars(bytes.begin(), bytes.end());
-  SetResult(fileName, chars, "FILE", 0, 0, result);
+  SetResult(fileName, chars_of(bytes), "FILE", 0, 0, result);
 }

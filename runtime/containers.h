@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/fmwrapper/fmwrapper.h"
@@ -67,8 +68,11 @@ bool StreamIsCompressed(const fmx::BinaryData& container);
 
 std::vector<char> DataAsVectorChar(const fmx::BinaryData& container, std::uint32_t index);
 
-// Stores a container: the name, for an image of known size that size, and the bytes. Without a name
-// the bytes are stored as text. Throws std::out_of_range for a type that has not four bytes.
+// Stores a container: the name, for an image of known size that size, and the bytes, of which the
+// host's copy is the only one made. Without a name the bytes are stored as text. Throws
+// std::out_of_range for a type that has not four bytes.
+void SetResult(const std::string& fileName, std::string_view bytes, const std::string& type,
+               short width, short height, fmx::Data& result);
 void SetResult(const std::string& fileName, const std::vector<char>& bytes, const std::string& type,
                short width, short height, fmx::Data& result);
 void SetResult(const std::string& fileName, KelImage& image, fmx::Data& result);

@@ -1,7 +1,7 @@
 // External functions that create, load, save and release a book.
 #include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "functions/families.h"
 #include "runtime/containers.h"
@@ -46,8 +46,8 @@ short save_raw(const fmx::DataVect& params, fmx::Data& result) {
   unsigned size = 0;
   book.get().saveRaw(&data, &size);
   if (set_last_error_message(book.handle())) return codes::kLibrary;
-  const std::vector<unsigned char> bytes(data, data + size);
-  SetResult(ParameterAsUTF8String(params, 1, "Unknown.xls"), bytes, result);
+  SetResult(ParameterAsUTF8String(params, 1, "Unknown.xls"), std::string_view(data, size), "FILE",
+            0, 0, result);
   return codes::kNone;
 }
 
