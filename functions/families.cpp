@@ -11,7 +11,8 @@ constexpr Family kFamilies[] = {
     view_functions,           page_functions,
     moving_functions,         sheet_filter_functions,
     auto_filter_functions,    filter_column_functions,
-    rule_functions,
+    rule_functions,           book_picture_functions,
+    sheet_picture_functions,
 };
 
 }  // namespace

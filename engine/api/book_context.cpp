@@ -38,6 +38,17 @@ bool BookContext::check_index(std::string_view thing, int index, std::size_t cou
   return refuse(false, messages::index(thing, index, count));
 }
 
+std::vector<Picture>& BookContext::pictures() {
+  document().read_pictures(workbook());
+  return workbook().pictures;
+}
+
+const Picture* BookContext::find_picture(int index) {
+  if (!check_index("picture", index, pictures().size())) return nullptr;
+  document().read_picture(workbook(), static_cast<std::size_t>(index));
+  return &workbook().pictures[static_cast<std::size_t>(index)];
+}
+
 const wchar_t* BookContext::give(std::string_view utf8) {
   to_wide(utf8, given_);
   return given_.c_str();
@@ -107,10 +118,6 @@ void BookContext::refuse_exception() {
   } catch (const std::exception& error) {
     refuse(messages::unexpected(error.what()));
   }
-}
-
-void BookPart::refuse_unsupported(std::string_view operation) const {
-  run([&] { book_.refuse(messages::not_supported(operation)); });
 }
 
 }  // namespace engine::api

@@ -101,6 +101,10 @@ class BookContext {
   BookContents& contents() { return contents_; }
   Workbook& workbook() { return *contents_.workbook; }
   Document& document() { return *contents_.document; }
+  // Those of the file are the first.
+  std::vector<Picture>& pictures();
+  // One with its bytes; null, with the message set, when there is none of that index.
+  const Picture* find_picture(int index);
   // Reused by every formula that is parsed.
   formula::Formula& formula() { return formula_; }
 
@@ -170,8 +174,6 @@ class BookPart {
   decltype(auto) run(Operation&&... operation) const {
     return book_.run(detached_ ? &thing_ : nullptr, std::forward<Operation>(operation)...);
   }
-  // An operation that the engine does not do yet.
-  void refuse_unsupported(std::string_view operation) const;
 
   BookContext& book_;
 

@@ -49,16 +49,11 @@ class BookObject final : public libxl::Book {
   const wchar_t* defaultFont(int* fontSize) override;
   void setDefaultFont(const wchar_t* fontName, int fontSize) override;
 
-  // Pictures are not supported yet.
-  int pictureSize() const override { return unsupported(0, "pictureSize"); }
-  libxl::PictureType getPicture(int, const char**, unsigned*) const override {
-    return unsupported(libxl::PictureError, "getPicture");
-  }
-  int addPicture(const wchar_t*) override { return unsupported(-1, "addPicture"); }
-  int addPicture2(const char*, unsigned) override { return unsupported(-1, "addPicture2"); }
-  int addPictureAsLink(const wchar_t*, bool) override {
-    return unsupported(-1, "addPictureAsLink");
-  }
+  int pictureSize() const override;
+  libxl::PictureType getPicture(int index, const char** data, unsigned* size) const override;
+  int addPicture(const wchar_t* path) override;
+  int addPicture2(const char* data, unsigned size) override;
+  int addPictureAsLink(const wchar_t* path, bool insert) override;
 
   double datePack(int year, int month, int day, int hour, int min, int sec,
                   int msec) const override;
@@ -87,12 +82,6 @@ class BookObject final : public libxl::Book {
   decltype(auto) run(Operation&&... operation) const {
     return book_.run(nullptr, std::forward<Operation>(operation)...);
   }
-  // An operation that the engine does not do yet.
-  template <class T>
-  T unsupported(T failure, std::string_view name) const {
-    return run(failure, [&] { return book_.refuse(failure, messages::not_supported(name)); });
-  }
-
   bool check_sheet_index(int index) const;
   bool check_original(const libxl::Sheet* original, const Sheet** sheet) const;
   bool check_savable(std::string_view operation) const;
@@ -100,6 +89,11 @@ class BookObject final : public libxl::Book {
   bool take_paths(const wchar_t* path, const wchar_t* temp_path, LoadRequest* request) const;
   // The rows of a partial load, cut to the grid.
   bool take_rows(int first, int last, std::optional<CellRange>* rows) const;
+
+  // Reads a picture of a file. False, with the message set, when it is none that the book takes.
+  bool take_picture(const wchar_t* path, std::string* file, Picture* picture) const;
+  bool check_kind(PictureKind kind) const;
+  int add(Picture picture);
 
   bool load_with(const LoadRequest& request);
   // Reads the one sheet that a partial load asks for and closes the others.

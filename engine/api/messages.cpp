@@ -99,6 +99,14 @@ std::string out_of_range(std::string_view property, double value, double low, do
   return range_text(property, value, low, high);
 }
 
+std::string too_small(std::string_view property, int value, int low) {
+  return join(property, " ", value, " is out of range: it must be at least ", low);
+}
+
+std::string not_positive(std::string_view property, double value) {
+  return join(property, " ", value, " is out of range: it must be more than 0");
+}
+
 std::string not_finite(std::string_view property) {
   return join(property, " is not a finite number");
 }
@@ -248,6 +256,21 @@ std::string table_rows(int first, int last, std::string_view table) {
 }
 
 std::string no_filter() { return "the sheet has no auto-filter range"; }
+std::string not_picture() { return "the picture data is not a known picture format"; }
+
+std::string not_picture_file(std::string_view path) {
+  return file(path).append("is not a known picture format");
+}
+
+std::string picture_empty(int index) { return join("picture ", index, " is empty"); }
+
+std::string picture_without_data(int index) {
+  return join("picture ", index, " is a link without data");
+}
+
+std::string picture_not_possible(std::string_view kind, std::string_view book) {
+  return join("picture format ", kind, " is not possible in an ", book, " workbook");
+}
 
 std::string formula_error(std::string_view formula, const formula::ParseError& error,
                           const Grid& grid) {

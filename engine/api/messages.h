@@ -24,6 +24,9 @@ std::string index(std::string_view thing, long long index, std::size_t count);
 // Arguments. `property` is what the value stands for ("zoom", "font size", "colour").
 std::string out_of_range(std::string_view property, int value, int low, int high);
 std::string out_of_range(std::string_view property, double value, double low, double high);
+// Without an upper end.
+std::string too_small(std::string_view property, int value, int low);
+std::string not_positive(std::string_view property, double value);
 std::string not_finite(std::string_view property);
 std::string not_whole(std::string_view property, double value);
 std::string unknown(std::string_view property, long long value);
@@ -81,6 +84,12 @@ std::string table_header(int first, int last, std::string_view table);
 std::string table_rows(int first, int last, std::string_view table);
 
 std::string no_filter();
+// Pictures. `kind` as "GIF", `book` as ".xls".
+std::string not_picture();
+std::string not_picture_file(std::string_view path);
+std::string picture_empty(int index);
+std::string picture_without_data(int index);
+std::string picture_not_possible(std::string_view kind, std::string_view book);
 
 // Formulas.
 std::string formula_error(std::string_view formula, const formula::ParseError& error,

@@ -11,13 +11,13 @@
 
 #include "engine/api/auto_filter.h"
 #include "engine/api/book_context.h"
-#include "engine/api/unsupported_sheet.h"
+#include "platform/libxl/libxl.h"
 
 namespace engine::api {
 
-class SheetObject final : public UnsupportedSheet {
+class SheetObject final : public libxl::Sheet, public BookPart {
  public:
-  SheetObject(BookContext& book, engine::Sheet& sheet) : UnsupportedSheet(book), sheet_(&sheet) {}
+  SheetObject(BookContext& book, engine::Sheet& sheet) : BookPart(book, "sheet"), sheet_(&sheet) {}
 
   // Null once the sheet has left the book.
   engine::Sheet* sheet() const { return sheet_; }
@@ -145,6 +145,15 @@ class SheetObject final : public UnsupportedSheet {
   void setMarginTop(double margin) override;
   double marginBottom() const override;
   void setMarginBottom(double margin) override;
+
+  // Pictures.
+  int pictureSize() const override;
+  int getPicture(int index, int* rowTop, int* colLeft, int* rowBottom, int* colRight, int* width,
+                 int* height, int* offsetX, int* offsetY, const wchar_t** linkPath) const override;
+  void setPicture(int row, int column, int pictureId, double scale, int offsetX, int offsetY,
+                  libxl::Position pos) override;
+  void setPicture2(int row, int column, int pictureId, int width, int height, int offsetX,
+                   int offsetY, libxl::Position pos) override;
 
   // Rows and columns come and go.
   bool insertRow(int rowFirst, int rowLast, bool updateNamedRanges) override;
@@ -292,6 +301,14 @@ class SheetObject final : public UnsupportedSheet {
            std::type_identity_t<Field> value) noexcept {
     if (contents().*part.*field != value) sheet_->change().*part.*field = std::move(value);
   }
+
+  // What the two ways of placing a picture have in common: the steps before and behind its size.
+  bool check_place(int row, int column, int picture) const;
+  bool check_offsets(int x, int y, libxl::Position pos) const;
+  // The size that a picture of the book has; nothing, with the message set, when it is not known.
+  std::optional<PictureHeader> own_size(int picture) const;
+  // `box` has the cell and the offsets.
+  void place(int picture, PictureBox box, double width, double height, libxl::Position pos);
 
   bool set_break(PageBreakList PageBreaks::*list, const PageBreak& one, bool set);
   int break_at(const PageBreakList& list, std::string_view thing, int index) const;

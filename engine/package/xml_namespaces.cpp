@@ -48,6 +48,8 @@ constexpr Row kRows[] = {
     {Family::Xml, "http://www.w3.org/XML/1998/namespace", ""},
 };
 
+constexpr std::string_view kStrict = "http://purl.oclc.org/ooxml/";
+
 }  // namespace
 
 Family family_of(std::string_view uri) {
@@ -58,10 +60,13 @@ Family family_of(std::string_view uri) {
   return row == std::end(kRows) ? Family::Unknown : row->family;
 }
 
-std::string_view uri_of(Family family) {
+std::string_view uri_of(Family family) { return uri_of(family, {}); }
+
+std::string_view uri_of(Family family, std::string_view beside) {
   const auto* const row = std::find_if(std::begin(kRows), std::end(kRows),
                                        [family](const Row& r) { return r.family == family; });
-  return row == std::end(kRows) ? std::string_view() : row->transitional;
+  if (row == std::end(kRows)) return {};
+  return beside.starts_with(kStrict) && !row->strict.empty() ? row->strict : row->transitional;
 }
 
 }  // namespace engine::package

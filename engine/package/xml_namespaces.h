@@ -35,6 +35,8 @@ Family family_of(std::string_view uri);
 
 // The URI of the usual, transitional family.
 std::string_view uri_of(Family family);
+// The one of the set, transitional or strict, that another URI is of.
+std::string_view uri_of(Family family, std::string_view beside);
 
 // The part of a qualified name behind the colon.
 constexpr std::string_view local_name(std::string_view name) {

@@ -293,6 +293,11 @@ std::string_view local_name(pugi::xml_node node) {
   return local_name(std::string_view(node.name()));
 }
 
+std::string_view namespace_of(pugi::xml_node node) {
+  const char* const uri = find_uri(node, prefix_of(node.name()));
+  return uri == nullptr ? std::string_view() : uri;
+}
+
 Family family(pugi::xml_node node) { return family_of_prefix(node, prefix_of(node.name())); }
 
 bool is(pugi::xml_node node, Family family_wanted, std::string_view local) {

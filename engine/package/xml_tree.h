@@ -69,6 +69,8 @@ std::string_view local_name(pugi::xml_node node);
 // What a prefix means at an element: the declarations of its ancestors count. Without a prefix it
 // is the namespace of elements that have none.
 Family family_of_prefix(pugi::xml_node node, std::string_view prefix);
+// The URI of an element's namespace; empty without one.
+std::string_view namespace_of(pugi::xml_node node);
 // The family of an element.
 Family family(pugi::xml_node node);
 bool is(pugi::xml_node node, Family family, std::string_view local);

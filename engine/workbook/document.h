@@ -104,6 +104,12 @@ class Document {
   // Whether a sheet that is not read yet may say something of others: false only where its formulas
   // mean no cells but its own.
   virtual bool may_refer(const Sheet& /*sheet*/) const { return true; }
+  // Makes the pictures of the file the first of the book's, once: before somebody asks for one or
+  // adds one. Their bytes stay in the file. Parts that are damaged tell nothing here.
+  virtual void read_pictures(Workbook& /*book*/) {}
+
+  // Fetches the bytes of a picture that the file holds. Throws FileError.
+  virtual void read_picture(Workbook& /*book*/, std::size_t /*index*/) {}
 
   // The tables of a sheet, read or not.
   virtual std::vector<Table> tables(const Workbook& /*book*/, const Sheet& /*sheet*/) const {

@@ -30,6 +30,7 @@ struct Limits {
   std::size_t password = 255;
   PasswordForm password_form = PasswordForm::kSha512;
   StyleLimits styles;
+  bool gif_pictures = true;
 };
 
 }  // namespace engine

@@ -53,12 +53,12 @@ std::size_t escaped_bytes(std::string_view rest) {
   return rest.starts_with("\xEF\xBF\xBE") || rest.starts_with("\xEF\xBF\xBF") ? 3 : 0;
 }
 
-std::string escape(std::string_view text, bool percent_too) {
+std::string escape(std::string_view text, bool is_path) {
   std::string out;
   out.reserve(text.size());
   while (!text.empty()) {
     std::size_t escaped = escaped_bytes(text);
-    if (percent_too && text.front() == '%') escaped = 1;
+    if (is_path && (text.front() == '%' || text.front() == '#')) escaped = 1;
     for (const char byte : text.substr(0, escaped)) append_percent(out, byte);
     if (escaped == 0) out.push_back(text.front());
     text.remove_prefix(std::max<std::size_t>(escaped, 1));
@@ -94,6 +94,12 @@ std::string settled_link(std::string_view text) {
 
 std::string escape_url(std::string_view text) { return escape(text, false); }
 std::string escape_path(std::string_view path) { return escape(path, true); }
+
+std::string path_target(std::string_view path) {
+  const std::string escaped = escape_path(path);
+  if (path.starts_with('/')) return "file://" + escaped;
+  return path.starts_with("\\\\") || names_drive(path) ? "file:///" + escaped : escaped;
+}
 
 std::string unescape_path(std::string_view text) {
   std::string path = decode_percent(text);

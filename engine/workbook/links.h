@@ -45,11 +45,13 @@ LinkTarget link_target(std::string_view text);
 std::string settled_link(std::string_view text);
 
 // With percent escapes for the characters that no URL holds; letters beyond ASCII stay. A path has
-// its percent signs escaped, too.
+// its percent and number signs escaped, too.
 std::string escape_url(std::string_view url);
 std::string escape_path(std::string_view path);
 // Without escapes; a text that would be none then is left alone.
 std::string unescape_path(std::string_view text);
+// The target that leads to a path: a URL for an absolute one, else the path itself with escapes.
+std::string path_target(std::string_view path);
 // The path that a URL of a file on this machine means; nothing for other URLs.
 std::optional<std::string> local_path(std::string_view url);
 

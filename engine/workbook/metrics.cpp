@@ -77,6 +77,80 @@ int row_pixels(const SheetContents& sheet, int row) {
   return pixels_of_row(sheet, found ? sheet.properties(*found) : nullptr);
 }
 
+namespace {
+
+// A distance on its way over rows or columns of known sizes, one after the other.
+class Walk {
+ public:
+  Walk(Corner from, long long distance, int count)
+      : index_(from.index), left_(std::max(from.offset + distance, 0LL)), count_(count) {}
+
+  int index() const { return index_; }
+  // Over those of one size up to but not including `end`. False when the distance ends there.
+  bool over(int end, int size) {
+    end = std::min(end, count_);
+    if (end <= index_) return true;
+    last_size_ = size;
+    const long long steps = size > 0 ? std::min<long long>(left_ / size, end - index_)
+                                     : static_cast<long long>(end - index_);
+    index_ += static_cast<int>(steps);
+    left_ -= steps * size;
+    return index_ == end;
+  }
+  Corner end() const {
+    if (index_ < count_) return {index_, static_cast<int>(left_)};
+    return {count_ - 1, std::max(last_size_ - 1, 0)};
+  }
+
+ private:
+  int index_;
+  long long left_;
+  int count_;
+  int last_size_ = 0;
+};
+
+// Rows that the sheet says nothing of.
+int usual_row_pixels(const SheetContents& sheet) {
+  return sheet.hides_rows ? 0 : pixels_of_points(sheet.default_row_height);
+}
+
+}  // namespace
+
+long long column_distance(const SheetContents& sheet, int first, int end) {
+  long long sum = 0;
+  for (int column = first; column < end; ++column) sum += column_pixels(sheet, column);
+  return sum;
+}
+
+long long row_distance(const SheetContents& sheet, int first, int end) {
+  if (end <= first) return 0;
+  const int usual = usual_row_pixels(sheet);
+  long long sum = static_cast<long long>(end - first) * usual;
+  for (const Row& row :
+       sheet.cells.rows(static_cast<std::uint32_t>(first), static_cast<std::uint32_t>(end)))
+    sum += pixels_of_row(sheet, sheet.properties(row)) - usual;
+  return sum;
+}
+
+Corner walk_columns(const SheetContents& sheet, Corner from, long long distance, int count) {
+  Walk walk(from, distance, count);
+  while (walk.index() < count && walk.over(walk.index() + 1, column_pixels(sheet, walk.index())))
+    continue;
+  return walk.end();
+}
+
+Corner walk_rows(const SheetContents& sheet, Corner from, long long distance, int count) {
+  Walk walk(from, distance, count);
+  const int usual = usual_row_pixels(sheet);
+  for (const Row& row : sheet.cells.rows(static_cast<std::uint32_t>(from.index))) {
+    const int number = static_cast<int>(row.number);
+    if (!walk.over(number, usual)) return walk.end();
+    if (!walk.over(number + 1, pixels_of_row(sheet, sheet.properties(row)))) return walk.end();
+  }
+  walk.over(count, usual);
+  return walk.end();
+}
+
 Edges::Edges(int count, int usual) : count_(count), usual_(usual) {
   runs_.push_back({0, 0, usual});
 }
@@ -103,7 +177,7 @@ Edges Edges::of_columns(const SheetContents& sheet, int count) {
 }
 
 Edges Edges::of_rows(const SheetContents& sheet, int count) {
-  Edges made(count, sheet.hides_rows ? 0 : pixels_of_points(sheet.default_row_height));
+  Edges made(count, usual_row_pixels(sheet));
   for (const Row& row : sheet.cells.rows()) {
     const RowProperties* its = sheet.properties(row);
     const int number = static_cast<int>(row.number);

@@ -46,6 +46,15 @@ struct Corner {
   int offset = 0;  // pixels from its left or upper edge
 };
 
+// What columns or rows take up together, from one up to but not including another.
+long long column_distance(const SheetContents& sheet, int first, int end);
+long long row_distance(const SheetContents& sheet, int first, int end);
+
+// Where a distance ends that begins at a place; at the last of `count` columns or rows at most.
+// They look at no more of a sheet than lies on the way.
+Corner walk_columns(const SheetContents& sheet, Corner from, long long distance, int count);
+Corner walk_rows(const SheetContents& sheet, Corner from, long long distance, int count);
+
 // Where the columns or rows of a sheet begin, measured once for many questions.
 class Edges {
  public:

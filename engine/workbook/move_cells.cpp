@@ -97,7 +97,8 @@ std::optional<MoveRefusal> refusal_of_contents(const SheetContents& contents, co
     const auto cells = [](const Link& link) { return link.cells; };
     refusal.place = std::max({last_used(contents, move.axis, limit),
                               last_begin(contents.merges.all(), move.axis, limit, range),
-                              last_begin(contents.links, move.axis, limit, cells)});
+                              last_begin(contents.links, move.axis, limit, cells),
+                              last_picture(contents.pictures, move.axis, limit)});
     if (refusal.place >= 0) return refusal;
   }
   for (const CellRange& array : contents.arrays.all()) {
@@ -254,6 +255,7 @@ class ContentsMove {
   AutoFilter filter_;
   Validations validations_;
   IgnoredErrors ignored_errors_;
+  PlacedPictures pictures_;
   std::optional<FitArea> fit_area_;
   std::optional<RowProperties> properties_;  // of inserted rows
   std::size_t properties_before_ = 0;
@@ -313,6 +315,7 @@ void ContentsMove::prepare_ranges() {
       engine::moved(sheet_.contents().validations, move_, grid_,
                     [this](std::string_view text) { return formulas_.edited(&sheet_, text); });
   ignored_errors_ = engine::moved(sheet_.contents().ignored_errors, move_, grid_);
+  pictures_ = engine::moved(sheet_.contents().pictures, sheet_.contents(), move_, grid_);
   if (const auto& area = sheet_.contents().fit_area) fit_area_ = moved_area(*area, move_, grid_);
   for (const CellRange& array : sheet_.contents().arrays.all())
     if (const auto to = moved_range(array, move_, grid_)) arrays_.add(*to);
@@ -359,6 +362,7 @@ void ContentsMove::apply() noexcept {
   std::swap(contents.filter, filter_);
   std::swap(contents.validations, validations_);
   std::swap(contents.ignored_errors, ignored_errors_);
+  std::swap(contents.pictures, pictures_);
   contents.view = engine::moved(contents.view, move_, grid_);
   contents.fit_area = fit_area_;
   move_keys(contents.outer_arrays, move_);

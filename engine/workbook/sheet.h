@@ -28,6 +28,7 @@
 #include "engine/workbook/merges.h"
 #include "engine/workbook/page_breaks.h"
 #include "engine/workbook/page_setup.h"
+#include "engine/workbook/pictures.h"
 #include "engine/workbook/protection.h"
 #include "engine/workbook/sheet_view.h"
 #include "engine/workbook/text_arena.h"
@@ -112,6 +113,7 @@ class SheetContents {
   bool filtered = false;  // a filter hides rows: this one, or one that only the file knows
   Validations validations;
   IgnoredErrors ignored_errors;
+  PlacedPictures pictures;
 
   // What the cell shows, through its record if it has one.
   Value value(const Cell& cell) const {
@@ -219,6 +221,7 @@ class Sheet {
   bool selected = false;        // one of the tabs that are selected together
   std::string comments_damage;  // why the file's comments cannot be read or rewritten; else empty
   std::string links_damage;     // the same of its links
+  std::string drawing_damage;   // the same of the drawing with its pictures
 
   // For kPartly: the other rows, while an operation needs them and once it has changed one.
   std::unique_ptr<OutsideRows> outside;

@@ -12,6 +12,7 @@
 #include "engine/workbook/cell.h"
 #include "engine/workbook/defined_names.h"
 #include "engine/workbook/limits.h"
+#include "engine/workbook/pictures.h"
 #include "engine/workbook/sheet.h"
 #include "engine/workbook/string_pool.h"
 #include "engine/workbook/styles.h"
@@ -38,6 +39,7 @@ class Workbook {
   StringPool strings;
   Styles styles;
   DefinedNames names;
+  std::vector<Picture> pictures;  // never fewer; see Document::read_pictures()
   std::size_t active_sheet = 0;
   bool date1904 = false;
   bool r1c1 = false;  // formulas are shown and taken in R1C1 notation

@@ -17,6 +17,7 @@ constexpr Limits kLimits = {
     .password = 15,
     .password_form = PasswordForm::kShortHash,
     .styles = {.number_formats = 210, .last_number_format = 382, .indent = 15},
+    .gif_pictures = false,
 };
 
 bool recognise(const std::shared_ptr<const package::Source>& source) {

@@ -128,7 +128,9 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   read_worksheet(*parts_.open(*part), part->name, context(book, book), filter, contents, made);
   if (has_calculation_chain_) made.formulas = formulas_of(contents);
   std::string damage = read_notes(made, contents);
+  std::string drawing_damage = read_drawing(book, made, contents);
   made.comments = contents.comments;
+  made.pictures = contents.pictures;
   made.read = true;
 
   known = std::move(made);
@@ -136,6 +138,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   sheet.selected = known.selected;
   sheet.comments_damage = std::move(damage);
   sheet.links_damage = known.links_damage;
+  sheet.drawing_damage = std::move(drawing_damage);
   if (sheet.loading == Loading::kUnread) sheet.loading = Loading::kRead;
 }
 

@@ -17,6 +17,7 @@
 #include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xlsx/carried_edits.h"
+#include "engine/xlsx/drawing_part.h"
 #include "engine/xlsx/parts.h"
 #include "engine/xlsx/sheet_part.h"
 #include "engine/xlsx/styles_part.h"
@@ -38,6 +39,8 @@ class Document : public engine::Document {
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
                                             const Sheet& sheet) const override;
   bool may_refer(const Sheet& sheet) const override;
+  void read_pictures(Workbook& book) override;
+  void read_picture(Workbook& book, std::size_t index) override;
   std::vector<Table> tables(const Workbook& book, const Sheet& sheet) const override;
   bool is_table_name(const Workbook& book, std::string_view name) const override;
   std::vector<CellRange> pivot_tables(const Workbook& book, const Sheet& sheet) const override;
@@ -65,6 +68,8 @@ class Document : public engine::Document {
   SheetContext context(Workbook& texts, const Workbook& book) const;
   // Gives why the comments cannot be read or rewritten; empty when they can.
   std::string read_notes(const SheetPart& sheet, SheetContents& contents) const;
+  // The same of the sheet's drawing and its pictures.
+  std::string read_drawing(Workbook& book, const SheetPart& sheet, SheetContents& contents);
   void read_tab(Sheet& sheet);
   // A sheet that is not in the book yet, with its parts. They enter the package together.
   struct ArrivingSheet {
@@ -98,6 +103,7 @@ class Document : public engine::Document {
   WorkbookPart workbook_part_;
   StylesPart styles_part_;
   SheetParts sheets_;
+  std::optional<StoredPictures> pictures_;  // once somebody asked for them
   std::optional<ArrivingSheet> arriving_;
   std::shared_ptr<const package::XmlTree> empty_worksheet_;  // what new sheets begin with
   std::uint32_t formats_ = 1;                                // in the file

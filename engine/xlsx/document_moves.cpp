@@ -102,13 +102,17 @@ std::optional<MoveRefusal> Document::refusal_of_move(const Workbook& book, const
   const Grid& grid = book.limits.grid;
   MoveRefusal refusal;
   if (inserts(move)) {
+    const Part* const shown =
+        parts_.named_by(package::child(its.tree.root(), Family::Main, "drawing"), its.part).part;
     const int size = move.axis == Axis::kRows ? grid.rows : grid.columns;
     const int limit = std::max(move.at, size - move.count);
     refusal.place = -1;
     for (const RelatedPart& one : related_parts(parts_, its.part, "drawing")) {
       try {
         const auto tree = package::XmlTree::parse(parts_.read(*one.part), one.part->name);
-        refusal.place = std::max(refusal.place, last_anchor(tree.root(), move.axis, limit));
+        const auto place = last_carried(
+            tree.root(), one.part == shown ? its.pictures : PlacedPictures(), move.axis, limit);
+        refusal.place = std::max(refusal.place, place);
       } catch (const FileError&) {
         continue;
       }
@@ -292,13 +296,16 @@ void Document::Moving::prepare_legacy_drawing(const FormulaEdit& change) {
 }
 
 void Document::Moving::prepare_drawings(const FormulaEdit& change) {
+  const pugi::xml_node shown = package::child(its_.tree->root(), Family::Main, "drawing");
   for (const auto& [link, part] : related_parts(parts_, its_.part, "drawing")) {
     const auto tree = package::XmlTree::parse(parts_.read(*part), part->name);
     const std::string before = tree.serialize();
     TextEdits of_drawing(&sheet_, change);
     collect_drawing(tree.root(), of_drawing);
     of_drawing.apply();
-    move_drawing(tree.root(), DrawingMove(sheet_.contents(), move_, grid_));
+    const bool is_shown = parts_.named_by(shown, its_.part).part == part;
+    move_carried(tree.root(), is_shown ? its_.pictures : PlacedPictures(),
+                 AnchorMove(sheet_.contents(), move_, grid_));
     std::string after = tree.serialize();
     if (after != before) edits_.add_part(*part, std::move(after));
   }

@@ -11,6 +11,7 @@
 #include "engine/workbook/sheet_operations.h"
 #include "engine/xlsx/attributes.h"
 #include "engine/xlsx/document.h"
+#include "engine/xlsx/elements/drawings.h"
 #include "engine/xlsx/elements/notes.h"
 #include "engine/xlsx/new_parts.h"
 #include "engine/xlsx/shared_strings.h"
@@ -176,12 +177,14 @@ class Document::Saving {
 
   void replace_sheets() {
     NotesWriter notes(parts_);
+    const StoredPictures none;
+    PicturesWriter pictures(parts_, book_, document_.pictures_ ? *document_.pictures_ : none);
     for (SavedSheet& saved : sheets_) {
       if (!saved.rewritten) continue;
       saved.tables = tables_for_formulas(saved);
       package::XmlTree tree = saved.remains->tree->copy();
-      patch_elements(tree.root(),
-                     {book_, *saved.sheet, *saved.remains, saved.outside, styles_, parts_, notes});
+      patch_elements(tree.root(), {book_, *saved.sheet, *saved.remains, saved.outside, styles_,
+                                   parts_, notes, pictures});
       parts_.put_blocks(saved.remains->part, {},
                         write_worksheet(std::move(tree), *saved.sheet, saved.outside,
                                         WriteContext{book_, styles_, texts_, saved.tables}));

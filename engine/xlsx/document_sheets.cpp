@@ -89,6 +89,7 @@ std::vector<formula::TableChange> Document::copy_sheet(const Workbook& book, con
   tree.settle();
   made.part().tree = std::make_shared<const package::XmlTree>(std::move(tree));
   made.part().copied_headers = odd_headers(book, original);
+  made.part().pictures = from.pictures;
   arriving_ = std::move(made);
   return tables;
 }
@@ -110,6 +111,7 @@ void Document::remove_part(const SheetPart& gone) {
 
 void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) {
   const SheetPart& gone = part_of(sheet);
+  read_pictures(book);  // which keeps those of the sheet
   CarriedEdits edits = collect_carried(book, edit, {&sheet, nullptr, {}});
   // Parts of the sheet that goes may be among them.
   edits.exchange_parts(parts_);

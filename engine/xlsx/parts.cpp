@@ -34,15 +34,16 @@ std::string extension_of(std::string_view name) {
   return dot == std::string_view::npos || name[dot] == '/' ? "" : lower_ascii(name.substr(dot + 1));
 }
 
-// One without a target that can come to these.
-Relationship free_relationship(const Relationships& items, const Ids& mentioned,
-                               std::string_view kind) {
+// One without a target that can come to these. A file of the strict family keeps to it, which those
+// of the package tell where these are none.
+Relationship free_relationship(const Relationships& items, const Relationships& of_package,
+                               const Ids& mentioned, std::string_view kind) {
   Relationship made;
   std::size_t number = items.size();
   do made.id = "rId" + std::to_string(++number);
   while (items.find(made.id) || mentioned.contains(made.id));
-  // A file of the strict family keeps to it.
-  const bool is_strict = !items.empty() && items.begin()->type.starts_with(kStrictTypes);
+  const Relationships& like = items.empty() ? of_package : items;
+  const bool is_strict = !like.empty() && like.begin()->type.starts_with(kStrictTypes);
   made.type = is_strict ? std::string(kStrictTypes).append(kind) : relationship_type(kind);
   return made;
 }
@@ -122,8 +123,12 @@ Part& Parts::make(std::string_view name, std::string_view type) {
 }
 
 void Parts::put(std::string_view name, std::string_view type, std::string bytes) {
-  auto kept = std::make_shared<const std::string>(std::move(bytes));
-  make(name, type).bytes = std::move(kept);
+  put_shared(name, type, std::make_shared<const std::string>(std::move(bytes)));
+}
+
+void Parts::put_shared(std::string_view name, std::string_view type,
+                       std::shared_ptr<const std::string> bytes) {
+  make(name, type).bytes = std::move(bytes);
 }
 
 void Parts::put_blocks(std::string_view name, std::string_view type, PartBlocks blocks) {
@@ -276,7 +281,7 @@ const Part* Parts::related(std::string_view owner, std::string_view kind) const 
 
 Relationship Parts::new_relationship(std::string_view owner, const Ids& mentioned,
                                      std::string_view kind, std::string_view part) const {
-  Relationship made = free_relationship(relationships(owner), mentioned, kind);
+  Relationship made = free_relationship(relationships(owner), relationships(""), mentioned, kind);
   made.target = relative_target(owner, part);
   return made;
 }
@@ -292,7 +297,7 @@ std::string Parts::relate(std::string_view owner, const Ids& mentioned, std::str
 std::string Parts::relate_outside(std::string_view owner, const Ids& mentioned,
                                   std::string_view kind, std::string target) {
   PartLinks& its = links(owner);
-  Relationship made = free_relationship(its.items, mentioned, kind);
+  Relationship made = free_relationship(its.items, relationships(""), mentioned, kind);
   made.target = std::move(target);
   made.external = true;
   std::string id = made.id;
@@ -441,10 +446,24 @@ std::string Parts::written_types() const {
       add_override(name, kRelationshipsType);
   };
   add_links("");
+  // Kinds of pictures are told by the ends of names, where the file says nothing else of these.
+  std::map<std::string, std::string> pictures;
+  const auto is_told = [&](const std::string& key, const Part& part) {
+    if (part.type == type_of(key)) return true;
+    const std::string extension = extension_of(key);
+    if (!part.type.starts_with("image/") || default_types_.contains(extension)) return false;
+    return pictures.try_emplace(extension, part.type).first->second == part.type;
+  };
   for (const auto& [key, part] : parts_) {
-    if (!part.type.empty() && !settled.contains(key) && part.type != type_of(key))
+    if (!part.type.empty() && !settled.contains(key) && !is_told(key, part))
       add_override(part.name, part.type);
     add_links(part.name);
+  }
+  for (const auto& [extension, type] : pictures) {
+    pugi::xml_node node = package::insert_child(root, "Default", root.first_child());
+    node.append_attribute("Extension") = extension.c_str();
+    node.append_attribute("ContentType") = type.c_str();
+    changed = true;
   }
   return changed || !archive_ ? tree.serialize() : std::string();
 }

@@ -67,6 +67,8 @@ class Parts {
 
   // The part is made when there is none of that name.
   void put(std::string_view name, std::string_view type, std::string bytes);
+  void put_shared(std::string_view name, std::string_view type,
+                  std::shared_ptr<const std::string> bytes);
   void put_blocks(std::string_view name, std::string_view type, PartBlocks blocks);
   void set_type(std::string_view name, std::string_view type);
   // Gives one of these parts other bytes.

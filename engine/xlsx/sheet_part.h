@@ -59,6 +59,7 @@ struct SheetPart {
 
   // As they were read: those that the sheet still has are written as the file has them.
   Comments comments;
+  PlacedPictures pictures;
 };
 
 // Those of all sheets of a book.

@@ -77,7 +77,7 @@ constexpr auto kElements = std::to_array<WorksheetElement>({
     {.name = "cellWatches"},
     {.name = "ignoredErrors", .read = read_ignored_errors, .patch = patch_ignored_errors},
     {.name = "smartTags", .cells = kSmartTags},
-    {.name = "drawing", .copy = copy_drawing},
+    {.name = "drawing", .patch = patch_drawing, .copy = copy_drawing},
     {.name = "legacyDrawing", .patch = patch_notes, .copying = Copying::kDropped},
     {.name = "legacyDrawingHF", .copying = Copying::kDropped},
     {.name = "drawingHF", .copying = Copying::kDropped},

@@ -27,6 +27,7 @@
 namespace engine::xlsx {
 
 class NotesWriter;
+class PicturesWriter;
 
 // Where an element is read into.
 struct SheetReading {
@@ -44,6 +45,7 @@ struct SheetPatching {
   const WrittenStyles& styles;
   Parts& parts;
   NotesWriter& notes;
+  PicturesWriter& pictures;
 };
 
 // What a copy of an element is made with. The tree, of which the element is part, is the copy's.

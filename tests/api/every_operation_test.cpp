@@ -15,6 +15,7 @@
 #include "tests/api/operations.h"
 #include "tests/package/temp_folder.h"
 #include "tests/package/zip_builder.h"
+#include "tests/support/pictures.h"
 #include "tests/xlsx/rich_package.h"
 
 namespace {
@@ -95,6 +96,9 @@ class Scene {
     folder_.write("book.xlsx", files_.bytes);
     files_.source = engine::to_wide(folder_.file("book.xlsx"));
     files_.target = engine::to_wide(folder_.file("saved.xlsx"));
+    files_.picture_bytes = pictures::png(5, 4);
+    folder_.write("picture.png", files_.picture_bytes);
+    files_.picture = engine::to_wide(folder_.file("picture.png"));
   }
 
   bool load() {

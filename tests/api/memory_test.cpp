@@ -5,6 +5,7 @@
 
 #include "tests/api/files.h"
 #include "tests/package/temp_folder.h"
+#include "tests/support/pictures.h"
 #include "tests/support/short_memory.h"
 #include "tests/xlsx/rich_package.h"
 
@@ -32,6 +33,9 @@ Stage new_book() {
   stage.sheet->writeStr(0, 0, L"text");
   for (const int column : {1, 2}) stage.sheet->writeFormulaNum(0, column, L"More!A1+1", 5);
   stage.sheet->writeComment(0, 0, L"note", L"author");
+  const std::string bytes = pictures::png(5, 4);
+  stage.book->addPicture2(bytes.data(), static_cast<unsigned>(bytes.size()));
+  stage.sheet->setPicture(2, 2, 0);
   return stage;
 }
 
@@ -52,6 +56,7 @@ Stage changed_book() {
   format->setBorder(libxl::BorderThin);
   stage.book->getSheet(1)->writeStr(5, 5, L"a new text", format);
   stage.sheet->writeComment(3, 3, L"another note", L"Bob");
+  stage.sheet->setPicture(4, 4, 0);
   stage.book->insertSheet(1, L"Copy", stage.sheet);
   stage.book->setActiveSheet(2);
   return stage;
@@ -93,6 +98,14 @@ const Operation kOperations[] = {
     {"writeComment elsewhere", whole_book,
      [](Stage& s) { s.sheet->writeComment(9, 9, L"a long text of another note", L"Ann"); }},
     {"removeComment", whole_book, [](Stage& s) { s.sheet->removeComment(0, 0); }},
+    {"addPicture2", whole_book,
+     [](Stage& s) {
+       const std::string bytes = pictures::png(7, 7);
+       s.book->addPicture2(bytes.data(), static_cast<unsigned>(bytes.size()));
+     }},
+    {"getPicture", whole_book, [](Stage& s) { s.book->getPicture(0, nullptr, nullptr); }},
+    {"setPicture", new_book, [](Stage& s) { s.sheet->setPicture(5, 5, 0); }},
+    {"setPicture beside others", whole_book, [](Stage& s) { s.sheet->setPicture(5, 5, 0); }},
     {"setCellFormat", whole_book,
      [](Stage& s) { s.sheet->setCellFormat(900, 9, s.book->format(2)); }},
     {"addSheet", new_book, [](Stage& s) { s.book->addSheet(L"A name that allocates"); }},

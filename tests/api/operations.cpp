@@ -101,6 +101,21 @@ double call_of<&Book::loadRaw>(const Call& call) {
   return call.on.book->loadRaw(bytes.data(), size, call.round.number, 0, 1) ? 1 : 0;
 }
 template <>
+double call_of<&Book::addPicture>(const Call& call) {
+  return call.on.book->addPicture(call.round.text ? call.files->picture.c_str() : nullptr);
+}
+template <>
+double call_of<&Book::addPictureAsLink>(const Call& call) {
+  return call.on.book->addPictureAsLink(call.files->picture.c_str(), call.round.number != 0);
+}
+template <>
+double call_of<&Book::addPicture2>(const Call& call) {
+  const std::string& bytes = call.files->picture_bytes;
+  const auto size = static_cast<unsigned>(bytes.size());
+  return call.on.book->addPicture2(call.round.text ? bytes.data() : nullptr,
+                                   call.round.number < 0 ? size / 2 : size);
+}
+template <>
 double call_of<&Book::save>(const Call& call) {
   return call.on.book->save(call.files->target.c_str()) ? 1 : 0;
 }

@@ -25,11 +25,13 @@ struct Round {
   const wchar_t* name;  // a text that a sheet may be called by
 };
 
-// A workbook to load, as a file and as bytes, and a file to save to.
+// A workbook to load, as a file and as bytes, a file to save to, and a picture.
 struct Files {
   std::wstring source;
   std::string bytes;
   std::wstring target;
+  std::wstring picture;
+  std::string picture_bytes;
 };
 
 struct Call {

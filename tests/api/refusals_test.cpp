@@ -119,9 +119,9 @@ const Refusal kCells[] = {
      "the sheet is no longer in the book"},
     {"deleted sheet's name", [](Refusing& s) { return !s.gone->name(); },
      "the sheet is no longer in the book"},
-    {"not done yet", [](Refusing& s) { return s.sheet->pictureSize() == 0; },
-     "pictureSize is not supported yet"},
-    {"not done yet, deleted", [](Refusing& s) { return s.gone->pictureSize() == 0; },
+    {"not done yet", [](Refusing& s) { return s.sheet->tableSize() == 0; },
+     "tableSize is not supported yet"},
+    {"not done yet, deleted", [](Refusing& s) { return s.gone->tableSize() == 0; },
      "the sheet is no longer in the book"},
 };
 
@@ -319,8 +319,6 @@ const Refusal kBook[] = {
        return s.book->colorUnpack(static_cast<libxl::Color>(70), nullptr, nullptr, nullptr), true;
      },
      "colour 70 is not known"},
-    {"pictures", [](Refusing& s) { return s.book->addPicture2("x", 1) == -1; },
-     "addPicture2 is not supported yet"},
     {"file name", [](Refusing& s) { return !s.book->save(L""); }, "file name is empty"},
     {"no such file", [](Refusing& s) { return !s.book->load(L"/tmp/no such file.xlsx"); },
      R"(file "/tmp/no such file.xlsx" cannot be opened: no such file)"},

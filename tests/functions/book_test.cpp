@@ -80,6 +80,48 @@ TEST_F(BookFunctions, BytesComeFromTheFileInAContainer) {
   EXPECT_EQ(workbook_.scenario.heard[2], "setLocale -");
 }
 
+// Named after their position, whatever the third parameter says, and without a size.
+TEST_F(BookFunctions, PicturesAreImagesOrFiles) {
+  const Handles handles(workbook_);
+  const struct {
+    int kind;
+    const char16_t* name;
+    const char* type;
+  } cases[] = {{0, u"2.png", "PNGf"}, {1, u"2.jpg", "JPEG"}, {2, u"2", "FILE"},
+               {3, u"2.wmf", "FILE"}, {4, u"2.dib", "FILE"}, {5, u"2.emf", "FILE"},
+               {6, u"2", "FILE"},     {7, u"2.tif", "FILE"}, {99, u"2", "FILE"}};
+  for (const auto& [kind, name, type] : cases) {
+    SCOPED_TRACE(kind);
+    workbook_.scenario.number = kind;
+    const auto outcome = call("XL_Book_GetPicture", {handles.book, 2, u"name"});
+    EXPECT_EQ(outcome.code, 0);
+    const auto& streams = outcome.value.container().streams;
+    ASSERT_EQ(streams.size(), 2);
+    EXPECT_EQ(outcome.value.container().file_name(), name);
+    EXPECT_EQ(std::string(streams[1].type.begin(), streams[1].type.end()), type);
+    EXPECT_EQ(streams[1].bytes->size(), 5);
+  }
+  EXPECT_EQ(workbook_.scenario.heard.back(), "getPicture 2 > >");
+  workbook_.scenario.number = 255;
+  EXPECT_EQ(call("XL_Book_GetPicture", {handles.book, 2}).last_error, -1);
+  workbook_.scenario.message = "picture 2 is empty";
+  const auto refused = call("XL_Book_GetPicture", {handles.book, 2});
+  EXPECT_EQ(refused.last_error, 1);
+  EXPECT_EQ(refused.text(), "");
+}
+
+TEST_F(BookFunctions, PicturesComeFromTheImageInAContainer) {
+  const Handles handles(workbook_);
+  const auto image = calls::container({{"FNAM", "n"}, {"SIZE", "s"}, {"JPEG", "jpeg"}});
+  EXPECT_EQ(call("XL_Book_AddPicture2", {handles.book, image}).code, 0);
+  EXPECT_EQ(call("XL_Book_AddPicture2", {handles.book, u"text"}).code, 0);
+  const auto nothing = calls::container({{"FNAM", "n"}});
+  EXPECT_EQ(call("XL_Book_AddPicture2", {handles.book, nothing}).last_error, 10);
+  EXPECT_EQ(
+      workbook_.scenario.heard,
+      (std::vector<std::string>{"addPicture2 jpeg 4", "addPicture2 text 4", "addPicture2  0"}));
+}
+
 TEST_F(BookFunctions, ErrorMessageIsAResultAndNoFailure) {
   const Handles handles(workbook_);
   workbook_.scenario.message = "file \"a.xlsx\" cannot be opened: no such file";

@@ -146,6 +146,7 @@ TEST_F(EveryFunction, OfItsOwnShapeHasCasesOfItsOwn) {
       {"XL_XlCreateBook", {}, "", "#Book"},
       {"XL_XlCreateXMLBook", {}, "", "#Book"},
       {"XL_Book_SaveRaw", {u""}, "saveRaw > >", "bytes"},
+      {"XL_Book_GetPicture", {2}, "getPicture 2 > >", "2.jpg"},
       {"XL_Book_ErrorMessage", {}, "", "ok"},
       {"XL_Sheet_SetTabColor", {10}, "setTabColor 10", ""},
       {"XL_Sheet_SetTabColor", {255, 0}, "setTabColor 255 0 0", ""},

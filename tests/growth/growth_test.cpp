@@ -8,6 +8,7 @@
 
 #include "tests/api/stage.h"
 #include "tests/growth/work.h"
+#include "tests/support/pictures.h"
 #include "tests/xlsx/packages.h"
 
 namespace {
@@ -345,6 +346,23 @@ void validations_over_one_another(int n) {
   EXPECT_TRUE(stage.reload());
 }
 
+// Each is asked for where it lies, between rows that the sheet has heights of.
+void pictures_placed_and_loaded(int n) {
+  Stage stage;
+  for (int i = 0; i < n; ++i) {
+    stage.sheet->setRow(i, 20);
+    const std::string bytes = pictures::png(100, 100, std::to_string(i));
+    const int id = stage.book->addPicture2(bytes.data(), static_cast<unsigned>(bytes.size()));
+    stage.sheet->setPicture(i, 1, id, 1, 0, 0,
+                            i % 2 == 0 ? libxl::PositionMoveAndSize : libxl::PositionMoveOnly);
+  }
+  EXPECT_TRUE(stage.reload());
+  EXPECT_EQ(stage.sheet->pictureSize(), n);
+  for (int i = 0; i < n; ++i) EXPECT_EQ(stage.sheet->getPicture(i), i);
+  EXPECT_TRUE(stage.sheet->insertRow(0, 0));
+  EXPECT_TRUE(stage.reload());
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -379,6 +397,7 @@ constexpr Case kCases[] = {
     {"columns of a filter", columns_of_a_filter, 3000},
     {"validations over one another", validations_over_one_another, 3000},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},
+    {"pictures placed and loaded", pictures_placed_and_loaded, 600},
 };
 
 std::uint64_t work_of(const Case& one, int n) {

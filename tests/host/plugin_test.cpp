@@ -49,7 +49,7 @@ TEST_F(PluginFile, StartsAndStopsOverAndOver) {
   for (int round = 0; round < 100; ++round) {
     SCOPED_TRACE(round);
     ASSERT_EQ(send(fmx::kInit, round % 2 == 0 ? 55 : 56), 59);
-    ASSERT_EQ(registered(true), 269);
+    ASSERT_EQ(registered(true), 278);
     ASSERT_EQ(registered(false), 361);
     send(fmx::kShutdown);
     ASSERT_TRUE(FunctionRegistry::instance().all().empty());

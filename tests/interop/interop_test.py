@@ -11,16 +11,19 @@ import hashlib
 import os
 import pathlib
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
 import unittest
 import zipfile
+import zlib
 from xml.etree import ElementTree
 
 try:
     import openpyxl
     from openpyxl.comments import Comment
+    from openpyxl.drawing.spreadsheet_drawing import SpreadsheetDrawing
     from openpyxl.styles import Font, PatternFill
 except ImportError:
     print("skipped: openpyxl is not there")
@@ -51,6 +54,17 @@ def run_script(folder, text):
     if done.returncode != 0:
         raise AssertionError(f"{done.stdout}\n{done.stderr}")
     return done.stdout.splitlines()
+
+
+def png(width, height):
+    """A red picture."""
+    def chunk(kind, data):
+        return (struct.pack(">I", len(data)) + kind + data
+                + struct.pack(">I", zlib.crc32(kind + data)))
+
+    rows = (b"\0" + b"\xff\0\0" * width) * height
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0))
+            + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
 
 
 def literal(text):
@@ -133,6 +147,38 @@ class Interop(unittest.TestCase):
         self.assertEqual([getattr(sheet.protection, name) for name in
                           ("sheet", "formatCells", "sort", "selectLockedCells", "formatRows")],
                          [True, False, False, True, True])
+
+    # What a drawing says, as openpyxl understands it: it shows pictures with a library of its own.
+    def test_openpyxl_reads_pictures(self):
+        (self.folder / "red.png").write_bytes(png(30, 20))
+        path = self.write_book([
+            '$picture = XL_Book_AddPicture2 ( $book ; Host_ReadFile ( "red.png" ) )',
+            "XL_Sheet_SetCol ( $sheet ; 1 ; 1 ; 10 )",
+            "XL_Sheet_SetRow ( $sheet ; 3 ; 30 )",
+            "XL_Sheet_SetPicture ( $sheet ; 2 ; 1 ; $picture )",
+            "XL_Sheet_SetPicture ( $sheet ; 2 ; 1 ; $picture ; 2 ; 80 ; 25 ; 1 )",
+            "XL_Sheet_SetPicture2 ( $sheet ; 1 ; 1 ; $picture ; 60 ; -1 ; 3 ; 4 ; 2 )",
+        ])
+        with zipfile.ZipFile(path) as package:
+            self.assertEqual(package.read("xl/media/image1.png"), png(30, 20))
+            self.assertEqual([name for name in package.namelist() if "media" in name],
+                             ["xl/media/image1.png"])
+            root = ElementTree.fromstring(package.read("xl/drawings/drawing1.xml"))
+        drawing = SpreadsheetDrawing.from_tree(root)
+        pixel = 9525
+
+        def corner(one):
+            return one.col, one.colOff / pixel, one.row, one.rowOff / pixel
+
+        both, one, fixed = drawing.twoCellAnchor, drawing.oneCellAnchor, drawing.absoluteAnchor
+        self.assertEqual([(corner(a._from), corner(a.to)) for a in both],
+                         [((1, 0, 2, 0), (1, 30, 3, 0))])
+        self.assertEqual([(corner(a._from), a.ext.width / pixel, a.ext.height / pixel)
+                          for a in one], [((2, 5, 3, 5), 60, 40)])
+        self.assertEqual([(a.pos.x / pixel, a.pos.y / pixel, a.ext.width / pixel,
+                           a.ext.height / pixel) for a in fixed], [(67, 24, 60, 40)])
+        self.assertEqual({a.pic.blipFill.blip.embed for a in both + one + fixed}, {"rId1"})
+        self.assertEqual(len({a.pic.nvPicPr.cNvPr.id for a in both + one + fixed}), 3)
 
     def check_password(self, protection, password):
         self.assertEqual(protection.algorithmName, "SHA-512")

@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/pictures.h"
 #include "tests/xlsx/packages.h"
 
 namespace engine::xlsx {
@@ -103,9 +104,12 @@ inline constexpr const char* kRichNotes =
 
 inline constexpr const char* kRichDrawing =
     R"(<xdr:wsDr xmlns:xdr="http://schemas.openxmlformats.org/drawingml/2006/spreadsheetDrawing" )"
+    R"(xmlns:a="http://schemas.openxmlformats.org/drawingml/2006/main" )"
     R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
     R"(<xdr:oneCellAnchor><xdr:graphicFrame><c r:id="rId1"/></xdr:graphicFrame></xdr:oneCellAnchor>)"
-    R"(<xdr:oneCellAnchor><xdr:pic><blip r:embed="rId2"/></xdr:pic></xdr:oneCellAnchor></xdr:wsDr>)";
+    R"(<xdr:oneCellAnchor><xdr:from><xdr:col>1</xdr:col><xdr:row>1</xdr:row></xdr:from>)"
+    R"(<xdr:ext cx="95250" cy="95250"/><xdr:pic><xdr:blipFill><a:blip r:embed="rId2"/>)"
+    R"(</xdr:blipFill></xdr:pic></xdr:oneCellAnchor></xdr:wsDr>)";
 
 inline PartTexts rich_package() {
   const auto main = [](std::string_view element, std::string_view content) {
@@ -168,7 +172,7 @@ inline PartTexts rich_package() {
   parts["xl/charts/chart1.xml"] =
       "<c:chartSpace xmlns:c=\"http://schemas.openxmlformats.org/drawingml/2006/chart\"><c:ser>"
       "<c:f>More!$A$1:$A$3</c:f></c:ser></c:chartSpace>";
-  parts["xl/media/image1.png"] = "picture";
+  parts["xl/media/image1.png"] = pictures::png(4, 3);
   parts["xl/tables/table1.xml"] = main(
       "table", R"( id="1" name="Table1" displayName="Table1" ref="A1:C3"><tableColumns count="3">)"
                R"(<tableColumn id="1" name="Name"/><tableColumn id="2" name="Value"/><tableColumn )"

@@ -1,14 +1,21 @@
 #include "engine/xlsx/elements/drawings.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
+#include <vector>
 
 #include "engine/package/xml_tree.h"
-#include "engine/xlsx/copied_drawing.h"
+#include "engine/workbook/links.h"
 #include "engine/xlsx/new_parts.h"
 
 namespace engine::xlsx {
 
+using package::Family;
+
 namespace {
+
+constexpr std::string_view kDrawingName = "xl/drawings/drawing#.xml";
 
 // The relationship as another part has it. Targets inside the part itself, as "#Sheet1!A1" of a
 // picture that leads to a cell, mean the same there.
@@ -30,31 +37,141 @@ void copy_drawing(pugi::xml_node element, const SheetCopying& to) {
     element.parent().remove_child(element);
     return;
   }
-  const std::string name =
-      to.made.add("xl/drawings/drawing#.xml", kDrawingType, std::move(pictures->bytes));
+  const std::string name = to.made.add(kDrawingName, kDrawingType, std::move(pictures->bytes));
   for (const Relationship& one : to.parts.relationships(part->name))
     if (pictures->ids.contains(one.id)) to.made.add_relationship(name, moved_link(one, part->name));
   to.made.add_relationship(to.copy.part,
                            {link->id, link->type, relative_target(to.copy.part, name), false});
 }
 
+// Writing.
+
 namespace {
 
-constexpr long long kEmuPerPixel = 9525;
+// What a kind of picture is called in a package.
+struct MediaKind {
+  std::string_view pattern;
+  std::string_view type;
+};
+constexpr MediaKind kMedia[] = {
+    {"xl/media/image#.png", "image/png"},   {"xl/media/image#.jpeg", "image/jpeg"},
+    {"xl/media/image#.gif", "image/gif"},   {"xl/media/image#.wmf", "image/x-wmf"},
+    {"xl/media/image#.bmp", "image/bmp"},   {"xl/media/image#.emf", "image/x-emf"},
+    {"xl/media/image#.pict", "image/pict"}, {"xl/media/image#.tiff", "image/tiff"},
+};
 
-enum class AnchorKind : std::uint8_t { kMovesAndSizes, kMoves, kStays };
+// The relationships of a drawing to pictures, each made once.
+class PictureLinks {
+ public:
+  PictureLinks(Parts& parts, const std::string& drawing, pugi::xml_node root)
+      : parts_(parts), drawing_(drawing), mentioned_(mentioned_ids(root)) {
+    for (const Relationship& one : parts.relationships(drawing)) {
+      if (one.kind() != kKind) continue;
+      if (const Part* part = parts.target(drawing, one)) to_parts_.try_emplace(part->name, one.id);
+      else if (one.external) to_files_.try_emplace(one.target, one.id);
+    }
+  }
 
-AnchorKind kind_of(pugi::xml_node anchor) {
+  // Empty for nothing to lead to.
+  std::string to_part(const std::string& part) {
+    if (part.empty()) return {};
+    std::string& id = to_parts_[part];
+    if (id.empty()) id = parts_.relate(drawing_, mentioned_, kKind, part);
+    return id;
+  }
+  std::string to_file(const std::string& path) {
+    if (path.empty()) return {};
+    const std::string target = path_target(path);
+    std::string& id = to_files_[target];
+    if (id.empty()) id = parts_.relate_outside(drawing_, mentioned_, kKind, target);
+    return id;
+  }
+
+ private:
+  static constexpr std::string_view kKind = "image";
+
+  Parts& parts_;
+  const std::string& drawing_;
+  const Ids mentioned_;
+  std::map<std::string, std::string> to_parts_;
+  std::map<std::string, std::string> to_files_;
+};
+
+// Pictures of the file stand where they stood, but those that were moved or are gone.
+void settle_placed(pugi::xml_node drawing, const PlacedPictures& as_read,
+                   const PlacedPictures& pictures) {
+  const std::vector<pugi::xml_node> anchors = picture_anchors(drawing);
+  auto now = pictures.begin();
+  for (const PlacedPicture& then : as_read) {
+    const pugi::xml_node anchor = anchors.at(then.number - 1);
+    if (now == pictures.end() || now->number != then.number) {
+      drawing.remove_child(anchor);
+      continue;
+    }
+    if (now->anchor != then.anchor) change_anchor(anchor, now->anchor);
+    ++now;
+  }
+}
+
+}  // namespace
+
+// The name of the part with a picture's bytes; empty for a mere link. Equal bytes share one.
+std::string PicturesWriter::media_of(std::uint32_t picture) {
+  if (picture < stored_.sources.size()) return stored_.sources[picture].first;
+  const Picture& its = book_.pictures[picture];
+  if (!its.bytes || !its.header) return {};
+  std::string& name = media_[*its.bytes];
+  if (name.empty()) {
+    const auto& [pattern, type] = kMedia[static_cast<std::size_t>(its.header->kind)];
+    name = parts_.free_name(pattern);
+    parts_.put_shared(name, type, its.bytes);
+  }
+  return name;
+}
+
+void PicturesWriter::write(const SheetPatching& from, pugi::xml_node root) {
+  const SheetContents& sheet = from.sheet.contents();
+  pugi::xml_node link = package::child(root, Family::Main, "drawing");
+  const Part* stored = parts_.named_by(link, from.remains.part).part;
+  const std::string name = stored ? stored->name : parts_.free_name(kDrawingName);
+  const auto tree =
+      package::XmlTree::parse(stored ? parts_.read(*stored) : empty_drawing(root), name);
+  pugi::xml_node drawing = drawing_root(tree, name);
+  settle_placed(drawing, from.remains.pictures, sheet.pictures);
+  PictureLinks links(parts_, name, drawing);
+  PictureAppender appender(drawing);
+  for (const PlacedPicture& one : sheet.pictures) {
+    if (one.number != 0) continue;
+    const std::string embed = links.to_part(media_of(one.picture));
+    appender.append(one.anchor, box_of(sheet, one.anchor, book_.limits.grid), embed,
+                    links.to_file(book_.pictures[one.picture].link));
+  }
+  parts_.put(name, stored ? std::string_view() : kDrawingType, tree.serialize());
+  if (stored) return;
+  if (!link) link = worksheet_child(root, "drawing");
+  package::set_attribute(link, Family::Relationships, "id",
+                         parts_.relate(from.remains.part, mentioned_ids(root), "drawing", name));
+}
+
+void patch_drawing(pugi::xml_node root, const SheetPatching& from) {
+  if (from.sheet.contents().pictures != from.remains.pictures) from.pictures.write(from, root);
+}
+
+// Moving.
+
+namespace {
+
+Anchoring anchoring_of(pugi::xml_node anchor) {
   const std::string_view name = package::local_name(anchor);
-  if (name == "oneCellAnchor") return AnchorKind::kMoves;
+  if (name == "oneCellAnchor") return Anchoring::kMoves;
   if (name == "anchor") {
-    if (!anchor.attribute("moveWithCells").as_bool()) return AnchorKind::kStays;
-    return anchor.attribute("sizeWithCells").as_bool() ? AnchorKind::kMovesAndSizes
-                                                       : AnchorKind::kMoves;
+    if (!anchor.attribute("moveWithCells").as_bool()) return Anchoring::kStays;
+    return anchor.attribute("sizeWithCells").as_bool() ? Anchoring::kMovesAndSizes
+                                                       : Anchoring::kMoves;
   }
   const std::string_view edit = anchor.attribute("editAs").value();
-  if (edit == "absolute") return AnchorKind::kStays;
-  return edit == "oneCell" ? AnchorKind::kMoves : AnchorKind::kMovesAndSizes;
+  if (edit == "absolute") return Anchoring::kStays;
+  return edit == "oneCell" ? Anchoring::kMoves : Anchoring::kMovesAndSizes;
 }
 
 bool is_anchor(pugi::xml_node node) {
@@ -68,108 +185,69 @@ pugi::xml_node child_named(pugi::xml_node parent, std::string_view local) {
   return {};
 }
 
-// One corner of an object along the axis of a move. Offsets are in EMU.
-struct AnchorCorner {
+// One corner of a carried object along the axis of a move.
+struct CarriedEdge {
   pugi::xml_node place;
   pugi::xml_node offset;
-  int index = 0;
-  long long distance = 0;
+  AnchorEdge edge;
 
-  AnchorCorner(pugi::xml_node corner, formula::Axis axis)
+  CarriedEdge(pugi::xml_node corner, formula::Axis axis)
       : place(child_named(corner, axis == formula::Axis::kRows ? "row" : "col")),
         offset(child_named(corner, axis == formula::Axis::kRows ? "rowOff" : "colOff")),
-        index(std::max(place.text().as_int(), 0)),
-        distance(offset.text().as_llong()) {}
+        edge{std::max(place.text().as_int(), 0), offset.text().as_llong()} {}
 
-  int pixels() const {
-    return static_cast<int>(std::clamp<long long>(distance / kEmuPerPixel, 0, 1 << 20));
-  }
-  // Puts it to a place, at the edge of which it stands if its own is gone.
-  void move(const formula::Move& move, int size) {
-    const auto to = formula::moved(index, move);
-    index = std::min(to.value_or(move.at), size - 1);
-    if (!to) distance = 0;
-  }
   void write() {
-    place.text().set(index);
-    if (offset) offset.text().set(distance);
+    place.text().set(edge.index);
+    if (offset) offset.text().set(static_cast<long long>(edge.offset));
   }
 };
 
-bool is_removed(const AnchorCorner& from, const AnchorCorner& to, const formula::Move& move) {
-  if (move.kind == formula::Move::Kind::kInsert) return false;
-  const int end = move.at + move.count;
-  return from.index >= move.at && from.index < end &&
-         (to.index < end || (to.index == end && to.distance == 0));
-}
-
 // False when the object goes.
-bool move_anchor(pugi::xml_node anchor, const DrawingMove& moving) {
-  const AnchorKind kind = kind_of(anchor);
-  if (kind == AnchorKind::kStays) return true;
-  AnchorCorner from(child_named(anchor, "from"), moving.move.axis);
-  AnchorCorner to(child_named(anchor, "to"), moving.move.axis);
-  if (!from.place) return true;
-  const bool goes =
-      to.place && kind == AnchorKind::kMovesAndSizes && is_removed(from, to, moving.move);
-  const long long length = moving.before.position(to.index) + to.pixels() -
-                           moving.before.position(from.index) - from.pixels();
-  from.move(moving.move, moving.size);
+bool move_anchor(pugi::xml_node anchor, const AnchorMove& moving) {
+  CarriedEdge from(child_named(anchor, "from"), moving.move.axis);
+  CarriedEdge to(child_named(anchor, "to"), moving.move.axis);
+  const Anchoring anchoring = anchoring_of(anchor);
+  if (!from.place || anchoring == Anchoring::kStays) return true;
+  const bool stays = move_edges(anchoring, from.edge, to.place ? &to.edge : nullptr, moving);
   from.write();
-  if (!to.place) return true;
-  if (kind == AnchorKind::kMovesAndSizes) {
-    to.move(moving.move, moving.size);
-  } else {
-    const Corner end =
-        moving.after.walk({from.index, from.pixels()}, static_cast<int>(std::max(length, 0LL)));
-    to.index = end.index;
-    if (end.offset != to.pixels()) to.distance = end.offset * kEmuPerPixel;
-  }
-  to.write();
-  return !goes;
+  if (to.place) to.write();
+  return stays;
 }
 
-// What the model's inserted rows and columns look like.
-int inserted_pixels(const SheetContents& sheet, const formula::Move& move) {
-  if (move.axis == formula::Axis::kColumns)
-    return move.at == 0 ? default_column_pixels(sheet) : unhidden_column_pixels(sheet, move.at - 1);
-  const Row* before = move.at == 0 ? nullptr : sheet.cells.find_row(move.at - 1);
-  const RowProperties* its = before ? sheet.properties(*before) : nullptr;
-  return pixels_of_points(its && its->custom_height && its->height ? *its->height
-                                                                   : sheet.default_row_height);
-}
-
-Edges edges_of(const SheetContents& sheet, formula::Axis axis, const Grid& grid) {
-  return axis == formula::Axis::kRows ? Edges::of_rows(sheet, grid.rows)
-                                      : Edges::of_columns(sheet, grid.columns);
+// The anchors of a drawing that the model has no part in.
+template <class Visit>
+void visit_carried(pugi::xml_node root, const PlacedPictures& pictures, const Visit& visit) {
+  const std::vector<pugi::xml_node> anchors = picture_anchors(root);
+  std::set<pugi::xml_node> modelled;
+  for (const PlacedPicture& one : pictures) modelled.insert(anchors.at(one.number - 1));
+  visit_elements(root, [&](pugi::xml_node node) {
+    if (is_anchor(node) && !modelled.contains(node)) visit(node);
+  });
 }
 
 }  // namespace
 
-DrawingMove::DrawingMove(const SheetContents& sheet, const formula::Move& its, const Grid& grid)
-    : move(its),
-      size(its.axis == formula::Axis::kRows ? grid.rows : grid.columns),
-      before(edges_of(sheet, its.axis, grid)),
-      after(before.moved(its, inserted_pixels(sheet, its))) {}
-
-void move_drawing(pugi::xml_node root, const DrawingMove& moving) {
+void move_carried(pugi::xml_node root, const PlacedPictures& as_read, const AnchorMove& moving) {
   std::vector<pugi::xml_node> lost;
-  visit_elements(root, [&](pugi::xml_node node) {
-    if (is_anchor(node) && !move_anchor(node, moving)) lost.push_back(node);
+  visit_carried(root, as_read, [&](pugi::xml_node node) {
+    if (!move_anchor(node, moving)) lost.push_back(node);
   });
   for (pugi::xml_node node : lost) {
+    // A picture that leads nowhere shows nothing; it stays, as the others are counted with it.
+    if (node.parent() == root && is_picture_anchor(node)) continue;
     // Alternatives of one object go together.
     while (node.parent() != root && node.parent()) node = node.parent();
     root.remove_child(node);
   }
 }
 
-int last_anchor(pugi::xml_node root, formula::Axis axis, int first) {
+int last_carried(pugi::xml_node root, const PlacedPictures& as_read, formula::Axis axis,
+                 int first) {
   int last = -1;
-  visit_elements(root, [&](pugi::xml_node node) {
-    if (!is_anchor(node) || kind_of(node) == AnchorKind::kStays) return;
-    const AnchorCorner from(child_named(node, "from"), axis);
-    if (from.place && from.index >= first) last = std::max(last, from.index);
+  visit_carried(root, as_read, [&](pugi::xml_node node) {
+    if (anchoring_of(node) == Anchoring::kStays) return;
+    const CarriedEdge from(child_named(node, "from"), axis);
+    if (from.place && from.edge.index >= first) last = std::max(last, from.edge.index);
   });
   return last;
 }
@@ -191,7 +269,7 @@ void collect_controls(pugi::xml_node element, TextEdits& edits) {
 }
 
 void move_controls(pugi::xml_node element, const SheetMoving& moving) {
-  const DrawingMove drawing(moving.sheet, moving.move, moving.grid);
+  const AnchorMove drawing(moving.sheet, moving.move, moving.grid);
   visit_elements(element, [&](pugi::xml_node node) {
     if (package::local_name(node) == "anchor") move_anchor(node, drawing);
   });

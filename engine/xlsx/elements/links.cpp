@@ -83,12 +83,7 @@ Links links_of(pugi::xml_node list, const Parts& parts, std::string_view sheet, 
 
 // The target as relationships have it.
 std::string stored_target(const LinkTarget& to) {
-  if (to.kind == LinkKind::kUrl) return escape_url(to.target);
-  const std::string path = escape_path(to.target);
-  if (to.target.starts_with('/')) return "file://" + path;
-  const bool absolute =
-      to.target.starts_with("\\\\") || (to.target.size() > 1 && to.target[1] == ':');
-  return absolute ? "file:///" + path : path;
+  return to.kind == LinkKind::kUrl ? escape_url(to.target) : path_target(to.target);
 }
 
 // Writes targets into the elements of one list.
