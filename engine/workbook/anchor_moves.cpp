@@ -6,6 +6,12 @@ namespace engine {
 
 namespace {
 
+// Files may say anything.
+int anchor_pixels(const AnchorEdge& edge) {
+  constexpr std::int64_t kMost = 1 << 20;
+  return static_cast<int>(std::clamp<std::int64_t>(edge.offset / kEmuPerPixel, 0, kMost));
+}
+
 bool is_removed(const AnchorEdge& from, const AnchorEdge& to, const formula::Move& move) {
   if (move.kind == formula::Move::Kind::kInsert) return false;
   const int end = move.at + move.count;
@@ -36,11 +42,6 @@ Edges edges_of(const SheetContents& sheet, formula::Axis axis, const Grid& grid)
 }
 
 }  // namespace
-
-int anchor_pixels(const AnchorEdge& edge) {
-  constexpr std::int64_t kMost = 1 << 20;
-  return static_cast<int>(std::clamp<std::int64_t>(edge.offset / kEmuPerPixel, 0, kMost));
-}
 
 AnchorMove::AnchorMove(const SheetContents& sheet, const formula::Move& its, const Grid& grid)
     : move(its),

@@ -8,9 +8,6 @@
 
 namespace engine {
 
-// A corner in one direction, as pixels. Files may say anything.
-int anchor_pixels(const AnchorEdge& edge);
-
 // How objects lie on a sheet while rows or columns are inserted or removed: where these begin
 // before and after, in pixels.
 struct AnchorMove {

@@ -21,6 +21,12 @@ constexpr Family kOwn = Family::SpreadsheetDrawing;
 constexpr std::string_view kPictureName = "Picture ";
 constexpr unsigned kMaxId = std::numeric_limits<int>::max();
 
+// Distances and sizes as the format allows them; files say anything.
+std::int64_t coordinate(long long emu) {
+  constexpr long long kMost = 27'273'042'316'900;
+  return std::clamp(emu, -kMost, kMost);
+}
+
 pugi::xml_node own_child(pugi::xml_node parent, std::string_view local) {
   return package::child(parent, kOwn, local);
 }
@@ -35,7 +41,7 @@ constexpr EdgeNames kRow = {"row", "rowOff"};
 
 AnchorEdge read_edge(pugi::xml_node corner, const EdgeNames& names, int count) {
   return {std::clamp(own_child(corner, names.index).text().as_int(), 0, count - 1),
-          own_child(corner, names.offset).text().as_llong()};
+          coordinate(own_child(corner, names.offset).text().as_llong())};
 }
 
 void change_edge(pugi::xml_node corner, const EdgeNames& names, const AnchorEdge& edge) {
@@ -81,13 +87,13 @@ std::optional<Anchor> read_anchor(pugi::xml_node anchor, const Grid& grid) {
     made.form = name == "oneCellAnchor" ? Form::kOneCell : Form::kAbsolute;
     made.anchoring = made.form == Form::kOneCell ? Anchoring::kMoves : Anchoring::kStays;
     const pugi::xml_node size = own_child(anchor, "ext");
-    made.width = size.attribute("cx").as_llong();
-    made.height = size.attribute("cy").as_llong();
+    made.width = coordinate(size.attribute("cx").as_llong());
+    made.height = coordinate(size.attribute("cy").as_llong());
   }
   if (made.form == Form::kAbsolute) {
     const pugi::xml_node place = own_child(anchor, "pos");
-    made.x = place.attribute("x").as_llong();
-    made.y = place.attribute("y").as_llong();
+    made.x = coordinate(place.attribute("x").as_llong());
+    made.y = coordinate(place.attribute("y").as_llong());
     return made;
   }
   const pugi::xml_node from = own_child(anchor, "from");
