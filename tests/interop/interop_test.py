@@ -368,6 +368,21 @@ XL_Book_Release ( $book )
         self.assertEqual(contents.sheet_properties.tabColor.rgb, "FF006080")
         self.assertFalse(contents.sheet_view.showGridLines)
 
+    # The example places pictures, then loads the file and inserts a row above them.
+    def test_the_catalogue_shows_its_pictures(self):
+        done = subprocess.run([XLCALC, "--strict", "run", str(EXAMPLES / "catalogue.calc"),
+                               "FILE=out.xlsx", f"PICTURES={EXAMPLES / 'catalogue'}"],
+                              cwd=self.folder, capture_output=True, text=True, timeout=120)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn("The last one lies in row 4, 48 by 48 pixels", done.stdout)
+        with zipfile.ZipFile(self.folder / "out.xlsx") as package:
+            root = ElementTree.fromstring(package.read("xl/drawings/drawing1.xml"))
+            pictures = {package.read(name) for name in package.namelist() if "media" in name}
+        self.assertEqual([a._from.row for a in SpreadsheetDrawing.from_tree(root).oneCellAnchor],
+                         [2, 3, 4])
+        self.assertEqual(pictures, {path.read_bytes()
+                                    for path in (EXAMPLES / "catalogue").iterdir()})
+
 
     # The example fills a template that carries a filter.
     def test_the_orders_are_filtered_by_their_template(self):
