@@ -15,9 +15,9 @@
 namespace engine::package {
 namespace {
 
-// Where the system keeps what is written: in pieces as large as one write. Large pieces come from
-// memory that nobody used for long, which on virtual machines has to be fetched first: after other
-// programs had run, 24 MB took 12 ms to write in steps of this size and 70 ms in steps of twice it.
+// The system keeps what is written in pieces as large as one write. Large pieces come from memory
+// that nobody used for long, which virtual machines have to fetch first: after other programs had
+// run, 24 MB took 12 ms to write in steps of this size and 70 ms in steps of twice it.
 constexpr std::size_t kBufferSize = 64 * 1024;
 constexpr int kMaxLinks = 40;
 constexpr mode_t kPermissions = 0777;

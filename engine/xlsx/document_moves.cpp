@@ -103,7 +103,7 @@ std::optional<MoveRefusal> Document::refusal_of_move(const Workbook& book, const
   MoveRefusal refusal;
   if (inserts(move)) {
     const Part* const shown =
-        parts_.named_by(package::child(its.tree.root(), Family::Main, "drawing"), its.part).part;
+        parts_.named_by(package::child(its.tree->root(), Family::Main, "drawing"), its.part).part;
     const int size = move.axis == Axis::kRows ? grid.rows : grid.columns;
     const int limit = std::max(move.at, size - move.count);
     refusal.place = -1;
