@@ -122,6 +122,9 @@ std::string write_relationships(const Relationships& relationships) {
   std::string out =
       "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
       "<Relationships xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\">";
+  // Most are links to places outside, and a sheet may have very many.
+  constexpr std::size_t kUsualLength = 192;
+  out.reserve(out.size() + relationships.size() * kUsualLength);
   for (const Relationship& one : relationships) {
     out.append("<Relationship");
     append_attribute(out, "Id", one.id);

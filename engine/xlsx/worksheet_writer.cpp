@@ -4,11 +4,13 @@
 #include <array>
 #include <cstring>
 #include <map>
+#include <utility>
 
 #include "engine/formula/reference.h"
 #include "engine/package/xml_text.h"
 #include "engine/package/xml_tree.h"
 #include "engine/text/number_text.h"
+#include "engine/xlsx/attributes.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/stored_formula.h"
 
@@ -281,34 +283,9 @@ void WorksheetText::make_pieces() {
 
 // The text in front of the first row and behind the last.
 void WorksheetText::render_ends(const package::XmlTree& tree) {
-  const pugi::xml_node root = tree.root();
-  const std::string name = root.name();
-  head_ = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<" + name;
-  for (const pugi::xml_attribute attribute : root.attributes()) {
-    head_.append(" ").append(attribute.name()).append("=\"");
-    package::append_xml_attribute(head_, attribute.value());
-    head_.push_back('"');
-  }
-  head_.push_back('>');
-  bool behind = false;
-  for (const pugi::xml_node node : root.children()) {
-    if (package::is(node, Family::Main, "sheetData")) {
-      behind = true;
-      continue;
-    }
-    (behind ? tail_ : head_).append(package::serialize_xml(node));
-  }
-  // Rows are written without a prefix, so where the part has one the bare names are declared.
-  const std::string prefix(package::prefix_of(name));
-  head_.append("<sheetData");
-  if (!prefix.empty()) {
-    head_.append(" xmlns=\"");
-    package::append_xml_attribute(head_, root.attribute(("xmlns:" + prefix).c_str()).value());
-    head_.push_back('"');
-  }
-  head_.append(">");
-  tail_.insert(0, "</sheetData>");
-  tail_.append("</" + name + ">");
+  auto [head, tail] = tree.cut_in(package::child(tree.root(), Family::Main, "sheetData"));
+  head_ = std::move(head);
+  tail_ = std::move(tail);
 }
 
 void WorksheetText::make(std::size_t block, std::string& out) const {
@@ -543,10 +520,20 @@ char* WorksheetText::write_value(TextBuffer& out, char* at, const RowRun& run,
   return put(at, "</v>");
 }
 
+// Rows are written without a prefix, so where the part has one the bare names are declared.
+void declare_bare_names(pugi::xml_node root) {
+  const std::string prefix(package::prefix_of(root.name()));
+  if (prefix.empty()) return;
+  pugi::xml_node data = package::child(root, Family::Main, "sheetData");
+  data.set_name("sheetData");
+  set_attribute(data, "xmlns", root.attribute(("xmlns:" + prefix).c_str()).value());
+}
+
 }  // namespace
 
 PartBlocks write_worksheet(package::XmlTree tree, const Sheet& sheet, const OutsideRows* outside,
                            const WriteContext& context) {
+  declare_bare_names(tree.root());
   tree.settle();
   auto text = std::make_shared<const WorksheetText>(tree, sheet, outside, context);
   const std::size_t count = text->block_count();

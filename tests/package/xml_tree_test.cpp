@@ -27,6 +27,32 @@ TEST(XmlTree, WritesWhatItRead) {
   }
 }
 
+TEST(XmlTree, CutsInFrontOfAnEndTag) {
+  struct Case {
+    const char* text;
+    const char* head;
+    const char* tail;
+  };
+  constexpr Case kCases[] = {
+      {"<a><list/></a>", "<a><list>", "</list></a>"},
+      {"<a><list><b/></list></a>", "<a><list><b/>", "</list></a>"},
+      {"<!-- 1 --><a b=\"&lt;&amp;&quot;&#10;&#13;\"> <c><b/></c><x:list xmlns:x=\"u\"> "
+       "<![CDATA[<]]>&#13;</x:list><?p i?>&amp;<d/></a><!-- 2 -->",
+       "<!-- 1 --><a b=\"&lt;&amp;&quot;&#10;&#13;\"> <c><b/></c><x:list xmlns:x=\"u\"> "
+       "<![CDATA[<]]>&#13;",
+       "</x:list><?p i?>&amp;<d/></a><!-- 2 -->"},
+  };
+  for (const auto& [text, head, tail] : kCases) {
+    SCOPED_TRACE(text);
+    const auto document = XmlTree::parse(text, "part");
+    pugi::xml_node list = document.root().first_child();
+    while (local_name(list) != "list") list = list.next_sibling();
+    const auto halves = document.cut_in(list);
+    EXPECT_EQ(halves.head, std::string(kDeclaration).append(head));
+    EXPECT_EQ(halves.tail, tail);
+  }
+}
+
 // A return that was a reference stays one; where references mean nothing it stays as it is.
 TEST(XmlTree, KeepsReturns) {
   auto document = XmlTree::parse("<a>1&#13;2\r\n3</a>", "part");
