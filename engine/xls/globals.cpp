@@ -24,7 +24,6 @@ constexpr std::string_view kBuiltInNames[] = {
     "Auto_Activate",    "Auto_Deactivate", "Sheet_Title",  "_FilterDatabase",
 };
 
-constexpr std::uint32_t kMaxReservedTexts = 1 << 18;  // that a file may announce unseen
 
 std::string built_in_name(std::string_view character) {
   const std::size_t number =
@@ -198,10 +197,8 @@ class GlobalsReader {
     constexpr unsigned kPhonetic = 4;
     constexpr unsigned kRich = 8;
     ContinuedData in(reader_);
-    in.skip(4);
-    const std::uint32_t count = in.take32();
+    in.skip(8);  // how often texts are used, and how many there are
     StringPool& pool = book_.strings;
-    pool.reserve(std::min(count, kMaxReservedTexts));
     std::string text;
     // The count may be wrong in either direction: what is there counts.
     while (!in.at_end()) {

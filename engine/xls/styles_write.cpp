@@ -35,10 +35,9 @@ std::vector<Color> colors_of(const Workbook& book) {
   for (std::uint32_t i = 0; i < book.styles.font_count(); ++i)
     colors.push_back(book.styles.font(i).color);
   for (std::uint32_t i = 0; i < book.styles.format_count(); ++i) {
-    const FormatRecord& format = book.styles.format(i);
-    for (const BorderSide* side : sides_of(format.border)) colors.push_back(side->color);
-    colors.push_back(format.fill.foreground);
-    colors.push_back(format.fill.background);
+    for (const BorderSide* side : sides_of(book.styles.border_of(i))) colors.push_back(side->color);
+    colors.push_back(book.styles.fill_of(i).foreground);
+    colors.push_back(book.styles.fill_of(i).background);
   }
   for (const auto& sheet : book.sheets()) colors.push_back(sheet->contents().tab_color);
   return colors;
@@ -113,8 +112,8 @@ std::string font_data(const FontRecord& font, const PaletteWriter& palette) {
 }
 
 // The data of a cell format's record.
-std::array<char, 20> format_data(const FormatRecord& format, std::uint32_t font,
-                                 const PaletteWriter& palette) {
+std::array<char, 20> format_data(const Styles& styles, const FormatRecord& format,
+                                 std::uint32_t font, const PaletteWriter& palette) {
   constexpr std::uint32_t kLocked = 1;
   constexpr std::uint32_t kHidden = 2;
   const FormatRecord usual;
@@ -124,11 +123,12 @@ std::array<char, 20> format_data(const FormatRecord& format, std::uint32_t font,
   note(format.number_format != 0, 0x04);
   note(font != 0, 0x08);
   note(format.alignment != usual.alignment, 0x10);
-  note(format.border != usual.border, 0x20);
-  note(format.fill != usual.fill, 0x40);
+  const Border& border = styles.border(format.border);
+  const Fill& fill = styles.fill(format.fill);
+  note(border != Border(), 0x20);
+  note(fill != Fill(), 0x40);
   note(!format.locked || format.hidden, 0x80);
   const Alignment& alignment = format.alignment;
-  const Border& border = format.border;
   const auto color_of = [&](const BorderSide& side) {
     return palette.number(side.color, kForeground);
   };
@@ -147,9 +147,9 @@ std::array<char, 20> format_data(const FormatRecord& format, std::uint32_t font,
   at = put32(at, color_of(border.top) | color_of(border.bottom) << 7 |
                      color_of(border.diagonal) << 14 |
                      static_cast<std::uint32_t>(border.diagonal.style) << 21 |
-                     static_cast<std::uint32_t>(format.fill.pattern) << 26);
-  put16(at, palette.number(format.fill.foreground, kForeground) |
-                palette.number(format.fill.background, kBackground) << 7);
+                     static_cast<std::uint32_t>(fill.pattern) << 26);
+  put16(at, palette.number(fill.foreground, kForeground) |
+                palette.number(fill.background, kBackground) << 7);
   return data;
 }
 
@@ -180,7 +180,8 @@ StyleNumbers::StyleNumbers(const Workbook& book)
   fold(
       styles_.format_count(),
       [&](std::uint32_t index) {
-        return format_data(styles_.format(index), fonts_[styles_.font_of(index)], palette_);
+        return format_data(styles_, styles_.format(index), fonts_[styles_.font_of(index)],
+                           palette_);
       },
       [](std::uint32_t place) { return place + kStyleFormats; }, formats_, written_formats_);
   if (written_formats_.size() > kMaxFormats) throw package::LimitError("formats", kToldFormats);
@@ -230,7 +231,8 @@ void StyleNumbers::write(RecordWriter& out) const {
     out.end();
   }
   for (const std::uint32_t index : written_formats_) {
-    const auto data = format_data(styles_.format(index), fonts_[styles_.font_of(index)], palette_);
+    const auto data =
+        format_data(styles_, styles_.format(index), fonts_[styles_.font_of(index)], palette_);
     out.begin(kFormat);
     out.put({data.data(), data.size()});
     out.end();
