@@ -47,6 +47,7 @@ Group pages();
 Group names_and_links();
 Group rules();
 Group filters_and_tables();
+Group pictures();
 Group formats();
 Group fonts();
 Group general();

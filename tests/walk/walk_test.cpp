@@ -39,6 +39,7 @@ constexpr Group (*kGroups[])() = {
     names_and_links,
     rules,
     filters_and_tables,
+    pictures,
     formats,
     fonts,
     general,
