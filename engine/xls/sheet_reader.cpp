@@ -463,15 +463,13 @@ class SheetReader {
   void resolve_waiting() {
     for (const auto& [at, elsewhere] : waiting_) {
       const Cell* cell = sheet_.cells.find(at.row, at.column);
+      CellRecord* its = cell ? sheet_.record(*cell) : nullptr;
       const auto group = shared_.find(elsewhere);
-      if (!cell || cell->kind != CellKind::kRecord || group == shared_.end()) continue;
-      CellRecord record = *sheet_.record(*cell);
-      if (record.has_formula()) continue;
-      share(group->second, at, record);
-      if (record.shared != 0)
-        sheet_.record(*sheet_.cells.find(at.row, at.column))->shared = record.shared;
-      else
-        sheet_.set_formula(*sheet_.record(*sheet_.cells.find(at.row, at.column)), record.formula);
+      if (!its || its->has_formula() || group == shared_.end()) continue;
+      CellRecord shared;
+      share(group->second, at, shared);
+      its->shared = shared.shared;
+      if (!shared.formula.empty()) sheet_.set_formula(*its, shared.formula);
     }
   }
 

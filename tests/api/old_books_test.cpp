@@ -1,0 +1,73 @@
+// Books of the binary format, loaded and worked with through the interface.
+#include <gmock/gmock.h>
+
+#include "tests/api/files.h"
+#include "tests/xls/streams.h"
+
+namespace {
+
+using namespace engine::xls::testing;  // NOLINT(google-build-using-namespace): pieces of records
+
+// Three sheets with numbers in the first column; a formula of the second one refers to the first.
+std::string old_book() {
+  std::string globals =
+      record(0x1AE, u16(3) + u16(0x401)) + record(0x17, u16(1) + u16(0) + u16(0) + u16(0));
+  std::vector<SheetStream> sheets;
+  for (const char* name : {"One", "Two", "Three"}) {
+    std::string records;
+    for (int row = 0; row < 10; ++row) records += cell(0x203, row, 0, 15, f64(row));
+    if (sheets.size() == 1) records += formula(0, 1, u8(0x3A) + u16(0) + u16(4) + u16(0xC000), 4);
+    sheets.push_back({name, records});
+  }
+  return file_of(stream_of(sheets, globals));
+}
+
+TEST(OldBooks, AreLoadedAndChanged) {
+  const OwnedBook book(xlCreateBookW());
+  ASSERT_TRUE(load(*book, old_book())) << book->errorMessage();
+  EXPECT_EQ(book->sheetCount(), 3);
+  // A sheet that nobody has asked for follows a new name all the same.
+  book->getSheet(0)->setName(L"First one");
+  libxl::Sheet* two = book->getSheet(1);
+  ASSERT_NE(two, nullptr) << book->errorMessage();
+  EXPECT_EQ(two->lastRow(), 10);
+  EXPECT_STREQ(two->readFormula(0, 1), L"'First one'!A5");
+  EXPECT_EQ(two->readNum(0, 1), 4);
+  EXPECT_TRUE(two->writeStr(65535, 255, L"end"));
+  EXPECT_FALSE(two->writeNum(65536, 0, 1));
+  EXPECT_TRUE(book->delSheet(0));
+  EXPECT_STREQ(two->readFormula(0, 1), L"#REF!A5");
+  EXPECT_FALSE(book->saveRaw(nullptr, nullptr));
+  EXPECT_STREQ(book->errorMessage(), "saveRaw is not supported yet");
+}
+
+TEST(OldBooks, AreLoadedInPart) {
+  const OwnedBook book(xlCreateBookW());
+  ASSERT_TRUE(load(*book, old_book(), 1, 3, 5)) << book->errorMessage();
+  EXPECT_EQ(book->getSheet(0), nullptr);
+  libxl::Sheet* two = book->getSheet(1);
+  EXPECT_EQ(two->firstRow(), 3);
+  EXPECT_EQ(two->lastRow(), 6);
+  EXPECT_EQ(two->readNum(4, 0), 4);
+}
+
+TEST(OldBooks, OfOtherKindsAreRefusedByName) {
+  const std::string old = file_of(record(0x809, u16(0x500) + u16(5) + u32(0)));
+  const std::pair<std::string, const char*> kCases[] = {
+      {three_sheets(), "is an .xlsx workbook, not .xls"},
+      {old, "is an Excel 5.0/95 or older workbook"},
+      {record(0x09, u16(2) + u16(0x10)), "is an Excel 5.0/95 or older workbook"},
+      {"a;b\n", "is not an .xls workbook"},
+      {file_of(""), "is damaged: Workbook, the stream does not begin with a workbook"},
+  };
+  const OwnedBook book(xlCreateBookW());
+  for (const auto& [bytes, text] : kCases) {
+    EXPECT_FALSE(load(*book, bytes));
+    EXPECT_EQ(book->errorMessage(), std::string("the workbook data ") + text);
+  }
+  const OwnedBook new_book(xlCreateXMLBookW());
+  EXPECT_FALSE(load(*new_book, old_book()));
+  EXPECT_STREQ(new_book->errorMessage(), "the workbook data is an .xls workbook, not .xlsx");
+}
+
+}  // namespace
