@@ -237,13 +237,15 @@ TEST(XlsWriting, KeepsStyles) {
   format.font = font;
   format.number_format = *styles.add_number_format("yyyy-mm-dd");
   format.alignment = {2, 1, 135, 5, true, false};
-  format.border.left = {1, Color::indexed(10)};
-  format.border.right = {13, Color::rgb(0xFF0000)};
-  format.border.top = {2, {}};
-  format.border.bottom = {5, Color::indexed(63)};
-  format.border.diagonal = {6, Color::indexed(12)};
-  format.border.diagonals = 3;
-  format.fill = {18, Color::rgb(0x010203), Color::indexed(22), 0};
+  Border border;
+  border.left = {1, Color::indexed(10)};
+  border.right = {13, Color::rgb(0xFF0000)};
+  border.top = {2, {}};
+  border.bottom = {5, Color::indexed(63)};
+  border.diagonal = {6, Color::indexed(12)};
+  border.diagonals = 3;
+  styles.set_border(index, border);
+  styles.set_fill(index, {18, Color::rgb(0x010203), Color::indexed(22), 0});
   format.locked = false;
   format.hidden = true;
   const std::uint32_t same = *styles.add_format(index);
@@ -258,14 +260,16 @@ TEST(XlsWriting, KeepsStyles) {
   const FormatRecord& its = read.format(cells.find(0, 0)->style);
   EXPECT_EQ(read.code_of(its.number_format), "yyyy-mm-dd");
   EXPECT_EQ(its.alignment, styles.format(index).alignment);
-  EXPECT_EQ(its.border.left, styles.format(index).border.left);
-  EXPECT_EQ(its.border.right, (BorderSide{13, Color::indexed(10)}));
-  EXPECT_EQ(its.border.top.style, 2);
-  EXPECT_EQ(its.border.bottom, styles.format(index).border.bottom);
-  EXPECT_EQ(its.border.diagonal, styles.format(index).border.diagonal);
-  EXPECT_EQ(its.border.diagonals, 3);
-  EXPECT_EQ(its.fill.pattern, 18);
-  EXPECT_EQ(its.fill.background, Color::indexed(22));
+  const Border& sides = read.border(its.border);
+  const Fill& fill = read.fill(its.fill);
+  EXPECT_EQ(sides.left, border.left);
+  EXPECT_EQ(sides.right, (BorderSide{13, Color::indexed(10)}));
+  EXPECT_EQ(sides.top.style, 2);
+  EXPECT_EQ(sides.bottom, border.bottom);
+  EXPECT_EQ(sides.diagonal, border.diagonal);
+  EXPECT_EQ(sides.diagonals, 3);
+  EXPECT_EQ(fill.pattern, 18);
+  EXPECT_EQ(fill.background, Color::indexed(22));
   EXPECT_TRUE(!its.locked && its.hidden);
   const FontRecord& other = read.font(its.font);
   EXPECT_EQ(other.name, bold.name);
@@ -275,9 +279,9 @@ TEST(XlsWriting, KeepsStyles) {
   EXPECT_EQ(other.underline, 34);
   // Colours that no palette has take the last entries that nothing else uses.
   EXPECT_EQ(other.color, Color::indexed(62));
-  EXPECT_EQ(its.fill.foreground, Color::indexed(61));
+  EXPECT_EQ(fill.foreground, Color::indexed(61));
   EXPECT_EQ(rgb_of(other.color, read.colors), 0x123456U);
-  EXPECT_EQ(rgb_of(its.fill.foreground, read.colors), 0x010203U);
+  EXPECT_EQ(rgb_of(fill.foreground, read.colors), 0x010203U);
 }
 
 TEST(XlsWriting, TellsWhatTheFormatCannotHold) {
