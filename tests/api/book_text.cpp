@@ -120,8 +120,10 @@ void add_lists(Lines& lines, const std::string& about, Sheet& sheet) {
   for (int i = 0; i < sheet.tableSize(); ++i) {
     int headers = 0;
     int totals = 0;
-    const wchar_t* text = sheet.table(i, &row, &row_last, &column, &column_last, &headers, &totals);
-    lines.add(about + "table", text, row, row_last, column, column_last, headers, totals);
+    std::wstring text = sheet.table(i, &row, &row_last, &column, &column_last, &headers, &totals);
+    // The number behind a copied table's name counts those on that were deleted since the load.
+    text.resize(text.find_last_not_of(L"0123456789") + 1);
+    lines.add(about + "table", text.c_str(), row, row_last, column, column_last, headers, totals);
   }
   for (int i = 0; i < sheet.getHorPageBreakSize(); ++i)
     lines.add(about + "row break", sheet.getHorPageBreak(i));

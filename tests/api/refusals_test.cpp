@@ -119,10 +119,6 @@ const Refusal kCells[] = {
      "the sheet is no longer in the book"},
     {"deleted sheet's name", [](Refusing& s) { return !s.gone->name(); },
      "the sheet is no longer in the book"},
-    {"not done yet", [](Refusing& s) { return s.sheet->tableSize() == 0; },
-     "tableSize is not supported yet"},
-    {"not done yet, deleted", [](Refusing& s) { return s.gone->tableSize() == 0; },
-     "the sheet is no longer in the book"},
 };
 
 const Refusal kShape[] = {

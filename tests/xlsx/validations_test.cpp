@@ -104,7 +104,7 @@ TEST(ValidationsOfFiles, FollowRowsAndNamesOfSheets) {
   const std::string text = saved(book);
   EXPECT_THAT(text, HasSubstr("sqref=\"A1:A8\"><formula1>A1+_xlfn.CONCAT(#REF!)</formula1>"));
   EXPECT_THAT(text, HasSubstr("<xm:f>New!A1:A3</xm:f></x14:formula1><xm:sqref>D1:D8</xm:sqref>"));
-  EXPECT_THAT(text, HasSubstr("<xm:f>E2=New!#REF!</xm:f></x14:formula1><xm:sqref>E2:E4</xm:sqref"));
+  EXPECT_THAT(text, HasSubstr("<xm:f>E2=#REF!</xm:f></x14:formula1><xm:sqref>E2:E4</xm:sqref"));
   EXPECT_THAT(text, Not(HasSubstr("x12ac")));
 
   NewSheet made = make_copy(book->workbook, *book->document, book->sheet(), "Copy");

@@ -263,6 +263,7 @@ void patch_ignored_errors(pugi::xml_node root, const SheetPatching& from) {
   const Grid& grid = from.book.limits.grid;
   pugi::xml_node list = package::child(root, Family::Main, "ignoredErrors");
   const std::vector<pugi::xml_node> nodes = package::children(list, Family::Main, "ignoredError");
+  const pugi::xml_node extensions = package::child(list, Family::Main, "extLst");
   std::vector<bool> claimed(nodes.size());
   const auto write = [](pugi::xml_node node, const IgnoredError& one, const CellRanges& before) {
     if (one.cells != before) set_attribute(node, "sqref", text_of(one.cells));
@@ -276,7 +277,6 @@ void patch_ignored_errors(pugi::xml_node root, const SheetPatching& from) {
       continue;
     }
     if (!list) list = worksheet_child(root, "ignoredErrors");
-    const pugi::xml_node extensions = package::child(list, Family::Main, "extLst");
     write(package::insert_child(list, "ignoredError", extensions), one, {});
   }
   for (std::size_t i = 0; i < nodes.size(); ++i)
