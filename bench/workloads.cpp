@@ -380,7 +380,8 @@ void write_binary(const char* path) {
   const std::vector<std::wstring> texts = wide(bench::repeated_texts());
   for (int row = 0; row < 60000; ++row)
     for (int column = 0; column < kColumns; ++column) {
-      const auto k = static_cast<std::uint64_t>(row) * kColumns + static_cast<std::uint64_t>(column);
+      const auto k =
+          static_cast<std::uint64_t>(row) * kColumns + static_cast<std::uint64_t>(column);
       if (column < 14) {
         sheet->writeNum(row, column, bench::number(k, column));
       } else if (column < 19) {

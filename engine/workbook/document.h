@@ -164,7 +164,8 @@ class Document {
     return std::nullopt;
   }
 
-  // Prepares it. All sheets that may refer to others have been read. Null when nothing is carried. Throws FileError.
+  // Prepares it. All sheets that may refer to others have been read. Null when nothing is carried.
+  // Throws FileError.
   virtual std::unique_ptr<CarriedMove> prepare_move(Workbook& /*book*/, Sheet& /*sheet*/,
                                                     const formula::Move& /*move*/) {
     return nullptr;

@@ -24,7 +24,6 @@ constexpr std::string_view kBuiltInNames[] = {
     "Auto_Activate",    "Auto_Deactivate", "Sheet_Title",  "_FilterDatabase",
 };
 
-
 std::string built_in_name(std::string_view character) {
   const std::size_t number =
       character.size() == 1 ? static_cast<unsigned char>(character[0]) : 0xFF;
