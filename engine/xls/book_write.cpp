@@ -193,6 +193,24 @@ class NamesWriter {
   TokenWriter tokens_;
 };
 
+// What the model holds and these files are not given yet is refused, never lost.
+void refuse_unwritten(const Workbook& book) {
+  constexpr std::string_view kNotYet = " are not written to .xls files yet";
+  if (!book.pictures.empty())
+    throw package::FileTargetError(std::string("cannot be written: pictures").append(kNotYet));
+  for (const auto& sheet : book.sheets()) {
+    const SheetContents& its = sheet->contents();
+    std::string_view things;
+    if (its.filter.range) things = "filters";
+    else if (!its.validations.empty()) things = "data validations";
+    else if (!its.ignored_errors.all().empty()) things = "ignored errors";
+    if (things.empty()) continue;
+    std::string text = "cannot be written: sheet \"";
+    text.append(sheet->name()).append("\": ").append(things).append(kNotYet);
+    throw package::FileTargetError(text);
+  }
+}
+
 void write_stream(package::CompoundWriter& file, std::string name, std::string_view bytes) {
   package::CompoundItem item;
   item.name = std::move(name);
@@ -210,6 +228,7 @@ void throw_unwritable(const Sheet& sheet, std::string_view place, std::string_vi
 
 void write_book(const Workbook& book, const SaveOptions& options, std::int64_t created,
                 package::Output& output) {
+  refuse_unwritten(book);
   const StyleNumbers styles(book);
   TextNumbers texts(book.strings);
   LinkWriter links(book);

@@ -315,6 +315,21 @@ TEST(XlsWriting, TellsWhatTheFormatCannotHold) {
               }
             }),
             "too many fonts: the limit is 510");
+  const auto sheet = [&](const auto& set) {
+    return message([&](NewBook& made) { set(made.book.sheets().front()->change()); });
+  };
+  EXPECT_EQ(message([](NewBook& made) { made.book.pictures.emplace_back(); }),
+            "cannot be written: pictures are not written to .xls files yet");
+  EXPECT_EQ(sheet([](SheetContents& contents) {
+              contents.filter.range = {0, 9, 0, 2};
+            }),
+            "cannot be written: sheet \"One\": filters are not written to .xls files yet");
+  EXPECT_EQ(sheet([](SheetContents& contents) {
+              Validation rule;
+              rule.cells = {{0, 9, 0, 2}};
+              contents.validations.add(rule);
+            }),
+            "cannot be written: sheet \"One\": data validations are not written to .xls files yet");
   EXPECT_EQ(formula("Table1[Net]"),
             "cannot be written: sheet \"One\", cell B2, the formula refers to a table, which .xls "
             "files do not have");
