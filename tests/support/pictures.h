@@ -10,7 +10,7 @@ namespace pictures {
 // Numbers as bytes: the lowest first, or the highest.
 inline std::string little(std::uint64_t value, int bytes) {
   std::string text;
-  for (int i = 0; i < bytes; ++i) text.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+  for (; bytes > 0; --bytes, value >>= 8) text.push_back(static_cast<char>(value & 0xFF));
   return text;
 }
 inline std::string big(std::uint64_t value, int bytes) {
