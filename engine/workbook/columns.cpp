@@ -42,7 +42,8 @@ ColumnProperties part(ColumnProperties run, int first, int last) {
 // The runs after an edit.
 std::vector<ColumnProperties> edited(std::span<const ColumnProperties> runs,
                                      const Columns::Change& change) {
-  const auto& [first, last, edit] = change;
+  const int first = change.first;
+  const int last = change.last;
   Joined joined;
   int next = first;  // the first column that is not edited yet
   const auto add_unknown = [&](int end) {
@@ -51,7 +52,7 @@ std::vector<ColumnProperties> edited(std::span<const ColumnProperties> runs,
     unknown.first = next;
     unknown.last = end;
     ColumnProperties known = unknown;
-    edit(known);
+    change.edit(known);
     if (known != unknown) joined.add(known);
   };
   for (const ColumnProperties& run : runs) {
@@ -59,7 +60,7 @@ std::vector<ColumnProperties> edited(std::span<const ColumnProperties> runs,
     add_unknown(std::min(run.first - 1, last));
     ColumnProperties inside = part(run, first, last);
     if (inside.first <= inside.last) {
-      edit(inside);
+      change.edit(inside);
       joined.add(inside);
     }
     next = std::max(next, run.last + 1);
@@ -73,8 +74,12 @@ std::vector<ColumnProperties> edited(std::span<const ColumnProperties> runs,
 }  // namespace
 
 void Columns::change(std::initializer_list<Change> changes) {
-  const int first = std::ranges::min(changes, {}, &Change::first).first;
-  const int last = std::ranges::max(changes, {}, &Change::last).last;
+  int first = changes.begin()->first;
+  int last = changes.begin()->last;
+  for (const Change& one : changes) {
+    first = std::min(first, one.first);
+    last = std::max(last, one.last);
+  }
   // With the neighbours on both sides, which the outermost columns may become like.
   const auto old_begin = runs_.lower_bound(first - 1);
   auto old_end = old_begin;
