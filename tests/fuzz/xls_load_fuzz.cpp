@@ -2,12 +2,11 @@
 // sheet by sheet, whole and in part.
 #include <string>
 
-#include "engine/package/compound_writer.h"
-#include "engine/package/output.h"
 #include "engine/package/source.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xls/codec.h"
 #include "tests/fuzz/package_entry.h"
+#include "tests/xls/streams.h"
 
 namespace {
 
@@ -15,14 +14,7 @@ using namespace engine;  // NOLINT(google-build-using-namespace): a target of on
 
 std::string as_file(std::string_view bytes) {
   if (bytes.starts_with("\xD0\xCF")) return std::string(bytes);
-  package::MemoryOutput output;
-  package::CompoundWriter writer(output);
-  package::CompoundItem item;
-  item.name = "Workbook";
-  writer.begin_stream(0, item);
-  writer.write(bytes);
-  writer.finish();
-  return std::string(output.view());
+  return xls::testing::file_of(bytes);
 }
 
 // Every text that a cell shows, so that a wrong number of one is found.

@@ -82,14 +82,12 @@ void settle_value(pugi::xml_node node, const char* name, E value, Names names) {
 // The cells of an element; none when a part of the text names none.
 CellRanges cells_of(std::string_view text, const Grid& grid) {
   CellRanges cells;
-  while (!text.empty()) {
-    const std::string_view one = text.substr(0, text.find(' '));
-    text.remove_prefix(std::min(text.size(), one.size() + 1));
-    const auto range = formula::parse_range(one, grid);
-    if (!range && !one.empty()) return {};
+  bool all_known = true;
+  for_each_part(text, grid, [&](std::string_view one, const std::optional<CellRange>& range) {
+    all_known &= range || one.empty();
     if (range) cells.insert(*range);
-  }
-  return cells;
+  });
+  return all_known ? cells : CellRanges();
 }
 
 template <class Ranges>
