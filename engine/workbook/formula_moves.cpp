@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <memory>
+#include <new>
 
 #include "engine/formula/formula_text.h"
 
@@ -86,6 +87,10 @@ void FormulaMoves::collect_shared(Sheet& rows, const Sheet& owner) {
       if (its.empty() || its.back().form != form) {
         const auto [place, is_new] = known[number].try_emplace(form, its.size());
         if (is_new) {
+          // One of each formula is no more than there was.
+          if (!its.empty())
+            pay_for_group(contents.shared_formulas[number].text.size() +
+                          2 * sizeof(int) * form.size());
           its.push_back({form, from, *to, {}});
         } else {
           its[place->second].records.push_back(cell.index());
@@ -101,6 +106,11 @@ void FormulaMoves::collect_shared(Sheet& rows, const Sheet& owner) {
   for (std::uint32_t number = 0; number < groups.size(); ++number)
     collect_groups(rows, own_sheet, split, number, *adjusters[number], groups[number]);
   splits_.push_back(std::move(split));
+}
+
+void FormulaMoves::pay_for_group(std::size_t bytes) {
+  if (bytes > room_) throw std::bad_alloc();
+  room_ -= bytes;
 }
 
 // One group keeps the number, with the text if that stays; a cell of a group of its own has the

@@ -19,7 +19,9 @@
 namespace engine {
 
 // New formulas, held until all are made. A formula that cells share goes on to be shared by those
-// of them that the move leaves alike.
+// of them that the move leaves alike. Where ends of its ranges are cut, that may be each cell
+// alone: a file names a long formula in few bytes from any number of cells, so such texts are
+// bounded. Throws std::bad_alloc beyond.
 class FormulaMoves {
  public:
   // `sheet` is the one whose cells move; `carried` may be null.
@@ -50,6 +52,7 @@ class FormulaMoves {
 
   void collect_cells(Sheet& rows, const Sheet& owner);
   void collect_shared(Sheet& rows, const Sheet& owner);
+  void pay_for_group(std::size_t bytes);
   void collect_groups(Sheet& rows, bool own_sheet, Split& split, std::uint32_t number,
                       const formula::SharedAdjuster& shared, const std::vector<Group>& groups);
   void collect_names(Workbook& book, bool names_follow);
@@ -59,6 +62,7 @@ class FormulaMoves {
   const Sheet& sheet_;
   const CarriedMove* carried_;
   FormulaEdits texts_;
+  std::size_t room_ = std::size_t{256} << 20;  // bytes that shared formulas may still become
   std::vector<Split> splits_;
   std::vector<std::pair<const DefinedName*, std::string>> names_;
   const DefinedName* filter_name_ = nullptr;  // which goes with its filter

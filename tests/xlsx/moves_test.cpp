@@ -127,6 +127,21 @@ TEST(Moves, KeepAFormulaSharedWhereAllOfItMovesAlike) {
   EXPECT_EQ(book->sheet(0).contents().shared_formulas.size(), std::size(kShared));
 }
 
+// Each cell below has a range whose end is cut at another distance, and so a long text of its own.
+TEST(Moves, RefuseWhatMakesALongSharedFormulaManyTexts) {
+  constexpr int kRows = 34'000;
+  std::string text = "SUM(A1:A66000)";
+  while (text.size() < 8000) text += "=\"" + std::string(255, 'x') + '"';
+  std::string rows;
+  for (int row = 1; row <= kRows; ++row)
+    rows += R"(<row><c><f t="shared" si="0">)" + std::exchange(text, "") + "</f></c></row>";
+  const auto book = load(book_of(worksheet(rows)));
+  const std::string first = book->show(book->read(0), 1, 0);
+  EXPECT_THROW(move(*book, remove_rows(66'000, kRows)), std::bad_alloc);
+  EXPECT_EQ(book->show(book->sheet(0), 1, 0), first);
+  EXPECT_FALSE(move(*book, remove_rows(66'000, 3)));
+}
+
 // Elements of a worksheet.
 
 TEST(Moves, ChangeWhatElementsSay) {
