@@ -240,7 +240,7 @@ void write_book(const Workbook& book, const SaveOptions& options, std::int64_t c
   std::vector<NamedPlace> places;
   for (const auto& sheet : book.sheets()) {
     beginnings.push_back(sheets_out.position());
-    write_sheet(sheets_out, shared, *sheet, drawings, places);
+    write_new_sheet(sheets_out, shared, *sheet, drawings, places);
   }
   sheets_out.flush();
   package::MemoryOutput names(kMaxStream);

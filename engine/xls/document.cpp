@@ -107,9 +107,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   const auto known = sheets_.find(&sheet);
   if (known == sheets_.end() || known->second.read || sheet.kind != SheetKind::kWorksheet) return;
   SheetContents contents = begin_contents(book);
-  SheetPart part;
-  part.begin = known->second.begin;
-  part.limit = known->second.limit;
+  SheetPart& part = known->second;
   RowFilter filter;
   if (sheet.loading == Loading::kPartly)
     filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false};
@@ -117,10 +115,8 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   RecordReader reader(stream_, part.begin, globals_.cipher, sheet.name());
   reader.end_at(part.limit);
   const SheetContext context{book, globals_, sheet, book.strings.count_from_file(), 0};
-  xls::read_sheet(reader, context, filter, contents, flags, part);
+  xls::read_sheet(reader, context, filter, contents, flags);
   part.read = true;
-
-  known->second = std::move(part);
   sheet.take(std::move(contents));
   sheet.selected = flags.selected;
   if (sheet.loading == Loading::kUnread) sheet.loading = Loading::kRead;
@@ -130,15 +126,13 @@ std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
                                                     const Sheet& sheet) const {
   auto outside = std::make_unique<OutsideRows>(book);
   SheetContents contents = begin_contents(book);
-  SheetPart part;
   SheetFlags flags;
   const RowFilter filter{sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, true};
   const SheetPart& known = sheets_.at(&sheet);
   RecordReader reader(stream_, known.begin, globals_.cipher, sheet.name());
   reader.end_at(known.limit);
   const std::uint32_t texts = book.strings.count_from_file();
-  xls::read_sheet(reader, {outside->texts, globals_, sheet, texts, texts}, filter, contents, flags,
-                  part);
+  xls::read_sheet(reader, {outside->texts, globals_, sheet, texts, texts}, filter, contents, flags);
   outside->rows.take(std::move(contents));
   return outside;
 }

@@ -74,6 +74,15 @@ void RecordWriter::record(std::uint16_t id, std::initializer_list<std::uint32_t>
   end();
 }
 
+void RecordWriter::copy(std::uint16_t id, std::string_view data) {
+  make_room();
+  char* const begin = xls::put32(at(), id | static_cast<std::uint32_t>(data.size()) << 16);
+  if (data.size() <= kMaxData) return end_at(std::ranges::copy(data, begin).out);
+  end_at(begin);
+  flush();
+  output_.write({data.data(), data.size()});
+}
+
 void RecordWriter::patch32(std::uint64_t position, std::uint32_t value) {
   flush();
   std::array<char, 4> bytes{};

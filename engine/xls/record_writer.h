@@ -57,6 +57,9 @@ class RecordWriter {
   // A record of numbers of two bytes.
   void record(std::uint16_t id, std::initializer_list<std::uint32_t> numbers);
 
+  // A record as it stands in a file, of any size.
+  void copy(std::uint16_t id, std::string_view data);
+
   // Where whole records are put by their bytes, at most kRoom of them; end_at() tells how far.
   static constexpr std::size_t kRoom = kMaxData + 4;
   char* records() {

@@ -1,48 +1,65 @@
 // What is known of a sheet's substream beside its contents.
 //
 // A substream is records in an order that means something: what is written back has to stand where
-// it stood. So the part keeps the substream's outline: which group of records begins where. Records
-// of a group that the model has are made from it; those that it does not have, with charts that lie
-// inside, are the file's own bytes, which the stream still has.
+// it stood. Records that the model has nothing of, with charts that lie inside, stay the file's own
+// bytes, which the stream still has; what operations change in them is kept beside it.
 #pragma once
 
 #include <cstdint>
 #include <limits>
 #include <map>
-#include <vector>
 
 #include "engine/workbook/sheet.h"
+#include "engine/xls/record_merge.h"
 
 namespace engine::xls {
 
-// Records that belong together and are written as one.
-enum class RecordGroup : std::uint8_t {
-  kCarried,
-  kCells,  // with rows and the blocks that these are in
-  kSizes,
+// Records that are written together, in the order in which they stand in a sheet.
+enum class SheetGroup : std::uint8_t {
+  kIndex,
+  kCalculation,  // of a new sheet
+  kReferenceMode,
+  kIteration,  // of a new sheet
+  kPrintHeadings,
+  kPrintGridlines,
+  kGridSet,  // of a new sheet
   kOutline,
-  kPage,
-  kBreaks,
+  kRowHeight,
+  kOptions,
+  kRowBreaks,
+  kColumnBreaks,
+  kHeader,
+  kFooter,
+  kCenterAcross,
+  kCenterDown,
+  kLeftMargin,
+  kRightMargin,
+  kTopMargin,
+  kBottomMargin,
+  kPageSetup,
   kProtection,
-  kView,
+  kColumnWidth,
+  kColumns,
+  kCells,
+  kDrawing,
+  kWindow,
+  kZoom,
+  kPanes,
+  kSelection,
+  kStandardWidth,
   kMerges,
   kLinks,
-  kNotes,
-  kDrawing,
   kTab,
+  kPermissions,
 };
-
-struct OutlinedRecords {
-  std::uint32_t offset = 0;  // in the stream; they end where the next ones begin
-  RecordGroup group = RecordGroup::kCarried;
-};
+inline constexpr std::size_t kSheetGroups = static_cast<std::size_t>(SheetGroup::kPermissions) + 1;
 
 struct SheetPart {
   std::uint32_t begin = 0;  // of the substream in the stream
   std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();  // where another sheet begins
-  std::uint32_t end = 0;  // of its last record, once it is read
-  std::vector<OutlinedRecords> outline;
   bool read = false;
+  bool is_copy = false;  // made of another sheet's substream, of which it has a part
+  RecordEdits edits;
 };
 
 using SheetParts = std::map<const Sheet*, SheetPart>;

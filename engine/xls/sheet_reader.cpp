@@ -62,13 +62,12 @@ bool points_elsewhere(std::string_view tokens, CellAddress& to) {
 class SheetReader {
  public:
   SheetReader(RecordReader& reader, const SheetContext& context, const RowFilter& filter,
-              SheetContents& contents, SheetFlags& flags, SheetPart& part)
+              SheetContents& contents, SheetFlags& flags)
       : reader_(reader),
         context_(context),
         grid_(context.workbook.limits.grid),
         filter_(filter),
         sheet_(contents),
-        part_(part),
         reading_(context, contents, flags),
         tokens_(context.globals.links, grid_) {}
 
@@ -81,7 +80,6 @@ class SheetReader {
       if (pending_ && !belongs_to_formula(reader_.id())) store_pending();
       if (more) read_record();
     }
-    part_.end = static_cast<std::uint32_t>(reader_.offset());
     resolve_waiting();
     finish_sheet_records(reading_);
   }
@@ -156,8 +154,12 @@ class SheetReader {
         return read_row(data);
       case kTextBox:
         return read_box();
+      // A chart that lies in the sheet, with what it consists of.
       case kBof:
-        return skip_substream();
+        return pass_substream(reader_, [] {});
+      // A person's own view of the sheet, which has records of the same kinds.
+      case kUserViewBegin:
+        return skip_user_view();
       default:
         return read_other();
     }
@@ -166,20 +168,12 @@ class SheetReader {
   void read_other() {
     if (reader_.id() == kContinue) return;  // goes with the record in front of it
     const SheetRecord* known = find_sheet_record(reader_.id());
-    note_group(known ? known->group : RecordGroup::kCarried);
     if (!known || !known->read) return;
     Fields in(reader_.whole_data());
     known->read(in, reading_);
   }
 
-  void note_group(RecordGroup group) {
-    if (!part_.outline.empty() && part_.outline.back().group == group) return;
-    part_.outline.push_back({static_cast<std::uint32_t>(reader_.offset()), group});
-  }
-  void note_cells() { note_group(RecordGroup::kCells); }
-
   void need(std::size_t size) {
-    note_cells();
     if (reader_.data().size() < size) reader_.fail("ends too early");
   }
 
@@ -304,7 +298,6 @@ class SheetReader {
   }
 
   void read_formula_text() {
-    note_cells();
     if (!pending_ || !pending_->awaits_text) return;
     ContinuedData in(reader_);
     const std::size_t length = in.take16();
@@ -336,7 +329,6 @@ class SheetReader {
   }
 
   void read_shared() {
-    note_cells();
     Fields in(reader_.whole_data());
     Shared made;
     made.range = take_range(in);
@@ -360,7 +352,6 @@ class SheetReader {
   }
 
   void read_array() {
-    note_cells();
     Fields in(reader_.whole_data());
     const CellRange range = take_range(in);
     in.skip(6);
@@ -375,7 +366,6 @@ class SheetReader {
   }
 
   void read_data_table() {
-    note_cells();
     Fields in(reader_.whole_data());
     const CellRange range = take_range(in);
     take_array(range, FormulaForm::kDataTable, {}, std::string(in.rest()));
@@ -505,7 +495,6 @@ class SheetReader {
 
   // The text of a box stands in the records that continue it.
   void read_box() {
-    note_group(RecordGroup::kDrawing);
     const std::string_view data = reader_.data();
     const std::uint16_t box = std::exchange(reading_.box, 0);
     if (box == 0 || data.size() < 12) return;
@@ -518,13 +507,8 @@ class SheetReader {
     in.take_characters(length, false, text);
   }
 
-  // A chart that lies in the sheet, with what it consists of.
-  void skip_substream() {
-    note_group(RecordGroup::kCarried);
-    for (std::size_t depth = 1; depth > 0;) {
-      if (!reader_.next()) reader_.fail("ends too early");
-      if (reader_.id() == kBof) ++depth;
-      else if (reader_.id() == kEof) --depth;
+  void skip_user_view() {
+    while (reader_.id() != kUserViewEnd && reader_.next_id() != kEof && reader_.next()) {
     }
   }
 
@@ -533,7 +517,6 @@ class SheetReader {
   const Grid grid_;
   const RowFilter filter_;
   SheetContents& sheet_;
-  SheetPart& part_;
   SheetReading reading_;
   TokenReader tokens_;
   Row* row_ = nullptr;  // met last
@@ -548,8 +531,8 @@ class SheetReader {
 }  // namespace
 
 void read_sheet(RecordReader& reader, const SheetContext& context, const RowFilter& filter,
-                SheetContents& contents, SheetFlags& flags, SheetPart& part) {
-  SheetReader(reader, context, filter, contents, flags, part).read();
+                SheetContents& contents, SheetFlags& flags) {
+  SheetReader(reader, context, filter, contents, flags).read();
 }
 
 }  // namespace engine::xls

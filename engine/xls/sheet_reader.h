@@ -24,9 +24,9 @@ struct SheetFlags {
   bool r1c1 = false;
 };
 
-// Fills the empty contents of a sheet, and its outline. The reader stands in front of the
+// Fills the empty contents of a sheet. The reader stands in front of the
 // substream. Throws FileError.
 void read_sheet(RecordReader& reader, const SheetContext& context, const RowFilter& filter,
-                SheetContents& contents, SheetFlags& flags, SheetPart& part);
+                SheetContents& contents, SheetFlags& flags);
 
 }  // namespace engine::xls

@@ -11,7 +11,8 @@ namespace engine::xls {
 
 namespace {
 
-constexpr double kTwip = 1.0 / 20;  // points
+constexpr double kTwip = 1.0 / 20;          // points
+constexpr unsigned kProtectionFeature = 2;  // kind of a feature
 
 // Sizes.
 
@@ -191,7 +192,6 @@ void read_object_protect(Fields& in, SheetReading& to) { to.objects_locked = in.
 void read_scenario_protect(Fields& in, SheetReading& to) { to.scenarios_locked = in.take16() == 1; }
 
 void read_feature_header(Fields& in, SheetReading& to) {
-  constexpr unsigned kProtectionFeature = 2;
   in.skip(12);
   if (in.take16() != kProtectionFeature) return;
   in.skip(1);
@@ -256,60 +256,61 @@ void read_note(Fields& in, SheetReading& to) {
 
 // Ascending.
 constexpr SheetRecord kSheetRecords[] = {
-    {kFormula, RecordGroup::kCells, nullptr},
-    {kReferenceMode, RecordGroup::kCarried, read_reference_mode},
-    {kProtect, RecordGroup::kProtection, read_protect},
-    {kPassword, RecordGroup::kProtection, read_password},
-    {kHeader, RecordGroup::kPage, read_page_text<&PageSetup::header>},
-    {kFooter, RecordGroup::kPage, read_page_text<&PageSetup::footer>},
-    {kVerticalBreaks, RecordGroup::kBreaks, read_column_breaks},
-    {kHorizontalBreaks, RecordGroup::kBreaks, read_row_breaks},
-    {kNote, RecordGroup::kNotes, read_note},
-    {kLeftMargin, RecordGroup::kPage, read_margin<&PageSetup::left_margin>},
-    {kRightMargin, RecordGroup::kPage, read_margin<&PageSetup::right_margin>},
-    {kTopMargin, RecordGroup::kPage, read_margin<&PageSetup::top_margin>},
-    {kBottomMargin, RecordGroup::kPage, read_margin<&PageSetup::bottom_margin>},
-    {kPrintHeadings, RecordGroup::kPage, read_option<&PageSetup::headings>},
-    {kPrintGridlines, RecordGroup::kPage, read_option<&PageSetup::gridlines>},
-    {kPane, RecordGroup::kView, read_pane},
-    {kDefaultColumnWidth, RecordGroup::kSizes, read_default_column_width},
-    {kObject, RecordGroup::kDrawing, read_object},
-    {kObjectProtect, RecordGroup::kProtection, read_object_protect},
-    {kColumns, RecordGroup::kSizes, read_column_run},
-    {kGuts, RecordGroup::kOutline, nullptr},
-    {kSheetOptions, RecordGroup::kOutline, read_options},
-    {kGridSet, RecordGroup::kPage, nullptr},
-    {kCenterAcross, RecordGroup::kPage, read_option<&PageSetup::centered_across>},
-    {kCenterDown, RecordGroup::kPage, read_option<&PageSetup::centered_down>},
-    {kStandardWidth, RecordGroup::kSizes, read_standard_width},
-    {kZoom, RecordGroup::kView, read_zoom},
-    {kPageSetup, RecordGroup::kPage, read_page_setup},
-    {kMulRk, RecordGroup::kCells, nullptr},
-    {kMulBlank, RecordGroup::kCells, nullptr},
-    {kRichText, RecordGroup::kCells, nullptr},
-    {kDbCell, RecordGroup::kCells, nullptr},
-    {kScenarioProtect, RecordGroup::kProtection, read_scenario_protect},
-    {kMerges, RecordGroup::kMerges, read_merges},
-    {kDrawing, RecordGroup::kDrawing, nullptr},
-    {kTextCell, RecordGroup::kCells, nullptr},
-    {kTextBox, RecordGroup::kDrawing, nullptr},
-    {kLink, RecordGroup::kLinks, read_link},
-    {kDimensions, RecordGroup::kCells, nullptr},
-    {kBlank, RecordGroup::kCells, nullptr},
-    {kNumber, RecordGroup::kCells, nullptr},
-    {kLabel, RecordGroup::kCells, nullptr},
-    {kBooleanOrError, RecordGroup::kCells, nullptr},
-    {kString, RecordGroup::kCells, nullptr},
-    {kRow, RecordGroup::kCells, nullptr},
-    {kIndex, RecordGroup::kCells, nullptr},
-    {kArray, RecordGroup::kCells, nullptr},
-    {kDefaultRowHeight, RecordGroup::kSizes, read_default_row_height},
-    {kDataTable, RecordGroup::kCells, nullptr},
-    {kWindow2, RecordGroup::kView, read_window},
-    {kRk, RecordGroup::kCells, nullptr},
-    {kShared, RecordGroup::kCells, nullptr},
-    {kSheetExtension, RecordGroup::kTab, read_tab},
-    {kFeatureHeader, RecordGroup::kProtection, read_feature_header},
+    {kFormula, SheetGroup::kCells, nullptr},
+    {kReferenceMode, SheetGroup::kReferenceMode, read_reference_mode},
+    {kProtect, SheetGroup::kProtection, read_protect},
+    {kPassword, SheetGroup::kProtection, read_password},
+    {kHeader, SheetGroup::kHeader, read_page_text<&PageSetup::header>},
+    {kFooter, SheetGroup::kFooter, read_page_text<&PageSetup::footer>},
+    {kVerticalBreaks, SheetGroup::kColumnBreaks, read_column_breaks},
+    {kHorizontalBreaks, SheetGroup::kRowBreaks, read_row_breaks},
+    {kNote, SheetGroup::kDrawing, read_note},
+    {kSelection, SheetGroup::kSelection, nullptr},
+    {kLeftMargin, SheetGroup::kLeftMargin, read_margin<&PageSetup::left_margin>},
+    {kRightMargin, SheetGroup::kRightMargin, read_margin<&PageSetup::right_margin>},
+    {kTopMargin, SheetGroup::kTopMargin, read_margin<&PageSetup::top_margin>},
+    {kBottomMargin, SheetGroup::kBottomMargin, read_margin<&PageSetup::bottom_margin>},
+    {kPrintHeadings, SheetGroup::kPrintHeadings, read_option<&PageSetup::headings>},
+    {kPrintGridlines, SheetGroup::kPrintGridlines, read_option<&PageSetup::gridlines>},
+    {kPane, SheetGroup::kPanes, read_pane},
+    {kDefaultColumnWidth, SheetGroup::kColumnWidth, read_default_column_width},
+    {kObject, SheetGroup::kDrawing, read_object},
+    {kObjectProtect, SheetGroup::kProtection, read_object_protect},
+    {kColumns, SheetGroup::kColumns, read_column_run},
+    {kGuts, SheetGroup::kOutline, nullptr},
+    {kSheetOptions, SheetGroup::kOptions, read_options},
+    {kGridSet, SheetGroup::kGridSet, nullptr},
+    {kCenterAcross, SheetGroup::kCenterAcross, read_option<&PageSetup::centered_across>},
+    {kCenterDown, SheetGroup::kCenterDown, read_option<&PageSetup::centered_down>},
+    {kStandardWidth, SheetGroup::kStandardWidth, read_standard_width},
+    {kZoom, SheetGroup::kZoom, read_zoom},
+    {kPageSetup, SheetGroup::kPageSetup, read_page_setup},
+    {kMulRk, SheetGroup::kCells, nullptr},
+    {kMulBlank, SheetGroup::kCells, nullptr},
+    {kRichText, SheetGroup::kCells, nullptr},
+    {kDbCell, SheetGroup::kCells, nullptr},
+    {kScenarioProtect, SheetGroup::kProtection, read_scenario_protect},
+    {kMerges, SheetGroup::kMerges, read_merges},
+    {kDrawing, SheetGroup::kDrawing, nullptr},
+    {kTextCell, SheetGroup::kCells, nullptr},
+    {kTextBox, SheetGroup::kDrawing, nullptr},
+    {kLink, SheetGroup::kLinks, read_link},
+    {kDimensions, SheetGroup::kCells, nullptr},
+    {kBlank, SheetGroup::kCells, nullptr},
+    {kNumber, SheetGroup::kCells, nullptr},
+    {kLabel, SheetGroup::kCells, nullptr},
+    {kBooleanOrError, SheetGroup::kCells, nullptr},
+    {kString, SheetGroup::kCells, nullptr},
+    {kRow, SheetGroup::kCells, nullptr},
+    {kIndex, SheetGroup::kIndex, nullptr},
+    {kArray, SheetGroup::kCells, nullptr},
+    {kDefaultRowHeight, SheetGroup::kRowHeight, read_default_row_height},
+    {kDataTable, SheetGroup::kCells, nullptr},
+    {kWindow2, SheetGroup::kWindow, read_window},
+    {kRk, SheetGroup::kCells, nullptr},
+    {kShared, SheetGroup::kCells, nullptr},
+    {kSheetExtension, SheetGroup::kTab, read_tab},
+    {kFeatureHeader, SheetGroup::kPermissions, read_feature_header},
 };
 static_assert(std::ranges::is_sorted(kSheetRecords, {}, &SheetRecord::id));
 
@@ -318,6 +319,14 @@ static_assert(std::ranges::is_sorted(kSheetRecords, {}, &SheetRecord::id));
 const SheetRecord* find_sheet_record(std::uint16_t id) {
   const auto* const found = std::ranges::lower_bound(kSheetRecords, id, {}, &SheetRecord::id);
   return found != std::end(kSheetRecords) && found->id == id ? found : nullptr;
+}
+
+std::optional<SheetGroup> group_of_record(std::uint16_t id, std::string_view data) {
+  const SheetRecord* const found = find_sheet_record(id);
+  if (!found) return std::nullopt;
+  if (id == kFeatureHeader && (data.size() < 14 || package::get16(data, 12) != kProtectionFeature))
+    return std::nullopt;
+  return found->group;
 }
 
 void finish_sheet_records(SheetReading& reading) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,12 +37,14 @@ struct SheetReading {
 
 struct SheetRecord {
   std::uint16_t id;
-  RecordGroup group;
+  std::optional<SheetGroup> group;             // nothing for one that is carried
   void (*read)(Fields& in, SheetReading& to);  // null for what only belongs to a group
 };
 
 // The entry of a record; null for one that the model has nothing of.
 const SheetRecord* find_sheet_record(std::uint16_t id);
+// The group of a record; nothing for a carried one.
+std::optional<SheetGroup> group_of_record(std::uint16_t id, std::string_view data);
 
 // Puts together what several records say.
 void finish_sheet_records(SheetReading& reading);
