@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/package/little_endian.h"
 #include "engine/xls/book_write.h"
 #include "engine/xls/cells_write.h"
 #include "engine/xls/notes_write.h"
