@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <initializer_list>
+#include <iterator>
 
 namespace engine {
 
@@ -192,10 +193,11 @@ class TiffValues {
  public:
   TiffValues() = default;
   TiffValues(Fields& in, size_t entry)
-      : in_(&in), size_(size_of(in.u16(entry + 2))), count_(in.u32(entry + 4)) {
+      : in_(&in), type_(in.u16(entry + 2)), size_(size_of(type_)), count_(in.u32(entry + 4)) {
     const std::uint64_t bytes = std::uint64_t{count_} * size_;
     at_ = bytes <= 4 ? entry + 8 : in.u32(entry + 8);
-    if (size_ == 0 || !in.need(at_, bytes)) count_ = 0;
+    in.need(at_, bytes);
+    if (!is_whole_number()) count_ = 0;
   }
 
   std::uint32_t count() const { return count_; }
@@ -207,56 +209,79 @@ class TiffValues {
   std::uint32_t first() const { return count_ == 0 ? 0 : (*this)[0]; }
 
  private:
-  // Whole numbers of one, two and four bytes.
+  // Of types up to the last that is in use; others have no size that anybody knows.
   static std::uint32_t size_of(std::uint32_t type) {
-    return type == 1 ? 1 : type == 3 ? 2 : type == 4 ? 4 : 0;
+    constexpr std::uint8_t kSizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
+    return type < std::size(kSizes) ? kSizes[type] : 0;
   }
+  // Of one, two and four bytes, without a sign.
+  bool is_whole_number() const { return type_ == 1 || type_ == 3 || type_ == 4; }
 
   Fields* in_ = nullptr;
+  std::uint32_t type_ = 0;
   std::uint32_t size_ = 0;
   std::uint32_t count_ = 0;
   size_t at_ = 0;
 };
 
-// Whether the pieces that a directory lists lie in the file.
-bool holds_pieces(Fields& in, const TiffValues& places, const TiffValues& sizes) {
-  if (places.count() != sizes.count()) return false;
-  for (std::uint32_t i = 0; i < places.count(); ++i)
-    if (!in.need(places[i], sizes[i])) return false;
-  return true;
+// What a directory says of its picture.
+struct TiffDirectory {
+  TiffValues width, height;
+  TiffValues places, sizes;  // of the pieces that the pixels lie in
+};
+
+// Reads a directory with all that it leads to. `left` is what the file can pay for: a directory is
+// too much when it takes up bytes that others have.
+bool read_directory(Fields& in, size_t at, size_t& left, TiffDirectory& made) {
+  constexpr size_t kEntry = 12;
+  const auto pay = [&left](size_t count) {
+    const bool can = count <= left;
+    left -= can ? count : 0;
+    return can;
+  };
+  const size_t entries = in.u16(at);
+  if (!in.need(at, 2 + entries * kEntry + 4) || !pay(1 + entries)) return false;
+  for (size_t i = 0; i < entries; ++i) {
+    const size_t entry = at + 2 + i * kEntry;
+    const TiffValues values(in, entry);
+    switch (in.u16(entry)) {
+      case 256:
+        made.width = values;
+        break;
+      case 257:
+        made.height = values;
+        break;
+      case 273:  // strips
+      case 324:  // tiles
+        made.places = values;
+        break;
+      case 279:
+      case 325:
+        made.sizes = values;
+        break;
+      default:
+        break;
+    }
+  }
+  if (made.places.count() != made.sizes.count() || !pay(made.places.count())) return false;
+  for (std::uint32_t i = 0; i < made.places.count(); ++i) in.need(made.places[i], made.sizes[i]);
+  return in.whole();
 }
 
 // Directories, each with the place of the next one, 0 behind the last. The first picture counts.
 Header read_tiff(std::string_view bytes) {
-  constexpr std::uint32_t kWidth = 256;
-  constexpr std::uint32_t kHeight = 257;
-  constexpr std::uint32_t kStrips = 273;
-  constexpr std::uint32_t kStripSizes = 279;
-  constexpr std::uint32_t kTiles = 324;
-  constexpr std::uint32_t kTileSizes = 325;
   constexpr size_t kEntry = 12;
   Fields in(bytes, bytes.front() == 'M' ? Order::kBig : Order::kLittle);
-  const size_t first = in.u32(4);
-  const size_t entries = in.u16(first);
-  if (first == 0 || !in.need(first, 2 + entries * kEntry + 4)) return std::nullopt;
-  TiffValues width, height, places, sizes;
-  for (size_t i = 0; i < entries; ++i) {
-    const size_t entry = first + 2 + i * kEntry;
-    const std::uint32_t tag = in.u16(entry);
-    if (tag == kWidth) width = TiffValues(in, entry);
-    else if (tag == kHeight) height = TiffValues(in, entry);
-    else if (tag == kStrips || tag == kTiles) places = TiffValues(in, entry);
-    else if (tag == kStripSizes || tag == kTileSizes) sizes = TiffValues(in, entry);
-  }
-  if (places.count() == 0 || !holds_pieces(in, places, sizes)) return std::nullopt;
-  // Directories that share no byte are at most so many: more of them go in a circle.
-  size_t left = bytes.size() / (2 + kEntry + 4);
-  for (size_t next = first; next != 0; --left) {
-    if (left == 0 || !in.whole()) return std::nullopt;
+  size_t left = bytes.size();
+  std::optional<TiffDirectory> first;
+  for (size_t next = in.u32(4); next != 0;) {
+    TiffDirectory made;
+    if (!read_directory(in, next, left, made)) return std::nullopt;
+    if (!first) first = made;
     next = in.u32(next + 2 + in.u16(next) * kEntry);
   }
-  if (!in.whole()) return std::nullopt;
-  return header(PictureKind::kTiff, width.first(), height.first());
+  if (!first || first->places.count() == 0) return std::nullopt;
+  return header(PictureKind::kTiff, first->width.first(), first->height.first());
 }
 
 // Records: type, size, data; the last is of type 14. The first is the header with the frame in

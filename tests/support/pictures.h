@@ -52,11 +52,17 @@ inline std::string bitmap(int width, int height) {
 inline std::string tiff_entry(unsigned tag, unsigned type, unsigned count, unsigned value) {
   return little(tag, 2) + little(type, 2) + little(count, 4) + little(value, 4);
 }
-// One directory at byte 12; `next` is where it says that another one is.
+// One directory at byte 12 and a text behind it; `next` is where it says that another one is.
 inline std::string tiff(unsigned width, unsigned height, unsigned next = 0) {
-  return "II*" + little(0, 1) + little(12, 4) + "data" + little(4, 2) +
+  return "II*" + little(0, 1) + little(12, 4) + "data" + little(5, 2) +
          tiff_entry(256, 3, 1, width) + tiff_entry(257, 4, 1, height) + tiff_entry(273, 4, 1, 8) +
-         tiff_entry(279, 4, 1, 4) + little(next, 4);
+         tiff_entry(279, 4, 1, 4) + tiff_entry(305, 2, 8, 78) + little(next, 4) + "software";
+}
+// A second directory, with its piece behind it.
+inline std::string tiff_of_two_pages(unsigned width, unsigned height) {
+  const std::string first = tiff(width, height, 86);
+  return first + little(2, 2) + tiff_entry(273, 4, 1, 116) + tiff_entry(279, 4, 1, 4) +
+         little(0, 4) + "data";
 }
 
 // Frames in hundredths of a millimetre.
