@@ -8,6 +8,7 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "engine/api/auto_filter.h"
 #include "engine/api/book_context.h"
@@ -277,6 +278,7 @@ class SheetObject final : public libxl::Sheet, public BookPart {
   bool check_mergeable(const CellRange& range) const;
   bool check_merge(int index) const;
   bool check_filter_rows() const;
+  std::vector<Table> readable_tables() const;
   bool check_value(std::string_view property, int value, int low, int high) const;
   bool check_margin(std::string_view property, double margin) const;
   bool move(formula::Axis axis, formula::Move::Kind kind, int first, int last, bool names_follow);

@@ -7,6 +7,7 @@
 #include "engine/api/outputs.h"
 #include "engine/api/sheet_object.h"
 #include "engine/formula/formula_text.h"
+#include "engine/package/file_error.h"
 #include "engine/workbook/auto_fit.h"
 #include "engine/workbook/metrics.h"
 #include "engine/workbook/outline.h"
@@ -32,10 +33,17 @@ bool SheetObject::check_size(std::string_view property, double size, double limi
          book_.refuse(false, messages::out_of_range(property, size, 0.0, limit));
 }
 
+// Those that cannot be read have no buttons that anybody knows of.
+std::vector<Table> SheetObject::readable_tables() const try {
+  return book_.document().tables(book_.workbook(), *sheet_);
+} catch (const package::FileError&) {
+  return {};
+}
+
 double SheetObject::colWidth(int column) const {
   return run(0, [&]() -> double {
     if (!check_columns(column, column)) return 0;
-    const auto fitted = fitted_pixels(book_.workbook(), contents(), column);
+    const auto fitted = fitted_pixels(book_.workbook(), contents(), readable_tables(), column);
     const int pixels =
         fitted.empty() ? unhidden_column_pixels(contents(), column) : fitted.at(column);
     return characters_of_pixels(pixels, contents().digit_pixels);

@@ -29,8 +29,11 @@ double turned(double width, double height, std::uint8_t rotation) {
 
 class Measuring {
  public:
-  Measuring(const Workbook& book, const SheetContents& sheet, std::optional<int> only)
+  Measuring(const Workbook& book, const SheetContents& sheet, std::span<const Table> tables,
+            std::optional<int> only)
       : book_(book), sheet_(sheet) {
+    for (const Table& table : tables)
+      if (table.has_buttons) headers_.emplace(table.cells.row_first, table.cells);
     CellRange used;
     if (!sheet.cells.used_range(&used)) return;
     const auto mark = [&](int first, int last, int row_first, int row_last) {
@@ -90,9 +93,15 @@ class Measuring {
   // How wide the button is that stands beside the text.
   double button_at(int row, int column) const {
     const auto& range = sheet_.filter.range;
-    if (!range || row != range->row_first || !range->contains(row, column)) return 0;
-    const ColumnFilter* its = find_column(sheet_.filter, column);
-    return !its || its->shows_button ? kButton : 0;
+    if (range && row == range->row_first && range->contains(row, column)) {
+      const ColumnFilter* its = find_column(sheet_.filter, column);
+      return !its || its->shows_button ? kButton : 0;
+    }
+    const auto [first, last] = headers_.equal_range(row);
+    return std::any_of(first, last,
+                       [&](const auto& one) { return one.second.contains(row, column); })
+               ? kButton
+               : 0;
   }
 
   // At most `known` where a glance tells that the cell is no wider.
@@ -123,13 +132,14 @@ class Measuring {
   const Workbook& book_;
   const SheetContents& sheet_;
   std::map<int, Column> marked_;
+  std::multimap<int, CellRange> headers_;  // tables with buttons, by the row that has them
 };
 
 }  // namespace
 
 std::map<int, int> fitted_pixels(const Workbook& book, const SheetContents& sheet,
-                                 std::optional<int> column) {
-  return Measuring(book, sheet, column).measure();
+                                 std::span<const Table> tables, std::optional<int> column) {
+  return Measuring(book, sheet, tables, column).measure();
 }
 
 std::optional<FitArea> moved(const FitArea& area, const formula::Move& move, const Grid& grid) {
@@ -145,9 +155,10 @@ std::optional<FitArea> moved(const FitArea& area, const formula::Move& move, con
   return after;
 }
 
-Columns fitted_columns(const Workbook& book, const SheetContents& sheet) {
+Columns fitted_columns(const Workbook& book, const SheetContents& sheet,
+                       std::span<const Table> tables) {
   Columns columns = sheet.columns;
-  for (const auto& [column, pixels] : fitted_pixels(book, sheet)) {
+  for (const auto& [column, pixels] : fitted_pixels(book, sheet, tables)) {
     const double width = width_of_pixels(pixels, sheet.digit_pixels);
     columns.change({{column, column, [width](ColumnProperties& one) {
                        one.width = width;

@@ -38,6 +38,7 @@ struct Table {
   CellRange cells;
   int header_rows = 1;
   int totals_rows = 0;
+  bool has_buttons = false;  // of a filter of its own, beside its headers
 };
 
 // Why rows or columns cannot be inserted or removed.

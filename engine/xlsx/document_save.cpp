@@ -31,7 +31,7 @@ struct SavedSheet {
   bool rewritten = false;
   std::unique_ptr<OutsideRows> read_now;
   const OutsideRows* outside = nullptr;  // of a partly loaded sheet
-  std::vector<Table> tables;             // where a formula may need the name of one
+  std::vector<Table> tables;             // whose names formulas may need
 };
 
 // Sheets without cells change in one thing only.
@@ -181,10 +181,10 @@ class Document::Saving {
     PicturesWriter pictures(parts_, book_, document_.pictures_ ? *document_.pictures_ : none);
     for (SavedSheet& saved : sheets_) {
       if (!saved.rewritten) continue;
-      saved.tables = tables_for_formulas(saved);
+      saved.tables = tables_of(saved);
       package::XmlTree tree = saved.remains->tree->copy();
-      patch_elements(tree.root(), {book_, *saved.sheet, *saved.remains, saved.outside, styles_,
-                                   parts_, notes, pictures});
+      patch_elements(tree.root(), {book_, *saved.sheet, *saved.remains, saved.outside, saved.tables,
+                                   styles_, parts_, notes, pictures});
       parts_.put_blocks(saved.remains->part, {},
                         write_worksheet(std::move(tree), *saved.sheet, saved.outside,
                                         WriteContext{book_, styles_, texts_, saved.tables}));
@@ -192,7 +192,7 @@ class Document::Saving {
   }
 
   // Tables that cannot be read complete no formula; they are carried as they are.
-  std::vector<Table> tables_for_formulas(const SavedSheet& saved) const try {
+  std::vector<Table> tables_of(const SavedSheet& saved) const try {
     return document_.tables(book_, *saved.sheet);
   } catch (const package::FileError&) {
     return {};

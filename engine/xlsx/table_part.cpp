@@ -83,6 +83,7 @@ std::optional<TablePart> read_table(std::string_view bytes, std::string_view par
   table.cells = *cells;
   table.header_rows = std::max(root.attribute("headerRowCount").as_int(1), 0);
   table.totals_rows = std::max(root.attribute("totalsRowCount").as_int(0), 0);
+  table.has_buttons = table.has_header() && package::child(root, Family::Main, "autoFilter");
   for (const pugi::xml_node column : column_nodes(root))
     table.columns.push_back(unescape(column.attribute("name").value()));
   return table;

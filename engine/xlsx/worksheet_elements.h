@@ -42,6 +42,7 @@ struct SheetPatching {
   const Sheet& sheet;
   const SheetPart& remains;
   const OutsideRows* outside;  // the rows that a partial load left out; null without
+  std::span<const Table> tables;
   const WrittenStyles& styles;
   Parts& parts;
   NotesWriter& notes;

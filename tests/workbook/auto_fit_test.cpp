@@ -28,12 +28,13 @@ class AutoFit : public ::testing::Test {
   }
   // 0 for a column that keeps its width.
   int width(int column) const {
-    const auto widths = fitted_pixels(book, sheet, column);
+    const auto widths = fitted_pixels(book, sheet, tables, column);
     return widths.empty() ? 0 : widths.at(column);
   }
 
   Workbook book{Limits()};
   SheetContents sheet;
+  std::vector<Table> tables;
 };
 
 // Within a tenth of what LibreOffice chooses for the same texts in its own stand-in for the font.
@@ -109,7 +110,7 @@ TEST_F(AutoFit, TheAreaLimitsRowsAndHiddenRowsDoNotCount) {
 TEST_F(AutoFit, FilesHoldTheWidthsThatWereMeasured) {
   write(0, 1, "abcdefghijkl");
   sheet.fit_area = FitArea{};
-  const Columns columns = fitted_columns(book, sheet);
+  const Columns columns = fitted_columns(book, sheet, tables);
   EXPECT_TRUE(sheet.columns.empty());
   ASSERT_NE(columns.find(1), nullptr);
   EXPECT_TRUE(columns.find(1)->best_fit && columns.find(1)->custom_width);
@@ -117,13 +118,15 @@ TEST_F(AutoFit, FilesHoldTheWidthsThatWereMeasured) {
   EXPECT_EQ(columns.find(0), nullptr);
 }
 
-// In its header row alone, and not where the button is hidden or there is no text.
+// In its header row alone, and not where the button is hidden or there is no text. Tables have
+// buttons of their own or none.
 TEST_F(AutoFit, LeavesRoomForTheButtonOfAFilter) {
   const struct {
     int row;
     const char* text;
     int button;
-  } cases[] = {{3, "Customer", 16}, {4, "Customer", 0}, {3, "", 0}, {3, "Customer", 0}};
+  } cases[] = {{3, "Customer", 16}, {4, "Customer", 0}, {3, "", 0},        {3, "Customer", 0},
+               {3, "Customer", 16}, {4, "Customer", 0}, {3, "Customer", 0}};
   int column = 0;
   for (const auto& [row, text, button] : cases) {
     write(row, column, text);
@@ -132,8 +135,9 @@ TEST_F(AutoFit, LeavesRoomForTheButtonOfAFilter) {
   }
   std::vector<int> plain;
   for (int i = 0; i < column; ++i) plain.push_back(width(i));
-  sheet.filter.range = CellRange{3, 9, 0, column - 1};
-  sheet.filter.columns.push_back({column - 1, {}, false});
+  sheet.filter.range = CellRange{3, 9, 0, 3};
+  sheet.filter.columns.push_back({3, {}, false});
+  tables = {{"With", {3, 9, 4, 5}, 1, 0, true}, {"Without", {3, 9, 6, 6}, 1, 0, false}};
   for (int i = 0; i < column; ++i) EXPECT_EQ(width(i) - plain[i], cases[i].button) << i;
 }
 

@@ -118,7 +118,7 @@ void read_columns(pugi::xml_node element, const SheetReading& to) {
 void patch_columns(pugi::xml_node root, const SheetPatching& from) {
   const SheetContents& sheet = from.sheet.contents();
   const pugi::xml_node old = package::child(root, Family::Main, "cols");
-  const Columns fitted = fitted_columns(from.book, sheet);
+  const Columns fitted = fitted_columns(from.book, sheet, from.tables);
   if (fitted.empty()) {
     root.remove_child(old);
     return;
