@@ -132,6 +132,49 @@ long long row_distance(const SheetContents& sheet, int first, int end) {
   return sum;
 }
 
+namespace {
+
+// Measures on until `is_enough` says so of the beginnings that are known, or they reach `end`. One
+// pass over the rows: they may lie far apart.
+template <class Enough>
+const std::vector<long long>& measured_begins(const SheetContents& sheet, int end,
+                                              const Enough& is_enough) {
+  constexpr int kStep = RowBegins::kStep;
+  std::vector<long long>& known = sheet.row_begins().known;
+  if (known.empty()) known.push_back(0);
+  if (is_enough(known)) return known;
+  const int usual = usual_row_pixels(sheet);
+  int last = static_cast<int>(known.size() - 1) * kStep;
+  auto [row, rows_end] = sheet.cells.rows(static_cast<std::uint32_t>(last));
+  while (last + kStep < end && !is_enough(known)) {
+    last += kStep;
+    long long begin = known.back() + static_cast<long long>(kStep) * usual;
+    for (; row != rows_end && row->number < static_cast<std::uint32_t>(last); ++row)
+      begin += pixels_of_row(sheet, sheet.properties(*row)) - usual;
+    known.push_back(begin);
+  }
+  return known;
+}
+
+}  // namespace
+
+long long row_position(const SheetContents& sheet, int row) {
+  const auto step = static_cast<std::size_t>(row / RowBegins::kStep);
+  const auto& begins = measured_begins(
+      sheet, row + 1, [step](const std::vector<long long>& known) { return known.size() > step; });
+  return begins[step] + row_distance(sheet, row / RowBegins::kStep * RowBegins::kStep, row);
+}
+
+Corner row_at_position(const SheetContents& sheet, long long position, int count) {
+  const auto& begins = measured_begins(
+      sheet, count,
+      [position](const std::vector<long long>& known) { return known.back() > position; });
+  const auto step =
+      std::max<std::ptrdiff_t>(std::ranges::upper_bound(begins, position) - begins.begin() - 1, 0);
+  return walk_rows(sheet, {static_cast<int>(step) * RowBegins::kStep, 0},
+                   position - begins[static_cast<std::size_t>(step)], count);
+}
+
 Corner walk_columns(const SheetContents& sheet, Corner from, long long distance, int count) {
   Walk walk(from, distance, count);
   while (walk.index() < count && walk.over(walk.index() + 1, column_pixels(sheet, walk.index())))

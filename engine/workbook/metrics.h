@@ -55,6 +55,11 @@ long long row_distance(const SheetContents& sheet, int first, int end);
 Corner walk_columns(const SheetContents& sheet, Corner from, long long distance, int count);
 Corner walk_rows(const SheetContents& sheet, Corner from, long long distance, int count);
 
+// How far down a row begins, and which row lies so far down: one of the first `count`. Who asks
+// again and again pays for the rows that were measured since a change, not for all of them.
+long long row_position(const SheetContents& sheet, int row);
+Corner row_at_position(const SheetContents& sheet, long long position, int count);
+
 // Where the columns or rows of a sheet begin, measured once for many questions.
 class Edges {
  public:

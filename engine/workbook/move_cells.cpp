@@ -343,6 +343,7 @@ void ContentsMove::apply() noexcept {
   drop_cells();
   if (move_.axis == Axis::kRows) {
     contents.cells.exchange(rows_);
+    contents.row_begins().forget_below(move_.at);
     if (properties_)
       for (std::size_t i = properties_before_; i < contents.row_properties.size(); ++i)
         contents.row_properties[i] = *properties_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <tuple>
 
 #include "engine/workbook/anchor_moves.h"
 
@@ -35,30 +36,36 @@ bool moves_with_cells(const Anchor& anchor) {
 
 }  // namespace
 
+std::pair<int, int> size_of(const SheetContents& sheet, const Anchor& anchor) {
+  if (anchor.form != Anchor::Form::kTwoCells)
+    return {pixels_of(anchor.width), pixels_of(anchor.height)};
+  const AnchorEdge& left = anchor.left;
+  const AnchorEdge& top = anchor.top;
+  const AnchorEdge& right = anchor.right;
+  const AnchorEdge& bottom = anchor.bottom;
+  return {length_between(left, right, column_distance(sheet, left.index, right.index)),
+          length_between(top, bottom, row_distance(sheet, top.index, bottom.index))};
+}
+
 PictureBox box_of(const SheetContents& sheet, const Anchor& anchor, const Grid& grid) {
   using Form = Anchor::Form;
   AnchorEdge left = anchor.left;
   AnchorEdge top = anchor.top;
   if (anchor.form == Form::kAbsolute) {
     left = edge_at(walk_columns(sheet, {}, pixels_of(anchor.x), grid.columns));
-    top = edge_at(walk_rows(sheet, {}, pixels_of(anchor.y), grid.rows));
+    top = edge_at(row_at_position(sheet, pixels_of(anchor.y), grid.rows));
   }
   PictureBox box;
   box.column_left = left.index;
   box.row_top = top.index;
   box.offset_x = pixels_of(left.offset);
   box.offset_y = pixels_of(top.offset);
+  std::tie(box.width, box.height) = size_of(sheet, anchor);
   if (anchor.form == Form::kTwoCells) {
-    const AnchorEdge& right = anchor.right;
-    const AnchorEdge& bottom = anchor.bottom;
-    box.column_right = right.index;
-    box.row_bottom = bottom.index;
-    box.width = length_between(left, right, column_distance(sheet, left.index, right.index));
-    box.height = length_between(top, bottom, row_distance(sheet, top.index, bottom.index));
+    box.column_right = anchor.right.index;
+    box.row_bottom = anchor.bottom.index;
     return box;
   }
-  box.width = pixels_of(anchor.width);
-  box.height = pixels_of(anchor.height);
   box.column_right = walk_columns(sheet, {left.index, box.offset_x}, box.width, grid.columns).index;
   box.row_bottom = walk_rows(sheet, {top.index, box.offset_y}, box.height, grid.rows).index;
   return box;
@@ -72,7 +79,7 @@ Anchor make_anchor(const SheetContents& sheet, Anchoring anchoring, const Pictur
   if (anchoring == Anchoring::kStays) {
     made.form = Form::kAbsolute;
     made.x = (column_distance(sheet, 0, box.column_left) + box.offset_x) * kEmuPerPixel;
-    made.y = (row_distance(sheet, 0, box.row_top) + box.offset_y) * kEmuPerPixel;
+    made.y = (row_position(sheet, box.row_top) + box.offset_y) * kEmuPerPixel;
   } else {
     const Corner left = start_of(sheet, box.column_left, box.offset_x, grid.columns, walk_columns);
     const Corner top = start_of(sheet, box.row_top, box.offset_y, grid.rows, walk_rows);

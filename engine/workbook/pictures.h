@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/formula/interval.h"
@@ -45,6 +46,8 @@ struct PictureBox {
 };
 
 PictureBox box_of(const SheetContents& sheet, const Anchor& anchor, const Grid& grid);
+// Its width and height alone, which take no search for the cells.
+std::pair<int, int> size_of(const SheetContents& sheet, const Anchor& anchor);
 
 // The anchor of an object of so many pixels, of which the upper left corner and its size are given;
 // an offset that is larger than the cell leads into the next ones.

@@ -207,6 +207,7 @@ bool SheetContents::is_hidden(int row) const {
 }
 
 RowProperties& SheetContents::properties_at(int row) {
+  row_begins_.forget_below(row);
   Row& at = row_at(row);
   if (at.properties == 0) {
     row_properties.emplace_back();

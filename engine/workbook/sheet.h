@@ -81,6 +81,21 @@ enum class Loading : std::uint8_t {
   kMissing,   // listed in the file, which has no such sheet
 };
 
+// Where every 64th row begins, in pixels, as far down as somebody has asked since a row changed its
+// size. Objects that lie free on a sheet are placed by that.
+class RowBegins {
+ public:
+  static constexpr int kStep = 64;
+
+  // What a row is to change its size for: those below it begin elsewhere then.
+  void forget_below(int row) noexcept {
+    const auto kept = static_cast<std::size_t>(row / kStep) + 1;
+    if (kept < known.size()) known.resize(kept);
+  }
+
+  std::vector<long long> known;
+};
+
 // Everything that a caller can set or ask for in a sheet.
 class SheetContents {
  public:
@@ -151,14 +166,13 @@ class SheetContents {
   // Gives a cell a format and leaves its value; an empty place becomes a blank cell.
   void put_style(int row, int column, std::uint32_t style);
 
-  // Makes a cell of the value or record, for a codec that reads a sheet. The formula of a record
-  // has been kept, and so has its extra.
   // Empties the cells of a range, which cuts no array; with their comments or without. Neither
   // needs memory.
   void clear(const CellRange& range) noexcept;
   void erase_cells(const CellRange& range) noexcept;
 
-  // Makes a cell of the value or record, for a codec that reads a sheet.
+  // Makes a cell of the value or record, for a codec that reads a sheet. The formula of a record
+  // has been kept, and so has its extra.
   static Cell make_cell(int column, Value value, std::uint32_t style);
   std::uint32_t keep_record(const CellRecord& record);
   std::uint32_t keep_extra(CellExtra extra);
@@ -184,6 +198,8 @@ class SheetContents {
   const RowProperties* properties(int row) const;
   RowProperties& properties_at(int row);
   bool is_hidden(int row) const;
+  // Kept beside the rows by those who measure them.
+  RowBegins& row_begins() const { return row_begins_; }
 
  private:
   static constexpr std::uint32_t kNoRecord = 0xFFFFFFFF;
@@ -195,9 +211,10 @@ class SheetContents {
   void replace(CellRecord& record, const CellRecord& by) noexcept;
 
   BlockList<CellRecord> records_;
-  std::deque<CellExtra> extras_;           // those that no record has any more are empty
-  TextArena texts_;                        // of the records
-  std::size_t unused_text_ = 0;            // bytes in texts_ that no record has
+  std::deque<CellExtra> extras_;  // those that no record has any more are empty
+  TextArena texts_;               // of the records
+  std::size_t unused_text_ = 0;   // bytes in texts_ that no record has
+  mutable RowBegins row_begins_;
   std::uint32_t free_record_ = kNoRecord;  // the first of a chain; its value's word names the next
 };
 

@@ -184,7 +184,7 @@ unsigned PictureAppender::free_id() {
   return id_;
 }
 
-void PictureAppender::append(const Anchor& anchor, const PictureBox& box, std::string_view embed,
+void PictureAppender::append(const Anchor& anchor, std::pair<int, int> size, std::string_view embed,
                              std::string_view link) {
   using Form = Anchor::Form;
   const auto own = [&](pugi::xml_node parent, std::string_view local) {
@@ -221,9 +221,9 @@ void PictureAppender::append(const Anchor& anchor, const PictureBox& box, std::s
     outer.append_attribute("editAs") = kEditAs[static_cast<int>(anchor.anchoring)];
     add_corner(outer, "to", anchor.right, anchor.bottom);
   } else {
-    pugi::xml_node size = own(outer, "ext");
-    set(size, "cx", anchor.width);
-    set(size, "cy", anchor.height);
+    pugi::xml_node extent = own(outer, "ext");
+    set(extent, "cx", anchor.width);
+    set(extent, "cy", anchor.height);
   }
 
   pugi::xml_node picture = own(outer, "pic");
@@ -243,8 +243,8 @@ void PictureAppender::append(const Anchor& anchor, const PictureBox& box, std::s
   set(origin, "x", anchor.x);
   set(origin, "y", anchor.y);
   pugi::xml_node extent = frame.append_child("a:ext");
-  set(extent, "cx", box.width * kEmuPerPixel);
-  set(extent, "cy", box.height * kEmuPerPixel);
+  set(extent, "cx", size.first * kEmuPerPixel);
+  set(extent, "cy", size.second * kEmuPerPixel);
   pugi::xml_node geometry = shape.append_child("a:prstGeom");
   geometry.append_attribute("prst") = "rect";
   geometry.append_child("a:avLst");

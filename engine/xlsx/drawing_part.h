@@ -66,8 +66,9 @@ class PictureAppender {
  public:
   explicit PictureAppender(pugi::xml_node root);
 
-  // A picture by the relationships of its bytes and of its link, either of which may be empty.
-  void append(const Anchor& anchor, const PictureBox& box, std::string_view embed,
+  // A picture, of so many pixels, by the relationships of its bytes and of its link, either of
+  // which may be empty.
+  void append(const Anchor& anchor, std::pair<int, int> size, std::string_view embed,
               std::string_view link);
 
  private:

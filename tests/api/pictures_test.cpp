@@ -122,6 +122,19 @@ TEST(Pictures, HaveTheSizeThatIsAskedFor) {
   for (int i = 0; i < count; ++i) EXPECT_EQ(placed(stage, i), cases[i].values) << i;
 }
 
+TEST(Pictures, LieFreeWhateverBecomesOfTheRowsAbove) {
+  Stage stage;
+  add(*stage.book, pictures::png(100, 50));
+  stage.sheet->setPicture(100, 2, 0, 1, 0, 0, libxl::PositionFree);
+  EXPECT_EQ(placed(stage, 0), "0 100 2 102 3 100 50 0 0");
+  stage.sheet->setRow(0, 30);
+  EXPECT_EQ(placed(stage, 0), "0 99 2 101 3 100 50 0 0");
+  stage.sheet->setRowHidden(1, true);
+  EXPECT_EQ(placed(stage, 0), "0 100 2 102 3 100 50 0 0");
+  stage.sheet->removeRow(0, 0);
+  EXPECT_EQ(placed(stage, 0), "0 101 2 103 3 100 50 0 0");
+}
+
 TEST(Pictures, MayBeLinks) {
   const TempFolder folder;
   folder.write("a#1 %20.png", pictures::png(5, 4));

@@ -363,6 +363,22 @@ void pictures_placed_and_loaded(int n) {
   EXPECT_TRUE(stage.reload());
 }
 
+// Where they lie is told by the heights of all rows above, some of which change in between.
+void free_pictures_far_down(int n) {
+  Stage stage;
+  const std::string bytes = pictures::png(10, 10);
+  const int id = stage.book->addPicture2(bytes.data(), static_cast<unsigned>(bytes.size()));
+  for (int i = 0; i < n; ++i) {
+    stage.sheet->setRow(i, 20 + i % 3);
+    stage.sheet->setPicture(i, 1, id, 1, 0, 0, libxl::PositionFree);
+  }
+  for (int i = 0; i < n; ++i) {
+    int row = -1;
+    stage.sheet->getPicture(i, &row);
+    EXPECT_EQ(row, i);
+  }
+}
+
 struct Case {
   const char* name;
   void (*run)(int n);
@@ -398,6 +414,7 @@ constexpr Case kCases[] = {
     {"validations over one another", validations_over_one_another, 3000},
     {"sheets copied and deleted", sheets_copied_and_deleted, 100},
     {"pictures placed and loaded", pictures_placed_and_loaded, 600},
+    {"free pictures far down", free_pictures_far_down, 3000},
 };
 
 std::uint64_t work_of(const Case& one, int n) {

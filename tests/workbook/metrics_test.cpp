@@ -149,4 +149,24 @@ TEST(Metrics, KeepsEdgesOfManyRows) {
   EXPECT_EQ(std::pair(last.index, last.offset), std::pair(9, 0));
 }
 
+// Whatever was asked before a row changes.
+TEST(Metrics, FindsRowsWhileTheirSizesChange) {
+  constexpr int kRows = 400;
+  SheetContents sheet;
+  for (int step = 0; step < 300; ++step) {
+    engine::RowProperties& changed = sheet.properties_at(step * 89 % kRows);
+    changed.height = step % 40;
+    changed.hidden = step % 3 == 0;
+    const int asked = step * 139 % kRows;
+    long long position = 0;
+    for (int row = 0; row < asked; ++row) position += engine::row_pixels(sheet, row);
+    EXPECT_EQ(engine::row_position(sheet, asked), position);
+    const int size = engine::row_pixels(sheet, asked);
+    if (size == 0) continue;
+    const Corner found = engine::row_at_position(sheet, position + size - 1, kRows);
+    EXPECT_EQ(std::pair(found.index, found.offset), std::pair(asked, size - 1));
+  }
+  EXPECT_EQ(engine::row_at_position(sheet, 1 << 30, kRows).index, kRows - 1);
+}
+
 }  // namespace

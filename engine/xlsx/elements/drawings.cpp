@@ -143,7 +143,7 @@ void PicturesWriter::write(const SheetPatching& from, pugi::xml_node root) {
   for (const PlacedPicture& one : sheet.pictures) {
     if (one.number != 0) continue;
     const std::string embed = links.to_part(media_of(one.picture));
-    appender.append(one.anchor, box_of(sheet, one.anchor, book_.limits.grid), embed,
+    appender.append(one.anchor, size_of(sheet, one.anchor), embed,
                     links.to_file(book_.pictures[one.picture].link));
   }
   parts_.put(name, stored ? std::string_view() : kDrawingType, tree.serialize());
