@@ -11,7 +11,7 @@ below a statement that prints something what it prints, in lines that begin with
     XL_Sheet_WriteNum ( $sheet ; 0 ; 0 ; 4.95 )
     // → 1
 
-$DIR is an empty folder, $EXAMPLES the one with the examples. A call that fails is
+$DIR is a folder, empty before the first calculation of a file, $EXAMPLES the one with the examples. A call that fails is
 told by the host beside the results; here it has to be meant: the calculation prints its code or
 reason.
 
@@ -28,8 +28,9 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
-REFERENCE = ROOT / "examples" / "reference"
-GUIDES = ROOT / "examples" / "guides"
+EXAMPLES = ROOT / "examples"
+REFERENCE = EXAMPLES / "reference"
+GUIDES = EXAMPLES / "guides"
 XLCALC = ROOT / "build" / "bin" / "xlcalc"
 
 ARROW = "// →"
@@ -99,6 +100,11 @@ def read_calculations(path):
     return introduction, calculations
 
 
+def shorten(text, work):
+    """What is printed, without the folders of this run."""
+    return text.replace(str(work), "$DIR").replace(str(EXAMPLES), "$EXAMPLES")
+
+
 def evaluate(calculation, xlcalc, folder):
     """What each statement prints, and the calls that failed without being meant to."""
     script = folder / "script.calc"
@@ -107,13 +113,12 @@ def evaluate(calculation, xlcalc, folder):
     work = folder / "files"
     work.mkdir(exist_ok=True)
     ended = subprocess.run(
-        [xlcalc, "run", script, f"DIR={work}", f"EXAMPLES={ROOT / 'examples'}"],
+        [xlcalc, "run", script, f"DIR={work}", f"EXAMPLES={EXAMPLES}"],
         capture_output=True,
         encoding="utf-8",
     )
-    told = ended.stderr.replace(str(work), "$DIR").splitlines()
-    printed = ended.stdout.replace(str(work), "$DIR")
-    outputs = [output.strip("\n") for output in printed.split(MARK)[:-1]]
+    told = shorten(ended.stderr, work).splitlines()
+    outputs = [output.strip("\n") for output in shorten(ended.stdout, work).split(MARK)[:-1]]
     results = [output.split("\n") if output else [] for output in outputs]
     shown = [line for result in results for line in result]
     unmeant = [
@@ -125,10 +130,9 @@ def evaluate(calculation, xlcalc, folder):
     return results, unmeant
 
 
-def check(calculation, xlcalc):
-    """What is wrong with a calculation, and its file's text with what it prints in place."""
-    with tempfile.TemporaryDirectory() as folder:
-        results, problems = evaluate(calculation, xlcalc, Path(folder))
+def check(calculation, xlcalc, folder):
+    """What is wrong with a calculation, which then has what it prints."""
+    results, problems = evaluate(calculation, xlcalc, folder)
     for number, statement in enumerate(calculation.statements):
         result = results[number] if number < len(results) else ["(not reached)"]
         if result != statement.results:
@@ -164,10 +168,11 @@ def main():
     problems, used = [], set()
     for path in paths:
         _, calculations = read_calculations(path)
-        for calculation in calculations:
-            used |= calculation.names() if path.parent == REFERENCE else set()
-            place = f"{path.relative_to(ROOT) if path.is_relative_to(ROOT) else path}:{calculation.line}"
-            problems += [f"{place}: {problem}" for problem in check(calculation, options.xlcalc)]
+        with tempfile.TemporaryDirectory() as folder:
+            for calculation in calculations:
+                used |= calculation.names() if path.parent == REFERENCE else set()
+                told = check(calculation, options.xlcalc, Path(folder))
+                problems += [f"{path}:{calculation.line}: {problem}" for problem in told]
         if options.write:
             write(path, calculations)
     if not options.files:
