@@ -7,7 +7,7 @@
 #include "engine/package/compound_writer.h"
 #include "engine/text/fold.h"
 #include "engine/text/utf8.h"
-#include "engine/xls/notes_write.h"
+#include "engine/xls/drawing_write.h"
 #include "engine/xls/sheet_write.h"
 #include "engine/xls/summary_write.h"
 #include "engine/xls/tokens_write.h"
@@ -196,8 +196,6 @@ class NamesWriter {
 // What the model holds and these files are not given yet is refused, never lost.
 void refuse_unwritten(const Workbook& book) {
   constexpr std::string_view kNotYet = " are not written to .xls files yet";
-  if (!book.pictures.empty())
-    throw package::FileTargetError(std::string("cannot be written: pictures").append(kNotYet));
   for (const auto& sheet : book.sheets()) {
     const SheetContents& its = sheet->contents();
     std::string_view things;
@@ -233,7 +231,9 @@ void write_book(const Workbook& book, const SaveOptions& options, std::int64_t c
   TextNumbers texts(book.strings);
   LinkWriter links(book);
   const BookWriting shared{book, options, styles, texts, links};
-  Drawings drawings(book.limits.grid);
+  const DrawingGroup no_group;
+  const LoadedPictures no_pictures;
+  Drawings drawings(book, no_group, no_pictures);
   package::MemoryOutput sheets(kMaxStream);
   RecordWriter sheets_out(sheets);
   std::vector<std::uint64_t> beginnings;

@@ -7,6 +7,7 @@
 
 #include "engine/package/file_error.h"
 #include "engine/xls/book_write.h"
+#include "engine/xls/drawing_read.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/record_reader.h"
 #include "engine/xls/records.h"
@@ -58,6 +59,7 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
   read_globals(reader, scope, book, made->globals_);
   for (std::size_t i = 0; i < book.sheets().size(); ++i)
     made->sheets_[book.sheets()[i].get()].begin = made->globals_.sheets[i];
+  made->globals_.drawings.look_into(made->stream_, made->globals_.cipher);
   made->part_sheets(book);
   made->look_at_tabs(book);
   return made;
@@ -117,9 +119,31 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   const SheetContext context{book, globals_, sheet, book.strings.count_from_file(), 0};
   xls::read_sheet(reader, context, filter, contents, flags);
   part.read = true;
+  place_pictures(flags.drawing, globals_.drawings, pictures_, book.pictures, contents);
+  sheet.comments_damage = sheet.drawing_damage = drawing_damage(flags.drawing, sheet);
+  part.drawing = std::move(flags.drawing);
   sheet.take(std::move(contents));
   sheet.selected = flags.selected;
   if (sheet.loading == Loading::kUnread) sheet.loading = Loading::kRead;
+}
+
+// Why nothing can be added to the drawing of a sheet; empty if it can.
+std::string Document::drawing_damage(const DrawingPart& drawing, const Sheet& sheet) const {
+  std::string what = drawing.damage;
+  if (globals_.drawings.is_damaged()) what = "what all drawings share is damaged";
+  return what.empty() ? what : "is damaged: Workbook, sheet \"" + sheet.name() + "\", " + what;
+}
+
+void Document::read_pictures(Workbook& book) { pictures_.enter(globals_.drawings, book.pictures); }
+
+void Document::read_picture(Workbook& book, std::size_t index) {
+  Picture& picture = book.pictures[index];
+  if (!picture.in_file) return;
+  auto bytes = std::make_shared<const std::string>(
+      globals_.drawings.picture(pictures_.stored_at(index) - 1));
+  picture.header = read_picture_header(*bytes);
+  picture.bytes = std::move(bytes);
+  picture.in_file = false;
 }
 
 std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,

@@ -28,6 +28,8 @@ class Document : public engine::Document {
   void read_sheet(Workbook& book, Sheet& sheet) override;
   std::unique_ptr<OutsideRows> read_outside(const Workbook& book,
                                             const Sheet& sheet) const override;
+  void read_pictures(Workbook& book) override;
+  void read_picture(Workbook& book, std::size_t index) override;
   void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
   // Carried records of a loaded file cannot be put back in their places yet.
   bool is_savable() const override { return created_.has_value(); }
@@ -38,10 +40,12 @@ class Document : public engine::Document {
 
   void part_sheets(const Workbook& book);
   void look_at_tabs(Workbook& book);
+  std::string drawing_damage(const DrawingPart& drawing, const Sheet& sheet) const;
 
   std::optional<std::int64_t> created_;  // of a new book: when, in seconds since 1970
   package::CompoundStream stream_;
   Globals globals_;
+  LoadedPictures pictures_;
   SheetParts sheets_;
 };
 

@@ -108,6 +108,9 @@ class GlobalsReader {
       case kName:
         read_name();
         break;
+      case kDrawingGroup:
+        globals_.drawings.take(reader_);
+        break;
       case kTexts:
         if (everything_) read_texts();
         break;

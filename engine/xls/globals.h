@@ -8,6 +8,7 @@
 
 #include "engine/workbook/codec.h"
 #include "engine/workbook/workbook.h"
+#include "engine/xls/drawing_group.h"
 #include "engine/xls/link_table.h"
 #include "engine/xls/record_reader.h"
 
@@ -16,6 +17,7 @@ namespace engine::xls {
 struct Globals {
   std::optional<Cipher> cipher;  // of an encrypted stream
   LinkTable links;
+  DrawingGroup drawings;
   std::vector<std::uint32_t> sheets;   // where their substreams begin, in the file's order
   std::vector<std::uint32_t> formats;  // numbers in the model by those of the file
 

@@ -9,6 +9,12 @@ namespace {
 
 using Mode = GroupWriter::Mode;
 
+void copy_record(const RecordReader& reader, const RecordEdits& edits, RecordWriter& out) {
+  const auto edit = edits.find(reader.offset());
+  if (edit == edits.end()) out.copy(reader.id(), reader.data());
+  else if (edit->second) out.copy(reader.id(), *edit->second);
+}
+
 class Merge {
  public:
   Merge(const RecordEdits& edits, RecordWriter& out, GroupWriter& groups)
@@ -75,8 +81,8 @@ class Merge {
         break;
       case Mode::kReplace:
         copying_ = false;
+        if (place == 0) groups_.write(*group, &reader);
         if (is_nested(reader.id())) pass_nested(reader, [] {});
-        else if (place == 0) groups_.write(*group, &reader);
         break;
       case Mode::kExtend:
         copying_ = false;
@@ -94,10 +100,7 @@ class Merge {
     if (!std::exchange(inside_, true) || !is_nested(reader.id())) return;
     const bool copies = copying_;
     pass_nested(reader, [&] {
-      if (!copies) return;
-      const auto its = edits_.find(reader.offset());
-      if (its == edits_.end()) out_.copy(reader.id(), reader.data());
-      else if (its->second) out_.copy(reader.id(), *its->second);
+      if (copies) copy_record(reader, edits_, out_);
     });
   }
 
@@ -127,6 +130,12 @@ class Merge {
 
 void write_groups(GroupWriter& groups) {
   for (std::size_t group = 0; group < groups.count(); ++group) groups.write(group, nullptr);
+}
+
+void copy_records(RecordReader reader, std::uint64_t begin, std::uint64_t end,
+                  const RecordEdits& edits, RecordWriter& out) {
+  reader.go_to(begin);
+  while (reader.next() && reader.offset() < end) copy_record(reader, edits, out);
 }
 
 void merge_records(RecordReader reader, const RecordEdits& edits, RecordWriter& out,

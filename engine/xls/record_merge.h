@@ -60,6 +60,10 @@ void write_groups(GroupWriter& groups);
 void merge_records(RecordReader reader, const RecordEdits& edits, RecordWriter& out,
                    GroupWriter& groups);
 
+// Copies the records from one place of the stream that a reader goes over to another.
+void copy_records(RecordReader reader, std::uint64_t begin, std::uint64_t end,
+                  const RecordEdits& edits, RecordWriter& out);
+
 // Goes over all records up to the one that ends what begins with the one the reader stands at.
 template <class Visit>
 void pass_substream(RecordReader& reader, const Visit& visit) {

@@ -31,6 +31,9 @@ class RecordReader {
   // Nothing is read from `offset` on.
   void end_at(std::uint64_t offset) { end_ = std::min(end_, offset); }
 
+  // The next record is the one that begins there.
+  void go_to(std::uint64_t offset) { next_ = offset; }
+
   // Goes to the next record; false at the end.
   bool next();
 

@@ -78,6 +78,7 @@ enum RecordId : std::uint16_t {
   kMerges = 0xE5,
   kDrawingGroup = 0xEB,
   kDrawing = 0xEC,
+  kDrawingSelection = 0xED,
   kTexts = 0xFC,
   kTextCell = 0xFD,
   kTextIndex = 0xFF,

@@ -258,10 +258,13 @@ void write_cells(SheetWriting& to, RecordReader* /*old*/) {
   for (const std::uint32_t block : to.cells.write()) to.places.push_back({at += 4, block});
 }
 
-bool drawing_differs(const SheetWriting& to) { return to.contents.comments != to.base->comments; }
+bool drawing_differs(const SheetWriting& to) { return to.drawings.differs(to.sheet, *to.drawing); }
 
-void write_drawing(SheetWriting& to, RecordReader* /*old*/) {
-  to.drawings.write_notes(to.out, to.sheet);
+void write_drawing(SheetWriting& to, RecordReader* old) {
+  const auto carry = [&](std::uint64_t begin, std::uint64_t end) {
+    copy_records(*old, begin, end, *to.edits, to.out);
+  };
+  to.drawings.write_sheet(to.out, to.sheet, old ? *to.drawing : DrawingPart(), carry);
 }
 
 void write_merges(SheetWriting& to, RecordReader* /*old*/) {

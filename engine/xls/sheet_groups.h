@@ -8,7 +8,7 @@
 #include "engine/package/little_endian.h"
 #include "engine/xls/book_write.h"
 #include "engine/xls/cells_write.h"
-#include "engine/xls/notes_write.h"
+#include "engine/xls/drawing_write.h"
 #include "engine/xls/record_merge.h"
 #include "engine/xls/record_writer.h"
 #include "engine/xls/sheet_part.h"
@@ -31,7 +31,9 @@ struct SheetWriting {
   CellsWriter& cells;
   Drawings& drawings;
   std::vector<NamedPlace>& places;
-  std::uint64_t index = 0;  // where the record of that name stands, once it is written
+  const DrawingPart* drawing = nullptr;  // that the file has; null for a new sheet
+  const RecordEdits* edits = nullptr;    // of carried records; likewise
+  std::uint64_t index = 0;               // where the record of that name stands, once it is written
 };
 
 struct SheetGroupEntry {

@@ -10,6 +10,7 @@
 #include <map>
 
 #include "engine/workbook/sheet.h"
+#include "engine/xls/drawing_part.h"
 #include "engine/xls/record_merge.h"
 
 namespace engine::xls {
@@ -60,6 +61,7 @@ struct SheetPart {
   bool read = false;
   bool is_copy = false;  // made of another sheet's substream, of which it has a part
   RecordEdits edits;
+  DrawingPart drawing;
 };
 
 using SheetParts = std::map<const Sheet*, SheetPart>;

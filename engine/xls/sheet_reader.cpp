@@ -152,11 +152,16 @@ class SheetReader {
         return read_data_table();
       case kRow:
         return read_row(data);
+      case kDrawing:
+        return reading_.drawing.take_drawing(reader_);
+      case kObject:
+        return reading_.drawing.take_object(reader_);
       case kTextBox:
-        return read_box();
-      // A chart that lies in the sheet, with what it consists of.
+        return reading_.drawing.take_text(reader_);
+      case kContinue:  // else goes with the record in front of it
+        return reading_.drawing.take_continued(reader_);
       case kBof:
-        return pass_substream(reader_, [] {});
+        return reading_.drawing.take_substream(reader_);
       // A person's own view of the sheet, which has records of the same kinds.
       case kUserViewBegin:
         return skip_user_view();
@@ -166,7 +171,6 @@ class SheetReader {
   }
 
   void read_other() {
-    if (reader_.id() == kContinue) return;  // goes with the record in front of it
     const SheetRecord* known = find_sheet_record(reader_.id());
     if (!known || !known->read) return;
     Fields in(reader_.whole_data());
@@ -491,20 +495,6 @@ class SheetReader {
       row_->properties = static_cast<std::uint32_t>(sheet_.row_properties.size());
     }
     sheet_.row_properties[row_->properties - 1] = its;
-  }
-
-  // The text of a box stands in the records that continue it.
-  void read_box() {
-    const std::string_view data = reader_.data();
-    const std::uint16_t box = std::exchange(reading_.box, 0);
-    if (box == 0 || data.size() < 12) return;
-    const std::size_t length = get16(data, 10);
-    std::string& text = reading_.boxes[box];
-    text.clear();
-    if (length == 0) return;
-    ContinuedData in(reader_);
-    in.skip(data.size());
-    in.take_characters(length, false, text);
   }
 
   void skip_user_view() {

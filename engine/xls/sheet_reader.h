@@ -22,6 +22,7 @@ struct SheetContext {
 struct SheetFlags {
   bool selected = false;
   bool r1c1 = false;
+  DrawingPart drawing;
 };
 
 // Fills the empty contents of a sheet. The reader stands in front of the

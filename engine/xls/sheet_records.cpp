@@ -228,30 +228,8 @@ void read_tab(Fields& in, SheetReading& to) {
     to.sheet.tab_color = Color::indexed(color);
 }
 
-// The first thing of an object tells its kind and number.
-void read_object(Fields& in, SheetReading& to) {
-  constexpr unsigned kCommon = 0x15;
-  constexpr unsigned kNoteBox = 0x19;
-  const unsigned first = in.take16();
-  in.skip(2);
-  const unsigned kind = in.take16();
-  const std::uint16_t number = in.take16();
-  to.box = in.ok() && first == kCommon && kind == kNoteBox ? number : std::uint16_t{0};
-}
-
-// Stands behind the objects.
 void read_note(Fields& in, SheetReading& to) {
-  CellAddress cell;
-  cell.row = in.take16();
-  cell.column = in.take16();
-  in.skip(2);
-  const auto box = to.boxes.find(in.take16());
-  if (!in.ok() || !to.context.workbook.limits.grid.holds(cell.row, cell.column)) return;
-  Comment made;
-  if (box != to.boxes.end()) made.text = box->second;
-  made.author = in.take_long_text();
-  if (!in.ok()) made.author.clear();
-  to.sheet.comments.insert_or_assign(cell, std::move(made));
+  to.drawing.take_note(in, to.context.workbook.limits.grid);
 }
 
 // Ascending.
@@ -274,7 +252,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kPrintGridlines, SheetGroup::kPrintGridlines, read_option<&PageSetup::gridlines>},
     {kPane, SheetGroup::kPanes, read_pane},
     {kDefaultColumnWidth, SheetGroup::kColumnWidth, read_default_column_width},
-    {kObject, SheetGroup::kDrawing, read_object},
+    {kObject, SheetGroup::kDrawing, nullptr},
     {kObjectProtect, SheetGroup::kProtection, read_object_protect},
     {kColumns, SheetGroup::kColumns, read_column_run},
     {kGuts, SheetGroup::kOutline, nullptr},
@@ -292,6 +270,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kScenarioProtect, SheetGroup::kProtection, read_scenario_protect},
     {kMerges, SheetGroup::kMerges, read_merges},
     {kDrawing, SheetGroup::kDrawing, nullptr},
+    {kDrawingSelection, SheetGroup::kDrawing, nullptr},
     {kTextCell, SheetGroup::kCells, nullptr},
     {kTextBox, SheetGroup::kDrawing, nullptr},
     {kLink, SheetGroup::kLinks, read_link},
@@ -309,6 +288,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kWindow2, SheetGroup::kWindow, read_window},
     {kRk, SheetGroup::kCells, nullptr},
     {kShared, SheetGroup::kCells, nullptr},
+    {kBof, SheetGroup::kDrawing, nullptr},  // of a chart in it
     {kSheetExtension, SheetGroup::kTab, read_tab},
     {kFeatureHeader, SheetGroup::kPermissions, read_feature_header},
 };
@@ -338,6 +318,7 @@ void finish_sheet_records(SheetReading& reading) {
     free = one.last + 1;
     reading.sheet.columns.append(one);
   }
+  reading.drawing.finish(reading.sheet, reading.context.workbook.limits.grid);
   Protection& protection = reading.sheet.protection;
   if (!protection.on) {
     protection = {};

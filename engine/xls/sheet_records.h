@@ -4,13 +4,12 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "engine/workbook/sheet.h"
+#include "engine/xls/drawing_read.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/sheet_part.h"
 #include "engine/xls/sheet_reader.h"
@@ -20,14 +19,13 @@ namespace engine::xls {
 // What is gathered while the records of a sheet come by.
 struct SheetReading {
   SheetReading(const SheetContext& its_context, SheetContents& contents, SheetFlags& its_flags)
-      : context(its_context), sheet(contents), flags(its_flags) {}
+      : context(its_context), sheet(contents), flags(its_flags), drawing(its_flags.drawing) {}
 
   const SheetContext& context;
   SheetContents& sheet;
   SheetFlags& flags;
-  std::vector<ColumnProperties> columns;       // in the file's order
-  std::map<std::uint16_t, std::string> boxes;  // texts of notes by the numbers of their boxes
-  std::uint16_t box = 0;  // the note's box that was met last; 0 for other things
+  std::vector<ColumnProperties> columns;  // in the file's order
+  DrawingReader drawing;
   bool frozen = false;
   bool preview = false;  // the view shows pages
   bool has_features = false;
@@ -49,7 +47,7 @@ std::optional<SheetGroup> group_of_record(std::uint16_t id, std::string_view dat
 // Puts together what several records say.
 void finish_sheet_records(SheetReading& reading);
 
-// In files of their own: links, and the objects that notes lie in.
+// In a file of its own.
 void read_link(Fields& in, SheetReading& to);
 
 }  // namespace engine::xls

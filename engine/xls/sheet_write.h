@@ -8,7 +8,7 @@
 
 #include "engine/package/compound_file.h"
 #include "engine/xls/book_write.h"
-#include "engine/xls/notes_write.h"
+#include "engine/xls/drawing_write.h"
 #include "engine/xls/record_writer.h"
 #include "engine/xls/sheet_groups.h"
 
