@@ -221,7 +221,7 @@ void write_columns(SheetWriting& to, RecordReader* /*old*/) {
   };
   const double usual =
       width_of_pixels(default_column_pixels(to.contents), to.contents.digit_pixels);
-  for (const ColumnProperties& one : fitted_columns(to.book.book, to.contents)) {
+  for (const ColumnProperties& one : fitted_columns(to.book.book, to.contents, {})) {
     std::uint32_t flags = std::uint32_t{one.outline_level} << 8;
     if (one.hidden) flags |= kHidden;
     if (one.custom_width) flags |= kCustomWidth;
