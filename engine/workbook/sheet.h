@@ -76,7 +76,7 @@ enum class SheetVisibility : std::uint8_t { kVisible, kHidden, kVeryHidden };
 enum class Loading : std::uint8_t {
   kUnread,    // stands in the file and is read when needed
   kRead,      // complete in memory
-  kPartly,    // complete but for the cells and rows outside `loaded_rows`
+  kPartly,    // complete but for the rows outside `loaded_rows`, which have at most their sizes
   kExcluded,  // left out by the caller of a partial load
   kMissing,   // listed in the file, which has no such sheet
 };

@@ -114,6 +114,8 @@ class RowReader::Machine {
   std::uint32_t read_row_attributes();
   bool read_row_attribute(const XmlAttribute& attribute, RowProperties& properties, bool& any,
                           bool& custom_format, std::optional<std::uint32_t>& style);
+  std::uint32_t keep(const RowProperties& properties);
+  void keep_size(const RowProperties& properties);
   void keep_row_children();
   std::uint32_t number_of_details(const std::string& details);
 
@@ -290,11 +292,27 @@ std::uint32_t RowReader::Machine::read_row_attributes() {
     if (!read_row_attribute(one, properties, any, custom_format, style))
       append_attribute(scratch_, one);
   if (custom_format) properties.style = context_.format(style.value_or(0));
-  if (!filter_.keeps(row_)) return 0;
+  if (!filter_.keeps(row_)) {
+    keep_size(properties);
+    return 0;
+  }
   if (!scratch_.empty()) properties.details = number_of_details(scratch_);
-  if (!any && !properties.style && properties.details == 0) return 0;
+  return any || properties.style || properties.details != 0 ? keep(properties) : 0;
+}
+
+std::uint32_t RowReader::Machine::keep(const RowProperties& properties) {
   sheet_.row_properties.push_back(properties);
   return static_cast<std::uint32_t>(sheet_.row_properties.size());
+}
+
+// Of rows that a partial load leaves out: objects on the sheet lie over them.
+void RowReader::Machine::keep_size(const RowProperties& properties) {
+  if (filter_.others || (!properties.height && !properties.hidden)) return;
+  RowProperties size;
+  size.height = properties.height;
+  size.custom_height = properties.custom_height;
+  size.hidden = properties.hidden;
+  sheet_.cells.row_at(row_).properties = keep(size);
 }
 
 bool RowReader::Machine::read_row_attribute(const XmlAttribute& attribute,

@@ -218,11 +218,17 @@ WorksheetText::WorksheetText(const package::XmlTree& tree, const Sheet& sheet,
                              const OutsideRows* outside, const WriteContext& context)
     : context_(context) {
   const std::uint32_t first_text = context.workbook.strings.count_from_file();
-  const auto split = static_cast<std::uint32_t>(sheet.loaded_rows.row_first);
-  const CellStore* others = outside ? &outside->rows.contents().cells : nullptr;
-  if (others) add_run(others->rows(0, split), outside->rows, outside->texts, first_text);
-  add_run(sheet.contents().cells.rows(), sheet, context.workbook, 0);
-  if (others) add_run(others->rows(split), outside->rows, outside->texts, first_text);
+  const CellStore& rows = sheet.contents().cells;
+  if (outside) {
+    const auto first = static_cast<std::uint32_t>(sheet.loaded_rows.row_first);
+    const auto end = static_cast<std::uint32_t>(sheet.loaded_rows.row_last) + 1;
+    const CellStore& others = outside->rows.contents().cells;
+    add_run(others.rows(0, first), outside->rows, outside->texts, first_text);
+    add_run(rows.rows(first, end), sheet, context.workbook, 0);
+    add_run(others.rows(end), outside->rows, outside->texts, first_text);
+  } else {
+    add_run(rows.rows(), sheet, context.workbook, 0);
+  }
   cut_into_blocks();
   make_pieces();
   find_shared();

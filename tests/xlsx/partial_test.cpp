@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "engine/package/file_error.h"
+#include "engine/workbook/metrics.h"
+#include "engine/workbook/move_cells.h"
 #include "engine/workbook/sheet_operations.h"
 #include "tests/xlsx/packages.h"
 
@@ -34,7 +36,28 @@ TEST(PartialLoad, ReadsOnlyItsRows) {
   CellRange used;
   ASSERT_TRUE(book->sheet().contents().cells.used_range(&used));
   EXPECT_EQ(used, (CellRange{1, 1, 0, 1}));
-  EXPECT_EQ(std::ranges::distance(book->sheet().contents().cells.rows()), 1);
+}
+
+// Pictures lie over the other rows as well. An insertion moves these, and they are saved once.
+TEST(PartialLoad, KnowsHowHighTheOtherRowsAre) {
+  const auto book =
+      load_rows(1, 2,
+                std::string(kRows) +
+                    "<row r=\"5\" hidden=\"1\"/><row r=\"6\" ht=\"30\" customHeight=\"1\"/>");
+  const auto sizes = [](const SheetContents& sheet) {
+    std::vector<int> pixels;
+    for (int row = 0; row < 8; ++row) pixels.push_back(row_pixels(sheet, row));
+    return pixels;
+  };
+  EXPECT_THAT(sizes(book->sheet().contents()), testing::ElementsAre(12, 20, 20, 20, 0, 40, 20, 20));
+  const CellsMove below_the_second{{formula::Axis::kRows, formula::Move::Kind::kInsert, 2, 1},
+                                   true};
+  ASSERT_FALSE(move_cells(book->workbook, *book->document, book->sheet(), below_the_second));
+  const auto after = testing::ElementsAre(12, 20, 20, 20, 20, 0, 40, 20);
+  EXPECT_THAT(sizes(book->sheet().contents()), after);
+  const auto again = load(book->save());
+  again->read();
+  EXPECT_THAT(sizes(again->sheet().contents()), after);
 }
 
 TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
