@@ -16,9 +16,12 @@
 
 namespace engine::xls {
 
+struct LoadedFile;
+
 // What the writers of a book's parts share.
 struct BookWriting {
   const Workbook& book;
+  const LoadedFile* file;  // that the book was loaded from; null for a new book
   const SaveOptions& options;
   const StyleNumbers& styles;
   TextNumbers& texts;
@@ -29,9 +32,12 @@ struct BookWriting {
 [[noreturn]] void throw_unwritable(const Sheet& sheet, std::string_view place,
                                    std::string_view what);
 
-// `created` is when the book was begun, in seconds since 1970. Throws FileTargetError or LimitError
-// for what the format cannot hold.
-void write_book(const Workbook& book, const SaveOptions& options, std::int64_t created,
-                package::Output& output);
+// Throw FileTargetError or LimitError for what the format cannot hold. `created` is when the book
+// was begun, in seconds since 1970.
+void write_new_book(const Workbook& book, const SaveOptions& options, std::int64_t created,
+                    package::Output& output);
+// One that was loaded: whatever else its file has comes along.
+void write_loaded_book(const Workbook& book, const LoadedFile& file, const SaveOptions& options,
+                       package::Output& output);
 
 }  // namespace engine::xls

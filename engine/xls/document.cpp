@@ -6,7 +6,9 @@
 #include <utility>
 
 #include "engine/package/file_error.h"
+#include "engine/workbook/cell_ranges.h"
 #include "engine/xls/book_write.h"
+#include "engine/xls/carried_moves.h"
 #include "engine/xls/drawing_read.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/record_reader.h"
@@ -31,13 +33,6 @@ void begin_book(Workbook& book) {
   page.header_margin = page.footer_margin = 0.5;
 }
 
-SheetContents begin_contents(const Workbook& book) {
-  SheetContents contents;
-  contents.default_row_height = book.new_row_height;
-  contents.page = book.new_page;
-  return contents;
-}
-
 }  // namespace
 
 std::unique_ptr<Document> Document::make_new(Workbook& book) {
@@ -50,16 +45,19 @@ std::unique_ptr<Document> Document::make_new(Workbook& book) {
 std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> source,
                                          Workbook& book, LoadScope scope) {
   begin_book(book);
-  const package::CompoundFile file(std::move(source));
-  const package::CompoundEntry* entry = file.find_stream("Workbook");
-  if (!entry) package::throw_damaged("compound file", "stream \"Workbook\" is missing");
   std::unique_ptr<Document> made(new Document);
-  made->stream_ = file.open(*entry);
-  RecordReader reader(made->stream_, 0);
-  read_globals(reader, scope, book, made->globals_);
-  for (std::size_t i = 0; i < book.sheets().size(); ++i)
-    made->sheets_[book.sheets()[i].get()].begin = made->globals_.sheets[i];
-  made->globals_.drawings.look_into(made->stream_, made->globals_.cipher);
+  made->file_ = std::make_unique<LoadedFile>(package::CompoundFile(std::move(source)));
+  LoadedFile& file = *made->file_;
+  file.entry = file.container.find_stream("Workbook");
+  if (!file.entry) package::throw_damaged("compound file", "stream \"Workbook\" is missing");
+  file.stream = file.container.open(*file.entry);
+  RecordReader reader(file.stream, 0);
+  read_globals(reader, scope, book, file.globals);
+  for (std::size_t i = 0; i < book.sheets().size(); ++i) {
+    file.sheets[book.sheets()[i].get()].begin = file.globals.sheets[i];
+    file.ends.insert(file.globals.sheets[i]);
+  }
+  file.globals.drawings.look_into(file.stream, file.globals.cipher);
   made->part_sheets(book);
   made->look_at_tabs(book);
   return made;
@@ -70,10 +68,10 @@ void Document::part_sheets(const Workbook& book) {
   std::map<std::uint32_t, SheetPart*> begins;
   for (const auto& sheet : book.sheets()) {
     if (sheet->kind != SheetKind::kWorksheet) continue;
-    SheetPart& part = sheets_.at(sheet.get());
+    SheetPart& part = file_->sheets.at(sheet.get());
     if (!begins.try_emplace(part.begin, &part).second) part.limit = part.begin;
   }
-  std::uint64_t limit = stream_.size();
+  std::uint64_t limit = file_->stream.size();
   for (auto sheet = begins.rbegin(); sheet != begins.rend(); ++sheet) {
     sheet->second->limit = limit;
     limit = sheet->first;
@@ -84,16 +82,17 @@ void Document::part_sheets(const Workbook& book) {
 // all, and which tabs are selected. For sheets that are read later on that comes with them.
 void Document::look_at_tabs(Workbook& book) {
   bool has_mode = false;
-  std::uint64_t budget = stream_.size() / 4;  // as many records as the stream can hold
+  std::uint64_t budget = file_->stream.size() / 4;  // as many records as the stream can hold
   for (const auto& sheet : book.sheets()) {
     if (sheet->kind == SheetKind::kWorksheet && has_mode) continue;
     try {
-      RecordReader reader(stream_, sheets_.at(sheet.get()).begin, globals_.cipher);
+      RecordReader reader(file_->stream, file_->sheets.at(sheet.get()).begin,
+                          file_->globals.cipher);
       while (budget > 0 && reader.next() && reader.id() != kEof && reader.id() != kDimensions) {
         --budget;
         Fields in(reader.data());
         if (reader.id() == kReferenceMode && sheet->kind == SheetKind::kWorksheet) {
-          book.r1c1 = in.take16() == 0;
+          book.r1c1 = file_->r1c1 = in.take16() == 0;
           has_mode = true;
           break;
         }
@@ -106,20 +105,21 @@ void Document::look_at_tabs(Workbook& book) {
 }
 
 void Document::read_sheet(Workbook& book, Sheet& sheet) {
-  const auto known = sheets_.find(&sheet);
-  if (known == sheets_.end() || known->second.read || sheet.kind != SheetKind::kWorksheet) return;
-  SheetContents contents = begin_contents(book);
+  if (!file_ || sheet.kind != SheetKind::kWorksheet) return;
+  const auto known = file_->sheets.find(&sheet);
+  if (known == file_->sheets.end() || known->second.read) return;
   SheetPart& part = known->second;
+  SheetContents contents = begin_contents(book);
   RowFilter filter;
   if (sheet.loading == Loading::kPartly)
     filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false};
   SheetFlags flags;
-  RecordReader reader(stream_, part.begin, globals_.cipher, sheet.name());
+  RecordReader reader(file_->stream, part.begin, file_->globals.cipher, sheet.name());
   reader.end_at(part.limit);
-  const SheetContext context{book, globals_, sheet, book.strings.count_from_file(), 0};
+  const SheetContext context{book, file_->globals, sheet, book.strings.count_from_file(), 0};
   xls::read_sheet(reader, context, filter, contents, flags);
   part.read = true;
-  place_pictures(flags.drawing, globals_.drawings, pictures_, book.pictures, contents);
+  place_pictures(flags.drawing, file_->globals.drawings, file_->pictures, book.pictures, contents);
   sheet.comments_damage = sheet.drawing_damage = drawing_damage(flags.drawing, sheet);
   part.drawing = std::move(flags.drawing);
   sheet.take(std::move(contents));
@@ -130,17 +130,19 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
 // Why nothing can be added to the drawing of a sheet; empty if it can.
 std::string Document::drawing_damage(const DrawingPart& drawing, const Sheet& sheet) const {
   std::string what = drawing.damage;
-  if (globals_.drawings.is_damaged()) what = "what all drawings share is damaged";
+  if (file_->globals.drawings.is_damaged()) what = "what all drawings share is damaged";
   return what.empty() ? what : "is damaged: Workbook, sheet \"" + sheet.name() + "\", " + what;
 }
 
-void Document::read_pictures(Workbook& book) { pictures_.enter(globals_.drawings, book.pictures); }
+void Document::read_pictures(Workbook& book) {
+  if (file_) file_->pictures.enter(file_->globals.drawings, book.pictures);
+}
 
 void Document::read_picture(Workbook& book, std::size_t index) {
   Picture& picture = book.pictures[index];
-  if (!picture.in_file) return;
+  if (!file_ || !picture.in_file) return;
   auto bytes = std::make_shared<const std::string>(
-      globals_.drawings.picture(pictures_.stored_at(index) - 1));
+      file_->globals.drawings.picture(file_->pictures.stored_at(index) - 1));
   picture.header = read_picture_header(*bytes);
   picture.bytes = std::move(bytes);
   picture.in_file = false;
@@ -148,28 +150,92 @@ void Document::read_picture(Workbook& book, std::size_t index) {
 
 std::unique_ptr<OutsideRows> Document::read_outside(const Workbook& book,
                                                     const Sheet& sheet) const {
-  auto outside = std::make_unique<OutsideRows>(book);
-  SheetContents contents = begin_contents(book);
-  SheetFlags flags;
-  const RowFilter filter{sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, true};
-  const SheetPart& known = sheets_.at(&sheet);
-  RecordReader reader(stream_, known.begin, globals_.cipher, sheet.name());
-  reader.end_at(known.limit);
-  const std::uint32_t texts = book.strings.count_from_file();
-  xls::read_sheet(reader, {outside->texts, globals_, sheet, texts, texts}, filter, contents, flags);
-  outside->rows.take(std::move(contents));
-  return outside;
+  return read_outside_rows(*file_, book, sheet);
 }
 
-// Formulas of sheets that are not read yet have lost what they say of it.
-void Document::remove_sheet(Workbook& /*book*/, Sheet& sheet, const FormulaEdit& /*edit*/) {
-  std::ranges::replace(globals_.links.sheets, static_cast<const Sheet*>(&sheet),
+std::vector<CellRange> Document::pivot_tables(const Workbook& /*book*/, const Sheet& sheet) const {
+  return file_ ? pivot_ranges(*file_, sheet) : std::vector<CellRange>();
+}
+
+// A copy has the records of its original that go with cells.
+std::vector<formula::TableChange> Document::copy_sheet(const Workbook& /*book*/,
+                                                       const Sheet& original, Sheet& copy) {
+  made_.clear();
+  if (!file_) return {};
+  const auto known = file_->sheets.find(&original);
+  if (known == file_->sheets.end()) return {};
+  SheetPart part = known->second;
+  part.is_copy = true;
+  part.drawing = {};
+  made_.emplace(&copy, std::move(part));
+  return {};
+}
+
+void Document::place_sheet(Sheet& sheet) noexcept {
+  if (auto made = made_.extract(&sheet)) file_->sheets.insert(std::move(made));
+}
+
+// Formulas of sheets that are not read yet have lost what they say of it. A run of sheets of which
+// it is an end goes on up to its neighbour.
+void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& /*edit*/) {
+  if (!file_) return;
+  LinkTable& links = file_->globals.links;
+  const auto number =
+      static_cast<std::int16_t>(std::ranges::find(links.sheets, &sheet) - links.sheets.begin());
+  const std::size_t position = book.position(sheet);
+  const auto neighbour = [&](int step) {
+    const Sheet* const next = book.sheets()[position + static_cast<std::size_t>(step)].get();
+    return static_cast<std::int16_t>(std::ranges::find(links.sheets, next) - links.sheets.begin());
+  };
+  for (LinkedSheets& entry : links.entries) {
+    const bool is_own =
+        entry.book < links.books.size() && links.books[entry.book].kind == LinkedBook::Kind::kOwn;
+    if (!is_own || entry.first == entry.last) continue;
+    const Sheet* const other = links.sheet(entry.first == number ? entry.last : entry.first);
+    if (!other || (entry.first != number && entry.last != number)) continue;
+    const std::int16_t next = neighbour(book.position(*other) > position ? 1 : -1);
+    if (static_cast<std::size_t>(next) >= links.sheets.size()) continue;
+    (entry.first == number ? entry.first : entry.last) = next;
+  }
+  std::ranges::replace(links.sheets, static_cast<const Sheet*>(&sheet),
                        static_cast<const Sheet*>(nullptr));
-  sheets_.erase(&sheet);
+  file_->sheets.erase(&sheet);
+}
+
+std::optional<MoveRefusal> Document::refusal_of_move(const Workbook& book, const Sheet& sheet,
+                                                     const formula::Move& move) const {
+  if (!file_) return std::nullopt;
+  const auto part = file_->sheets.find(&sheet);
+  if (part != file_->sheets.end() && move.kind == formula::Move::Kind::kInsert) {
+    const Grid& grid = book.limits.grid;
+    const int size = move.axis == formula::Axis::kRows ? grid.rows : grid.columns;
+    MoveRefusal refusal;
+    refusal.place =
+        last_carried_shape(part->second.drawing, move.axis, std::max(move.at, size - move.count));
+    if (refusal.place >= 0) return refusal;
+  }
+  for (const CellRange& range : pivot_ranges(*file_, sheet)) {
+    const auto to = moved_range(range, move, book.limits.grid);
+    const bool keeps_size =
+        to && to->row_last - to->row_first == range.row_last - range.row_first &&
+        to->column_last - to->column_first == range.column_last - range.column_first;
+    if (keeps_size) continue;
+    MoveRefusal refusal;
+    refusal.kind = MoveRefusal::Kind::kPivotTable;
+    refusal.range = range;
+    return refusal;
+  }
+  return std::nullopt;
+}
+
+std::unique_ptr<CarriedMove> Document::prepare_move(Workbook& book, Sheet& sheet,
+                                                    const formula::Move& move) {
+  return file_ ? move_carried(*file_, book, sheet, move) : nullptr;
 }
 
 void Document::save(const Workbook& book, const SaveOptions& options, package::Output& output) {
-  write_book(book, options, created_.value_or(0), output);
+  if (file_) write_loaded_book(book, *file_, options, output);
+  else write_new_book(book, options, created_, output);
 }
 
 }  // namespace engine::xls

@@ -7,13 +7,12 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <vector>
 
-#include "engine/package/compound_file.h"
 #include "engine/workbook/codec.h"
 #include "engine/workbook/document.h"
 #include "engine/workbook/workbook.h"
-#include "engine/xls/globals.h"
-#include "engine/xls/sheet_part.h"
+#include "engine/xls/loaded_file.h"
 
 namespace engine::xls {
 
@@ -30,9 +29,15 @@ class Document : public engine::Document {
                                             const Sheet& sheet) const override;
   void read_pictures(Workbook& book) override;
   void read_picture(Workbook& book, std::size_t index) override;
+  std::vector<CellRange> pivot_tables(const Workbook& book, const Sheet& sheet) const override;
+  std::vector<formula::TableChange> copy_sheet(const Workbook& book, const Sheet& original,
+                                               Sheet& copy) override;
+  void place_sheet(Sheet& sheet) noexcept override;
   void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
-  // Carried records of a loaded file cannot be put back in their places yet.
-  bool is_savable() const override { return created_.has_value(); }
+  std::optional<MoveRefusal> refusal_of_move(const Workbook& book, const Sheet& sheet,
+                                             const formula::Move& move) const override;
+  std::unique_ptr<CarriedMove> prepare_move(Workbook& book, Sheet& sheet,
+                                            const formula::Move& move) override;
   void save(const Workbook& book, const SaveOptions& options, package::Output& output) override;
 
  private:
@@ -42,11 +47,9 @@ class Document : public engine::Document {
   void look_at_tabs(Workbook& book);
   std::string drawing_damage(const DrawingPart& drawing, const Sheet& sheet) const;
 
-  std::optional<std::int64_t> created_;  // of a new book: when, in seconds since 1970
-  package::CompoundStream stream_;
-  Globals globals_;
-  LoadedPictures pictures_;
-  SheetParts sheets_;
+  std::int64_t created_ = 0;          // of a new book: when, in seconds since 1970
+  std::unique_ptr<LoadedFile> file_;  // null for a new book
+  SheetParts made_;                   // of copies that have no place in the book yet
 };
 
 }  // namespace engine::xls

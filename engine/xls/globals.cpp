@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "engine/package/file_error.h"
+#include "engine/xls/built_in_names.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/records.h"
 #include "engine/xls/styles_read.h"
@@ -16,20 +17,6 @@
 namespace engine::xls {
 
 namespace {
-
-// Names that the format gives numbers to.
-constexpr std::string_view kBuiltInNames[] = {
-    "Consolidate_Area", "Auto_Open",       "Auto_Close",   "Extract",         "Database",
-    "Criteria",         "Print_Area",      "Print_Titles", "Recorder",        "Data_Form",
-    "Auto_Activate",    "Auto_Deactivate", "Sheet_Title",  "_FilterDatabase",
-};
-
-std::string built_in_name(std::string_view character) {
-  const std::size_t number =
-      character.size() == 1 ? static_cast<unsigned char>(character[0]) : 0xFF;
-  if (number >= std::size(kBuiltInNames)) return "_xlnm." + std::string(character);
-  return "_xlnm." + std::string(kBuiltInNames[number]);
-}
 
 class GlobalsReader {
  public:
@@ -75,7 +62,7 @@ class GlobalsReader {
         book_.is_template = true;
         break;
       case kDateMode:
-        book_.date1904 = in.take16() == 1;
+        book_.date1904 = globals_.date1904 = in.take16() == 1;
         break;
       case kWindow1:
         in.skip(10);
@@ -226,10 +213,10 @@ class GlobalsReader {
     if (book_.active_sheet >= book_.sheets().size()) book_.active_sheet = 0;
     if (!everything_) return;
     book_.strings.end_of_file_entries();
-    globals_.formats = styles_.finish(book_.styles);
+    globals_.styles = styles_.finish(book_.styles);
     TokenReader tokens(globals_.links, book_.limits.grid);
     for (const WaitingName& waiting : names_) {
-      const NumberedName& numbered = globals_.links.names[waiting.number];
+      NumberedName& numbered = globals_.links.names[waiting.number];
       DefinedName made;
       const auto sheet = static_cast<std::size_t>(numbered.sheet);
       if (sheet > globals_.links.sheets.size()) continue;
@@ -239,6 +226,7 @@ class GlobalsReader {
       made.definition = tokens.text();
       made.hidden = waiting.hidden;
       made.details = std::to_string(waiting.number);
+      numbered.is_defined = true;
       book_.names.add(std::move(made));
     }
   }

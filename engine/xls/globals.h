@@ -11,6 +11,7 @@
 #include "engine/xls/drawing_group.h"
 #include "engine/xls/link_table.h"
 #include "engine/xls/record_reader.h"
+#include "engine/xls/styles_read.h"
 
 namespace engine::xls {
 
@@ -18,12 +19,12 @@ struct Globals {
   std::optional<Cipher> cipher;  // of an encrypted stream
   LinkTable links;
   DrawingGroup drawings;
-  std::vector<std::uint32_t> sheets;   // where their substreams begin, in the file's order
-  std::vector<std::uint32_t> formats;  // numbers in the model by those of the file
+  std::vector<std::uint32_t> sheets;  // where their substreams begin, in the file's order
+  FileStyles styles;
+  bool date1904 = false;
 
-  std::uint32_t format(std::size_t number) const {
-    return number < formats.size() ? formats[number] : 0;
-  }
+  // The number in the model of a format.
+  std::uint32_t format(std::size_t number) const { return styles.format(number); }
 };
 
 // Reads from the stream's beginning into an empty workbook, of which the sheets stay unread. Throws

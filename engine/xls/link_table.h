@@ -39,7 +39,8 @@ struct LinkedSheets {
 // A name of the book, as formulas refer to it: by its number, from 1.
 struct NumberedName {
   std::string name;
-  int sheet = 0;  // as LinkedBook::Name
+  int sheet = 0;            // as LinkedBook::Name
+  bool is_defined = false;  // the model has it, or had it once
 };
 
 class LinkTable {
@@ -53,17 +54,17 @@ class LinkTable {
 
   // What stands in front of a reference, with "!"; for a sheet that is gone #REF!.
   std::string prefix(std::uint16_t entry) const;
-  // A name that an entry's book has; empty when there is none.
-  std::string name(std::uint16_t entry, std::uint32_t number) const;
-  // A name of this book in a formula of a sheet; null stands for none.
-  std::string name(std::uint32_t number, const Sheet* from) const;
-
- private:
+  // A sheet of the file by its number, from 0; null for one that has left the book.
   const Sheet* sheet(int number) const {
     return number >= 0 && static_cast<std::size_t>(number) < sheets.size()
                ? sheets[static_cast<std::size_t>(number)]
                : nullptr;
   }
+
+  // A name that an entry's book has; empty when there is none.
+  std::string name(std::uint16_t entry, std::uint32_t number) const;
+  // A name of this book in a formula of a sheet; null stands for none.
+  std::string name(std::uint32_t number, const Sheet* from) const;
 };
 
 }  // namespace engine::xls

@@ -114,7 +114,7 @@ enum RecordId : std::uint16_t {
   kNumberFormat = 0x41E,
   kShared = 0x4BC,
   kBof = 0x809,
-  kContinueFuture = 0x812,
+  kFutureContinue = 0x812,
   kSheetExtension = 0x862,
   kFeatureHeader = 0x867,
   kLaterConditions = 0x879,

@@ -33,7 +33,8 @@ bool always(const SheetWriting& /*to*/) { return true; }
 // Where in the record the first place is named: that of the columns, behind the rows.
 constexpr std::uint64_t kFirstPlace = 16;
 
-void write_index(SheetWriting& to, RecordReader* /*old*/) {
+void write_index(SheetWriting& to, RecordReader* old) {
+  if (to.base && !old) return;  // whoever wrote the file did without
   to.index = to.out.position();
   to.out.begin(kIndex);
   to.out.put32(0);
@@ -50,7 +51,8 @@ void write_calculation(SheetWriting& to, RecordReader* /*old*/) {
   to.out.record(kCalculationCount, {100});
 }
 
-void write_reference_mode(SheetWriting& to, RecordReader* /*old*/) {
+void write_reference_mode(SheetWriting& to, RecordReader* old) {
+  if (to.base && !old && !to.book.book.r1c1) return;
   put_flag(to, kReferenceMode, !to.book.book.r1c1);
 }
 
@@ -159,6 +161,7 @@ void write_outline(SheetWriting& to, RecordReader* old) {
   const std::uint32_t columns = depth(formula::Axis::kColumns, grid.columns);
   const auto pixels = [](std::uint32_t levels) { return levels == 0 ? 0 : 17 + 12 * levels; };
   const auto shown = [](std::uint32_t levels) { return levels == 0 ? 0 : levels + 1; };
+  if (to.base && !old && rows == 0 && columns == 0) return;
   PatchedData data(old, 8);
   const bool same = data.get16(4) == shown(rows) && data.get16(6) == shown(columns);
   if (same && !data.is_new()) return put_data(to, kGuts, data);
@@ -246,7 +249,7 @@ void write_standard_width(SheetWriting& to, RecordReader* /*old*/) {
 
 void write_cells(SheetWriting& to, RecordReader* /*old*/) {
   CellRange used;
-  const bool any = to.contents.cells.used_range(&used);
+  const bool any = to.cells.used_range(&used);
   to.out.begin(kDimensions);
   to.out.put32(any ? unsigned_of(used.row_first) : 0);
   to.out.put32(any ? unsigned_of(used.row_last + 1) : 0);
@@ -255,7 +258,8 @@ void write_cells(SheetWriting& to, RecordReader* /*old*/) {
   to.out.put16(0);
   to.out.end();
   std::uint64_t at = to.index + kFirstPlace;
-  for (const std::uint32_t block : to.cells.write()) to.places.push_back({at += 4, block});
+  for (const std::uint32_t block : to.cells.write())
+    if (to.index != 0) to.places.push_back({at += 4, block});
 }
 
 bool drawing_differs(const SheetWriting& to) { return to.drawings.differs(to.sheet, *to.drawing); }
@@ -312,6 +316,7 @@ void write_window(SheetWriting& to, RecordReader* old) {
   constexpr std::uint32_t kLineColor = 64;
   const Workbook& book = to.book.book;
   const bool active = book.sheets()[book.active_sheet].get() == &to.sheet;
+  if (to.base && !old && to.contents.view == to.base->view && !active && !to.sheet.selected) return;
   PatchedData data(old, old ? 6 : kSize);
   if (data.is_new()) {
     data.set16(0, kUsual);

@@ -9,6 +9,7 @@
 #include "engine/xls/book_write.h"
 #include "engine/xls/cells_write.h"
 #include "engine/xls/drawing_write.h"
+#include "engine/xls/fields.h"
 #include "engine/xls/record_merge.h"
 #include "engine/xls/record_writer.h"
 #include "engine/xls/sheet_part.h"

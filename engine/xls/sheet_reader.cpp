@@ -1,6 +1,7 @@
 #include "engine/xls/sheet_reader.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <map>
@@ -46,6 +47,13 @@ Expression take_expression(Fields& in) {
   made.tokens = in.take(size);
   made.behind = in.rest();
   return made;
+}
+
+// An expression as it is kept for a save, behind its size.
+std::string unread(const Expression& expression) {
+  std::string kept;
+  package::put16(kept, expression.tokens.size());
+  return kept.append(expression.tokens).append(expression.behind);
 }
 
 // Whether an expression only names the cell where its formula stands, and which.
@@ -110,6 +118,8 @@ class SheetReader {
     CellAddress at;
     CellAddress elsewhere;
   };
+
+  static constexpr unsigned kRowDetails = 7;
 
   static bool belongs_to_formula(std::uint16_t id) {
     return id == kString || id == kShared || id == kArray || id == kDataTable;
@@ -298,7 +308,7 @@ class SheetReader {
   void read_expression(const Expression& expression, CellAddress at, Pending& to) {
     if (tokens_.read(expression.tokens, expression.behind, {&context_.sheet, at}))
       to.formula = tokens_.text();
-    else to.raw.assign(expression.tokens).append(expression.behind);
+    else to.raw = unread(expression);
   }
 
   void read_formula_text() {
@@ -365,7 +375,7 @@ class SheetReader {
     const bool has_text =
         tokens_.read(expression.tokens, expression.behind, {&context_.sheet, first});
     std::string raw;
-    if (!has_text) raw.assign(expression.tokens).append(expression.behind);
+    if (!has_text) raw = unread(expression);
     take_array(range, FormulaForm::kArray, has_text ? tokens_.text() : std::string(), raw);
   }
 
@@ -486,7 +496,9 @@ class SheetReader {
     its.hidden = (flags & kHidden) != 0;
     its.collapsed = (flags & kCollapsed) != 0;
     its.outline_level = static_cast<std::uint8_t>(flags & 7);
-    if ((flags & kHasFormat) != 0) its.style = context_.globals.format(get16(data, 14) & 0xFFFU);
+    const unsigned format = get16(data, 14);
+    if ((flags & kHasFormat) != 0) its.style = context_.globals.format(format & 0xFFFU);
+    its.details = row_details(format >> 12);
     // Where rows are hidden, those that are not are told of by standing here.
     if (its == RowProperties() && !sheet_.hides_rows) return;
     row_ = &sheet_.cells.row_at(row);
@@ -495,6 +507,17 @@ class SheetReader {
       row_->properties = static_cast<std::uint32_t>(sheet_.row_properties.size());
     }
     sheet_.row_properties[row_->properties - 1] = its;
+  }
+
+  // Lines and readings that make a row higher; 0 for none of these.
+  std::uint32_t row_details(unsigned bits) {
+    if ((bits & kRowDetails) == 0) return 0;
+    std::uint32_t& number = row_details_[bits & kRowDetails];
+    if (number == 0) {
+      sheet_.row_details.emplace_back(1, static_cast<char>(bits & kRowDetails));
+      number = static_cast<std::uint32_t>(sheet_.row_details.size());
+    }
+    return number;
   }
 
   void skip_user_view() {
@@ -515,6 +538,7 @@ class SheetReader {
   std::map<CellAddress, Shared> shared_;
   std::set<CellAddress> arrays_;  // where cells of arrays say that the formula stands
   std::vector<Waiting> waiting_;
+  std::array<std::uint32_t, kRowDetails + 1> row_details_{};  // their numbers in the model
   std::size_t expanded_ = 0;  // bytes of expressions that were read for one cell more, and of texts
 };
 

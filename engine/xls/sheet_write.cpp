@@ -1,15 +1,24 @@
 #include "engine/xls/sheet_write.h"
 
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "engine/package/file_error.h"
+#include "engine/xls/loaded_file.h"
+#include "engine/xls/sheet_reader.h"
 #include "engine/xls/sheet_records.h"
 
 namespace engine::xls {
 
 namespace {
 
-// The groups of a sheet that the file has, or of a new one.
+// Groups of a sheet's records that are written from the model.
 class SheetGroups : public GroupWriter {
  public:
-  explicit SheetGroups(SheetWriting& to) : to_(to) {}
+  SheetGroups(SheetWriting& to, bool is_copy) : to_(to), is_copy_(is_copy) {}
 
   std::size_t count() const override { return kSheetGroups; }
 
@@ -19,7 +28,9 @@ class SheetGroups : public GroupWriter {
   }
 
   Mode mode(std::size_t group) const override {
-    return entry_of(static_cast<SheetGroup>(group)).changed(to_) ? Mode::kReplace : Mode::kCopy;
+    const auto its = static_cast<SheetGroup>(group);
+    const bool is_new = is_copy_ && its == SheetGroup::kDrawing;
+    return is_new || entry_of(its).changed(to_) ? Mode::kReplace : Mode::kCopy;
   }
 
   void write(std::size_t group, RecordReader* old) override {
@@ -28,11 +39,196 @@ class SheetGroups : public GroupWriter {
 
   bool takes(const RecordReader& record) override {
     if (record.id() == kDefaultColumnWidth) note_columns(to_);
-    return true;
+    // What begins inside is a chart.
+    if (record.id() == kBof && std::exchange(began_, true)) return !is_copy_;
+    return !is_copy_ || is_copied(record.id());
   }
 
  private:
+  // What comes along with a copy of the sheet beside what the model has.
+  static bool is_copied(std::uint16_t id) {
+    constexpr std::uint16_t kCopied[] = {kConditions, kCondition, kLaterConditions, kLaterCondition,
+                                         kConditionExtension};
+    return find_sheet_record(id) || id == kBof ||
+           std::ranges::find(kCopied, id) != std::end(kCopied);
+  }
+
   SheetWriting& to_;
+  const bool is_copy_;
+  bool began_ = false;
+};
+
+// The same of a sheet that goes out as it is: places in the stream, and what is said in each sheet
+// though it is the book's.
+class StoredGroups : public GroupWriter {
+ public:
+  // `shift` is how much further behind the sheet begins than in the file, less where the output of
+  // sheets begins.
+  StoredGroups(SheetWriting& to, std::int64_t shift) : to_(to), shift_(shift) {}
+
+  std::size_t count() const override { return kSheetGroups; }
+
+  std::optional<std::size_t> group_of(const RecordReader& record) const override {
+    switch (record.id()) {
+      case kIndex:
+        return static_cast<std::size_t>(SheetGroup::kIndex);
+      case kReferenceMode:
+        return static_cast<std::size_t>(SheetGroup::kReferenceMode);
+      case kWindow2:
+        return static_cast<std::size_t>(SheetGroup::kWindow);
+      default:
+        return std::nullopt;
+    }
+  }
+
+  // Of a sheet that nobody has read, nobody has changed which tabs are selected.
+  Mode mode(std::size_t group) const override {
+    const BookWriting& book = to_.book;
+    bool writes = false;
+    switch (static_cast<SheetGroup>(group)) {
+      case SheetGroup::kIndex:
+        writes = true;
+        break;
+      case SheetGroup::kReferenceMode:
+        writes = book.book.r1c1 != book.file->r1c1 && to_.sheet.kind == SheetKind::kWorksheet;
+        break;
+      case SheetGroup::kWindow:
+        writes = to_.sheet.loading == Loading::kRead || to_.sheet.loading == Loading::kPartly;
+        break;
+      default:
+        break;
+    }
+    return writes ? Mode::kReplace : Mode::kCopy;
+  }
+
+  void write(std::size_t group, RecordReader* old) override {
+    if (!old) return;
+    const auto its = static_cast<SheetGroup>(group);
+    if (its == SheetGroup::kIndex) write_index(*old);
+    else entry_of(its).write(to_, old);
+  }
+
+ private:
+  void write_index(RecordReader& old) {
+    const std::string_view data = old.data();
+    const std::uint64_t begin = to_.out.position() + 4;
+    for (std::size_t at = 12; at + 4 <= data.size(); at += 4)
+      if (const std::uint32_t place = package::get32(data, at); place != 0)
+        to_.places.push_back(
+            {begin + at, static_cast<std::uint64_t>(std::int64_t{place} + shift_)});
+    to_.out.copy(kIndex, data);
+  }
+
+  SheetWriting& to_;
+  const std::int64_t shift_;
+};
+
+class SheetsWriter {
+ public:
+  SheetsWriter(RecordWriter& out, const BookWriting& book, Drawings& drawings,
+               std::vector<NamedPlace>& places)
+      : out_(out), book_(book), drawings_(drawings), places_(places) {}
+
+  std::uint64_t write(const Sheet& sheet) {
+    const std::uint64_t begin = out_.position();
+    const SheetPart* const part = part_of(sheet);
+    if (!part) {
+      write_new(sheet);
+    } else if (part->is_copy || sheet.changed()) {
+      write_changed(sheet, *part);
+    } else {
+      // Sheets that the file lets begin at one place go on to do so.
+      const auto [known, is_first] = stored_.try_emplace(part->begin, begin);
+      if (!is_first) return known->second;
+      if (part->begin >= book_.file->stream.size()) return known->second = kNowhere;
+      write_stored(sheet, *part);
+    }
+    return begin;
+  }
+
+ private:
+  const SheetPart* part_of(const Sheet& sheet) const {
+    if (!book_.file) return nullptr;
+    const auto found = book_.file->sheets.find(&sheet);
+    return found == book_.file->sheets.end() ? nullptr : &found->second;
+  }
+
+  RecordReader reader_of(const Sheet& sheet, const SheetPart& part) const {
+    const LoadedFile& file = *book_.file;
+    RecordReader reader(file.stream, part.begin, file.globals.cipher, sheet.name());
+    reader.end_at(file.end_of(part.begin));
+    return reader;
+  }
+
+  void write_new(const Sheet& sheet) {
+    CellsWriter cells(out_, book_, sheet);
+    SheetWriting to{out_, book_, sheet, sheet.contents(), nullptr, cells, drawings_, places_};
+    SheetGroups groups(to, false);
+    write_beginning(out_, kSheetStream);
+    write_groups(groups);
+    out_.record(kEof, {});
+  }
+
+  void write_changed(const Sheet& sheet, const SheetPart& part) {
+    const LoadedFile& file = *book_.file;
+    const RecordReader reader = reader_of(sheet, part);
+    const std::uint32_t texts = book_.book.strings.count_from_file();
+    // Rows that a partial load has left out, unless they have been read again meanwhile.
+    std::unique_ptr<OutsideRows> outside;
+    StoredCells stored;
+    if (sheet.loading == Loading::kPartly) {
+      if (!sheet.outside) outside = read_outside_rows(file, book_.book, sheet);
+      stored.outside = sheet.outside ? sheet.outside.get() : outside.get();
+    }
+    StoredFormulas formulas(reader, file.globals.links, book_.book.limits.grid, sheet);
+    stored.formulas = &formulas;
+    CellsWriter cells(out_, book_, sheet, stored);
+
+    constexpr RowFilter kNoRows{1, 0, false};
+    Workbook scratch(book_.book.limits);
+    SheetContents base = begin_contents(book_.book);
+    SheetFlags flags;
+    RecordReader records(reader);
+    read_sheet(records, {scratch, file.globals, sheet, texts, texts}, kNoRows, base, flags);
+    SheetWriting to{out_,  book_,     sheet,   sheet.contents(), &base,
+                    cells, drawings_, places_, &part.drawing,    &part.edits};
+    SheetGroups groups(to, part.is_copy);
+    merge_records(reader, part.edits, out_, groups);
+  }
+
+  void write_stored(const Sheet& sheet, const SheetPart& part) {
+    const std::uint64_t begin = out_.position();
+    const std::int64_t shift =
+        static_cast<std::int64_t>(begin) - static_cast<std::int64_t>(part.begin);
+    CellsWriter cells(out_, book_, sheet);
+    SheetWriting to{out_,  book_,     sheet,  sheet.contents(), &sheet.contents(),
+                    cells, drawings_, places_};
+    StoredGroups groups(to, shift);
+    const RecordReader reader = reader_of(sheet, part);
+    if (is_whole(reader)) merge_records(reader, part.edits, out_, groups);
+    else copy_damaged(reader);
+  }
+
+  static bool is_whole(RecordReader reader) try {
+    if (!reader.next()) return false;
+    pass_substream(reader, [] {});
+    return true;
+  } catch (const package::FileError&) {
+    return false;
+  }
+
+  // What cannot be read goes out as far as it is records.
+  void copy_damaged(RecordReader reader) try {
+    while (reader.next()) out_.copy(reader.id(), reader.data());
+  } catch (const package::FileError&) {
+    return;
+  }
+
+  RecordWriter& out_;
+  const BookWriting& book_;
+  Drawings& drawings_;
+  std::vector<NamedPlace>& places_;
+  std::map<std::uint64_t, std::uint64_t> stored_;  // where those went that are as they were
 };
 
 }  // namespace
@@ -45,14 +241,12 @@ void write_beginning(RecordWriter& out, std::uint16_t kind) {
   out.record(kBof, {kVersion8, kind, kBuild, kYear, kHistory, 0, kOldestReader, 0});
 }
 
-void write_new_sheet(RecordWriter& out, const BookWriting& book, const Sheet& sheet,
-                     Drawings& drawings, std::vector<NamedPlace>& places) {
-  CellsWriter cells(out, book, sheet);
-  SheetWriting to{out, book, sheet, sheet.contents(), nullptr, cells, drawings, places};
-  SheetGroups groups(to);
-  write_beginning(out, kSheetStream);
-  write_groups(groups);
-  out.record(kEof, {});
+std::vector<std::uint64_t> write_sheets(RecordWriter& out, const BookWriting& book,
+                                        Drawings& drawings, std::vector<NamedPlace>& places) {
+  SheetsWriter writer(out, book, drawings, places);
+  std::vector<std::uint64_t> beginnings;
+  for (const auto& sheet : book.book.sheets()) beginnings.push_back(writer.write(*sheet));
+  return beginnings;
 }
 
 }  // namespace engine::xls

@@ -3,10 +3,9 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <limits>
 #include <vector>
 
-#include "engine/package/compound_file.h"
 #include "engine/xls/book_write.h"
 #include "engine/xls/drawing_write.h"
 #include "engine/xls/record_writer.h"
@@ -14,8 +13,12 @@
 
 namespace engine::xls {
 
-void write_new_sheet(RecordWriter& out, const BookWriting& book, const Sheet& sheet,
-                     Drawings& drawings, std::vector<NamedPlace>& places);
+// In place of the beginning of a sheet that the file does not have.
+inline constexpr std::uint64_t kNowhere = std::numeric_limits<std::uint64_t>::max();
+
+// Writes all sheets in their order and gives where they begin.
+std::vector<std::uint64_t> write_sheets(RecordWriter& out, const BookWriting& book,
+                                        Drawings& drawings, std::vector<NamedPlace>& places);
 
 // The first record of a substream.
 void write_beginning(RecordWriter& out, std::uint16_t kind);

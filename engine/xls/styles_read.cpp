@@ -1,6 +1,7 @@
 #include "engine/xls/styles_read.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "engine/xls/fields.h"
 
@@ -102,36 +103,37 @@ Look read_format(std::string_view record, const std::vector<std::uint32_t>& font
   return look;
 }
 
+std::size_t font_of(std::string_view format) { return Fields(format).take16(); }
+
+}  // namespace
+
+std::uint32_t number_of_font(std::size_t place) {
+  return static_cast<std::uint32_t>(place < kNoFont ? place : place + 1);
+}
+
 bool is_of_style(std::string_view format) {
   Fields in(format);
   in.skip(4);
   return (in.take16() & kStyleFlag) != 0;
 }
 
-std::size_t font_of(std::string_view format) { return Fields(format).take16(); }
-
-// The number that formats call the font record of that place by.
-std::size_t number_of_font(std::size_t place) { return place < kNoFont ? place : place + 1; }
-
-}  // namespace
-
-// Gives the fonts' numbers in the model by those of the file.
-std::vector<std::uint32_t> StylesReader::append_fonts(Styles& styles) const {
-  std::vector<bool> used(number_of_font(fonts_.size()) + 1);
-  for (const std::string& format : formats_)
+std::vector<std::uint32_t> StylesReader::append_fonts(Styles& styles) {
+  const std::vector<std::string>& fonts = file_.fonts;
+  std::vector<bool> used(number_of_font(fonts.size()) + 1);
+  for (const std::string& format : file_.formats)
     if (!is_of_style(format) && font_of(format) < used.size()) used[font_of(format)] = true;
   std::vector<std::uint32_t> numbers(used.size());
-  for (std::size_t place = 0; place < fonts_.size(); ++place) {
-    const bool spare =
-        place > 0 && place < kAlikeFonts && fonts_[place] == fonts_[0] && !used[place];
+  for (std::size_t place = 0; place < fonts.size(); ++place) {
+    const bool spare = place > 0 && place < kAlikeFonts && fonts[place] == fonts[0] && !used[place];
+    file_.font_models.push_back(spare ? FileStyles::kNone : styles.font_count());
     if (spare) continue;
     numbers[number_of_font(place)] = styles.font_count();
-    styles.append_font(read_font(fonts_[place]));
+    styles.append_font(read_font(fonts[place]));
   }
   return numbers;
 }
 
-std::vector<std::uint32_t> StylesReader::finish(Styles& styles) const {
+FileStyles StylesReader::finish(Styles& styles) {
   styles.begin_file_entries();
   Fields palette(palette_);
   const std::size_t colors = std::min<std::size_t>(palette.take16(), kPaletteSize);
@@ -146,21 +148,22 @@ std::vector<std::uint32_t> StylesReader::finish(Styles& styles) const {
     Fields in(format);
     const std::uint16_t id = in.take16();
     const std::string code = in.take_long_text();
-    if (in.ok()) styles.define_number_format(id, code);
+    if (!in.ok()) continue;
+    styles.define_number_format(id, code);
+    file_.number_formats.push_back(id);
   }
   const std::vector<std::uint32_t> fonts = append_fonts(styles);
-  std::vector<std::uint32_t> numbers;
   std::uint32_t count = 0;
-  for (const std::string& format : formats_) {
+  for (const std::string& format : file_.formats) {
     const bool of_cells = !is_of_style(format);
-    numbers.push_back(of_cells ? count : 0);
+    file_.format_models.push_back(of_cells ? count : FileStyles::kNone);
     if (!of_cells) continue;
     const Look look = read_format(format, fonts);
     styles.append_format(look.format, look.border, look.fill);
     ++count;
   }
   styles.end_of_file_entries();
-  return numbers;
+  return std::move(file_);
 }
 
 }  // namespace engine::xls

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/package/compound_file.h"
 #include "engine/package/compound_writer.h"
 #include "engine/package/little_endian.h"
 #include "engine/package/output.h"
@@ -16,6 +17,7 @@
 #include "engine/text/utf16.h"
 #include "engine/workbook/workbook.h"
 #include "engine/xls/codec.h"
+#include "engine/xls/record_reader.h"
 
 namespace engine::xls::testing {
 
@@ -102,6 +104,16 @@ inline std::string file_of(std::string_view stream) {
   return std::string(output.view());
 }
 
+// The records of a file by their numbers, in their order; those that continue one count as its own.
+inline std::vector<std::pair<unsigned, std::string>> records_of(const std::string& file) {
+  const package::CompoundFile compound(package::Source::from_bytes({file.begin(), file.end()}));
+  const package::CompoundStream stream = compound.open(*compound.find_stream("Workbook"));
+  RecordReader reader(stream, 0);
+  std::vector<std::pair<unsigned, std::string>> records;
+  while (reader.next()) records.emplace_back(reader.id(), std::string(reader.data()));
+  return records;
+}
+
 // A book that was loaded from bytes. Throws FileError.
 struct LoadedBook {
   explicit LoadedBook(std::string_view file, LoadScope scope = LoadScope::kEverything)
@@ -114,6 +126,12 @@ struct LoadedBook {
     Sheet& found = *book.sheets()[index];
     document->read_sheet(book, found);
     return found;
+  }
+
+  std::string file(const SaveOptions& options = {}) {
+    package::MemoryOutput output;
+    document->save(book, options, output);
+    return std::string(output.view());
   }
 
   Workbook book;

@@ -11,11 +11,12 @@ namespace engine::xls {
 namespace {
 
 struct Stage {
-  Stage() : book(kCodec.limits), links((add("One"), add("Two 2"), book)) {}
+  Stage() : book(kCodec.limits), links((add("One"), add("Two 2"), book), no_links) {}
 
   void add(const char* name) { book.add_sheet(std::make_unique<Sheet>(name)); }
 
   Workbook book;
+  LinkTable no_links;
   LinkWriter links;
   TokenWriter writer{links, book.limits.grid};
 };

@@ -5,7 +5,6 @@
 #include <limits>
 #include <map>
 
-#include "engine/package/compound_file.h"
 #include "engine/workbook/print_names.h"
 #include "engine/workbook/sheet_operations.h"
 #include "engine/xls/cells_write.h"
@@ -52,16 +51,6 @@ struct NewBook {
   Workbook book;
   std::unique_ptr<engine::Document> document;
 };
-
-// The records of a file by their numbers, in their order; those that continue one count as its own.
-std::vector<std::pair<unsigned, std::string>> records_of(const std::string& file) {
-  const package::CompoundFile compound(package::Source::from_bytes({file.begin(), file.end()}));
-  const package::CompoundStream stream = compound.open(*compound.find_stream("Workbook"));
-  RecordReader reader(stream, 0);
-  std::vector<std::pair<unsigned, std::string>> records;
-  while (reader.next()) records.emplace_back(reader.id(), std::string(reader.data()));
-  return records;
-}
 
 std::size_t count_of(const std::string& file, unsigned id) {
   std::size_t count = 0;

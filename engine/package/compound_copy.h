@@ -1,0 +1,19 @@
+// Writing a compound file again with one of its streams replaced.
+#pragma once
+
+#include <functional>
+#include <string_view>
+
+#include "engine/package/compound_file.h"
+#include "engine/package/compound_writer.h"
+
+namespace engine::package {
+
+// Folders and streams keep their names, bytes, class identifiers and dates. Those that `leaves_out`
+// names are not copied, nor is what lies in such a folder, nor the second of two equal names.
+// `write` is called where the bytes of the replaced stream belong.
+void copy_compound(const CompoundFile& file, const CompoundEntry& replaced, Output& output,
+                   const std::function<bool(const CompoundEntry&)>& leaves_out,
+                   const std::function<void(CompoundWriter&)>& write);
+
+}  // namespace engine::package

@@ -1,0 +1,20 @@
+// What a file carries when rows or columns of a sheet are inserted or removed: the ranges of
+// conditional formats and pivot tables, selections, and formulas of conditional formats and charts.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "engine/formula/interval.h"
+#include "engine/workbook/document.h"
+#include "engine/xls/loaded_file.h"
+
+namespace engine::xls {
+
+// The ranges that pivot tables of a sheet fill.
+std::vector<CellRange> pivot_ranges(const LoadedFile& file, const Sheet& sheet);
+
+std::unique_ptr<CarriedMove> move_carried(LoadedFile& file, const Workbook& book,
+                                          const Sheet& sheet, const formula::Move& move);
+
+}  // namespace engine::xls
