@@ -7,6 +7,7 @@
 
 #include "engine/formula/formula_text.h"
 #include "engine/workbook/filter_matcher.h"
+#include "engine/workbook/print_names.h"
 
 namespace engine {
 
@@ -51,6 +52,11 @@ class HiddenRows {
 };
 
 }  // namespace
+
+std::optional<CellRange> named_filter_range(const Workbook& book, const Sheet& sheet) {
+  const std::vector<CellRange> ranges = ranges_of(book, sheet, kName);
+  return ranges.size() == 1 ? std::optional(ranges.front()) : std::nullopt;
+}
 
 void set_filter_range(Workbook& book, Sheet& sheet, const CellRange& range) {
   AutoFilter filter = with_range(sheet.contents().filter, range);

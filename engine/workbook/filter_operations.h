@@ -3,9 +3,14 @@
 // The sheet has been read, with all rows of the filter. When memory is short nothing has changed.
 #pragma once
 
+#include <optional>
+
 #include "engine/workbook/workbook.h"
 
 namespace engine {
+
+// The range that the name of the sheet's scope tells; nothing when there is none, or not one.
+std::optional<CellRange> named_filter_range(const Workbook& book, const Sheet& sheet);
 
 // Gives the filter a range. A name of the sheet's scope tells it to programs that look there.
 void set_filter_range(Workbook& book, Sheet& sheet, const CellRange& range);

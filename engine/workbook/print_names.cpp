@@ -16,18 +16,6 @@ namespace {
 constexpr const char* kArea = "_xlnm.Print_Area";
 constexpr const char* kTitles = "_xlnm.Print_Titles";
 
-// The ranges that a name of the sheet's scope stands for; none when one lies elsewhere.
-std::vector<CellRange> ranges_of(const Workbook& book, const Sheet& sheet, const char* name) {
-  const DefinedName* found = book.names.find(name, &sheet);
-  if (!found) return {};
-  std::vector<CellRange> ranges;
-  for (const auto& [prefix, range] : formula::ranges_of_text(found->definition, book.limits.grid)) {
-    if (!prefix.empty() && !equal_ignoring_case(prefix, sheet.name())) return {};
-    ranges.push_back(range);
-  }
-  return ranges;
-}
-
 // Gives a name of the sheet's scope a definition; an empty one removes it.
 void define(Workbook& book, const Sheet& sheet, const char* name, std::string definition) {
   const DefinedName* found = book.names.find(name, &sheet);
@@ -41,6 +29,17 @@ void define(Workbook& book, const Sheet& sheet, const char* name, std::string de
 }
 
 }  // namespace
+
+std::vector<CellRange> ranges_of(const Workbook& book, const Sheet& sheet, const char* name) {
+  const DefinedName* found = book.names.find(name, &sheet);
+  if (!found) return {};
+  std::vector<CellRange> ranges;
+  for (const auto& [prefix, range] : formula::ranges_of_text(found->definition, book.limits.grid)) {
+    if (!prefix.empty() && !equal_ignoring_case(prefix, sheet.name())) return {};
+    ranges.push_back(range);
+  }
+  return ranges;
+}
 
 PrintTitles print_titles(const Workbook& book, const Sheet& sheet) {
   const Grid& grid = book.limits.grid;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "engine/formula/interval.h"
 #include "engine/workbook/workbook.h"
@@ -13,6 +14,9 @@ struct PrintTitles {
   std::optional<formula::Interval> rows;
   std::optional<formula::Interval> columns;
 };
+
+// The ranges that a name of the sheet's scope stands for; none when one lies elsewhere.
+std::vector<CellRange> ranges_of(const Workbook& book, const Sheet& sheet, const char* name);
 
 // What stands there in another form than rows and columns counts as nothing.
 PrintTitles print_titles(const Workbook& book, const Sheet& sheet);

@@ -125,6 +125,7 @@ class SheetContents {
   PageSetup page;
   PageBreaks breaks;
   AutoFilter filter;
+  std::vector<std::string> filter_details;  // kept for the codec: what columns and keys number
   bool filtered = false;  // a filter hides rows: this one, or one that only the file knows
   Validations validations;
   IgnoredErrors ignored_errors;

@@ -121,6 +121,17 @@ void Validations::put(const CellRange& cells, Validation rule, const Grid& grid)
   }
 }
 
+bool operator==(const Validations& a, const Validations& b) {
+  if (a.count_ != b.count_) return false;
+  auto other = b.slots_.begin();
+  for (const Validation& rule : a.slots_) {
+    if (rule.cells.empty()) continue;
+    while (other->cells.empty()) ++other;
+    if (rule != *other++) return false;
+  }
+  return true;
+}
+
 void Validations::drop_free_slots() {
   Validations kept;
   kept.slots_.reserve(slots_.size());

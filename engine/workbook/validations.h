@@ -65,6 +65,8 @@ struct Validation {
   CellRanges cells = {};
   CellAddress corner = {};    // of these
   std::uint32_t details = 0;  // kept for the codec: number of what the file says of it; 0: nothing
+
+  friend bool operator==(const Validation&, const Validation&) = default;
 };
 
 // Whether the rule compares what is typed with limits, and with how many.
@@ -83,6 +85,9 @@ class Validations {
   void add(Validation rule);
   // Adds a rule for a range after the cells of that have left the others.
   void put(const CellRange& cells, Validation rule, const Grid& grid);
+
+  // Whether the rules are the same, in the same order.
+  friend bool operator==(const Validations& a, const Validations& b);
 
   // Gives a rule another formula and its former one back.
   void exchange(std::size_t slot, std::size_t formula, std::string& text) noexcept {

@@ -22,21 +22,6 @@ constexpr std::uint64_t kMaxStream = 0x7FFFFFFF;
 constexpr std::array<char, 16> kWorkbookClass = {0x20,   0x08, 0x02, 0, 0, 0, 0, 0,
                                                  '\xC0', 0,    0,    0, 0, 0, 0, 0x46};
 
-// What the model holds and these files are not given yet is refused, never lost.
-void refuse_unwritten(const Workbook& book) {
-  constexpr std::string_view kNotYet = " are not written to .xls files yet";
-  for (const auto& sheet : book.sheets()) {
-    const SheetContents& its = sheet->contents();
-    std::string_view things;
-    if (its.filter.range) things = "filters";
-    else if (!its.validations.empty()) things = "data validations";
-    else if (!its.ignored_errors.all().empty()) things = "ignored errors";
-    if (things.empty()) continue;
-    std::string text = "cannot be written: sheet \"";
-    text.append(sheet->name()).append("\": ").append(things).append(kNotYet);
-    throw package::FileTargetError(text);
-  }
-}
 
 void write_stream(package::CompoundWriter& file, std::string name, std::string_view bytes) {
   package::CompoundItem item;
@@ -74,7 +59,6 @@ struct Stream {
 
 void lay_out(const Workbook& book, const LoadedFile* file, const SaveOptions& options,
              Stream& stream) {
-  refuse_unwritten(book);
   static const FileStyles kNoStyles;
   static const LinkTable kNoLinks;
   const StyleNumbers styles(book, file ? file->globals.styles : kNoStyles,

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -14,6 +15,15 @@
 #include "engine/text/utf16.h"
 
 namespace engine::xls {
+
+// Two bits of a compressed number say what the others are.
+inline double decode_rk(std::uint32_t rk) {
+  constexpr std::uint32_t kHundredths = 1;
+  constexpr std::uint32_t kWhole = 2;
+  const double value = (rk & kWhole) != 0 ? static_cast<std::int32_t>(rk) >> 2
+                                          : std::bit_cast<double>(std::uint64_t{rk & ~3U} << 32);
+  return (rk & kHundredths) != 0 ? value / 100 : value;
+}
 
 class Fields {
  public:

@@ -60,10 +60,9 @@ std::string take_target(Fields& in) {
 
 void read_link(Fields& in, SheetReading& to) {
   Link made;
-  made.cells.row_first = in.take16();
-  made.cells.row_last = in.take16();
-  made.cells.column_first = in.take16();
-  made.cells.column_last = in.take16();
+  const auto cells = take_range(in, to.context.workbook.limits.grid);
+  if (!cells) return;
+  made.cells = *cells;
   in.skip(20);
   const std::uint32_t flags = in.take32();
   if ((flags & kHasDisplayText) != 0) take_text(in);
@@ -74,12 +73,7 @@ void read_link(Fields& in, SheetReading& to) {
     const std::string location = take_text(in);
     made.text.append("#").append(location);
   }
-  const CellRange& cells = made.cells;
-  const bool in_order =
-      cells.row_first <= cells.row_last && cells.column_first <= cells.column_last;
-  const Grid& grid = to.context.workbook.limits.grid;
-  if (in.ok() && in_order && grid.holds(cells.row_last, cells.column_last))
-    to.sheet.links.add(std::move(made));
+  if (in.ok()) to.sheet.links.add(std::move(made));
 }
 
 }  // namespace engine::xls

@@ -48,7 +48,9 @@ class Merge {
     std::size_t passed = 0;   // of those
   };
 
-  static bool continues(std::uint16_t id) { return id == kContinue || id == kFutureContinue; }
+  static bool continues(std::uint16_t id) {
+    return id == kContinue || id == kContinueFuture || id == kFutureContinue;
+  }
 
   // What begins here is passed as one.
   static bool is_nested(std::uint16_t id) { return id == kBof || id == kUserViewBegin; }

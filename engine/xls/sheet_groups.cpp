@@ -10,7 +10,11 @@
 #include "engine/workbook/metrics.h"
 #include "engine/workbook/outline.h"
 #include "engine/xls/fields.h"
+#include "engine/xls/filters.h"
+#include "engine/xls/future_records.h"
+#include "engine/xls/ignored_errors.h"
 #include "engine/xls/links_write.h"
+#include "engine/xls/validations.h"
 
 namespace engine::xls {
 
@@ -416,21 +420,11 @@ void write_protection(SheetWriting& to, RecordReader* /*old*/) {
     to.out.record(kPassword, {protection.password.short_hash});
 }
 
-// A record of later programs says its number again.
-void begin_future_record(SheetWriting& to, std::uint16_t id) {
-  to.out.begin(id);
-  to.out.put16(id);
-  to.out.put_zeros(10);
-}
-
 // What programs since let people do in a protected sheet.
 void write_permissions(SheetWriting& to, RecordReader* /*old*/) {
-  constexpr std::uint32_t kOfProtection = 2;
   const Protection& protection = to.contents.protection;
   if (!protection.on) return;
-  begin_future_record(to, kFeatureHeader);
-  to.out.put16(kOfProtection);
-  to.out.put8(1);
+  begin_feature_header(to.out, Feature::kProtection);
   to.out.put32(0xFFFFFFFF);
   to.out.put32(protection.allowed);
   to.out.end();
@@ -450,7 +444,7 @@ void write_tab(SheetWriting& to, RecordReader* /*old*/) {
   const std::uint32_t color = to.book.styles.color(its, kNoColor);
   if (color == kNoColor) return;
   const bool has_rgb = its.kind == ColorKind::kRgb;
-  begin_future_record(to, kSheetExtension);
+  begin_future_record(to.out, kSheetExtension);
   to.out.put32(has_rgb ? kSizeWithColor : kSize);
   to.out.put32(color);
   if (has_rgb) {
@@ -461,6 +455,27 @@ void write_tab(SheetWriting& to, RecordReader* /*old*/) {
     to.out.put_double(0);
   }
   to.out.end();
+}
+
+// Rules for cells.
+
+bool filter_differs(const SheetWriting& to) {
+  return to.contents.filtered != to.base->filtered || to.contents.filter != to.base->filter;
+}
+void write_sheet_filter(SheetWriting& to, RecordReader* /*old*/) { write_filter(to.out, to.sheet); }
+
+bool validations_differ(const SheetWriting& to) {
+  return to.contents.validations != to.base->validations;
+}
+void write_rules(SheetWriting& to, RecordReader* /*old*/) {
+  write_validations(to.out, to.book, to.sheet);
+}
+
+bool ignored_errors_differ(const SheetWriting& to) {
+  return to.contents.ignored_errors.all() != to.base->ignored_errors.all();
+}
+void write_faults(SheetWriting& to, RecordReader* /*old*/) {
+  write_ignored_errors(to.out, to.contents.ignored_errors);
 }
 
 // By group.
@@ -493,6 +508,7 @@ constexpr SheetGroupEntry kEntries[] = {
     {protection_differs, write_protection},
     {column_width_differs, write_column_width},
     {columns_differ, write_columns},
+    {filter_differs, write_sheet_filter},
     {always, write_cells},
     {drawing_differs, write_drawing},
     {always, write_window},
@@ -502,8 +518,10 @@ constexpr SheetGroupEntry kEntries[] = {
     {standard_width_differs, write_standard_width},
     {merges_differ, write_merges},
     {links_differ, write_all_links},
+    {validations_differ, write_rules},
     {tab_differs, write_tab},
     {protection_differs, write_permissions},
+    {ignored_errors_differ, write_faults},
 };
 static_assert(std::size(kEntries) == kSheetGroups);
 

@@ -41,6 +41,7 @@ enum class SheetGroup : std::uint8_t {
   kProtection,
   kColumnWidth,
   kColumns,
+  kFilter,
   kCells,
   kDrawing,
   kWindow,
@@ -50,10 +51,13 @@ enum class SheetGroup : std::uint8_t {
   kStandardWidth,
   kMerges,
   kLinks,
+  kValidations,
   kTab,
   kPermissions,
+  kIgnoredErrors,
 };
-inline constexpr std::size_t kSheetGroups = static_cast<std::size_t>(SheetGroup::kPermissions) + 1;
+inline constexpr std::size_t kSheetGroups =
+    static_cast<std::size_t>(SheetGroup::kIgnoredErrors) + 1;
 
 struct SheetPart {
   std::uint32_t begin = 0;  // of the substream in the stream

@@ -15,6 +15,7 @@
 #include "engine/workbook/font_metrics.h"
 #include "engine/xls/cell_errors.h"
 #include "engine/xls/fields.h"
+#include "engine/xls/filters.h"
 #include "engine/xls/records.h"
 #include "engine/xls/sheet_records.h"
 #include "engine/xls/tokens_read.h"
@@ -25,15 +26,6 @@ namespace {
 
 using package::get16;
 using package::get32;
-
-// Two bits of a compressed number say what the others are.
-double decode_rk(std::uint32_t rk) {
-  constexpr std::uint32_t kHundredths = 1;
-  constexpr std::uint32_t kWhole = 2;
-  const double value = (rk & kWhole) != 0 ? static_cast<std::int32_t>(rk) >> 2
-                                          : std::bit_cast<double>(std::uint64_t{rk & ~3U} << 32);
-  return (rk & kHundredths) != 0 ? value / 100 : value;
-}
 
 // An expression and what stands behind it: constants of arrays.
 struct Expression {
@@ -181,7 +173,10 @@ class SheetReader {
   }
 
   void read_other() {
-    const SheetRecord* known = find_sheet_record(reader_.id());
+    // It goes with the record in front of it.
+    if (reader_.id() == kFutureContinue) return continue_filter(reader_.data(), reading_);
+    reading_.filter.goes_on = false;
+    const SheetRecord* known = find_sheet_record(reader_.id(), reader_.data());
     if (!known || !known->read) return;
     Fields in(reader_.whole_data());
     known->read(in, reading_);

@@ -5,14 +5,17 @@
 
 #include "engine/workbook/outline.h"
 #include "engine/workbook/page_breaks.h"
+#include "engine/xls/filters.h"
+#include "engine/xls/future_records.h"
+#include "engine/xls/ignored_errors.h"
 #include "engine/xls/records.h"
+#include "engine/xls/validations.h"
 
 namespace engine::xls {
 
 namespace {
 
-constexpr double kTwip = 1.0 / 20;          // points
-constexpr unsigned kProtectionFeature = 2;  // kind of a feature
+constexpr double kTwip = 1.0 / 20;  // points
 
 // Sizes.
 
@@ -191,10 +194,10 @@ void read_password(Fields& in, SheetReading& to) {
 void read_object_protect(Fields& in, SheetReading& to) { to.objects_locked = in.take16() == 1; }
 void read_scenario_protect(Fields& in, SheetReading& to) { to.scenarios_locked = in.take16() == 1; }
 
+bool is_of_protection(std::string_view data) { return feature_of(data) == Feature::kProtection; }
+
 void read_feature_header(Fields& in, SheetReading& to) {
-  in.skip(12);
-  if (in.take16() != kProtectionFeature) return;
-  in.skip(1);
+  in.skip(kFutureHead + 3);
   const bool has_data = in.take32() != 0;
   const std::uint32_t allowed = in.take32();
   if (!has_data || !in.ok()) return;
@@ -207,17 +210,9 @@ void read_feature_header(Fields& in, SheetReading& to) {
 void read_merges(Fields& in, SheetReading& to) {
   const Grid& grid = to.context.workbook.limits.grid;
   for (std::size_t left = in.take16(); left > 0 && !in.at_end(); --left) {
-    CellRange range;
-    range.row_first = in.take16();
-    range.row_last = in.take16();
-    range.column_first = in.take16();
-    range.column_last = in.take16();
-    const bool in_order =
-        range.row_first <= range.row_last && range.column_first <= range.column_last;
-    const bool single =
-        range.row_first == range.row_last && range.column_first == range.column_last;
-    if (in.ok() && in_order && !single && grid.holds(range.row_last, range.column_last))
-      to.sheet.merges.add(range);
+    const auto range = take_range(in, grid);
+    if (range && (range->row_first != range->row_last || range->column_first != range->column_last))
+      to.sheet.merges.add(*range);
   }
 }
 
@@ -261,6 +256,9 @@ constexpr SheetRecord kSheetRecords[] = {
     {kCenterAcross, SheetGroup::kCenterAcross, read_option<&PageSetup::centered_across>},
     {kCenterDown, SheetGroup::kCenterDown, read_option<&PageSetup::centered_down>},
     {kStandardWidth, SheetGroup::kStandardWidth, read_standard_width},
+    {kFiltered, SheetGroup::kFilter, read_filtered},
+    {kFilterInfo, SheetGroup::kFilter, read_filter_info},
+    {kFilterColumn, SheetGroup::kFilter, read_filter_column},
     {kZoom, SheetGroup::kZoom, read_zoom},
     {kPageSetup, SheetGroup::kPageSetup, read_page_setup},
     {kMulRk, SheetGroup::kCells, nullptr},
@@ -272,8 +270,10 @@ constexpr SheetRecord kSheetRecords[] = {
     {kDrawing, SheetGroup::kDrawing, nullptr},
     {kDrawingSelection, SheetGroup::kDrawing, nullptr},
     {kTextCell, SheetGroup::kCells, nullptr},
+    {kValidations, SheetGroup::kValidations, nullptr},
     {kTextBox, SheetGroup::kDrawing, nullptr},
     {kLink, SheetGroup::kLinks, read_link},
+    {kValidation, SheetGroup::kValidations, read_validation},
     {kDimensions, SheetGroup::kCells, nullptr},
     {kBlank, SheetGroup::kCells, nullptr},
     {kNumber, SheetGroup::kCells, nullptr},
@@ -290,23 +290,37 @@ constexpr SheetRecord kSheetRecords[] = {
     {kShared, SheetGroup::kCells, nullptr},
     {kBof, SheetGroup::kDrawing, nullptr},  // of a chart in it
     {kSheetExtension, SheetGroup::kTab, read_tab},
-    {kFeatureHeader, SheetGroup::kPermissions, read_feature_header},
+    {kFeatureHeader, SheetGroup::kPermissions, read_feature_header, is_of_protection},
+    {kFeatureHeader, SheetGroup::kIgnoredErrors, nullptr, is_of_ignored_errors},
+    {kFeature, SheetGroup::kIgnoredErrors, read_ignored_errors, is_of_ignored_errors},
+    {kFutureFilterColumn, SheetGroup::kFilter, read_future_filter, is_of_sheet_filter},
+    {kSortState, SheetGroup::kFilter, read_future_filter, is_sort_of_sheet_filter},
 };
 static_assert(std::ranges::is_sorted(kSheetRecords, {}, &SheetRecord::id));
 
 }  // namespace
 
-const SheetRecord* find_sheet_record(std::uint16_t id) {
-  const auto* const found = std::ranges::lower_bound(kSheetRecords, id, {}, &SheetRecord::id);
-  return found != std::end(kSheetRecords) && found->id == id ? found : nullptr;
+const SheetRecord* find_sheet_record(std::uint16_t id, std::string_view data) {
+  for (const SheetRecord& one : std::ranges::equal_range(kSheetRecords, id, {}, &SheetRecord::id))
+    if (!one.is_meant || one.is_meant(data)) return &one;
+  return nullptr;
+}
+
+std::optional<CellRange> take_range(Fields& in, const Grid& grid) {
+  CellRange range;
+  range.row_first = in.take16();
+  range.row_last = in.take16();
+  range.column_first = in.take16();
+  range.column_last = in.take16();
+  const bool in_order =
+      range.row_first <= range.row_last && range.column_first <= range.column_last;
+  if (!in.ok() || !in_order || !grid.holds(range.row_last, range.column_last)) return std::nullopt;
+  return range;
 }
 
 std::optional<SheetGroup> group_of_record(std::uint16_t id, std::string_view data) {
-  const SheetRecord* const found = find_sheet_record(id);
-  if (!found) return std::nullopt;
-  if (id == kFeatureHeader && (data.size() < 14 || package::get16(data, 12) != kProtectionFeature))
-    return std::nullopt;
-  return found->group;
+  const SheetRecord* const found = find_sheet_record(id, data);
+  return found ? found->group : std::nullopt;
 }
 
 void finish_sheet_records(SheetReading& reading) {
@@ -319,6 +333,7 @@ void finish_sheet_records(SheetReading& reading) {
     reading.sheet.columns.append(one);
   }
   reading.drawing.finish(reading.sheet, reading.context.workbook.limits.grid);
+  finish_filter(reading);
   Protection& protection = reading.sheet.protection;
   if (!protection.on) {
     protection = {};

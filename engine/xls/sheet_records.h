@@ -16,6 +16,18 @@
 
 namespace engine::xls {
 
+// A record of later programs with those that continue it.
+struct FutureRecords {
+  std::uint16_t id;
+  std::vector<std::string> parts;  // at least one
+};
+
+// What they say of the sheet's filter.
+struct FutureFilter {
+  std::vector<FutureRecords> records;
+  bool goes_on = false;  // the next record may continue the last of these
+};
+
 // What is gathered while the records of a sheet come by.
 struct SheetReading {
   SheetReading(const SheetContext& its_context, SheetContents& contents, SheetFlags& its_flags)
@@ -26,6 +38,7 @@ struct SheetReading {
   SheetFlags& flags;
   std::vector<ColumnProperties> columns;  // in the file's order
   DrawingReader drawing;
+  FutureFilter filter;
   bool frozen = false;
   bool preview = false;  // the view shows pages
   bool has_features = false;
@@ -37,17 +50,22 @@ struct SheetRecord {
   std::uint16_t id;
   std::optional<SheetGroup> group;             // nothing for one that is carried
   void (*read)(Fields& in, SheetReading& to);  // null for what only belongs to a group
+  // Which of the records of a number are meant, where it has several things to say.
+  bool (*is_meant)(std::string_view data) = nullptr;
 };
 
 // The entry of a record; null for one that the model has nothing of.
-const SheetRecord* find_sheet_record(std::uint16_t id);
+const SheetRecord* find_sheet_record(std::uint16_t id, std::string_view data);
 // The group of a record; nothing for a carried one.
 std::optional<SheetGroup> group_of_record(std::uint16_t id, std::string_view data);
 
 // Puts together what several records say.
 void finish_sheet_records(SheetReading& reading);
 
-// In a file of its own.
+// Rows and columns, first and last of each; nothing when they are none of the grid.
+std::optional<CellRange> take_range(Fields& in, const Grid& grid);
+
+// In a file of its own: links.
 void read_link(Fields& in, SheetReading& to);
 
 }  // namespace engine::xls

@@ -51,6 +51,12 @@ std::uint32_t column_field(const formula::CellReference& cell) {
          (cell.row_absolute ? 0U : 0x8000U);
 }
 
+// Makes relative parts distances, which wrap around the sheet's end.
+void count_from(CellAddress cell, formula::CellReference& to) {
+  if (!to.row_absolute) to.row = (to.row - cell.row) & 0xFFFF;
+  if (!to.column_absolute) to.column = (to.column - cell.column) & 0xFF;
+}
+
 // A constant between its quotation marks.
 std::string unquoted(std::string_view quoted) {
   std::string text;
@@ -74,7 +80,6 @@ bool TokenWriter::write(std::string_view text, const FormulaContext& context) {
   openings_.clear();
   jumps_.clear();
   intersections_.clear();
-  use_ = context.use;
   if (!formula::parse(formula_, text, options_))
     return fail("the formula is not one that .xls files can hold");
   place_nodes(context);
@@ -92,7 +97,9 @@ void TokenWriter::place_nodes(const FormulaContext& context) {
   places_.assign(count, {});
   Place& root = places_.back();
   if (context.use == FormulaUse::kName) root.values = Values::kAll;
-  root.wanted = context.use == FormulaUse::kName    ? Class::kReference
+  const bool gives_cells =
+      context.use == FormulaUse::kName || context.use == FormulaUse::kRuleCells;
+  root.wanted = gives_cells                         ? Class::kReference
                 : context.use == FormulaUse::kArray ? Class::kArray
                                                     : Class::kValue;
   bool is_volatile = false;
@@ -280,7 +287,7 @@ bool TokenWriter::write_node(std::size_t node, const FormulaContext& context) {
     case NodeKind::kArray:
       return write_array(node);
     case NodeKind::kReference:
-      return write_reference(node);
+      return write_reference(node, context);
     default:
       return write_name(node, context);
   }
@@ -371,7 +378,7 @@ std::optional<std::uint16_t> TokenWriter::sheets_of(std::size_t node) {
   return entry;
 }
 
-bool TokenWriter::write_reference(std::size_t node) {
+bool TokenWriter::write_reference(std::size_t node, const FormulaContext& context) {
   const Node& its = formula_.nodes[node];
   const bool has_sheet = its.prefix != PrefixKind::kNone;
   std::uint16_t entry = 0;
@@ -396,10 +403,14 @@ bool TokenWriter::write_reference(std::size_t node) {
     std::swap(first.column_absolute, last.column_absolute);
   }
   const bool is_cell = shape == Reference::Shape::kCell;
-  // Names count relative references from the cell they are used in.
+  const bool is_placed = context.use == FormulaUse::kCell || context.use == FormulaUse::kArray;
   const bool counts =
-      use_ == FormulaUse::kName && !has_sheet &&
+      !is_placed && !has_sheet &&
       !(first.row_absolute && first.column_absolute && last.row_absolute && last.column_absolute);
+  if (counts) {
+    count_from(context.cell, first);
+    count_from(context.cell, last);
+  }
   const std::uint32_t token = has_sheet ? (is_cell ? kSheetCell : kSheetArea)
                               : counts  ? (is_cell ? kRelativeCell : kRelativeArea)
                                         : (is_cell ? kCell : kArea);

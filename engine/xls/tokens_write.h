@@ -24,11 +24,19 @@
 
 namespace engine::xls {
 
-enum class FormulaUse : std::uint8_t { kCell, kArray, kName };
+// Those of names and rules stand for many cells: their relative references are distances.
+enum class FormulaUse : std::uint8_t {
+  kCell,
+  kArray,
+  kName,
+  kRule,       // of a data validation
+  kRuleCells,  // one that gives the cells of a list
+};
 
 struct FormulaContext {
   const Sheet* sheet = nullptr;  // that the formula stands on; null for none
   FormulaUse use = FormulaUse::kCell;
+  CellAddress cell = {};  // that distances count from
 };
 
 class TokenWriter {
@@ -83,7 +91,7 @@ class TokenWriter {
   void place_call(std::size_t node);
   bool write_openings(std::size_t node);
   bool write_node(std::size_t node, const FormulaContext& context);
-  bool write_reference(std::size_t node);
+  bool write_reference(std::size_t node, const FormulaContext& context);
   bool write_name(std::size_t node, const FormulaContext& context);
   bool write_array(std::size_t node);
   bool write_error(std::size_t node);
@@ -116,7 +124,6 @@ class TokenWriter {
   std::vector<std::size_t> intersections_;  // where the right operands of such begin in the text
   std::array<std::size_t, 32> starts_{};    // of the choices that the jumps of a call go to
   std::size_t next_opening_ = 0;
-  FormulaUse use_ = FormulaUse::kCell;
   std::string tokens_;
   std::string behind_;
   std::string why_not_;

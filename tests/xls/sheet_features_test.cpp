@@ -218,6 +218,71 @@ TEST(XlsSheets, ReadsLinks) {
   EXPECT_EQ(links[0].cells, (CellRange{1, 2, 3, 4}));
 }
 
+// As other programs write them.
+TEST(XlsSheets, ReadsRulesOfOtherPrograms) {
+  const auto future = [](std::uint16_t id, std::string_view data) {
+    return record(id, u16(id) + std::string(10, '\0') + std::string(data));
+  };
+  const auto range = [](unsigned row_first, unsigned row_last, unsigned first, unsigned last) {
+    return u16(row_first) + u16(row_last) + u16(first) + u16(last);
+  };
+  const std::string none = narrow16(std::string(1, '\0'));
+  const std::string elsewhere = u8(1) + u32(0);
+  const auto rule = [&](std::uint32_t flags, std::string_view tokens, unsigned ranges,
+                        std::string_view cells) {
+    return record(0x1BE, u32(flags) + none + none + none + none + u16(tokens.size()) + u16(0xABCD) +
+                             std::string(tokens) + u16(0) + u16(0) + u16(ranges) +
+                             std::string(cells));
+  };
+  const std::string entries = u8(0x17) + narrow8(std::string("Long\0Short", 10));
+  const std::string cell_above = u8(0x4C) + u16(0xFFFF) + u16(0xC000);
+  const std::string area = u8(0x25) + u16(28) + u16(32) + u16(15) + u16(15);
+  const std::string filtered =
+      record(0x9B, "") + record(0x9D, u16(3)) +
+      record(0x9E, u16(1) + u16(5) + u8(6) + u8(2) + u32(0x0324B980) + u8(3) + u8(1) + u16(3) +
+                       std::string(10, '\0') + u8(0) + "abc") +
+      record(0x9E, u16(2) + u16(0) + u8(2) + u8(4) + u32(0x00F00002) + u32(0) + u8(8) + u8(5) +
+                       u8(1) + u8(0) + std::string(6, '\0')) +
+      record(0x9E, u16(3) + u16(5) + std::string(20, '\0'));
+  const std::string name =
+      record(0x18, u16(0x21) + u8(0) + u8(1) + u16(11) + u16(0) + u16(1) + u32(0) + u8(0) +
+                       u8(0x0D) + u8(0x3B) + u16(0) + u16(4) + u16(9) + u16(2) + u16(4));
+  const std::string links =
+      record(0x1AE, u16(1) + u16(0x0401)) + record(0x17, u16(1) + u16(0) + u16(0) + u16(0)) + name;
+  const std::string records =
+      filtered + record(0x1B2, u16(4) + std::string(8, '\0') + u32(0xFFFFFFFF) + u32(9)) +
+      rule(0x0C0183, entries, 1, range(1, 5, 2, 2)) + rule(0x0C0103, area, 1, range(0, 0, 0, 0)) +
+      rule(0x07, cell_above, 2, range(9, 9, 4, 4) + range(4, 4, 6, 6)) +
+      rule(0x0F, cell_above, 1, range(0, 0, 0, 0)) + rule(0x07, elsewhere, 1, range(0, 0, 0, 0)) +
+      rule(0x07, cell_above, 1, range(5, 0, 0, 0)) + rule(0x07, cell_above, 900, "") +
+      future(0x867, u16(3) + u8(1) + u32(0)) +
+      future(0x868,
+             u16(3) + u8(0) + u32(0) + u16(1) + u32(4) + u16(0) + range(1, 2, 3, 4) + u32(0x14)) +
+      future(0x868,
+             u16(2) + u8(0) + u32(0) + u16(1) + u32(4) + u16(0) + range(1, 2, 3, 4) + u32(0x14)) +
+      future(0x868, u16(3) + u8(0) + u32(0) + u16(900) + u32(4) + u16(0));
+  LoadedBook book(file_of(stream_of({{"Data", records}}, links)));
+  const SheetContents& sheet = book.sheet().contents();
+  const std::vector<Validation>& rules = sheet.validations.slots();
+  ASSERT_EQ(rules.size(), 3U);
+  EXPECT_EQ(rules[0].formulas[0], "\"Long,Short\"");
+  EXPECT_TRUE(rules[0].allow_blank && rules[0].show_error && !rules[0].hide_drop_down);
+  EXPECT_EQ(rules[1].formulas[0], "$P$29:$P$33");
+  EXPECT_EQ(rules[2].formulas[0], "E4");
+  EXPECT_TRUE(sheet.filtered);
+  EXPECT_EQ(sheet.filter.range, (CellRange{4, 9, 2, 4}));
+  ASSERT_EQ(sheet.filter.columns.size(), 2U);
+  EXPECT_EQ(sheet.filter.columns[0].criterion.kind, FilterKind::kValues);
+  EXPECT_THAT(sheet.filter.columns[0].criterion.texts.all(), ::testing::ElementsAre("abc"));
+  const FilterCriterion& custom = sheet.filter.columns[1].criterion;
+  ASSERT_EQ(custom.conditions.size(), 2U);
+  EXPECT_EQ(custom.conditions[0], (FilterCondition{FilterOperator::kGreater, "3932160"}));
+  EXPECT_EQ(custom.conditions[1], (FilterCondition{FilterOperator::kNotEqual, "TRUE"}));
+  EXPECT_TRUE(custom.both);
+  ASSERT_EQ(sheet.ignored_errors.all().size(), 1U);
+  EXPECT_EQ(sheet.ignored_errors.all()[0].kinds, kNumberAsTextFault | kFormulaFault);
+}
+
 // The outline names what is the model's, in its place between what is not.
 TEST(XlsSheets, OutlinesTheSubstream) {
   const std::string chart = bof(0x20) + record(0x1002, "c") + eof();

@@ -5,6 +5,8 @@
 #include <limits>
 #include <map>
 
+#include "engine/package/compound_file.h"
+#include "engine/workbook/filter_operations.h"
 #include "engine/workbook/print_names.h"
 #include "engine/workbook/sheet_operations.h"
 #include "engine/xls/cells_write.h"
@@ -310,15 +312,14 @@ TEST(XlsWriting, TellsWhatTheFormatCannotHold) {
   EXPECT_EQ(message([](NewBook& made) { made.book.pictures.emplace_back(); }),
             "cannot be written: pictures are not written to .xls files yet");
   EXPECT_EQ(sheet([](SheetContents& contents) {
-              contents.filter.range = {0, 9, 0, 2};
-            }),
-            "cannot be written: sheet \"One\": filters are not written to .xls files yet");
-  EXPECT_EQ(sheet([](SheetContents& contents) {
               Validation rule;
-              rule.cells = {{0, 9, 0, 2}};
+              rule.type = ValidationType::kCustom;
+              rule.formulas[0] = "SUM({1,2})>A1";
+              rule.cells = {{3, 9, 1, 2}};
               contents.validations.add(rule);
             }),
-            "cannot be written: sheet \"One\": data validations are not written to .xls files yet");
+            "cannot be written: sheet \"One\", cell B4, data validation: the formula has an array, "
+            "which .xls files do not have there");
   EXPECT_EQ(formula("Table1[Net]"),
             "cannot be written: sheet \"One\", cell B2, the formula refers to a table, which .xls "
             "files do not have");
@@ -427,6 +428,178 @@ TEST(XlsWriting, KeepsTheBooksOwnThings) {
   EXPECT_EQ(titles.rows, (formula::Interval{0, 1}));
   EXPECT_EQ(titles.columns, (formula::Interval{2, 3}));
   EXPECT_EQ(print_area(loaded.book, *loaded.book.sheets()[1]), (CellRange{0, 9, 0, 4}));
+}
+
+TEST(XlsWriting, KeepsValidations) {
+  using Type = ValidationType;
+  using Comparison = ValidationOperator;
+  struct Case {
+    Type type;
+    Comparison comparison;
+    std::array<std::string, 2> formulas;
+    const char* first_read = nullptr;  // where that is another one
+  };
+  const Case kCases[] = {
+      {Type::kNone, Comparison::kBetween, {}},
+      {Type::kWhole, Comparison::kNotBetween, {"1", "B3*2"}},
+      {Type::kDecimal, Comparison::kLess, {"-1.5", ""}},
+      {Type::kDate, Comparison::kGreaterOrEqual, {"46082", ""}},
+      {Type::kTime, Comparison::kLessOrEqual, {"0.5", ""}},
+      {Type::kTextLength, Comparison::kGreater, {"IF(A$1=\"\",3,$A1)", ""}},
+      {Type::kTextLength, Comparison::kEqual, {"3", ""}},
+      {Type::kTextLength, Comparison::kNotEqual, {"3", ""}},
+      {Type::kList,
+       Comparison::kBetween,
+       {"\"yes, no,\"\"\xE2\x82\xAC\"\"\"", ""},
+       "\"yes,no,\"\"\xE2\x82\xAC\"\"\""},
+      {Type::kList, Comparison::kBetween, {"$A$1:$A$5", ""}},
+      {Type::kList, Comparison::kBetween, {"OFFSET('Two 2'!$A$1,0,0,COUNTA('Two 2'!$A:$A),1)", ""}},
+      {Type::kCustom, Comparison::kBetween, {"AND(A1>0,IV65536<>\"a,b\")", ""}},
+  };
+  NewBook made;
+  Validations& rules = made.sheet().validations;
+  int row = 3;
+  for (const auto& [type, comparison, formulas, first_read] : kCases) {
+    Validation rule{type, comparison, ValidationErrorStyle::kWarning};
+    rule.formulas = formulas;
+    rule.cells = {{row, row, 2, 3}, {row + 40, row + 41, 1, 1}};
+    rule.details = 3;
+    rules.add(rule);
+    ++row;
+  }
+  Validation texts{.error_style = ValidationErrorStyle::kInformation,
+                   .allow_blank = true,
+                   .hide_drop_down = true,
+                   .show_prompt = true,
+                   .show_error = true};
+  texts.prompt_title = std::string(32, 't');
+  texts.prompt = std::string(255, 'p') + "\xE2\x82\xAC";
+  texts.error_title = "\xC3\xA4";
+  texts.error = std::string(224, 'e');
+  texts.type = ValidationType::kCustom;
+  texts.formulas[0] = "A1>A2";
+  for (int i = 0; i < 1000; ++i) texts.cells.insert({100 + 2 * i, 100 + 2 * i, 7, 7});
+  rules.add(texts);
+  LoadedBook loaded(made.file());
+  const std::vector<Validation>& read = loaded.sheet().contents().validations.slots();
+  ASSERT_EQ(read.size(), std::size(kCases) + 3);
+  for (std::size_t i = 0; i < std::size(kCases); ++i) {
+    SCOPED_TRACE(i);
+    const auto& [type, comparison, formulas, first_read] = kCases[i];
+    EXPECT_EQ(read[i].type, type);
+    EXPECT_EQ(read[i].comparison, comparison);
+    EXPECT_EQ(read[i].error_style, ValidationErrorStyle::kWarning);
+    EXPECT_EQ(read[i].formulas[0], first_read ? first_read : formulas[0]);
+    EXPECT_EQ(read[i].formulas[1], formulas[1]);
+    EXPECT_EQ(read[i].cells, rules.slots()[i].cells);
+    EXPECT_EQ(read[i].details, 3U);
+    EXPECT_FALSE(read[i].allow_blank || read[i].hide_drop_down || read[i].show_prompt ||
+                 read[i].show_error);
+  }
+  // A record has room for some of the ranges, and the formula is stated for each part.
+  const Validation& part = read[std::size(kCases) + 1];
+  EXPECT_EQ(part.cells.begin()->row_first, 964);
+  EXPECT_EQ(part.formulas[0], "A865>A866");
+  EXPECT_EQ(part.prompt_title, texts.prompt_title);
+  EXPECT_EQ(part.prompt, texts.prompt);
+  EXPECT_EQ(part.error_title, texts.error_title);
+  EXPECT_EQ(part.error, texts.error);
+  EXPECT_TRUE(part.allow_blank && part.hide_drop_down && part.show_prompt && part.show_error);
+}
+
+TEST(XlsWriting, KeepsFiltersAndIgnoredErrors) {
+  struct Case {
+    const char* what;
+    FilterCriterion criterion;
+    unsigned record;
+  };
+  const auto values = [](std::initializer_list<const char*> texts, bool blanks) {
+    FilterCriterion made;
+    made.kind = FilterKind::kValues;
+    for (const char* const text : texts) made.texts.add(text);
+    made.blanks = blanks;
+    return made;
+  };
+  const auto conditions = [](std::vector<FilterCondition> all, bool both) {
+    FilterCriterion made;
+    made.kind = FilterKind::kCustom;
+    made.conditions = std::move(all);
+    made.both = both;
+    return made;
+  };
+  const auto top = [](double count, bool largest, bool percent) {
+    FilterCriterion made;
+    made.kind = FilterKind::kTop10;
+    made.count = count;
+    made.largest = largest;
+    made.percent = percent;
+    return made;
+  };
+  FilterCriterion dates = values({"a*", "\xE2\x82\xAC"}, true);
+  dates.dates = {{{2026, 3, 0, 0, 0, 0, 0}, DatePart::kMonth},
+                 {{2026, 3, 1, 14, 5, 59, 0}, DatePart::kSecond}};
+  const Case kCases[] = {
+      {"a value", values({"\xE2\x82\xAC 12"}, false), kFilterColumn},
+      {"numbers", values({"12", "1.50"}, false), kFilterColumn},
+      {"a value or none", values({"a"}, true), kFilterColumn},
+      {"values", values({"a", "2", "c"}, false), kFutureFilterColumn},
+      {"values and dates", dates, kFutureFilterColumn},
+      {"largest", top(500, true, false), kFilterColumn},
+      {"smallest percent", top(1, false, true), kFilterColumn},
+      {"a condition", conditions({{FilterOperator::kEqual, "p*"}}, false), kFilterColumn},
+      {"both",
+       conditions({{FilterOperator::kGreater, "-1.5"}, {FilterOperator::kLessOrEqual, "m"}}, true),
+       kFilterColumn},
+      {"either",
+       conditions({{FilterOperator::kLess, "1E3"}, {FilterOperator::kNotEqual, "\xC3\xA4"}}, false),
+       kFilterColumn},
+      {"empty ones", conditions({{FilterOperator::kEqual, ""}}, false), kFilterColumn},
+      {"others",
+       conditions({{FilterOperator::kNotEqual, ""}, {FilterOperator::kGreaterOrEqual, "0"}}, true),
+       kFilterColumn},
+  };
+  NewBook made;
+  AutoFilter filter;
+  filter.range = {2, 40, 3, 20};
+  for (const auto& [what, criterion, record] : kCases)
+    filter.columns.push_back({4 + static_cast<int>(filter.columns.size()), criterion});
+  filter.sort = {{3, 40, 3, 20}, {{{3, 40, 5, 5}, true}, {{3, 40, 3, 3}, false}}};
+  Sheet& sheet = *made.book.sheets()[1];
+  set_filter_range(made.book, sheet, *filter.range);
+  sheet.change().filter = filter;
+  sheet.change().filtered = true;
+  IgnoredErrors& errors = sheet.change().ignored_errors;
+  IgnoredError scattered;
+  scattered.kinds = 0xFF;
+  for (int i = 0; i < 1500; ++i) scattered.cells.insert({2 * i, 2 * i, 1, 1});
+  errors.add(scattered);
+  errors.put({0, 9, 4, 5}, kNumberAsTextFault | kFormulaFault);
+  const std::string file = made.file();
+  LoadedBook loaded(file);
+  const SheetContents& read = loaded.sheet(1).contents();
+  EXPECT_TRUE(read.filtered);
+  EXPECT_EQ(read.filter.range, filter.range);
+  ASSERT_EQ(read.filter.columns.size(), std::size(kCases));
+  for (std::size_t i = 0; i < std::size(kCases); ++i) {
+    SCOPED_TRACE(kCases[i].what);
+    EXPECT_EQ(read.filter.columns[i].column, filter.columns[i].column);
+    EXPECT_TRUE(read.filter.columns[i].criterion == kCases[i].criterion);
+    EXPECT_TRUE(read.filter.columns[i].shows_button);
+  }
+  ASSERT_TRUE(read.filter.sort);
+  EXPECT_EQ(read.filter.sort->range, filter.sort->range);
+  ASSERT_EQ(read.filter.sort->keys.size(), 2U);
+  EXPECT_EQ(read.filter.sort->keys[0].cells, filter.sort->keys[0].cells);
+  EXPECT_TRUE(read.filter.sort->keys[0].descending && !read.filter.sort->keys[1].descending);
+  ASSERT_EQ(read.ignored_errors.all().size(), 3U);
+  EXPECT_EQ(read.ignored_errors.all()[1].cells.size(), 500U);
+  EXPECT_EQ(read.ignored_errors.all()[1].kinds, 0xFF);
+  EXPECT_EQ(read.ignored_errors.all()[2], errors.all()[1]);
+  std::vector<unsigned> columns;
+  for (const auto& [id, data] : records_of(file))
+    if (id == kFilterColumn || id == kFutureFilterColumn) columns.push_back(id);
+  ASSERT_EQ(columns.size(), std::size(kCases));
+  for (std::size_t i = 0; i < columns.size(); ++i) EXPECT_EQ(columns[i], kCases[i].record);
 }
 
 }  // namespace
