@@ -41,16 +41,16 @@ class SheetGroups : public GroupWriter {
     if (record.id() == kDefaultColumnWidth) note_columns(to_);
     // What begins inside is a chart.
     if (record.id() == kBof && std::exchange(began_, true)) return !is_copy_;
-    return !is_copy_ || is_copied(record.id());
+    return !is_copy_ || is_copied(record);
   }
 
  private:
   // What comes along with a copy of the sheet beside what the model has.
-  static bool is_copied(std::uint16_t id) {
+  static bool is_copied(const RecordReader& record) {
     constexpr std::uint16_t kCopied[] = {kConditions, kCondition, kLaterConditions, kLaterCondition,
                                          kConditionExtension};
-    return find_sheet_record(id) || id == kBof ||
-           std::ranges::find(kCopied, id) != std::end(kCopied);
+    return find_sheet_record(record.id(), record.data()) || record.id() == kBof ||
+           std::ranges::find(kCopied, record.id()) != std::end(kCopied);
   }
 
   SheetWriting& to_;
