@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/formula/adjust.h"
+#include "engine/workbook/auto_fit.h"
 #include "engine/workbook/formula_moves.h"
 #include "engine/workbook/sheet_operations.h"
 
@@ -132,19 +133,6 @@ std::optional<MoveRefusal> refusal_of_unloaded(const Sheet& sheet, const Move& m
   refusal.place = last + 1;
   if (!inserts(move) && move.at + move.count > refusal.place) return refusal;
   return std::nullopt;
-}
-
-// The cells whose widths count; an end of -1 is that of the used range. Nothing when all go.
-std::optional<FitArea> moved_area(FitArea area, const Move& move, const Grid& grid) {
-  const bool rows = move.axis == Axis::kRows;
-  int& first = rows ? area.row_first : area.column_first;
-  int& last = rows ? area.row_last : area.column_last;
-  const int size = size_along(grid, move);
-  const auto to = formula::moved(Interval{first, last < 0 ? size - 1 : last}, move, size);
-  if (!to) return std::nullopt;
-  first = to->first;
-  if (last >= 0) last = to->last;
-  return area;
 }
 
 // The look of what is inserted.
@@ -316,7 +304,7 @@ void ContentsMove::prepare_ranges() {
                     [this](std::string_view text) { return formulas_.edited(&sheet_, text); });
   ignored_errors_ = engine::moved(sheet_.contents().ignored_errors, move_, grid_);
   pictures_ = engine::moved(sheet_.contents().pictures, sheet_.contents(), move_, grid_);
-  if (const auto& area = sheet_.contents().fit_area) fit_area_ = moved_area(*area, move_, grid_);
+  if (const auto& area = sheet_.contents().fit_area) fit_area_ = engine::moved(*area, move_, grid_);
   for (const CellRange& array : sheet_.contents().arrays.all())
     if (const auto to = moved_range(array, move_, grid_)) arrays_.add(*to);
 }
