@@ -32,11 +32,22 @@ void put_common(std::string& out, unsigned version, std::uint16_t method, std::s
 
 }  // namespace
 
+// Pictures are packed already: to pack them again takes as much memory as they have, for nothing. A
+// piece out of the middle tells.
+bool ArchiveWriter::gets_smaller(std::string_view bytes) {
+  constexpr std::size_t kPiece = std::size_t{1} << 16;
+  if (bytes.size() < 4 * kPiece) return !bytes.empty();
+  packed_.clear();
+  deflater_.pack(bytes.substr(bytes.size() / 2, kPiece), Deflater::Ending::Final, packed_);
+  return packed_.size() < kPiece - kPiece / 64;
+}
+
 void ArchiveWriter::add(std::string_view name, std::string_view bytes) {
   if (bytes.size() > UINT32_MAX) throw SizeError(UINT32_MAX);
+  const bool is_tried = gets_smaller(bytes);
   packed_.clear();
-  if (!bytes.empty()) deflater_.pack(bytes, Deflater::Ending::Final, packed_);
-  const bool smaller = packed_.size() < bytes.size();
+  if (is_tried) deflater_.pack(bytes, Deflater::Ending::Final, packed_);
+  const bool smaller = is_tried && packed_.size() < bytes.size();
   const std::string_view data = smaller ? packed_ : bytes;
   write_local_header({std::string(name), data.size(), bytes.size(), output_.position(),
                       crc32_of(bytes), smaller ? kDeflated : kStored, false});

@@ -50,6 +50,7 @@ class ArchiveWriter {
     bool wide = false;  // the local header has zip64 sizes
   };
 
+  bool gets_smaller(std::string_view bytes);
   void write_local_header(const Written& entry);
   void write_directory_entry(const Written& entry);
   void write_end(std::uint64_t directory_offset, std::uint64_t directory_size);

@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <filesystem>
+#include <random>
 #include <thread>
 
 #include "tests/package/zip_builder.h"
@@ -35,10 +37,15 @@ std::string part(const Archive& archive, std::string_view name) {
 }
 
 TEST(ArchiveWriter, WritesWhatTheReaderReads) {
-  const auto bytes = written([](ArchiveWriter& writer) {
+  constexpr std::size_t kLong = std::size_t{1} << 20;
+  std::string noise(kLong, '\0');
+  std::ranges::generate(
+      noise, [random = std::minstd_rand()]() mutable { return static_cast<char>(random() >> 8); });
+  const auto bytes = written([&noise](ArchiveWriter& writer) {
     writer.add("empty", "");
     writer.add("short", "x");
-    writer.add("long", std::string(100000, 'x'));
+    writer.add("long", std::string(kLong, 'x'));
+    writer.add("noise", noise);
     writer.add_blocks("none", 0, make_block);
     writer.add_blocks("one", 1, make_block);
     writer.add_blocks("many", 50, make_block);
@@ -48,8 +55,10 @@ TEST(ArchiveWriter, WritesWhatTheReaderReads) {
   EXPECT_EQ(part(archive, "empty"), "");
   EXPECT_EQ(part(archive, "short"), "x");
   EXPECT_EQ(archive.find("short")->method, kStored);
-  EXPECT_EQ(part(archive, "long"), std::string(100000, 'x'));
+  EXPECT_EQ(part(archive, "long"), std::string(kLong, 'x'));
   EXPECT_EQ(archive.find("long")->method, kDeflated);
+  EXPECT_EQ(part(archive, "noise"), noise);
+  EXPECT_EQ(archive.find("noise")->method, kStored);
   EXPECT_EQ(part(archive, "none"), "");
   EXPECT_EQ(part(archive, "one"), block_text(0));
   std::string all;
