@@ -131,9 +131,7 @@ bool BookObject::loadInfo(const wchar_t* path) {
 
 // Saving.
 
-bool BookObject::check_savable(std::string_view operation) const {
-  if (!book_.document().is_savable())
-    return book_.refuse(false, messages::not_supported(operation));
+bool BookObject::check_savable() const {
   const auto& sheets = book_.workbook().sheets();
   if (sheets.empty()) return book_.refuse(false, messages::no_sheets());
   const bool any_visible = std::ranges::any_of(
@@ -155,7 +153,7 @@ bool BookObject::save(const wchar_t* path, bool) {
   return run(false, [&] {
     const std::string target = to_utf8(path);
     if (target.empty()) return book_.refuse(false, messages::empty("file name"));
-    if (!check_savable("save")) return false;
+    if (!check_savable()) return false;
     // A file that was filled from a template and is saved as a workbook is one.
     const FileEnding* ending = ending_of(target, book_.codec());
     const bool dropped = book_.contents().template_from_file && ending && !ending->is_template;
@@ -177,7 +175,7 @@ bool BookObject::save(const wchar_t* path, bool) {
 
 bool BookObject::saveRaw(const char** data, unsigned* size) {
   return run(false, [&] {
-    if (!check_savable("saveRaw")) return false;
+    if (!check_savable()) return false;
     SaveOptions options;
     options.as_template = book_.workbook().is_template;
     options.calculate = values_may_be_old();

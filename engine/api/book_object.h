@@ -84,7 +84,7 @@ class BookObject final : public libxl::Book {
   }
   bool check_sheet_index(int index) const;
   bool check_original(const libxl::Sheet* original, const Sheet** sheet) const;
-  bool check_savable(std::string_view operation) const;
+  bool check_savable() const;
   // The file of a load, and the one that keeps its bytes if one shall.
   bool take_paths(const wchar_t* path, const wchar_t* temp_path, LoadRequest* request) const;
   // The rows of a partial load, cut to the grid.

@@ -291,10 +291,6 @@ std::string array_braces() { return "array formula braces are not accepted"; }
 
 std::string file(std::string_view path) { return join("file ", quoted(path), " "); }
 
-std::string not_supported(std::string_view operation) {
-  return join(operation, " is not supported yet");
-}
-
 std::string unexpected(std::string_view fault) { return join("the operation failed: ", fault); }
 
 }  // namespace engine::api::messages

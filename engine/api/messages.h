@@ -100,9 +100,6 @@ std::string array_braces();
 // The subject of a sentence about a file; its predicate is a FileError's text.
 std::string file(std::string_view path);
 
-// An operation of the interface that the engine does not do yet.
-std::string not_supported(std::string_view operation);
-
 // A fault that nobody foresaw, by what the C++ library says of it.
 std::string unexpected(std::string_view fault);
 

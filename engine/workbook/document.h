@@ -176,9 +176,6 @@ class Document {
   // the names of their columns, which formulas use. Like an operation it changes all or nothing.
   virtual void settle_tables(Workbook& /*book*/) {}
 
-  // Whether that is possible: a codec may read books that it cannot write.
-  virtual bool is_savable() const { return true; }
-
   // Writes the whole book. Neither book nor document changes: saving again gives the same bytes.
   virtual void save(const Workbook& book, const SaveOptions& options, package::Output& output) = 0;
 };

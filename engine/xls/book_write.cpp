@@ -22,7 +22,6 @@ constexpr std::uint64_t kMaxStream = 0x7FFFFFFF;
 constexpr std::array<char, 16> kWorkbookClass = {0x20,   0x08, 0x02, 0, 0, 0, 0, 0,
                                                  '\xC0', 0,    0,    0, 0, 0, 0, 0x46};
 
-
 void write_stream(package::CompoundWriter& file, std::string name, std::string_view bytes) {
   package::CompoundItem item;
   item.name = std::move(name);

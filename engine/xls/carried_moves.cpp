@@ -219,6 +219,7 @@ class SubstreamMove {
 class EditsMove : public CarriedMove {
  public:
   void add(SheetPart& part, RecordEdits edits) { all_.emplace_back(&part, std::move(edits)); }
+  void set_own(SheetPart& part) { own_ = &part; }
   void add(DrawingPart& drawing, MovedDrawing moved) {
     drawing_ = &drawing;
     moved_ = std::move(moved);
@@ -226,6 +227,7 @@ class EditsMove : public CarriedMove {
 
   void apply() noexcept override {
     for (auto& [part, edits] : all_) part->edits.swap(edits);
+    if (own_) own_->is_moved = true;
     if (!drawing_) return;
     drawing_->shapes.swap(moved_.shapes);
     drawing_->notes.swap(moved_.notes);
@@ -233,7 +235,8 @@ class EditsMove : public CarriedMove {
 
  private:
   std::vector<std::pair<SheetPart*, RecordEdits>> all_;
-  DrawingPart* drawing_ = nullptr;  // of the sheet that is changed
+  SheetPart* own_ = nullptr;        // of the sheet that is changed
+  DrawingPart* drawing_ = nullptr;  // its drawing, if that moves
   MovedDrawing moved_;
 };
 
@@ -270,6 +273,7 @@ std::unique_ptr<CarriedMove> move_carried(LoadedFile& file, const Workbook& book
   };
   auto made = std::make_unique<EditsMove>();
   for (auto& [its, part] : file.sheets) {
+    if (its == &sheet) made->set_own(part);
     if (its == &sheet && part.drawing.exists())
       made->add(part.drawing, moved(part.drawing, sheet.contents(), move, book.limits.grid));
     const auto records = file.carried().find(part.begin);

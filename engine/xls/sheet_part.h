@@ -63,7 +63,8 @@ struct SheetPart {
   std::uint32_t begin = 0;  // of the substream in the stream
   std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();  // where another sheet begins
   bool read = false;
-  bool is_copy = false;  // made of another sheet's substream, of which it has a part
+  bool is_moved = false;  // rows or columns were inserted or removed
+  bool is_copy = false;   // made of another sheet's substream, of which it has a part
   RecordEdits edits;
   DrawingPart drawing;
 };

@@ -186,6 +186,9 @@ class SheetsWriter {
 
     constexpr RowFilter kNoRows{1, 0, false};
     Workbook scratch(book_.book.limits);
+    // The filter's range, which only its columns follow from.
+    if (!part.is_moved && !part.is_copy)
+      for (const DefinedName* name : book_.book.names.of_scope(sheet)) scratch.names.add(*name);
     SheetContents base = begin_contents(book_.book);
     SheetFlags flags;
     RecordReader records(reader);

@@ -126,9 +126,13 @@ void move_reference(std::string& tokens, std::size_t at, unsigned token, const T
   const CellRange range{row_first, row_last, column_first, column_last};
   const auto target = moves ? moved_reference(range, how) : range;
   if (!target) {
-    const int lost = has_sheet  ? kLostSheetCell - kSheetCell
-                     : relative ? kLostCell - kRelativeCell
-                                : kLostCell - kCell;
+    // From a reference of any kind it is as far to the lost one of a cell as to that of an area.
+    const auto distance = [](Token from, Token lost) {
+      return static_cast<int>(lost) - static_cast<int>(from);
+    };
+    const int lost = has_sheet  ? distance(kSheetCell, kLostSheetCell)
+                     : relative ? distance(kRelativeCell, kLostCell)
+                                : distance(kCell, kLostCell);
     tokens[at - 1] = static_cast<char>(tokens[at - 1] + lost);
     return;
   }

@@ -5,7 +5,6 @@
 #include <limits>
 #include <map>
 
-#include "engine/package/compound_file.h"
 #include "engine/workbook/filter_operations.h"
 #include "engine/workbook/print_names.h"
 #include "engine/workbook/sheet_operations.h"
