@@ -198,6 +198,7 @@ class SheetDrawing {
   void number_shapes(Drawings& drawings) {
     drawing_ = part_.exists() ? part_.drawing : drawings.take_drawing();
     if (!part_.exists()) frame_ = drawings.take_shape(drawing_, {});
+    else if (!drawings.group_.exists()) drawings.enter_drawing(part_);
     if (part_.highest_object + new_.size() > kMaxObjects)
       throw package::LimitError("drawing objects", kMaxObjects);
     std::uint32_t object = part_.highest_object;
@@ -333,6 +334,12 @@ std::uint32_t Drawings::take_drawing() {
   return ++last_drawing_;
 }
 
+void Drawings::enter_drawing(const DrawingPart& part) {
+  ++drawings_;
+  last_drawing_ = std::max(last_drawing_, part.drawing);
+  count_shapes(package::get32(part.bytes, part.head_at));
+}
+
 std::uint32_t Drawings::take_shape(std::uint32_t drawing,
                                    const std::map<std::uint32_t, std::uint32_t>& used) {
   const auto has_room = [&](ShapeCluster& one) {
@@ -347,7 +354,8 @@ std::uint32_t Drawings::take_shape(std::uint32_t drawing,
   if (!clusters_.empty() && has_room(clusters_.back())) found = clusters_.end() - 1;
   else if (!used.empty()) found = std::ranges::find_if(clusters_, has_room);
   if (found == clusters_.end()) {
-    clusters_.push_back({drawing, 0});
+    do clusters_.push_back({drawing, 0});
+    while (!has_room(clusters_.back()));
     found = clusters_.end() - 1;
   }
   changed_ = true;
@@ -480,7 +488,7 @@ void Drawings::copy_store(RecordWriter& out) const {
 }
 
 void Drawings::write_new_list(RecordWriter& out) const {
-  if (drawings_ == 0 && added_.empty()) return;
+  if (!changed_) return;
   constexpr ShapeProperty kUsual[] = {
       {0x00BF, 0x00080008}, {0x0181, 0x08000041}, {0x01C0, 0x08000040}};
   constexpr std::uint32_t kColors[] = {0x0800000D, 0x0800000C, 0x08000017, 0x100000F7};

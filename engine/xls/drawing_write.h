@@ -50,6 +50,8 @@ class Drawings {
   };
 
   std::uint32_t take_drawing();
+  // Counts a drawing of a file that lists none.
+  void enter_drawing(const DrawingPart& part);
   // `used` are the highest numbers that the drawing has in clusters.
   std::uint32_t take_shape(std::uint32_t drawing,
                            const std::map<std::uint32_t, std::uint32_t>& used);
