@@ -79,10 +79,10 @@ class BlockList {
     ++size_;
   }
 
-  auto begin() { return Iterator(*this, 0); }
-  auto end() { return Iterator(*this, size_); }
-  auto begin() const { return Iterator(*this, 0); }
-  auto end() const { return Iterator(*this, size_); }
+  auto begin() { return Iterator<BlockList>(*this, 0); }
+  auto end() { return Iterator<BlockList>(*this, size_); }
+  auto begin() const { return Iterator<const BlockList>(*this, 0); }
+  auto end() const { return Iterator<const BlockList>(*this, size_); }
 
  private:
   static constexpr std::size_t length_of(std::size_t block) { return kFirstBlock << block; }

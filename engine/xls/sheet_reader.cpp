@@ -58,6 +58,17 @@ bool points_elsewhere(std::string_view tokens, CellAddress& to) {
   return in.ok() && in.at_end() && (token == kOfFormula || token == kOfTable);
 }
 
+// A formula whose later records, with its text say, have not come yet.
+struct Pending {
+  CellAddress at;
+  std::uint32_t style = 0;
+  Value value;
+  bool awaits_text = false;
+  std::optional<CellAddress> elsewhere;  // where its expression stands
+  std::string formula;                   // else its text
+  std::string raw;                       // or its expression, if there is no text for it
+};
+
 class SheetReader {
  public:
   SheetReader(RecordReader& reader, const SheetContext& context, const RowFilter& filter,
@@ -91,17 +102,6 @@ class SheetReader {
     CellRange range;
     std::string tokens;
     std::string behind;
-  };
-
-  // A formula whose later records, with its text say, have not come yet.
-  struct Pending {
-    CellAddress at;
-    std::uint32_t style = 0;
-    Value value;
-    bool awaits_text = false;
-    std::optional<CellAddress> elsewhere;  // where its expression stands
-    std::string formula;                   // else its text
-    std::string raw;                       // or its expression, if there is no text for it
   };
 
   // A cell whose expression stands at another one that has not come yet.

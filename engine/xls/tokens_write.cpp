@@ -444,7 +444,7 @@ bool TokenWriter::write_name(std::size_t node, const FormulaContext& context) {
 
 // The constants, row by row, stand behind the tokens.
 bool TokenWriter::write_array(std::size_t node) {
-  enum Kind : std::uint8_t { kNumber = 1, kString = 2, kTruth = 4, kErrorCode = 16 };
+  enum class Kind : std::uint8_t { kNumber = 1, kString = 2, kTruth = 4, kErrorCode = 16 };
   const Place& place = places_[node];
   const bool single = place.wanted == Class::kValue && place.values == Values::kSingle;
   const Class its = single ? Class::kValue : Class::kArray;
@@ -475,7 +475,7 @@ bool TokenWriter::write_array(std::size_t node) {
       const Characters characters(text);
       if (characters.count() > formula::kMaxTextConstant)
         return fail("the formula has a text of more than 255 characters");
-      behind_ += static_cast<char>(kString);
+      behind_ += static_cast<char>(Kind::kString);
       package::put16(behind_, characters.count());
       behind_ += static_cast<char>(characters.wide() ? 1 : 0);
       behind_ += characters.bytes();
@@ -484,13 +484,13 @@ bool TokenWriter::write_array(std::size_t node) {
       ++count;
       const std::string_view element = rest.substr(0, size);
       if (element == "TRUE" || element == "FALSE") {
-        put_fixed(kTruth, element == "TRUE" ? 1 : 0);
+        put_fixed(Kind::kTruth, element == "TRUE" ? 1 : 0);
       } else if (c == '#') {
         const auto error = cell_error_number(element);
         if (!error) return fail("the formula has an error that .xls files do not know");
-        put_fixed(kErrorCode, *error);
+        put_fixed(Kind::kErrorCode, *error);
       } else {
-        behind_ += static_cast<char>(kNumber);
+        behind_ += static_cast<char>(Kind::kNumber);
         package::put64(behind_, std::bit_cast<std::uint64_t>(parse_number(element).value_or(0)));
       }
     }
