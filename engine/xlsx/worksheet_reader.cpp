@@ -19,10 +19,13 @@ void read_worksheet(package::BlockReader& reader, std::string_view part,
   package::XmlScanner scanner(reader, part);
   if (scanner.next() != Token::Start || scanner.name() != "worksheet")
     scanner.fail("not a worksheet");
+  const std::string_view root = scanner.qualified_name();
+  const std::string prefix(root.substr(0, root.size() - scanner.name().size()));
+  // One of another namespace has no place where its cells could be written again.
+  if (scanner.root_family(package::prefix_of(root)) != package::Family::Main)
+    scanner.fail("not a worksheet");
   std::string tree(scanner.root_tag());
-  const std::string end = std::string("</").append(scanner.qualified_name()).append(">");
-  const std::string prefix(
-      scanner.qualified_name().substr(0, scanner.qualified_name().size() - scanner.name().size()));
+  const std::string end = std::string("</").append(root).append(">");
   const std::string cells = std::string("<").append(prefix).append("sheetData/>");
   RowReader rows(scanner, part, context, filter, sheet, remains);
   bool found = false;

@@ -177,12 +177,13 @@ TEST(RowsAhead, AgreesWithReadingInOrderWhereverThePartIsCut) {
 
 TEST(RowsAhead, LeavesRowsThatAreNotTheSheets) {
   constexpr std::string_view kRowsOnly = R"(<row r="7"><c r="A7"><v>1</v></c></row>)";
-  for (const char* part : {"<worksheet><sheetData/>%</worksheet>",
-                           "<worksheet><sheetData></sheetData><x>%</x></worksheet>",
-                           "<x:worksheet xmlns:x=\"a\"><x:sheetData>%</x:sheetData></x:worksheet>",
-                           "<worksheet><sheetData><!--%--></sheetData></worksheet>"}) {
+  for (const char* part : {"<worksheet xmlns=\"$\"><sheetData/>%</worksheet>",
+                           "<worksheet xmlns=\"$\"><sheetData></sheetData><x>%</x></worksheet>",
+                           "<x:worksheet xmlns:x=\"$\"><x:sheetData>%</x:sheetData></x:worksheet>",
+                           "<worksheet xmlns=\"$\"><sheetData><!--%--></sheetData></worksheet>"}) {
     SCOPED_TRACE(part);
     std::string text = part;
+    text.replace(text.find('$'), 1, kMainNamespace);
     const std::size_t place = text.find('%');
     text.replace(place, 1, kRowsOnly);
     CutReader reader(text, {place});
