@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <set>
 #include <unordered_map>
 
 #include "engine/package/file_error.h"
@@ -247,6 +248,7 @@ void WorkbookPart::read(std::string_view bytes, const Parts& parts, std::string_
 
 void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::string_view part,
                                Workbook& book, SheetParts& sheets) {
+  std::set<std::string_view> taken;
   for (const pugi::xml_node node : sheet_nodes(root)) {
     auto sheet = std::make_unique<Sheet>(unescape(node.attribute("name").value()));
     SheetPart& remains = sheets[sheet.get()];
@@ -257,13 +259,16 @@ void WorkbookPart::read_sheets(pugi::xml_node root, const Parts& parts, std::str
     remains.listed = static_cast<std::uint32_t>(book.sheets().size() + 1);
     last_sheet_id_ = std::max(last_sheet_id_, remains.id);
     const auto [link, stored] = parts.named_by(node, part);
+    // A part is the first sheet's that it is listed for: any number more would cost no bytes.
+    const bool is_own = stored && taken.insert(stored->name).second;
     if (link) {
       sheet->kind = kind_of(link->kind());
-      remains.part = stored ? stored->name : resolve_target(part, link->target);
+      if (is_own) remains.part = stored->name;
+      if (!stored) remains.part = resolve_target(part, link->target);
     } else if (remains.relationship.empty()) {
       sheet->kind = SheetKind::kOther;  // modules of old programs are listed without a part
     }
-    if (!stored) sheet->loading = Loading::kMissing;
+    if (!is_own) sheet->loading = Loading::kMissing;
     book.add_sheet(std::move(sheet));
   }
   mentioned_ = mentioned_ids(root);

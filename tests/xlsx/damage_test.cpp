@@ -67,6 +67,12 @@ TEST(Damage, PackagesThatAreNoWorkbook) {
       types({{"xl/workbook.xml", "vnd.ms-excel.sheet.binary.macroEnabled.main"}});
   PartTexts no_sheet = good;
   no_sheet.erase("xl/worksheets/sheet1.xml");
+  PartTexts foreign_sheet = good;
+  foreign_sheet["xl/worksheets/sheet1.xml"] = "<worksheet xmlns=\"urn:s\"><sheetData/></worksheet>";
+  PartTexts shared_sheet = good;
+  shared_sheet["xl/workbook.xml"] = workbook_text(
+      "<sheet name=\"One\" sheetId=\"4\" r:id=\"rId1\"/><sheet name=\"Two\" sheetId=\"5\" "
+      "r:id=\"rId1\"/>");
   PartTexts no_relations = good;
   no_relations.erase("xl/_rels/workbook.xml.rels");
   const std::pair<std::string, const char*> kCases[] = {
@@ -80,6 +86,8 @@ TEST(Damage, PackagesThatAreNoWorkbook) {
       {zip(binary), "is a binary .xlsb workbook"},
       {zip(no_main), "is damaged: xl/workbook.xml, is missing"},
       {zip(no_sheet), "is damaged: xl/worksheets/sheet1.xml, is missing"},
+      {zip(foreign_sheet), "is damaged: xl/worksheets/sheet1.xml, byte 41, not a worksheet"},
+      {zip(shared_sheet), "is damaged: xl/workbook.xml, nothing leads to sheet \"Two\""},
       {zip(no_relations), "is damaged: xl/workbook.xml, nothing leads to sheet \"One\""},
   };
   for (const auto& [bytes, text] : kCases) EXPECT_EQ(refusal(bytes), text);
