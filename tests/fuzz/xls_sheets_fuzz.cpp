@@ -6,16 +6,11 @@
 #include "engine/workbook/workbook.h"
 #include "engine/xls/codec.h"
 #include "tests/fuzz/package_entry.h"
-#include "tests/xls/streams.h"
+#include "tests/fuzz/xls_file.h"
 
 namespace {
 
 using namespace engine;  // NOLINT(google-build-using-namespace): a target of one file
-
-std::string as_file(std::string_view bytes) {
-  if (bytes.starts_with("\xD0\xCF")) return std::string(bytes);
-  return xls::testing::file_of(bytes);
-}
 
 // Every text that a cell shows, so that a wrong number of one is found.
 std::size_t look_at(const Workbook& book, const SheetContents& sheet) {
@@ -39,7 +34,7 @@ std::size_t look_at(const Workbook& book, const SheetContents& sheet) {
 }  // namespace
 
 void fuzz::decode(std::string_view bytes) {
-  const std::string file = as_file(bytes);
+  const std::string file = xls_file(bytes);
   for (const bool in_part : {false, true}) {
     Workbook book(xls::kCodec.limits);
     const auto document = xls::kCodec.load(package::Source::from_bytes({file.begin(), file.end()}),
