@@ -93,7 +93,59 @@ SharedAdjuster::SharedAdjuster(const Adjuster& adjuster, std::string_view text, 
   }
   // On the sheet itself cells may come to stand at other distances from what does not move.
   concerned_ |= own_sheet && !formula_.references.empty();
-  for (const Reference& reference : formula_.references) append_ends(reference, at_, unchanged_);
+  const Grid& grid = formula_.grid;
+  across_ = {0, (move_.axis == Axis::kRows ? grid.columns : grid.rows) - 1};
+  for (const Reference& reference : formula_.references) {
+    append_ends(reference, at_, unchanged_);
+    cut_across(reference);
+  }
+}
+
+void SharedAdjuster::cut_across(const Reference& reference) {
+  const bool rows = move_.axis == Axis::kRows;
+  if (reference.shape == (rows ? Reference::Shape::kRows : Reference::Shape::kColumns)) return;
+  const int size = rows ? formula_.grid.columns : formula_.grid.rows;
+  for (const CellReference& end : {reference.first, reference.last}) {
+    if (rows ? end.column_absolute : end.row_absolute) continue;
+    const int distance = (rows ? end.column : end.row) - across(at_);
+    across_.first = std::max(across_.first, -distance);
+    across_.last = std::min(across_.last, size - 1 - distance);
+  }
+}
+
+int SharedAdjuster::last_alike(CellAddress from) const {
+  const bool rows = move_.axis == Axis::kRows;
+  const bool inserts = move_.kind == Move::Kind::kInsert;
+  const int size = rows ? formula_.grid.rows : formula_.grid.columns;
+  const int count = std::min(move_.count, size);
+  const int behind = std::min(move_.at, size) + count;
+  // Ends in here are cut, which leaves them where they are while the cell goes on.
+  const Interval cut = inserts ? Interval{size - count, size - 1} : Interval{move_.at, behind - 1};
+  const int here = along(from);
+  int last = size - 1;
+  const auto stop_before = [&](int border, int position) {
+    if (position < border) last = std::min(last, here + (border - position) - 1);
+  };
+  stop_before(move_.at, here);
+  for (const Reference& reference : formula_.references) {
+    if (reference.shape == (rows ? Reference::Shape::kColumns : Reference::Shape::kRows)) continue;
+    const CellReference* const ends[] = {&reference.first, &reference.last};
+    for (const int number : {0, 1}) {
+      const auto place = [&](int of) { return rows ? ends[of]->row : ends[of]->column; };
+      const auto stays = [&](int of) {
+        return rows ? ends[of]->row_absolute : ends[of]->column_absolute;
+      };
+      if (stays(number)) continue;
+      const int position = place(number) - along(at_) + here;
+      if (cut.first <= position && position <= cut.last) return here;
+      for (const int border : {0, move_.at, cut.first, cut.last + 1, size})
+        stop_before(border, position);
+      // Which end is the first may change.
+      if (stays(1 - number))
+        for (const int more : {0, 1}) stop_before(place(1 - number) + more, position);
+    }
+  }
+  return last;
 }
 
 void SharedAdjuster::append_ends(const Reference& reference, CellAddress cell, Form& form) const {

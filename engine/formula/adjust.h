@@ -46,7 +46,9 @@ class Adjuster {
 // that the text is for.
 //
 // What the move makes of it is told cell by cell as a form: where its references are then, relative
-// parts counted from the cell. Cells of one form go on to share a formula.
+// parts counted from the cell. Cells of one form go on to share a formula. The form follows from
+// where a cell stands along the axis of the move, but near the edges across of it, and is the same
+// for stretches of it: a file names a long formula from any number of cells in few bytes.
 class SharedAdjuster {
  public:
   using Form = std::vector<int>;
@@ -60,11 +62,19 @@ class SharedAdjuster {
   const Form& unchanged() const { return unchanged_; }
   // The form for a cell that stands at `from` and is going to stand at `to`.
   void read_form(CellAddress from, CellAddress to, Form& form) const;
+  int along(CellAddress cell) const { return move_.axis == Axis::kRows ? cell.row : cell.column; }
+  // Whether its form is that of the cells beside it, across of the axis.
+  bool is_like_beside(CellAddress from) const {
+    return across_.first <= across(from) && across(from) <= across_.last;
+  }
+  // The last place along the axis up to which cells have the form of one that stands at `from`.
+  int last_alike(CellAddress from) const;
   // The text for a cell that stands at `from`.
   std::string text_for(CellAddress from, Adjuster& adjuster) const;
 
  private:
-  int along(CellAddress cell) const { return move_.axis == Axis::kRows ? cell.row : cell.column; }
+  int across(CellAddress cell) const { return move_.axis == Axis::kRows ? cell.column : cell.row; }
+  void cut_across(const Reference& reference);
   void append_ends(const Reference& reference, CellAddress cell, Form& form) const;
 
   const Move move_;
@@ -75,6 +85,7 @@ class SharedAdjuster {
   bool is_formula_ = true;
   bool concerned_ = false;
   Form unchanged_;
+  Interval across_;  // of cells all of whose references lie on the sheet across of the axis
 };
 
 }  // namespace engine::formula

@@ -1,6 +1,7 @@
 #include "engine/workbook/formula_moves.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <new>
@@ -73,6 +74,7 @@ void FormulaMoves::collect_shared(Sheet& rows, const Sheet& owner) {
 
   std::vector<std::vector<Group>> groups(adjusters.size());
   std::vector<std::map<formula::SharedAdjuster::Form, std::size_t>> known(adjusters.size());
+  std::vector<std::map<int, Stretch>> stretches(adjusters.size());  // by where they begin
   formula::SharedAdjuster::Form form;
   for (const Row& row : contents.cells.rows()) {
     for (const Cell& cell : row.span()) {
@@ -82,22 +84,31 @@ void FormulaMoves::collect_shared(Sheet& rows, const Sheet& owner) {
       const CellAddress from{static_cast<int>(row.number), cell.column};
       const auto to = own_sheet ? moved(from, adjuster_.move()) : from;
       if (!to) continue;
-      adjusters[number]->read_form(from, *to, form);
+      const formula::SharedAdjuster& shared = *adjusters[number];
       std::vector<Group>& its = groups[number];
-      if (its.empty() || its.back().form != form) {
-        const auto [place, is_new] = known[number].try_emplace(form, its.size());
-        if (is_new) {
-          // One of each formula is no more than there was.
-          if (!its.empty())
-            pay_for_group(contents.shared_formulas[number].text.size() +
-                          2 * sizeof(int) * form.size());
-          its.push_back({form, from, *to, {}});
-        } else {
-          its[place->second].records.push_back(cell.index());
-          continue;
+      const bool is_like_beside = shared.is_like_beside(from);
+      if (is_like_beside) {
+        const auto behind = stretches[number].upper_bound(shared.along(from));
+        if (behind != stretches[number].begin()) {
+          const Stretch& before = std::prev(behind)->second;
+          if (before.last >= shared.along(from)) {
+            its[before.group].records.push_back(cell.index());
+            continue;
+          }
         }
       }
-      its.back().records.push_back(cell.index());
+      shared.read_form(from, *to, form);
+      const auto [place, is_new] = known[number].try_emplace(form, its.size());
+      if (is_new) {
+        // One of each formula is no more than there was.
+        if (!its.empty())
+          pay_for_group(contents.shared_formulas[number].text.size() +
+                        2 * sizeof(int) * form.size());
+        its.push_back({form, from, *to, {}});
+      }
+      its[place->second].records.push_back(cell.index());
+      if (is_like_beside)
+        stretches[number][shared.along(from)] = {shared.last_alike(from), place->second};
     }
   }
   Split split;

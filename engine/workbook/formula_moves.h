@@ -44,6 +44,11 @@ class FormulaMoves {
     CellAddress to;
     std::vector<std::uint32_t> records;
   };
+  // Places along the axis of the move whose cells are of one group.
+  struct Stretch {
+    int last = 0;
+    std::size_t group = 0;
+  };
   struct Split {
     Sheet* rows = nullptr;
     std::deque<SharedFormula> formulas;  // of the sheet; empty for those that stay

@@ -1,6 +1,7 @@
 // What happens to the references of a formula when cells are copied, rows move or sheets change.
 #include <gtest/gtest.h>
 
+#include "engine/formula/adjust.h"
 #include "engine/formula/formula.h"
 #include "engine/formula/formula_text.h"
 #include "tests/formula/grid.h"
@@ -214,6 +215,53 @@ TEST(Ranges, OfText) {
   }
   EXPECT_EQ(absolute_range_text("a b", {0, 1, 2, 2}), "'a b'!$C$1:$C$2");
   EXPECT_EQ(absolute_range_text("S", {0, 0, 2, 2}), "S!$C$1");
+}
+
+// The form of each cell is what its stretch says, wherever the stretch was asked for.
+TEST(SharedFormulas, HaveOneFormForAStretch) {
+  constexpr Grid kSmall{24, 24};
+  constexpr const char* kTexts[] = {
+      "A1",       "E5+S!$B$7",   "$A$1:E9",    "E9:$F$20",   "SUM(C3:D22,T!E5)",
+      "5:9",      "B:D+C$3:D9",  "$5:8",       "A24:$X24+1", "E$20:F3+A2",
+      "E5:E$6+1", "D4:$D20+F24", "X1+$E9:$E$2"};
+  constexpr Move::Kind kKinds[] = {Move::Kind::kInsert, Move::Kind::kRemove};
+  SharedAdjuster::Form form;
+  SharedAdjuster::Form other;
+  const auto check = [&](const Move& move, const char* text, bool own_sheet) {
+    const Adjuster adjuster(move, "S", kSmall);
+    const SharedAdjuster shared(adjuster, text, {4, 4}, own_sheet);
+    const auto read = [&](CellAddress from, SharedAdjuster::Form& its) {
+      int& place = move.axis == Axis::kRows ? from.row : from.column;
+      const CellAddress at = from;
+      const auto to = own_sheet ? moved(place, move) : place;
+      if (to) place = *to;
+      if (to) shared.read_form(at, from, its);
+      return to && shared.is_like_beside(at);
+    };
+    for (int i = 0; i < kSmall.rows; ++i) {
+      const CellAddress from = move.axis == Axis::kRows ? CellAddress{i, 4} : CellAddress{4, i};
+      if (!read(from, form)) continue;
+      ASSERT_GE(shared.last_alike(from), shared.along(from));
+      for (int j = 0; j < kSmall.rows * kSmall.columns; ++j) {
+        const CellAddress cell{j / kSmall.columns, j % kSmall.columns};
+        const int place = shared.along(cell);
+        if (place < shared.along(from) || place > shared.last_alike(from)) continue;
+        if (!read(cell, other)) continue;
+        ASSERT_EQ(form, other) << from.row << ' ' << from.column << ", " << cell.row << ' '
+                               << cell.column;
+      }
+    }
+  };
+  for (const char* text : kTexts) {
+    for (const Move::Kind kind : kKinds) {
+      for (const Axis axis : {Axis::kRows, Axis::kColumns}) {
+        for (const bool own_sheet : {true, false}) {
+          SCOPED_TRACE(text);
+          ASSERT_NO_FATAL_FAILURE(check({axis, kind, 6, 3}, text, own_sheet));
+        }
+      }
+    }
+  }
 }
 
 }  // namespace
