@@ -1,6 +1,6 @@
 #include "engine/xls/cipher.h"
 
-// The digests by their short names, as they need no room of their own.
+// The plain functions, each of which brings nothing of the library along but itself.
 #define OPENSSL_SUPPRESS_DEPRECATED
 #include <openssl/md5.h>
 #include <openssl/sha.h>
@@ -21,15 +21,17 @@ namespace {
 constexpr std::string_view kPassword = "VelvetSweatshop";
 constexpr std::size_t kBits40 = 5;  // as bytes
 
-template <auto* Digest, std::size_t Size>
+template <class State, auto* Init, auto* Update, auto* Final, std::size_t Size>
 std::string digest(std::string_view text) {
   std::string out(Size, '\0');
-  Digest(reinterpret_cast<const unsigned char*>(text.data()), text.size(),
-         reinterpret_cast<unsigned char*>(out.data()));
+  State state;
+  Init(&state);
+  Update(&state, text.data(), text.size());
+  Final(reinterpret_cast<unsigned char*>(out.data()), &state);
   return out;
 }
-constexpr auto* kMd5 = digest<&MD5, MD5_DIGEST_LENGTH>;
-constexpr auto* kSha1 = digest<&SHA1, SHA_DIGEST_LENGTH>;
+constexpr auto* kMd5 = digest<MD5_CTX, &MD5_Init, &MD5_Update, &MD5_Final, MD5_DIGEST_LENGTH>;
+constexpr auto* kSha1 = digest<SHA_CTX, &SHA1_Init, &SHA1_Update, &SHA1_Final, SHA_DIGEST_LENGTH>;
 
 std::string number_bytes(std::uint32_t number) {
   std::string bytes;
