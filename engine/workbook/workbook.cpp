@@ -25,11 +25,13 @@ Workbook::Workbook(const Limits& format_limits) : limits(format_limits), names(f
 }
 
 Sheet* Workbook::find_sheet(std::string_view name) const {
-  if (last_found_ && last_found_->name() == name) return last_found_;
+  for (Sheet* sheet : last_found_)
+    if (sheet && sheet->name() == name) return sheet;
   const std::string folded = fold_case(name);
   const auto found = sheet_names_.lower_bound(std::string_view(folded));
   if (found == sheet_names_.end() || (*found)->folded_name() != folded) return nullptr;
-  return last_found_ = *found;
+  last_found_ = {*found, last_found_[0]};
+  return *found;
 }
 
 std::size_t Workbook::position(const Sheet& sheet) const {
@@ -56,7 +58,7 @@ void Workbook::insert_sheet(std::size_t position, std::unique_ptr<Sheet> sheet,
 
 std::unique_ptr<Sheet> Workbook::remove_sheet(std::size_t position) noexcept {
   const auto at = sheets_.begin() + static_cast<std::ptrdiff_t>(position);
-  last_found_ = nullptr;
+  last_found_ = {};
   sheet_names_.erase(place_in_names(**at));
   std::unique_ptr<Sheet> removed = std::move(*at);
   sheets_.erase(at);
@@ -70,7 +72,7 @@ void Workbook::move_sheet(std::size_t from, std::size_t to) noexcept {
 }
 
 void Workbook::rename_sheet(Sheet& sheet, std::string name, std::string folded_name) noexcept {
-  last_found_ = nullptr;
+  last_found_ = {};
   auto its_name = sheet_names_.extract(place_in_names(sheet));
   sheet.name_.swap(name);
   sheet.folded_name_.swap(folded_name);

@@ -1,6 +1,7 @@
 // A workbook in memory, whatever file it came from or goes to.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -75,7 +76,8 @@ class Workbook {
 
   std::vector<std::unique_ptr<Sheet>> sheets_;
   SheetNames sheet_names_;
-  mutable Sheet* last_found_ = nullptr;  // formulas name the same sheet again and again
+  // Formulas name the same few sheets again and again; the latest first.
+  mutable std::array<Sheet*, 2> last_found_{};
 };
 
 // Rows that a partial load left out. They have texts and errors of their own; only numbers of
