@@ -1,7 +1,7 @@
 // A list of plain data that grows at its end and whose items stay where they are.
 //
 // Items lie in blocks, each twice as long as the one before, so growing moves nothing, a short list
-// is small. A block's memory is not touched before it is used.
+// is small. A block's memory is not touched before it is used, but for a step ahead in a long one.
 #pragma once
 
 #include <algorithm>
@@ -13,12 +13,15 @@
 #include <utility>
 #include <vector>
 
+#include "engine/workbook/fresh_pages.h"
+
 namespace engine {
 
 template <class T>
 class BlockList {
   static_assert(std::is_trivially_copyable_v<T>);
   static constexpr std::size_t kFirstBlock = 256;
+  static constexpr std::size_t kStep = std::bit_ceil(kManyPages / sizeof(T));
 
   // Goes through the items in order. List is a list that may be changed or one that may not.
   template <class List>
@@ -75,6 +78,8 @@ class BlockList {
   void push_back(const T& item) {
     const Place place(size_);
     if (place.block == blocks_.size()) add_block();
+    if (place.offset % kStep == 0 && length_of(place.block) >= kStep)
+      provide_pages(items(place.block) + place.offset, kStep * sizeof(T));
     items(place.block)[place.offset] = item;
     ++size_;
   }

@@ -2,6 +2,8 @@
 
 #include <cassert>
 
+#include "engine/workbook/fresh_pages.h"
+
 namespace engine {
 
 namespace {
@@ -134,6 +136,7 @@ Cell* CellStore::allocate(std::size_t count) {
     blocks_.push_back(std::make_unique_for_overwrite<Cell[]>(size));
     free_ = blocks_.back().get();
     block_end_ = free_ + size;
+    if (size == kLargestBlock) provide_pages(free_, size * sizeof(Cell));
   }
   Cell* taken = free_;
   free_ += count;

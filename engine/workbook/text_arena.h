@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "engine/workbook/fresh_pages.h"
+
 namespace engine {
 
 class TextArena {
@@ -48,6 +50,7 @@ class TextArena {
     blocks_.push_back(std::make_shared_for_overwrite<char[]>(size));
     free_ = blocks_.back().get();
     room_ = size;
+    if (size >= kManyPages) provide_pages(free_, size);
   }
 
   // Bytes of all texts that were kept.
