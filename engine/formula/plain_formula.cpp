@@ -4,6 +4,7 @@
 #include "engine/formula/plain_formula.h"
 
 #include <array>
+#include <cstdint>
 #include <utility>
 
 #include "engine/formula/scan.h"
@@ -197,7 +198,7 @@ class Scanner {
   const char* const end_;
   bool argument_begins_ = false;
   std::size_t open_ = 0;
-  std::array<int, kMaxOpen> arguments_{};  // of each open call; 0 where nothing is called
+  std::array<std::uint16_t, kMaxOpen> arguments_{};  // of each open call; 0 where nothing is called
 };
 
 }  // namespace
