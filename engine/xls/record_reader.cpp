@@ -34,13 +34,11 @@ RecordReader::RecordReader(const package::CompoundStream& stream, std::uint64_t 
       end_(stream.size()),
       cipher_(cipher) {}
 
-// Brings bytes into the window: as they lie in memory where they do in one piece, else a copy.
-bool RecordReader::reach(std::uint64_t offset, std::size_t count) {
+// As the bytes lie in memory where they do in one piece, else a copy.
+bool RecordReader::move_window(std::uint64_t offset, std::size_t count) {
   if (offset >= end_ || end_ - offset < count) return false;
-  if (offset >= window_begin_ && offset - window_begin_ <= window_.size() &&
-      window_.size() - (offset - window_begin_) >= count)
-    return true;
   window_ = stream_.view_at(offset);
+  window_ = window_.substr(0, std::min<std::uint64_t>(window_.size(), end_ - offset));
   window_begin_ = offset;
   if (window_.size() >= count) return true;
   buffer_.resize(
@@ -77,7 +75,7 @@ void RecordReader::decrypt() {
 
 std::uint16_t RecordReader::next_id() {
   if (next_ + kHeaderSize > end_) return 0;
-  if (next_ - window_begin_ + kHeaderSize <= window_.size())
+  if (in_window(next_, kHeaderSize))
     return package::get16(window_, static_cast<std::size_t>(next_ - window_begin_));
   std::array<char, 2> bytes{};
   stream_.read(next_, bytes);

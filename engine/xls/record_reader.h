@@ -28,7 +28,7 @@ class RecordReader {
   // The records from here on are encrypted.
   void decrypt_with(const Cipher& cipher) { cipher_ = cipher; }
 
-  // Nothing is read from `offset` on.
+  // Nothing is read from `offset` on; said before anything is.
   void end_at(std::uint64_t offset) { end_ = std::min(end_, offset); }
 
   // The next record is the one that begins there.
@@ -56,12 +56,20 @@ class RecordReader {
  private:
   static constexpr std::size_t kHeaderSize = 4;
 
-  bool reach(std::uint64_t offset, std::size_t count);
+  // Whether there are so many bytes; brings them into the window.
+  bool reach(std::uint64_t offset, std::size_t count) {
+    return in_window(offset, count) || move_window(offset, count);
+  }
+  bool in_window(std::uint64_t offset, std::size_t count) const {
+    const std::uint64_t at = offset - window_begin_;  // too much for any window if it is in front
+    return at <= window_.size() && window_.size() - at >= count;
+  }
+  bool move_window(std::uint64_t offset, std::size_t count);
   void decrypt();
 
   const package::CompoundStream& stream_;
   const std::string_view sheet_;
-  std::string_view window_;  // bytes of the stream
+  std::string_view window_;  // bytes of the stream, none behind its end
   std::uint64_t window_begin_ = 0;
   std::vector<char> buffer_;  // of a window that does not lie in one piece
   std::uint64_t offset_ = 0;
