@@ -48,6 +48,23 @@ Stage loaded(int sheet, int first, int last) {
 Stage whole_book() { return loaded(-1, -1, -1); }
 Stage part_of_book() { return loaded(0, 1, 2); }
 
+// So much that a second thread reads and writes parts of it.
+Stage fill_sheet() {
+  Stage stage;
+  std::wstring text(300, L'x');
+  for (int row = 0; row < 4000; ++row) {
+    stage.sheet->writeStr(row, 0, (text + std::to_wstring(row)).c_str());
+    for (const int column : {1, 2, 3}) stage.sheet->writeNum(row, column, row / 7.0);
+  }
+  return stage;
+}
+Stage large_book() {
+  static const std::string bytes = saved(*fill_sheet().book);
+  Stage stage;
+  EXPECT_TRUE(load(*stage.book, bytes));
+  return stage;
+}
+
 // With something new in all that a save writes.
 Stage changed_book() {
   Stage stage = whole_book();
@@ -79,6 +96,7 @@ const Operation kOperations[] = {
     {"load", new_book, [](Stage& s) { load(*s.book, rich_bytes()); }},
     {"load of rows", whole_book, [](Stage& s) { load(*s.book, rich_bytes(), 0, 1, 2); }},
     {"getSheet", whole_book, [](Stage& s) { s.book->getSheet(1); }},
+    {"getSheet of many rows", large_book, [](Stage& s) { s.book->getSheet(0); }},
     {"writeNum", whole_book, [](Stage& s) { s.sheet->writeNum(900, 9, 1); }},
     {"writeNum over a formula", whole_book, [](Stage& s) { s.sheet->writeNum(1, 2, 1); }},
     {"writeStr", whole_book,
@@ -279,7 +297,7 @@ TEST(Memory, ShortAtAnyPointChangesNothing) {
 }
 
 TEST(Memory, ASaveIsWholeOrNone) {
-  for (const auto make : {new_book, whole_book, changed_book, changed_part}) {
+  for (const auto make : {new_book, whole_book, changed_book, changed_part, fill_sheet}) {
     Stage stage = make();
     const std::string wanted = saved(*stage.book);
     const char* data = nullptr;

@@ -26,21 +26,23 @@ namespace {
 
 constexpr long kNever = -1;
 
-thread_local long t_allowed = kNever;
-thread_local bool t_once = false;
-thread_local bool t_struck = false;
+std::atomic<long> g_allowed = kNever;
+std::atomic<bool> g_once = false;
+std::atomic<bool> g_struck = false;
 std::atomic<long> g_blocks = 0;
 
 bool fails() {
-  if (t_allowed == kNever) return false;
-  if (t_allowed > 0) {
-    --t_allowed;
-    return false;
+  long allowed = g_allowed;
+  while (allowed != kNever) {
+    const bool suffices = allowed > 0;
+    const long left = suffices ? allowed - 1 : g_once ? kNever : 0;
+    if (!g_allowed.compare_exchange_weak(allowed, left)) continue;
+    if (suffices) return false;
+    g_struck = true;
+    errno = ENOMEM;
+    return true;
   }
-  t_struck = true;
-  if (t_once) t_allowed = kNever;
-  errno = ENOMEM;
-  return true;
+  return false;
 }
 
 void* counted(void* block) {
@@ -51,14 +53,14 @@ void* counted(void* block) {
 }  // namespace
 
 Shortage::Shortage(long allowed, Failing failing, bool& struck) : struck_(struck) {
-  t_once = failing == Failing::kOnce;
-  t_struck = false;
-  t_allowed = allowed;
+  g_once = failing == Failing::kOnce;
+  g_struck = false;
+  g_allowed = allowed;
 }
 
 Shortage::~Shortage() {
-  t_allowed = kNever;
-  struck_ = t_struck;
+  g_allowed = kNever;
+  struck_ = g_struck;
 }
 
 long blocks_in_use() { return g_blocks; }

@@ -1,7 +1,7 @@
 // Memory that runs out on request, for programs that take short_memory.cpp in.
 //
 // Their malloc and its relatives are replaced, so whatever is linked fails with them: our own code,
-// the C++ library, the tree library. Only the thread that asked for it runs short.
+// the C++ library, the tree library; on every thread, those included that the engine starts.
 #pragma once
 
 #include <cstdint>
@@ -13,7 +13,7 @@ enum class Failing : std::uint8_t {
   kOnward  // that one and all behind it
 };
 
-// Lets the thread allocate so many times more and fail then, as long as it lives; tells in the end
+// Lets the program allocate so many times more and fail then, as long as it lives; tells in the end
 // whether that came to pass.
 class Shortage {
  public:
