@@ -87,6 +87,9 @@ class CalculationDomain(Domain):
     def objects(self):
         return self.data["objects"]
 
+    def get_type_name(self, type, primary=False):
+        return type.lname
+
     def clear_doc(self, docname):
         for name in [name for name, found in self.objects.items() if found[0] == docname]:
             del self.objects[name]

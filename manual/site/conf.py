@@ -22,5 +22,6 @@ html_show_sphinx = False
 html_show_copyright = False
 # Summaries are fetched page by page, which a browser refuses for files; the results tell enough.
 html_show_search_summary = False
+html_search_scorer = os.path.join(os.path.dirname(__file__), "search_scorer.js")
 html_domain_indices = False
 html_use_index = False
