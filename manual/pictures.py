@@ -38,7 +38,7 @@ class Kind:
 
 # What shows a number format well, by a part of its name.
 NUMBERS = [("Date", 46095.6), ("Time", 46095.6), ("Min", 0.0123456), ("Elapsed", 1.6)]
-FRAMED = "XL_Format_SetBorder ( $f ; XL_BorderHair ) & "
+FRAMED = "XL_Format_SetBorder ( $f ; XL_BorderThin ) & "
 NUMBER = "XL_Sheet_WriteNum ( $s ; {row} ; 1 ; {number} ; $f )"
 KINDS = {
     "colours": Kind(8, 12, FILL.format("XL_FillSolid", "{}"), BLANK),
@@ -90,6 +90,10 @@ def sample_script(group, path):
     yield "XL_Book_Release ( $b )"
 
 
+def page(pages, name):
+    return Image.open(pages / f"{name}.png").convert("RGB")
+
+
 def whole(page):
     """The part of a page that is not white."""
     white = Image.new("RGB", page.size, "white")
@@ -131,8 +135,9 @@ def write_guides(xlcalc, folder):
 
 def for_print(xlcalc, book, copy, folder):
     """A copy of a workbook that is printed as it looks on the screen."""
-    text = """
-$b = XL_XlCreateXMLBook
+    create = "XL_XlCreateBook" if book.suffix == ".xls" else "XL_XlCreateXMLBook"
+    text = f"""
+$b = {create}
 $x = XL_Book_Load ( $b ; $BOOK )
 $x = While (
   [ i = 0 ] ; i < XL_Book_SheetCount ( $b ) ;
@@ -162,11 +167,7 @@ def make(xlcalc, groups, folder):
         run_script(xlcalc, work / "samples.calc", script)
     guides = write_guides(xlcalc, work / "guides")
     for name, book in guides.items():
-        copy = books / f"{name}{book.suffix}"
-        if book.suffix == ".xls":
-            shutil.copy(book, copy)
-        else:
-            for_print(xlcalc, book, copy, work)
+        for_print(xlcalc, book, books / f"{name}{book.suffix}", work)
     subprocess.run(
         ["soffice", "--headless", f"-env:UserInstallation=file://{work / 'profile'}"]
         + ["--convert-to", "pdf", "--outdir", pages, *sorted(books.iterdir())],
@@ -180,6 +181,6 @@ def make(xlcalc, groups, folder):
             check=True,
         )
     for group in seen:
-        cut_samples(group, Image.open(pages / f"{group.slug}.png").convert("RGB"), folder)
+        cut_samples(group, page(pages, group.slug), folder)
     for name in guides:
-        whole(Image.open(pages / f"{name}.png").convert("RGB")).save(folder / f"{name}.png")
+        whole(page(pages, name)).save(folder / f"{name}.png")
