@@ -11,9 +11,9 @@ below a statement that prints something what it prints, in lines that begin with
     XL_Sheet_WriteNum ( $sheet ; 0 ; 0 ; 4.95 )
     // → 1
 
-$DIR is a folder, empty before the first calculation of a file, $EXAMPLES the one with the examples. A call that fails is
-told by the host beside the results; here it has to be meant: the calculation prints its code or
-reason.
+$DIR is a folder, empty before the first calculation of a file, $EXAMPLES the one with the examples.
+A call that fails is told by the host beside the results; here it has to be meant: the calculation
+prints its code or reason.
 
 Run as a program, every calculation is evaluated and compared, and every function of the plug-in has
 to occur. With --write what is printed is put in place of what stands there: for new calculations.
@@ -153,7 +153,8 @@ def write(path, calculations):
 
 
 def registered_names(xlcalc):
-    listed = subprocess.run([xlcalc, "functions"], check=True, capture_output=True, encoding="utf-8")
+    command = [xlcalc, "functions"]
+    listed = subprocess.run(command, check=True, capture_output=True, encoding="utf-8")
     return {line.split(" ")[0] for line in listed.stdout.splitlines() if line[:1].strip()}
 
 

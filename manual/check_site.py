@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Looks for faults in the built site: links that lead nowhere, functions without an entry.
 
-Where there is a browser, it also searches as a reader does, and opens every page on a narrow screen.
+Where there is a browser, it also searches as a reader does, and opens every page on a
+narrow screen.
 """
 
 import argparse
@@ -52,7 +53,8 @@ def dead_links(site):
             parts = urllib.parse.urlsplit(link)
             if parts.scheme or parts.netloc:
                 continue
-            target = (path.parent / urllib.parse.unquote(parts.path)).resolve() if parts.path else path
+            name = urllib.parse.unquote(parts.path) or path.name
+            target = (path.parent / name).resolve()
             if not target.exists():
                 yield f"{path.name}: {link} leads nowhere"
             elif parts.fragment and target in pages and parts.fragment not in pages[target].ids:

@@ -7,8 +7,8 @@ functions that merge cells, and leads to their entries, not just to a page.
 
 from docutils import nodes
 from docutils.parsers.rst import Directive, directives
+from pygments import token
 from pygments.lexer import RegexLexer
-from pygments.token import Comment, Generic, Keyword, Name, Number, Operator, Punctuation, String, Text
 from sphinx import addnodes
 from sphinx.directives import ObjectDescription
 from sphinx.domains import Domain, ObjType
@@ -23,18 +23,18 @@ class CalculationLexer(RegexLexer):
     name = "calculation"
     tokens = {
         "root": [
-            (r"// →.*", Generic.Output),
-            (r"//.*", Comment),
-            (r'"(?:[^"\\]|\\.)*"', String),
-            (r"\$\w+", Name.Variable),
-            (r"\b(?:and|or|not|xor)\b", Operator.Word),
-            (r"\bXL_\w+", Name.Function),
-            (r"\b(?:Let|If|Case|While|List|GetValue|Substitute|ValueCount|Round|IsEmpty)\b", Keyword),
-            (r"\.?\d[\d.]*", Number),
-            (r"\w+", Text),
-            (r"[-+*/^=<>≤≥≠&]", Operator),
-            (r"[()\[\];{}]", Punctuation),
-            (r"\s+|.", Text),
+            (r"// →.*", token.Generic.Output),
+            (r"//.*", token.Comment),
+            (r'"(?:[^"\\]|\\.)*"', token.String),
+            (r"\$\w+", token.Name.Variable),
+            (r"\b(?:and|or|not|xor)\b", token.Operator.Word),
+            (r"\bXL_\w+", token.Name.Function),
+            (r"\b(?:Let|If|Case|While|List|GetValue|Substitute)\b", token.Keyword),
+            (r"\.?\d[\d.]*", token.Number),
+            (r"\w+", token.Text),
+            (r"[-+*/^=<>≤≥≠&]", token.Operator),
+            (r"[()\[\];{}]", token.Punctuation),
+            (r"\s+|.", token.Text),
         ]
     }
 

@@ -17,14 +17,9 @@ import texts
 
 SITE = Path(__file__).resolve().parent / "site"
 
-HANDLES = {
-    "book": "Book",
-    "sheet": "Sheet",
-    "format": "Format",
-    "font": "Font",
-    "autoFilter": "AutoFilter",
-    "filterColumn": "FilterColumn",
-}
+# Beginnings of functions that are those of constants as well.
+CLASSES = ("XL_AutoFilter", "XL_FilterColumn")
+HANDLES = ("book", "sheet", "format", "font", "autoFilter", "filterColumn")
 
 
 class Writer:
@@ -38,51 +33,49 @@ class Writer:
         for path in sorted(calculations.REFERENCE.glob("*.calc")):
             _, self.calculations[path.stem] = calculations.read_calculations(path)
 
+    def link(self, name):
+        """A name leads to its entry, the beginning of names to their constants."""
+        if name in self.names:
+            return f":xl:of:`{name}`"
+        counts = [
+            sum(entry.name.startswith(name) for entry in group.entries) for group in self.constants
+        ]
+        if max(counts) == 0 or name in CLASSES:
+            return f"``{name}``"
+        return f":ref:`{name} <constants-{self.constants[counts.index(max(counts))].slug}>`"
+
     def prose(self, text):
-        """Text for a page: names lead to their entries, beginnings of names to their constants."""
-
-        def link(match):
-            name = match[0]
-            if name in self.names:
-                return f"\0of:`{name}`\0"
-            counts = [
-                sum(entry.name.startswith(name) for entry in group.entries)
-                for group in self.constants
-            ]
-            if max(counts) == 0 or name in ("XL_AutoFilter", "XL_FilterColumn"):
-                return f"\0``{name}``\0"
-            group = self.constants[counts.index(max(counts))]
-            return f"\0ref:`{name} <constants-{group.slug}>`\0"
-
-        linked = re.sub(r"\bXL_\w+", link, text)
-        pieces = linked.split("\0")
-        for i in range(0, len(pieces), 2):
-            pieces[i] = re.sub(r"([\\`*_|])", r"\\\1", pieces[i])
-        for i in range(1, len(pieces), 2):
-            role = pieces[i].replace("of:", ":xl:of:", 1).replace("ref:", ":ref:", 1)
-            pieces[i] = role if role.startswith((":", "`")) else pieces[i]
-            # What stands at the role's edges must not be read as part of it.
-            pieces[i] = ("\\ " if pieces[i - 1][-1:].strip() else "") + pieces[i] + "\\ "
+        """Text for a page, its names as links."""
+        pieces = re.split(r"\b(XL_\w+)", text)
+        pieces[0::2] = [re.sub(r"([\\`*_|])", r"\\\1", piece) for piece in pieces[0::2]]
+        # An escaped blank parts a link from what stands beside it, and does not show.
+        pieces[1::2] = [f"\\ {self.link(name)}\\ " for name in pieces[1::2]]
         return "".join(pieces)
 
+    def meanings(self, group, entry):
+        names = [name for name, _ in entry.parameters()]
+        return [texts.meaning(group, self.everywhere, entry.name, name) for name in names]
+
     def parameter_lines(self, group, entry):
-        for name, optional in entry.parameters():
-            told = texts.meaning(group, self.everywhere, entry.name, name)
+        for (name, optional), told in zip(entry.parameters(), self.meanings(group, entry)):
             kind = " *(optional)*" if optional else ""
             yield f"      - ``{name}``{kind}: {self.prose(told)}"
 
     def error_lines(self, group, entry):
         names = [name for name, _ in entry.parameters()]
-        told = [texts.meaning(group, self.everywhere, entry.name, name) for name in names]
+        told = self.meanings(group, entry)
         refused = []
         if any(re.search(r"\d to \d|position|\bat most\b|constant", text) for text in told[1:]):
             refused.append("a value that is out of range")
-        refused += [group.lines[entry.name, texts.REFUSES]] if (entry.name, texts.REFUSES) in group.lines else []
+        if own := group.lines.get((entry.name, texts.REFUSES)):
+            refused.append(own)
         if names and names[0] in HANDLES:
             if names[0] != "book":
                 refused.append("an object that is no longer in its book")
-            yield "      - 10: the handle is not known on this thread"
-            yield f"      - -2: the handle names something else than a {HANDLES[names[0]]}"
+            yield "      - 10: a handle is not known on this thread"
+            yield "      - -2: a handle names something of another kind"
+        if entry.name == "XL_Sheet_WriteError":
+            yield "      - 10: the number is no error code either"
         if "data" in names:
             yield "      - 10: the container holds no data that can be used"
         if entry.name == "XL_Sheet_ReadCell":
@@ -95,7 +88,7 @@ class Writer:
             return ".xls"
         if entry.name == "XL_XlCreateXMLBook":
             return ".xlsx"
-        told = [texts.meaning(group, self.everywhere, entry.name, name) for name, _ in entry.parameters()]
+        told = self.meanings(group, entry)
         refused = group.lines.get((entry.name, texts.REFUSES), "")
         differs = any(".xls book" in text for text in [entry.description, refused, *told[1:]])
         both = ".xlsx and .xls"
@@ -196,13 +189,14 @@ class Writer:
 def main():
     parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
     parser.add_argument("--xlcalc", default=calculations.XLCALC, help="the built development host")
-    parser.add_argument("folder", type=lambda name: Path(name).resolve(), help="where the pages are written, anew")
+    parser.add_argument("folder", type=Path, help="where the pages are written, anew")
     options = parser.parse_args()
 
-    shutil.rmtree(options.folder, ignore_errors=True)
-    shutil.copytree(SITE, options.folder)
-    writer = Writer(options.folder)
-    pictures.make(options.xlcalc, writer.constants, options.folder / "pictures")
+    folder = options.folder.resolve()
+    shutil.rmtree(folder, ignore_errors=True)
+    shutil.copytree(SITE, folder)
+    writer = Writer(folder)
+    pictures.make(options.xlcalc, writer.constants, folder / "pictures")
     writer.write_function_pages()
     writer.write_constants_page()
 

@@ -74,8 +74,8 @@ def sample_script(group, path):
     kind, last = KINDS[group.slug], row_of(len(group.entries))
     yield "$b = XL_XlCreateXMLBook"
     yield f'$s = XL_Book_AddSheet ( $b ; "{group.slug}" )'
-    yield f"$x = XL_Sheet_SetCol ( $s ; 0 ; 0 ; {MARK_WIDTH} ) & XL_Sheet_SetCol ( $s ; 1 ; 1 ; {kind.width} )"
-    yield f"$x = XL_Sheet_SetCol ( $s ; 2 ; 2 ; {MARK_WIDTH} )"
+    for column, width in enumerate((MARK_WIDTH, kind.width, MARK_WIDTH)):
+        yield f"$x = XL_Sheet_SetCol ( $s ; {column} ; {column} ; {width} )"
     yield "$mark = XL_Book_AddFormat ( $b )"
     yield f"$x = {FILL.format('XL_FillSolid', 'XL_ColorBlack').replace('$f', '$mark')}"
     for row in range(last + 1):

@@ -2,8 +2,8 @@
 """The table of texts, read as a reference: groups of functions and of constants.
 
 The comment above a group has a heading, an introduction, and a line for each parameter; the first
-comment of the table tells how they are written. Run as a program, it is checked that there is a line
-for every parameter and a parameter for every line.
+comment of the table tells how they are written. Run as a program, it is checked that there is a
+line for every parameter and a parameter for every line.
 """
 
 import re
@@ -48,9 +48,6 @@ class Entry:
             return part[1]
         return "empty"
 
-    def first_sentence(self):
-        return re.match(r".*?\.(?= [A-Z]|$)", self.description)[0]
-
 
 @dataclass
 class Group:
@@ -83,7 +80,7 @@ def read_comment(comment):
 
 
 def read_groups():
-    """All groups of the table that have entries with a description, and the lines for everywhere."""
+    """The groups that have entries with a description, and the lines that hold everywhere."""
     text = TABLE.read_text(encoding="utf-8")
     groups, position = [], 0
     while position < len(text):
@@ -103,7 +100,7 @@ def read_groups():
 
 
 def meaning(group, everywhere, function, parameter):
-    """The line for a parameter of a function, or nothing, and where it stands."""
+    """The line for a parameter of a function, or nothing."""
     for lines, owner in ((group.lines, function), (group.lines, ""), (everywhere, "")):
         if (owner, parameter) in lines:
             return lines[owner, parameter]
