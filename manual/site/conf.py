@@ -12,6 +12,7 @@ nitpicky = True
 default_role = "xl:of"
 highlight_language = "calculation"
 language = "en"
+smartquotes = False  # what is quoted is often to be typed
 
 html_theme = "furo"
 html_title = f"Vornelix {version}"
