@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "engine/xls/record_reader.h"
-#include "engine/xls/sheet_reader.h"
 #include "tests/xls/streams.h"
 
 namespace engine::xls {
@@ -281,37 +279,6 @@ TEST(XlsSheets, ReadsRulesOfOtherPrograms) {
   EXPECT_TRUE(custom.both);
   ASSERT_EQ(sheet.ignored_errors.all().size(), 1U);
   EXPECT_EQ(sheet.ignored_errors.all()[0].kinds, kNumberAsTextFault | kFormulaFault);
-}
-
-// The outline names what is the model's, in its place between what is not.
-TEST(XlsSheets, OutlinesTheSubstream) {
-  const std::string chart = bof(0x20) + record(0x1002, "c") + eof();
-  const std::string stream = stream_of(
-      {{"Data", record(0x0C, u16(1)) + record(0x2A, u16(0)) + record(0x14, "") +
-                    cell(0x201, 0, 0, 15, "") + record(0xD7, "") + cell(0x201, 1, 0, 15, "") +
-                    chart + record(0x9999, "x") + record(0x12, u16(0)) + record(0x1B0, "cf")}});
-  LoadedBook book(file_of(stream));
-  const package::CompoundFile file(package::Source::from_bytes([&] {
-    const std::string bytes = file_of(stream);
-    return std::vector<char>(bytes.begin(), bytes.end());
-  }()));
-  const package::CompoundStream bytes = file.open(*file.find_stream("Workbook"));
-  SheetContents contents;
-  SheetFlags flags;
-  SheetPart part;
-  part.begin = static_cast<std::uint32_t>(stream.find(bof(0x10)));
-  RecordReader reader(bytes, part.begin);
-  const Globals globals;
-  const SheetContext context{book.book, globals, book.sheet(), 0, 0};
-  read_sheet(reader, context, {}, contents, flags, part);
-  std::vector<RecordGroup> groups;
-  for (const OutlinedRecords& records : part.outline) groups.push_back(records.group);
-  EXPECT_THAT(groups, ::testing::ElementsAre(RecordGroup::kCarried, RecordGroup::kPage,
-                                             RecordGroup::kCells, RecordGroup::kCarried,
-                                             RecordGroup::kProtection, RecordGroup::kCarried));
-  ASSERT_EQ(part.outline.size(), 6U);
-  EXPECT_EQ(stream.substr(part.outline[3].offset, chart.size()), chart);
-  EXPECT_EQ(stream.substr(part.end), eof());
 }
 
 }  // namespace
