@@ -117,6 +117,14 @@ class GlobalsGroups : public GroupWriter {
         tokens_(book.links, book.book.limits.grid),
         stored_tokens_(book.links.file(), book.book.limits.grid) {}
 
+  // Lets the definitions of names add what they refer to, which stands in front of them.
+  void settle_names() {
+    const std::vector<LinkWriter::Name>& names = shared_.links.names();
+    for (std::size_t i = 0; i < names.size(); ++i)
+      if (const DefinedName* name = names[i].defined)
+        tokens_.write(name->definition, {name->scope, FormulaUse::kName});
+  }
+
   std::size_t count() const override { return kGroups; }
 
   std::optional<std::size_t> group_of(const RecordReader& record) const override {
@@ -506,6 +514,7 @@ void GlobalsGroups::put_name(std::string_view name, std::uint32_t flags, std::si
 std::vector<std::uint64_t> write_globals(RecordWriter& out, const BookWriting& book,
                                          const Drawings& drawings) {
   GlobalsGroups groups(out, book, drawings);
+  groups.settle_names();
   if (book.file) {
     const RecordEdits no_edits;
     merge_records(RecordReader(book.file->stream, 0, book.file->globals.cipher), no_edits, out,

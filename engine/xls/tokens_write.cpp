@@ -432,6 +432,12 @@ bool TokenWriter::write_name(std::size_t node, const FormulaContext& context) {
     put16(0);
     return true;
   }
+  // Of a sheet that is gone.
+  if (its.prefix == PrefixKind::kBroken) {
+    put8(kError);
+    put8(*cell_error_number("#REF!"));
+    return true;
+  }
   if (its.prefix != PrefixKind::kSheet) return fail("the formula refers to another workbook");
   const auto number = links_.name_of(name, formula::read_prefix(formula_, its).first);
   if (!number) return fail("the formula refers to a name that its sheet does not have");

@@ -208,7 +208,7 @@ TEST(XlsReading, CarriesFormulasWithoutText) {
   const SheetContents& sheet = book.sheet().contents();
   const CellRecord* its = sheet.record(*sheet.cells.find(0, 0));
   ASSERT_TRUE(its && sheet.extra(*its));
-  EXPECT_EQ(sheet.extra(*its)->formula_details, label);
+  EXPECT_EQ(sheet.extra(*its)->formula_details, expression(label));
 }
 
 TEST(XlsReading, ReadsOnlyTheRowsThatAreAskedFor) {

@@ -76,7 +76,7 @@ TEST(XlsSaving, LeavesRecordsInTheirPlaces) {
     std::vector<unsigned> ids;
   };
   // Around cells stand their rows and blocks.
-  const std::vector<unsigned> kSame = {0x809, 0xFEE, 0x81, 0xFEE, 0x200,  0x208, 0x203, 0xD7,
+  const std::vector<unsigned> kSame = {0x809, 0xFEE, 0x81, 0xFEE, 0x200,  0x208, 0x27E, 0xD7,
                                        0xFEE, 0xEC,  0x3C, 0x809, 0x1001, 0x14,  0x0A,  0x23E,
                                        0xFEE, 0x1AA, 0x14, 0x1AB, 0x862,  0x0A};
   auto header = kSame;
@@ -219,7 +219,7 @@ TEST(XlsSaving, LeadsFormulasOfUnreadSheetsToTheSheetsTheyMean) {
       {"deleted",
        [](LoadedBook& book) { delete_sheet(book.book, *book.document, 1); },
        1,
-       {"=$A$1:$B$2", "=#REF!", "=#REF!", "=One!$A$1:$B$2"},
+       {"=$A$1:$B$2", "=#REF!$A$1:$B$2", "=#REF!", "=One!$A$1:$B$2"},
        u16(1) + u16(3)},
       {"one in front",
        [](LoadedBook& book) {
