@@ -116,6 +116,7 @@ formula::ParseOptions SheetObject::formula_options(int row, int column) const {
   options.notation = workbook.r1c1 ? formula::Notation::kR1C1 : formula::Notation::kA1;
   options.base = {row, column};
   options.max_arguments = workbook.limits.arguments;
+  options.later_forms = workbook.limits.later_formulas;
   return options;
 }
 

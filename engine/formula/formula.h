@@ -45,6 +45,9 @@ struct ParseOptions {
   Notation notation = Notation::kA1;
   CellAddress base;  // the cell that R1C1 offsets count from
   int max_arguments = 255;
+  // References to tables and spills, and calls of what a function gives; without, the format of the
+  // book came before them.
+  bool later_forms = true;
   // Takes what files of some programs hold and no spreadsheet lets a person type: more than the
   // limits of length and number, unions of values such as (-4,3), a leading "=".
   bool lenient = false;

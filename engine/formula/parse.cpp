@@ -324,6 +324,7 @@ Infix Parser::blank_infix(bool after_blank) const {
     if (!operand_follows || !yields_reference()) return {};
     return {kLevelIntersection, 0, NodeKind::kBinary, Operator::kIntersection};
   }
+  if (!options_.later_forms) return {};
   const NodeKind left = formula_.nodes.back().kind;
   if (*p_ == '#' && left != NodeKind::kSpill && yields_reference())
     return {kLevelCall, 1, NodeKind::kSpill, {}};
@@ -635,6 +636,7 @@ bool Parser::word(const char* begin, PrefixKind prefix) {
 // Brackets hold one name, [Net], or a list of names in brackets of their own, [[#Totals],[Net]],
 // either end an @. An apostrophe takes the special meaning off the next character.
 bool Parser::structured(const char* begin, const char* mark, PrefixKind prefix) {
+  if (!options_.later_forms) return fail(mark);
   int depth = 0;
   bool is_name = false;
   bool is_list = false;

@@ -21,12 +21,13 @@ struct Limits {
   Grid grid{1048576, 16384};
   std::size_t sheets = 65534;
   std::size_t sheet_name = 31;
-  std::size_t text = 32767;        // of a cell or comment
-  std::size_t author = 255;        // of a comment
-  int arguments = 255;             // of one call in a formula
-  std::size_t links = 65530;       // of a sheet
+  std::size_t text = 32767;         // of a cell or comment
+  std::size_t author = 255;         // of a comment
+  int arguments = 255;              // of one call in a formula
+  bool later_formulas = true;       // which refer to tables, spills and results of functions
+  std::size_t links = 65530;        // of a sheet
   std::size_t validations = 65534;  // of a sheet
-  std::size_t page_breaks = 1023;  // in one direction
+  std::size_t page_breaks = 1023;   // in one direction
   std::size_t password = 255;
   PasswordForm password_form = PasswordForm::kSha512;
   StyleLimits styles;

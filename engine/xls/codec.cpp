@@ -14,6 +14,7 @@ constexpr Limits kLimits = {
     .grid = {65536, 256},
     .author = 54,
     .arguments = 30,
+    .later_formulas = false,
     .password = 15,
     .password_form = PasswordForm::kShortHash,
     .styles = {.number_formats = 210, .last_number_format = 382, .indent = 15},

@@ -246,6 +246,21 @@ constexpr Beyond kBeyond[] = {
     {"XFE1", 0, nullptr, nullptr},  // a name
 };
 
+// Of books whose format came before tables and spills.
+TEST(Parse, RefusesLaterForms) {
+  constexpr Refused kCases[] = {
+      {"1+Table1[Net]", 2}, {"[@Net]", 0}, {"SUM(A1#)", 6}, {"LAMBDA(x,x)(2)", 11}};
+  ParseOptions options(kGrid);
+  options.later_forms = false;
+  for (const auto& [formula, position] : kCases) {
+    SCOPED_TRACE(formula);
+    ParseError error;
+    EXPECT_FALSE(parse(formula, options, &error));
+    EXPECT_EQ(error.position, position);
+  }
+  EXPECT_TRUE(parse("[1]Sheet1!A1+IF(TRUE,1)", options));
+}
+
 TEST(Parse, RefusesReferencesBeyondTheGrid) {
   for (const auto& [formula, position, xlsx, xls] : kBeyond) {
     for (const bool is_xls : {false, true}) {

@@ -44,6 +44,8 @@ constexpr Case kCells[] = {
     {"XL_Sheet_WriteFormula ( $sheet ; 5 ; 0 ; \"1+\" )",
      "? 1 formula \"1+\" is not valid at position 2"},
     {"XL_Sheet_WriteFormulaStr ( $sheet ; 5 ; 0 ; \"\" ; \"x\" )", "? 1 formula is empty"},
+    {"XL_Sheet_WriteFormula ( $sheet ; 5 ; 0 ; \"1+Table1[a]\" )",
+     "? 1 formula \"1+Table1[a]\" is not valid at position 2", nullptr, kXls},
     {"XL_Sheet_WriteFormulaNum ( $sheet ; 5 ; 0 ; \"None!A1\" ; 1 )",
      "? 1 formula \"None!A1\" refers to unknown sheet \"None\""},
     {"XL_Sheet_WriteComment ( $sheet ; 6 ; 0 ; \"x\" ; \"\" ; 0 )",
