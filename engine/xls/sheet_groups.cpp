@@ -33,6 +33,8 @@ void put_data(SheetWriting& to, std::uint16_t id, const PatchedData& data) {
 // For groups that only new sheets lack, or that are always as they were.
 bool never(const SheetWriting& /*to*/) { return false; }
 bool always(const SheetWriting& /*to*/) { return true; }
+// For those that the file alone may have, in front of which others stand.
+void write_nothing(SheetWriting& /*to*/, RecordReader* /*old*/) {}
 
 // Where in the record the first place is named: that of the columns, behind the rows.
 constexpr std::uint64_t kFirstPlace = 16;
@@ -519,9 +521,11 @@ constexpr SheetGroupEntry kEntries[] = {
     {merges_differ, write_merges},
     {links_differ, write_all_links},
     {validations_differ, write_rules},
+    {never, write_nothing},
     {tab_differs, write_tab},
     {protection_differs, write_permissions},
     {ignored_errors_differ, write_faults},
+    {never, write_nothing},
 };
 static_assert(std::size(kEntries) == kSheetGroups);
 

@@ -52,12 +52,14 @@ enum class SheetGroup : std::uint8_t {
   kMerges,
   kLinks,
   kValidations,
+  kCodeName,  // never written, as are tables
   kTab,
   kPermissions,
   kIgnoredErrors,
+  kTables,
 };
 inline constexpr std::size_t kSheetGroups =
-    static_cast<std::size_t>(SheetGroup::kIgnoredErrors) + 1;
+    static_cast<std::size_t>(SheetGroup::kTables) + 1;
 
 struct SheetPart {
   std::uint32_t begin = 0;  // of the substream in the stream

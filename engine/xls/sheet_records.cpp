@@ -273,6 +273,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kValidations, SheetGroup::kValidations, nullptr},
     {kTextBox, SheetGroup::kDrawing, nullptr},
     {kLink, SheetGroup::kLinks, read_link},
+    {kCodeName, SheetGroup::kCodeName, nullptr},
     {kValidation, SheetGroup::kValidations, read_validation},
     {kDimensions, SheetGroup::kCells, nullptr},
     {kBlank, SheetGroup::kCells, nullptr},
@@ -293,6 +294,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kFeatureHeader, SheetGroup::kPermissions, read_feature_header, is_of_protection},
     {kFeatureHeader, SheetGroup::kIgnoredErrors, nullptr, is_of_ignored_errors},
     {kFeature, SheetGroup::kIgnoredErrors, read_ignored_errors, is_of_ignored_errors},
+    {kTableHeader, SheetGroup::kTables, nullptr},
     {kFutureFilterColumn, SheetGroup::kFilter, read_future_filter, is_of_sheet_filter},
     {kSortState, SheetGroup::kFilter, read_future_filter, is_sort_of_sheet_filter},
 };

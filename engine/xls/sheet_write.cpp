@@ -49,6 +49,7 @@ class SheetGroups : public GroupWriter {
   static bool is_copied(const RecordReader& record) {
     constexpr std::uint16_t kCopied[] = {kConditions, kCondition, kLaterConditions, kLaterCondition,
                                          kConditionExtension};
+    if (record.id() == kCodeName || record.id() == kTableHeader) return false;
     return find_sheet_record(record.id(), record.data()) || record.id() == kBof ||
            std::ranges::find(kCopied, record.id()) != std::end(kCopied);
   }
