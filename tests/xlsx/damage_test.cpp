@@ -86,7 +86,7 @@ TEST(Damage, PackagesThatAreNoWorkbook) {
       {zip(binary), "is a binary .xlsb workbook"},
       {zip(no_main), "is damaged: xl/workbook.xml, is missing"},
       {zip(no_sheet), "is damaged: xl/worksheets/sheet1.xml, is missing"},
-      {zip(foreign_sheet), "is damaged: xl/worksheets/sheet1.xml, byte 41, not a worksheet"},
+      {zip(foreign_sheet), "is damaged: xl/worksheets/sheet1.xml, byte 0, not a worksheet"},
       {zip(shared_sheet), "is damaged: xl/workbook.xml, nothing leads to sheet \"Two\""},
       {zip(no_relations), "is damaged: xl/workbook.xml, nothing leads to sheet \"One\""},
   };
