@@ -60,7 +60,6 @@ struct Box {
 // What stands in front of a metafile: its size, where it draws, how big it is shown in EMU, its
 // size when packed, and how it is packed.
 struct MetafileHead {
-  static constexpr std::uint32_t kDeflated = 0;
   static constexpr std::uint32_t kPlain = 0xFE;
   static constexpr std::uint32_t kNoFilter = 0xFE;
 

@@ -15,7 +15,6 @@ namespace engine::xls {
 
 namespace {
 
-constexpr std::uint32_t kNoFont = 4;         // a number that no font has
 constexpr std::uint32_t kAlikeFonts = 4;     // the default font stands there four times
 constexpr std::size_t kMaxFonts = 510;       // records
 constexpr std::uint32_t kStyleFormats = 15;  // of named styles, in front of those of cells
