@@ -127,8 +127,8 @@ void move_reference(std::string& tokens, std::size_t at, unsigned token, const T
   const auto target = moves ? moved_reference(range, how) : range;
   if (!target) {
     // From a reference of any kind it is as far to the lost one of a cell as to that of an area.
-    const auto distance = [](Token from, Token lost) {
-      return static_cast<int>(lost) - static_cast<int>(from);
+    const auto distance = [](Token kept, Token lost) {
+      return static_cast<int>(lost) - static_cast<int>(kept);
     };
     const int lost = has_sheet  ? distance(kSheetCell, kLostSheetCell)
                      : relative ? distance(kRelativeCell, kLostCell)
