@@ -233,7 +233,7 @@ void expect_sound(Redrawn& book) {
 
 const std::string kChart = bof(0x20) + record(0x1002, "chart") + eof();
 
-std::string sample_file() {
+std::string sample_stream() {
   const std::string note = record(0x1C, u16(9) + u16(1) + u16(2) + u16(5) + narrow16("me") + u8(0));
   const std::string store = container(
       0xF001, store_entry(pictures::png(30, 20), 1) + piece(2, 0, 0xF007, std::string(36, '\0')) +
@@ -247,8 +247,10 @@ std::string sample_file() {
       {75, 1030, property(0x4104, 2), anchor(0, 0, 1, 2, 3), object(8, 9)},
       {75, 1031, property(0x4104, 1), anchor(0, 0, 1, 2, 3), object(8, 10, u16(9) + u16(0))},
   };
-  return file_of(stream_of({{"One", drawing_records(shapes) + note}}, drawing_group(store, 8)));
+  return stream_of({{"One", drawing_records(shapes) + note}}, drawing_group(store, 8));
 }
+
+std::string sample_file() { return file_of(sample_stream()); }
 
 std::vector<std::uint32_t> shown(const SheetContents& sheet) {
   std::vector<std::uint32_t> list;
@@ -279,7 +281,8 @@ TEST(XlsDrawings, AreChangedWithoutLosingWhatTheyCarry) {
   book.book.pictures.push_back(picture_of(pictures::jpeg(8, 8)));
   book.book.pictures.push_back({nullptr, false, PictureHeader(), "pictures\\\xC3\xA4.png"});
   SheetContents& sheet = book.sheet();
-  const Anchor corner{.right = {1, 0}, .bottom = {1, 0}};
+  Anchor corner;
+  corner.right.index = corner.bottom.index = 1;
   sheet.pictures.erase(sheet.pictures.begin());
   for (const std::uint32_t picture : {3U, 4U, 5U, 2U})
     sheet.pictures.push_back({picture, corner, 0});
@@ -344,16 +347,16 @@ TEST(XlsDrawings, MoveWithTheirCells) {
 
 // Whatever is wrong with a drawing, the sheet can be read, and what cannot be understood is said.
 TEST(XlsDrawings, SurviveDamage) {
-  const std::string file = sample_file();
-  const std::size_t begin = file.find(u16(15) + u16(0xF000));
+  const std::string stream = sample_stream();
+  const std::size_t begin = stream.find(u16(15) + u16(0xF000));
   ASSERT_NE(begin, std::string::npos);
   int damaged = 0;
-  for (std::size_t at = begin; at < file.size(); ++at) {
+  for (std::size_t at = begin; at < stream.size(); ++at) {
     for (const char byte : {'\0', '\xFF'}) {
-      std::string cut = file;
+      std::string cut = stream;
       if (std::exchange(cut[at], byte) == byte) continue;
       try {
-        Redrawn book(cut);
+        Redrawn book(file_of(cut));
         for (std::size_t i = 0; i < book.globals.drawings.pictures().size(); ++i)
           book.globals.drawings.picture(i);
         book.sheet().comments[{1, 1}] = {"more", "", 1, 1};
