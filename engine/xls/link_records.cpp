@@ -1,7 +1,6 @@
 // Hyperlinks: a range, then what the link consists of, which flags tell.
-#include <string>
+#include "engine/xls/link_records.h"
 
-#include "engine/workbook/links.h"
 #include "engine/xls/sheet_records.h"
 
 namespace engine::xls {
@@ -58,22 +57,27 @@ std::string take_target(Fields& in) {
 
 }  // namespace
 
-void read_link(Fields& in, SheetReading& to) {
-  Link made;
-  const auto cells = take_range(in, to.context.workbook.limits.grid);
-  if (!cells) return;
-  made.cells = *cells;
+LinkRecord take_link(Fields& in) {
+  LinkRecord made;
   in.skip(20);
   const std::uint32_t flags = in.take32();
-  if ((flags & kHasDisplayText) != 0) take_text(in);
-  if ((flags & kHasFrame) != 0) take_text(in);
+  if ((flags & kHasDisplayText) != 0) made.display = take_text(in);
+  if ((flags & kHasFrame) != 0) made.frame = take_text(in);
   if ((flags & kHasTarget) != 0)
     made.text = (flags & kTargetIsText) != 0 ? take_text(in) : take_target(in);
   if ((flags & kHasLocation) != 0) {
     const std::string location = take_text(in);
     made.text.append("#").append(location);
   }
-  if (in.ok()) to.sheet.links.add(std::move(made));
+  return made;
+}
+
+void read_link(Fields& in, SheetReading& to) {
+  const auto cells = take_range(in, to.context.workbook.limits.grid);
+  if (!cells) return;
+  LinkRecord record = take_link(in);
+  if (!in.ok()) return;
+  to.sheet.links.add({*cells, std::move(record.text), static_cast<std::uint32_t>(to.record)});
 }
 
 }  // namespace engine::xls

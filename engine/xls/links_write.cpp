@@ -4,6 +4,8 @@
 
 #include "engine/text/utf16.h"
 #include "engine/text/utf8.h"
+#include "engine/xls/link_records.h"
+#include "engine/xls/loaded_file.h"
 
 namespace engine::xls {
 
@@ -17,7 +19,13 @@ constexpr std::string_view kUrlClass{
 constexpr std::string_view kFileClass{
     "\x03\x03\x00\x00\x00\x00\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x46", 16};
 
-enum Flags : std::uint32_t { kHasTarget = 1, kIsAbsolute = 2, kHasLocation = 8 };
+enum Flags : std::uint32_t {
+  kHasTarget = 0x01,
+  kIsAbsolute = 0x02,
+  kHasLocation = 0x08,
+  kHasDisplayText = 0x14,  // of the page that made the link
+  kHasFrame = 0x80,
+};
 
 bool is_absolute_path(std::string_view path) {
   return path.starts_with("\\\\") || path.starts_with('/') || path.substr(1, 1) == ":";
@@ -68,18 +76,29 @@ void put_path(RecordWriter& out, std::string_view path) {
   out.put(units);
 }
 
-void write_link(RecordWriter& out, const Link& link) {
+void put_text(RecordWriter& out, std::string_view text) {
+  const std::string units = utf16_bytes(text);
+  out.put32(static_cast<std::uint32_t>(units.size() / 2 + 1));
+  out.put(units);
+  out.put16(0);
+}
+
+void write_link(RecordWriter& out, const Link& link, const LinkRecord& known) {
   constexpr std::uint32_t kVersion = 2;
   const auto [kind, target, location] = link_target(link.text);
   std::uint32_t flags = kind == LinkKind::kPlace ? 0U : kHasTarget;
   if (kind == LinkKind::kUrl || (kind == LinkKind::kPath && is_absolute_path(target)))
     flags |= kIsAbsolute;
   if (!location.empty()) flags |= kHasLocation;
+  if (!known.display.empty()) flags |= kHasDisplayText;
+  if (!known.frame.empty()) flags |= kHasFrame;
   out.begin(kLink);
   put_range(out, link.cells);
   out.put(kLinkClass);
   out.put32(kVersion);
   out.put32(flags);
+  if (!known.display.empty()) put_text(out, known.display);
+  if (!known.frame.empty()) put_text(out, known.frame);
   if (kind == LinkKind::kUrl) {
     const std::string units = utf16_bytes(target);
     out.put(kUrlClass);
@@ -89,13 +108,33 @@ void write_link(RecordWriter& out, const Link& link) {
   } else if (kind == LinkKind::kPath) {
     put_path(out, target);
   }
-  if (!location.empty()) {
-    const std::string units = utf16_bytes(location);
-    out.put32(static_cast<std::uint32_t>(units.size() / 2 + 1));
-    out.put(units);
-    out.put16(0);
-  }
+  if (!location.empty()) put_text(out, location);
   out.end();
+}
+
+// A record of the file that begins with cells, which are others now.
+void write_moved(RecordWriter& out, std::uint16_t id, std::string_view data, std::size_t range_at,
+                 const CellRange& cells) {
+  constexpr std::size_t kRange = 8;
+  out.begin(id);
+  out.put(data.substr(0, range_at));
+  put_range(out, cells);
+  out.put(data.substr(range_at + kRange));
+  out.end();
+}
+
+void write_known_link(RecordWriter& out, const Link& link, const LoadedFile& file) {
+  constexpr std::size_t kTipRange = 2;
+  constexpr std::size_t kTipHead = 10;
+  RecordReader reader(file.stream, link.details, file.globals.cipher);
+  if (!reader.next()) return write_link(out, link, {});
+  const std::string_view data = reader.whole_data();
+  Fields in(data.substr(8));
+  const LinkRecord known = take_link(in);
+  if (known.text == link.text) write_moved(out, kLink, data, 0, link.cells);
+  else write_link(out, link, known);
+  if (reader.next_id() == kLinkTip && reader.next() && reader.data().size() >= kTipHead)
+    write_moved(out, kLinkTip, reader.data(), kTipRange, link.cells);
 }
 
 }  // namespace
@@ -105,8 +144,11 @@ void put_range(RecordWriter& out, const CellRange& range) {
     out.put16(static_cast<std::uint32_t>(place));
 }
 
-void write_links(RecordWriter& out, const Links& links) {
-  for (std::size_t i = 0; i < links.size(); ++i) write_link(out, links[i]);
+void write_links(RecordWriter& out, const Links& links, const LoadedFile* file) {
+  for (std::size_t i = 0; i < links.size(); ++i) {
+    if (file && links[i].details != 0) write_known_link(out, links[i], *file);
+    else write_link(out, links[i], {});
+  }
 }
 
 }  // namespace engine::xls

@@ -118,6 +118,7 @@ enum RecordId : std::uint16_t {
   kStyle = 0x293,
   kNumberFormat = 0x41E,
   kShared = 0x4BC,
+  kLinkTip = 0x800,
   kBof = 0x809,
   kContinueFuture = 0x812,
   kSheetExtension = 0x862,

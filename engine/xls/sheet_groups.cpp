@@ -296,7 +296,7 @@ bool merges_differ(const SheetWriting& to) {
 bool links_differ(const SheetWriting& to) { return to.contents.links != to.base->links; }
 
 void write_all_links(SheetWriting& to, RecordReader* /*old*/) {
-  write_links(to.out, to.contents.links);
+  write_links(to.out, to.contents.links, to.book.file);
 }
 
 // The view.

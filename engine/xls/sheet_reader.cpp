@@ -177,6 +177,7 @@ class SheetReader {
     reading_.filter.goes_on = false;
     const SheetRecord* known = find_sheet_record(reader_.id(), reader_.data());
     if (!known || !known->read) return;
+    reading_.record = reader_.offset();
     Fields in(reader_.whole_data());
     known->read(in, reading_);
   }

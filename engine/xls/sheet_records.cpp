@@ -289,6 +289,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kWindow2, SheetGroup::kWindow, read_window},
     {kRk, SheetGroup::kCells, nullptr},
     {kShared, SheetGroup::kCells, nullptr},
+    {kLinkTip, SheetGroup::kLinks, nullptr},
     {kBof, SheetGroup::kDrawing, nullptr},  // of a chart in it
     {kSheetExtension, SheetGroup::kTab, read_tab},
     {kFeatureHeader, SheetGroup::kPermissions, read_feature_header, is_of_protection},

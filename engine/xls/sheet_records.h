@@ -37,6 +37,7 @@ struct SheetReading {
   SheetContents& sheet;
   SheetFlags& flags;
   std::vector<ColumnProperties> columns;  // in the file's order
+  std::uint64_t record = 0;               // where the one that is read stands in the stream
   DrawingReader drawing;
   FutureFilter filter;
   bool frozen = false;

@@ -37,8 +37,18 @@ TEST(OldBooks, AreLoadedAndChanged) {
   EXPECT_FALSE(two->writeNum(65536, 0, 1));
   EXPECT_TRUE(book->delSheet(0));
   EXPECT_STREQ(two->readFormula(0, 1), L"#REF!A5");
-  EXPECT_FALSE(book->saveRaw(nullptr, nullptr));
-  EXPECT_STREQ(book->errorMessage(), "saveRaw is not supported yet");
+
+  const char* bytes = nullptr;
+  unsigned size = 0;
+  ASSERT_TRUE(book->saveRaw(&bytes, &size)) << book->errorMessage();
+  const OwnedBook again(xlCreateBookW());
+  ASSERT_TRUE(again->loadRaw(bytes, size)) << again->errorMessage();
+  ASSERT_EQ(again->sheetCount(), 2);
+  two = again->getSheet(0);
+  EXPECT_STREQ(two->readFormula(0, 1), L"#REF!A5");
+  EXPECT_EQ(two->readNum(9, 0), 9);
+  EXPECT_STREQ(two->readStr(65535, 255), L"end");
+  EXPECT_EQ(again->getSheet(1)->readNum(9, 0), 9);
 }
 
 TEST(OldBooks, AreLoadedInPart) {

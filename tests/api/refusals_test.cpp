@@ -359,13 +359,6 @@ TEST(Refusals, OldBooksHaveTheSmallGrid) {
   EXPECT_EQ(old.message(), "password is 16 characters long, the limit is 15");
   EXPECT_FALSE(old.book->load(L"/nowhere/a.xls"));
   EXPECT_EQ(old.message(), "file \"/nowhere/a.xls\" cannot be opened: no such folder");
-  const char* bytes = nullptr;
-  unsigned length = 0;
-  ASSERT_TRUE(old.book->saveRaw(&bytes, &length));
-  const std::string saved(bytes, length);
-  ASSERT_TRUE(old.book->loadRaw(saved.data(), length));
-  EXPECT_FALSE(old.book->saveRaw(nullptr, nullptr));
-  EXPECT_EQ(old.message(), "saveRaw is not supported yet");
   EXPECT_EQ(old.book->biffVersion(), 1536);
   int size = 0;
   EXPECT_STREQ(old.book->defaultFont(&size), L"Arial");

@@ -33,7 +33,10 @@ std::string all(const package::CompoundStream& stream, std::string (*read)(Recor
   std::string text;
   RecordReader reader(stream, 0);
   try {
-    while (reader.next()) text += std::to_string(reader.id()) + read(reader);
+    while (reader.next()) {
+      text += std::to_string(reader.id());
+      text += read(reader);
+    }
   } catch (const package::FileError& error) {
     text += error.what();
   }
