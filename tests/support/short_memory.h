@@ -1,7 +1,8 @@
 // Memory that runs out on request, for programs that take short_memory.cpp in.
 //
 // Their malloc and its relatives are replaced, so whatever is linked fails with them: our own code,
-// the C++ library, the tree library; on every thread, those included that the engine starts.
+// the C++ library, the tree library; on every thread, those included that the engine starts
+// (under a sanitizer on the test's own only).
 #pragma once
 
 #include <cstdint>
