@@ -115,7 +115,8 @@ constexpr Case kFormatCases[] = {
     {"XL_Format_BorderDiagonalStyle ( $format )", "7", kSame},
     {"XL_Format_BorderDiagonalColor ( $format )", "62", kSame},
     {"XL_Format_FillPattern ( $format )", "15", kSame},
-    {"XL_Format_PatternForegroundColor ( $format )", "45", "8"},
+    {"XL_Format_PatternForegroundColor ( $format )", "45", "8", kXlsx},
+    {"XL_Format_PatternForegroundColor ( $format )", "45", "63", kXls},  // its palette has it then
     {"XL_Format_PatternBackgroundColor ( $format )", "50", kSame},
     {"XL_Format_Locked ( $format )", "0", kSame},
     {"XL_Format_Hidden ( $format )", "1", kSame},

@@ -49,11 +49,10 @@ struct Format {
   const char* name;
   Formats flag;
   const char* create;
-  bool is_written;  // there are files of it
 };
 constexpr Format kFormats[] = {
-    {".xlsx", kXlsx, "XL_XlCreateXMLBook", true},
-    {".xls", kXls, "XL_XlCreateBook", false},
+    {".xlsx", kXlsx, "XL_XlCreateXMLBook"},
+    {".xls", kXls, "XL_XlCreateBook"},
 };
 
 // A calculation's text in the notation of the tables.
@@ -140,7 +139,7 @@ void work_off(Walker& walker, const Group& group, const Format& format) {
   walker.check("$sheet = XL_Book_AddSheet ( $book ; \"Data\" )", "#");
   for (const Case& each : group.cases)
     if (each.formats & format.flag) walker.check(each.statement, each.result);
-  if (format.is_written) work_off_again(walker, group, format);
+  work_off_again(walker, group, format);
   for (const Case& each : group.last)
     if (each.formats & format.flag) walker.check(each.statement, each.result);
 }
