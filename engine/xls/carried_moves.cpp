@@ -7,6 +7,7 @@
 
 #include "engine/workbook/cell_ranges.h"
 #include "engine/xls/fields.h"
+#include "engine/xls/future_records.h"
 #include "engine/xls/token_moves.h"
 
 namespace engine::xls {
@@ -65,7 +66,6 @@ class SubstreamMove {
 
  private:
   void move(std::uint16_t id, std::optional<std::string>& data) {
-    constexpr std::size_t kFutureHead = 12;
     switch (id) {
       case kSelection:
         if (tokens_.own_sheet) move_selection(*data);

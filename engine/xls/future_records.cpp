@@ -1,7 +1,6 @@
 #include "engine/xls/future_records.h"
 
 #include "engine/package/little_endian.h"
-#include "engine/xls/links_write.h"
 
 namespace engine::xls {
 

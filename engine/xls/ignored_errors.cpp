@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "engine/xls/future_records.h"
-#include "engine/xls/links_write.h"
 
 namespace engine::xls {
 

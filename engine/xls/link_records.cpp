@@ -7,14 +7,6 @@ namespace engine::xls {
 
 namespace {
 
-enum LinkFlag : std::uint32_t {
-  kHasTarget = 0x01,
-  kHasLocation = 0x08,
-  kHasDisplayText = 0x10,
-  kHasFrame = 0x80,
-  kTargetIsText = 0x100,
-};
-
 // Kinds of targets, by the first bytes of their class.
 constexpr std::uint32_t kUrlClass = 0x79EAC9E0;
 constexpr std::uint32_t kFileClass = 0x00000303;

@@ -1,5 +1,6 @@
 #include "engine/xls/links_write.h"
 
+#include <optional>
 #include <string>
 
 #include "engine/text/utf16.h"
@@ -18,14 +19,6 @@ constexpr std::string_view kUrlClass{
     "\xE0\xC9\xEA\x79\xF9\xBA\xCE\x11\x8C\x82\x00\xAA\x00\x4B\xA9\x0B", 16};
 constexpr std::string_view kFileClass{
     "\x03\x03\x00\x00\x00\x00\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x46", 16};
-
-enum Flags : std::uint32_t {
-  kHasTarget = 0x01,
-  kIsAbsolute = 0x02,
-  kHasLocation = 0x08,
-  kHasDisplayText = 0x14,  // of the page that made the link
-  kHasFrame = 0x80,
-};
 
 bool is_absolute_path(std::string_view path) {
   return path.starts_with("\\\\") || path.starts_with('/') || path.substr(1, 1) == ":";
@@ -90,7 +83,7 @@ void write_link(RecordWriter& out, const Link& link, const LinkRecord& known) {
   if (kind == LinkKind::kUrl || (kind == LinkKind::kPath && is_absolute_path(target)))
     flags |= kIsAbsolute;
   if (!location.empty()) flags |= kHasLocation;
-  if (!known.display.empty()) flags |= kHasDisplayText;
+  if (!known.display.empty()) flags |= kGivenDisplayText | kHasDisplayText;
   if (!known.frame.empty()) flags |= kHasFrame;
   out.begin(kLink);
   put_range(out, link.cells);
@@ -123,10 +116,11 @@ void write_moved(RecordWriter& out, std::uint16_t id, std::string_view data, std
   out.end();
 }
 
-void write_known_link(RecordWriter& out, const Link& link, const LoadedFile& file) {
+// `reader` goes over the stream that the link comes from.
+void write_known_link(RecordWriter& out, const Link& link, RecordReader& reader) {
   constexpr std::size_t kTipRange = 2;
   constexpr std::size_t kTipHead = 10;
-  RecordReader reader(file.stream, link.details, file.globals.cipher);
+  reader.go_to(link.details);
   if (!reader.next()) return write_link(out, link, {});
   const std::string_view data = reader.whole_data();
   Fields in(data.substr(8));
@@ -139,14 +133,11 @@ void write_known_link(RecordWriter& out, const Link& link, const LoadedFile& fil
 
 }  // namespace
 
-void put_range(RecordWriter& out, const CellRange& range) {
-  for (const int place : {range.row_first, range.row_last, range.column_first, range.column_last})
-    out.put16(static_cast<std::uint32_t>(place));
-}
-
 void write_links(RecordWriter& out, const Links& links, const LoadedFile* file) {
+  std::optional<RecordReader> reader;
+  if (file) reader.emplace(file->stream, 0, file->globals.cipher);
   for (std::size_t i = 0; i < links.size(); ++i) {
-    if (file && links[i].details != 0) write_known_link(out, links[i], *file);
+    if (reader && links[i].details != 0) write_known_link(out, links[i], *reader);
     else write_link(out, links[i], {});
   }
 }

@@ -16,7 +16,4 @@ struct LoadedFile;
 // `file` is the one that the book was loaded from, or null.
 void write_links(RecordWriter& out, const Links& links, const LoadedFile* file);
 
-// Rows and columns, first and last of each.
-void put_range(RecordWriter& out, const CellRange& range);
-
 }  // namespace engine::xls

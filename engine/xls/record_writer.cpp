@@ -95,4 +95,9 @@ void RecordWriter::flush() {
   used_ = 0;
 }
 
+void put_range(RecordWriter& out, const CellRange& range) {
+  for (const int place : {range.row_first, range.row_last, range.column_first, range.column_last})
+    out.put16(static_cast<std::uint32_t>(place));
+}
+
 }  // namespace engine::xls

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/formula/reference.h"
 #include "engine/package/output.h"
 #include "engine/xls/characters.h"
 #include "engine/xls/records.h"
@@ -95,5 +96,8 @@ class RecordWriter {
   std::size_t used_ = 0;
   std::size_t header_ = 0;  // of the record that is being written
 };
+
+// Rows and columns, first and last of each.
+void put_range(RecordWriter& out, const CellRange& range);
 
 }  // namespace engine::xls

@@ -8,7 +8,6 @@
 
 #include "engine/formula/formula_text.h"
 #include "engine/package/output.h"
-#include "engine/xls/links_write.h"
 #include "engine/xls/tokens.h"
 #include "engine/xls/tokens_read.h"
 #include "engine/xls/tokens_write.h"
