@@ -9,35 +9,34 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
-#include <optional>
 #include <span>
-#include <sstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "devhost/calc/evaluator.h"
-#include "devhost/calc/parser.h"
-#include "devhost/calc/script.h"
-#include "devhost/calc/syntax_error.h"
-#include "devhost/fm/function_registry.h"
 #include "devhost/fm/unicode.h"
+#include "devhost/program/commands.h"
 #include "devhost/program/plugin_module.h"
-#include "devhost/program/prompt.h"
+#include "devhost/program/system.h"
+
+namespace devhost {
+
+void complain(const std::string& problem) { std::cerr << "xlcalc: " << problem << '\n'; }
+
+}  // namespace devhost
 
 namespace {
 
+using devhost::complain;
 using devhost::Evaluator;
 using devhost::Failure;
+using devhost::kBadUsage;
+using devhost::kDone;
+using devhost::kFailed;
 using devhost::utf16_from_utf8;
 using devhost::utf8_from_utf16;
-
-constexpr int kDone = 0;
-constexpr int kFailed = 1;
-constexpr int kBadUsage = 2;
 
 // Ends the run under --strict; what failed has been told already.
 struct StrictEnd : std::exception {};
@@ -51,12 +50,8 @@ struct Options {
 };
 
 std::filesystem::path default_plugin() {
-  std::error_code error;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-  return program.parent_path() / ".." / "lib" / "Vornelix.fmx";
+  return devhost::program_file().parent_path() / ".." / "lib" / "Vornelix.fmx";
 }
-
-void complain(const std::string& problem) { std::cerr << "xlcalc: " << problem << '\n'; }
 
 void report(const Failure& failure, bool strict) {
   std::cout.flush();
@@ -82,79 +77,16 @@ std::string check_setting(const std::string& setting) {
   return "\"" + setting + "\" is not of the form NAME=VALUE";
 }
 
-void evaluate(Evaluator& evaluator, const std::string& text) {
-  const auto calculation = devhost::parse_calculation(utf16_from_utf8(text));
-  std::cout << devhost::printed(evaluator.evaluate(calculation)) << std::flush;
-}
-
-void run(Evaluator& evaluator, const std::string& text) {
-  for (const auto& statement : devhost::parse_script(utf16_from_utf8(text))) {
-    std::cout << devhost::run_statement(evaluator, statement) << std::flush;
-  }
-}
-
-std::optional<std::string> read_file(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  // Only a file that is empty ends here: one that cannot be read, as a folder, fails otherwise.
-  if (file.peek(); file.eof()) return "";
-  std::ostringstream text;
-  if (!file || !(text << file.rdbuf())) return std::nullopt;
-  return text.str();
-}
-
-bool mentions(const devhost::RegisteredFunction& function, const std::string& word) {
-  const std::u16string text =
-      function.name + u' ' + function.prototype + u' ' + function.description;
-  return devhost::to_lower(text).find(devhost::to_lower(utf16_from_utf8(word))) !=
-         std::u16string::npos;
-}
-
-void list_functions(const std::string& word) {
-  for (const auto* function : devhost::FunctionRegistry::instance().all()) {
-    if (!function->visible() || !mentions(*function, word)) continue;
-    std::cout << utf8_from_utf16(function->prototype) << '\n';
-    if (!function->description.empty()) {
-      std::cout << "    " << utf8_from_utf16(function->description) << '\n';
-    }
-  }
-}
-
-// A mistake in one statement does not end the prompt.
-int converse(Evaluator& evaluator, const devhost::PluginModule& plugin) {
-  std::cerr << plugin.string(devhost::PluginModule::kNameString) << '\n';
-  int status = kDone;
-  devhost::run_prompt([&](const std::string& statement) {
-    try {
-      run(evaluator, statement);
-    } catch (const devhost::SyntaxError& error) {
-      complain(error.what());
-      status = kFailed;
-    }
-  });
-  return status;
-}
-
 int with_plugin(const CLI::App& app, const Options& options) {
   const devhost::PluginModule plugin(
       options.plugin.empty() ? default_plugin() : std::filesystem::path(options.plugin),
       options.extension_version);
   Evaluator evaluator([&](const Failure& failure) { report(failure, options.strict); });
   set_variables(evaluator, options.settings);
-  if (app.got_subcommand("eval")) {
-    evaluate(evaluator, options.text);
-  } else if (app.got_subcommand("run")) {
-    const auto script = read_file(options.text);
-    if (!script) {
-      complain("script \"" + options.text + "\" cannot be read");
-      return kBadUsage;
-    }
-    run(evaluator, *script);
-  } else if (app.got_subcommand("functions")) {
-    list_functions(options.text);
-  } else {
-    return converse(evaluator, plugin);
-  }
-  return kDone;
+  if (app.got_subcommand("eval")) return devhost::evaluate(evaluator, options.text);
+  if (app.got_subcommand("run")) return devhost::run_script(evaluator, options.text);
+  if (app.got_subcommand("functions")) return devhost::list_functions(options.text);
+  return devhost::converse(evaluator, plugin);
 }
 
 void describe_usage(CLI::App& app, Options& options) {
