@@ -8,12 +8,11 @@
 namespace {
 
 short version(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
-  return TextConstantFunction(std::string("1.5"), result);
+  return TextConstantFunction(std::string(VORNELIX_VERSION), result);
 }
 
-// Two digits each: major, minor, patch and build.
 short version_for_updates(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {
-  return TextConstantFunction(std::string("01050001"), result);
+  return TextConstantFunction(std::string(VORNELIX_VERSION_DIGITS), result);
 }
 
 short last_error_message(short, const fmx::ExprEnv&, const fmx::DataVect&, fmx::Data& result) {

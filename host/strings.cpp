@@ -27,8 +27,8 @@ unsigned long id_of_kind(unsigned long kind) {
 
 // The text is a format whose one argument is the version.
 Owner with_version(const Owner& text) {
-  return Owner(
-      CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, string_of(text), CFSTR("1.5")));
+  return Owner(CFStringCreateWithFormat(kCFAllocatorDefault, nullptr, string_of(text),
+                                        CFSTR(VORNELIX_VERSION)));
 }
 
 std::uint32_t find(const fmx::Text& text, const char* wanted) {

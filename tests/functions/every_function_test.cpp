@@ -139,8 +139,8 @@ TEST_F(EveryFunction, PassesOnAndGivesWhatIsListed) {
 TEST_F(EveryFunction, OfItsOwnShapeHasCasesOfItsOwn) {
   fakes::next_book = &workbook_.book;
   const CallCase kCases[] = {
-      {"XL_Version", {}, "", "1.5"},
-      {"XL_VersionAutoUpdate", {}, "", "01050001"},
+      {"XL_Version", {}, "", VORNELIX_VERSION},
+      {"XL_VersionAutoUpdate", {}, "", VORNELIX_VERSION_DIGITS},
       {"XL_GetLastErrorMessage", {}, "", ""},
       {"XL_GetLastError", {}, "", "0"},
       {"XL_XlCreateBook", {}, "", "#Book"},

@@ -55,7 +55,7 @@ TEST(Strings, AnswerTheHostsRequests) {
     const char* text;
   };
   constexpr Case kCases[] = {
-      {131, "options"}, {129, "About 1.5 of i"}, {1601, "bare"}, {7, "untouched"}};
+      {131, "options"}, {129, "About " VORNELIX_VERSION " of i"}, {1601, "bare"}, {7, "untouched"}};
   for (const auto& [kind, text] : kCases) {
     SCOPED_TRACE(kind);
     std::vector<unsigned short> buffer = {'u', 'n', 't', 'o', 'u', 'c', 'h', 'e', 'd', 0};

@@ -226,7 +226,7 @@ TEST(StringsTable, VersionTextLosesNothingVisible) {
   ASSERT_NE(placeholder, std::string::npos);
   EXPECT_EQ(format->text.find('%', placeholder + 1), std::string::npos);
   std::string whole = format->text;
-  whole.replace(placeholder, 2, PROJECT_VERSION);
+  whole.replace(placeholder, 2, VORNELIX_VERSION);
   const std::string lost = whole.substr(std::min(whole.size(), format->text.size()));
   EXPECT_EQ(lost.find_first_not_of(' '), std::string::npos) << "cut off: " << lost;
 }

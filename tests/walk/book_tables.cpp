@@ -193,8 +193,8 @@ constexpr Case kSettings[] = {
 };
 
 constexpr Case kGeneral[] = {
-    {"XL_Version", "1.5"},
-    {"XL_VersionAutoUpdate", "01050001"},
+    {"XL_Version", VORNELIX_VERSION},
+    {"XL_VersionAutoUpdate", VORNELIX_VERSION_DIGITS},
     {"XL_Sheet_ReadNum ( $sheet ; -1 ; 0 )", "? 1 row -1 is out of range 0..1048575", nullptr,
      kXlsx},
     {"XL_Sheet_ReadNum ( $sheet ; 65536 ; 0 )", "? 1 row 65536 is out of range 0..65535", nullptr,
