@@ -44,7 +44,10 @@ bool has_other_colors(const Workbook& book, const LoadedFile& file) {
   if (file.globals.drawings.exists() || file.globals.drawings.is_damaged()) return true;
   for (const auto& sheet : book.sheets())
     if (sheet->kind != SheetKind::kWorksheet) return true;
-  const auto is_condition = [](const CarriedRecord& record) { return record.id == kCondition; };
+  const auto is_condition = [](const CarriedRecord& record) {
+    return record.id == kCondition || record.id == kLaterCondition ||
+           record.id == kConditionExtension;
+  };
   return std::ranges::any_of(file.carried(), [&](const auto& substream) {
     return std::ranges::any_of(substream.second, is_condition);
   });

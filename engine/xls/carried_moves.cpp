@@ -1,13 +1,18 @@
 #include "engine/xls/carried_moves.h"
 
 #include <algorithm>
+#include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
 
+#include "engine/formula/adjust.h"
 #include "engine/workbook/cell_ranges.h"
+#include "engine/xls/condition_moves.h"
 #include "engine/xls/fields.h"
-#include "engine/xls/future_records.h"
+#include "engine/xls/pivot_sources.h"
+#include "engine/xls/range_fields.h"
 #include "engine/xls/token_moves.h"
 
 namespace engine::xls {
@@ -16,29 +21,17 @@ namespace {
 
 using package::get16;
 
-constexpr std::size_t kRange = 8;  // bytes of rows and columns, first and last of each
-
-CellRange range_at(std::string_view data, std::size_t at) {
-  return {get16(data, at), get16(data, at + 2), get16(data, at + 4), get16(data, at + 6)};
-}
-
-void set_range(std::string& data, std::size_t at, const CellRange& range) {
-  std::size_t place = at;
-  for (const int each : {range.row_first, range.row_last, range.column_first, range.column_last}) {
-    put16(&data[place], static_cast<std::uint32_t>(each));
-    place += 2;
-  }
-}
-
 // The records of a substream after a move.
 class SubstreamMove {
  public:
   SubstreamMove(const LoadedFile& file, const SheetPart& part, bool own_sheet,
                 const formula::Move& move, const Grid& grid,
-                std::function<bool(std::uint16_t)> means_sheet)
-      : file_(file), part_(part), grid_(grid), tokens_{move,      grid,
-                                                       own_sheet, std::move(means_sheet),
-                                                       {},        {}} {}
+                const std::function<bool(std::uint16_t)>& means_sheet)
+      : file_(file),
+        part_(part),
+        grid_(grid),
+        tokens_{move, grid, own_sheet, means_sheet, {}, {}},
+        conditions_(move, grid, own_sheet, means_sheet) {}
 
   // Nothing when all stays.
   std::optional<RecordEdits> edits(const std::vector<CarriedRecord>& records) {
@@ -73,19 +66,11 @@ class SubstreamMove {
       case kPivotView:
         if (tokens_.own_sheet) move_pivot(*data);
         break;
-      case kConditions:
-        move_conditions(data, 0);
-        break;
-      case kLaterConditions:
-        move_conditions(data, kFutureHead);
-        break;
-      case kCondition:
-        move_condition(data);
-        break;
       case kChartLink:
-        move_formula(*data, 6, 8);
+        move_chart_link(*data);
         break;
       default:
+        conditions_.move(id, data);
         break;
     }
   }
@@ -137,96 +122,67 @@ class SubstreamMove {
     shift(12, to->column_first - cells.column_first);
   }
 
-  // Conditions whose cells all go, go with them.
-  void move_conditions(std::optional<std::string>& data, std::size_t head) {
-    constexpr std::size_t kFixed = 14;
-    gone_ = false;
-    tokens_.before = tokens_.after = {};
-    if (data->size() < head + kFixed) return;
-    CellRanges ranges;
-    for (std::size_t at = head + kFixed; at + kRange <= data->size(); at += kRange)
-      ranges.insert(range_at(*data, at));
-    if (ranges.empty()) return;
-    tokens_.before = tokens_.after = corner_of(ranges);
-    if (!tokens_.own_sheet) return;
-    const CellRanges to = moved(ranges, tokens_.move, grid_);
-    if (to.empty()) {
-      gone_ = true;
-      data.reset();
-      return;
-    }
-    place_base(ranges, to);
-    data->resize(head + kFixed);
-    CellRange all = *to.begin();
-    for (const CellRange& range : to) {
-      all = {std::min(all.row_first, range.row_first), std::max(all.row_last, range.row_last),
-             std::min(all.column_first, range.column_first),
-             std::max(all.column_last, range.column_last)};
-      data->append(kRange, '\0');
-      set_range(*data, data->size() - kRange, range);
-    }
-    set_range(*data, head + 4, all);
-    put16(&(*data)[head + 12], static_cast<std::uint32_t>(to.size()));
-    if (head != 0) set_range(*data, 4, all);
-  }
-
-  // Relative references count from the first cell. Where that goes, they are told anew from the one
-  // that is first then, by where it stood.
-  void place_base(const CellRanges& ranges, const CellRanges& to) {
-    tokens_.before = corner_of(ranges);
-    tokens_.after = corner_of(to);
-    const formula::Move& move = tokens_.move;
-    const bool rows = move.axis == formula::Axis::kRows;
-    int& place = rows ? tokens_.before.row : tokens_.before.column;
-    place = rows ? tokens_.after.row : tokens_.after.column;
-    if (place < move.at) return;
-    if (move.kind == formula::Move::Kind::kRemove) place += move.count;
-    else if (place >= move.at + move.count) place -= move.count;
-  }
-
-  // The formulas are the last of the record.
-  void move_condition(std::optional<std::string>& data) {
-    if (gone_) return data.reset();
-    if (data->size() < 6) return;
-    const std::size_t first = get16(*data, 2);
-    const std::size_t second = get16(*data, 4);
-    if (first + second > data->size() - 6) return;
-    std::size_t at = data->size() - first - second;
-    for (const std::size_t size : {first, second}) {
-      std::string tokens = data->substr(at, size);
-      move_tokens(tokens, tokens_);
-      data->replace(at, size, tokens);
-      at += size;
-    }
-  }
-
-  void move_formula(std::string& data, std::size_t size_at, std::size_t at) const {
-    if (data.size() < at) return;
-    const std::size_t size = std::min<std::size_t>(get16(data, size_at), data.size() - at);
-    std::string tokens = data.substr(at, size);
-    move_tokens(tokens, tokens_);
-    data.replace(at, size, tokens);
+  // Where its series has values or texts from.
+  void move_chart_link(std::string& data) const {
+    constexpr std::size_t kInFront = 6;
+    const std::string old = data;
+    Fields in(old);
+    in.skip(kInFront);
+    const std::size_t size = in.take16();
+    move_next_tokens(data, in, std::min(size, in.rest().size()), tokens_);
   }
 
   const LoadedFile& file_;
   const SheetPart& part_;
   const Grid& grid_;
-  TokenMove tokens_;
-  bool gone_ = false;  // the conditions in front have no cells any more
+  const TokenMove tokens_;
+  ConditionMoves conditions_;
   bool changed_ = false;
 };
 
+// The input cells of a data table, one or two, as its record has them behind its range.
+std::string moved_inputs(std::string_view stored, const formula::Move& move, const Grid& grid) {
+  constexpr std::size_t kSize = 10;
+  constexpr unsigned kTwoInputs = 0x08;
+  constexpr unsigned kLost = 0x10;  // the first one; the next bit is for the second
+  constexpr std::uint32_t kNowhere = 0xFFFF;
+  std::string made(stored);
+  if (made.size() < kSize) return made;
+  unsigned flags = get16(made, 0);
+  const unsigned count = (flags & kTwoInputs) != 0 ? 2 : 1;
+  for (unsigned i = 0; i < count; ++i) {
+    if ((flags & kLost << i) != 0) continue;
+    char* const place = &made[2 + 4 * i];
+    const int row = get16(made, 2 + 4 * i);
+    const int column = get16(made, 4 + 4 * i);
+    const auto to = moved_range({row, row, column, column}, move, grid);
+    if (!to) flags |= kLost << i;
+    put16(put16(place, to ? static_cast<std::uint32_t>(to->row_first) : kNowhere),
+          to ? static_cast<std::uint32_t>(to->column_first) : kNowhere);
+  }
+  put16(made.data(), flags);
+  return made;
+}
+
 class EditsMove : public CarriedMove {
  public:
-  void add(SheetPart& part, RecordEdits edits) { all_.emplace_back(&part, std::move(edits)); }
+  void add(RecordEdits& of, RecordEdits edits) { all_.emplace_back(&of, std::move(edits)); }
   void set_own(SheetPart& part) { own_ = &part; }
   void add(DrawingPart& drawing, MovedDrawing moved) {
     drawing_ = &drawing;
     moved_ = std::move(moved);
   }
+  void add_tables(Sheet& rows, const formula::Move& move, const Grid& grid) {
+    const std::deque<CellExtra>& extras = rows.spare().extras();
+    for (std::size_t i = 0; i < extras.size(); ++i)
+      if (extras[i].form == FormulaForm::kDataTable)
+        tables_.push_back({&rows, i, moved_inputs(extras[i].formula_details, move, grid)});
+  }
 
   void apply() noexcept override {
-    for (auto& [part, edits] : all_) part->edits.swap(edits);
+    for (auto& [place, edits] : all_) place->swap(edits);
+    for (Table& table : tables_)
+      table.rows->change().extras()[table.extra].formula_details.swap(table.inputs);
     if (own_) own_->is_moved = true;
     if (!drawing_) return;
     drawing_->shapes.swap(moved_.shapes);
@@ -234,7 +190,14 @@ class EditsMove : public CarriedMove {
   }
 
  private:
-  std::vector<std::pair<SheetPart*, RecordEdits>> all_;
+  struct Table {
+    Sheet* rows;
+    std::size_t extra;
+    std::string inputs;
+  };
+
+  std::vector<std::pair<RecordEdits*, RecordEdits>> all_;
+  std::vector<Table> tables_;
   SheetPart* own_ = nullptr;        // of the sheet that is changed
   DrawingPart* drawing_ = nullptr;  // its drawing, if that moves
   MovedDrawing moved_;
@@ -256,13 +219,14 @@ std::vector<CellRange> pivot_ranges(const LoadedFile& file, const Sheet& sheet) 
     const auto edit = part->second.edits.find(record.offset);
     const std::string_view data =
         edit != part->second.edits.end() && edit->second ? *edit->second : reader.data();
-    if (data.size() >= kRange) ranges.push_back(range_at(data, 0));
+    if (data.size() >= kRangeSize) ranges.push_back(range_at(data, 0));
   }
   return ranges;
 }
 
-std::unique_ptr<CarriedMove> move_carried(LoadedFile& file, const Workbook& book,
-                                          const Sheet& sheet, const formula::Move& move) {
+std::unique_ptr<CarriedMove> move_carried(LoadedFile& file, const Workbook& book, Sheet& sheet,
+                                          const formula::Move& move) {
+  const Grid& grid = book.limits.grid;
   const LinkTable& links = file.globals.links;
   const auto means_sheet = [&](std::uint16_t number) {
     if (number >= links.entries.size()) return false;
@@ -275,12 +239,19 @@ std::unique_ptr<CarriedMove> move_carried(LoadedFile& file, const Workbook& book
   for (auto& [its, part] : file.sheets) {
     if (its == &sheet) made->set_own(part);
     if (its == &sheet && part.drawing.exists())
-      made->add(part.drawing, moved(part.drawing, sheet.contents(), move, book.limits.grid));
+      made->add(part.drawing, moved(part.drawing, sheet.contents(), move, grid));
     const auto records = file.carried().find(part.begin);
     if (records == file.carried().end()) continue;
-    SubstreamMove substream(file, part, its == &sheet, move, book.limits.grid, means_sheet);
-    if (auto edits = substream.edits(records->second)) made->add(part, std::move(*edits));
+    SubstreamMove substream(file, part, its == &sheet, move, grid, means_sheet);
+    if (auto edits = substream.edits(records->second)) made->add(part.edits, std::move(*edits));
   }
+  formula::Adjuster adjuster(move, sheet.name(), grid);
+  const auto adjusted = [&](const Sheet* /*sheet*/, std::string_view text) {
+    return adjuster.adjusted(text, false);
+  };
+  if (auto edits = edited_sources(file, adjusted, grid)) made->add(file.edits, std::move(*edits));
+  made->add_tables(sheet, move, grid);
+  if (sheet.outside) made->add_tables(sheet.outside->rows, move, grid);
   return made;
 }
 

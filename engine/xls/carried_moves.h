@@ -1,5 +1,6 @@
 // What a file carries when rows or columns of a sheet are inserted or removed: the ranges of
-// conditional formats and pivot tables, selections, and formulas of conditional formats and charts.
+// conditional formats and pivot tables, selections, formulas of conditional formats and charts, the
+// input cells of data tables and the cells that pivot tables have their data from.
 #pragma once
 
 #include <memory>
@@ -14,7 +15,7 @@ namespace engine::xls {
 // The ranges that pivot tables of a sheet fill.
 std::vector<CellRange> pivot_ranges(const LoadedFile& file, const Sheet& sheet);
 
-std::unique_ptr<CarriedMove> move_carried(LoadedFile& file, const Workbook& book,
-                                          const Sheet& sheet, const formula::Move& move);
+std::unique_ptr<CarriedMove> move_carried(LoadedFile& file, const Workbook& book, Sheet& sheet,
+                                          const formula::Move& move);
 
 }  // namespace engine::xls

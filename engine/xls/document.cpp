@@ -11,6 +11,7 @@
 #include "engine/xls/carried_moves.h"
 #include "engine/xls/drawing_read.h"
 #include "engine/xls/fields.h"
+#include "engine/xls/pivot_sources.h"
 #include "engine/xls/record_reader.h"
 #include "engine/xls/records.h"
 #include "engine/xls/sheet_reader.h"
@@ -200,6 +201,11 @@ void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& /*e
   std::ranges::replace(links.sheets, static_cast<const Sheet*>(&sheet),
                        static_cast<const Sheet*>(nullptr));
   file_->sheets.erase(&sheet);
+}
+
+void Document::edit_formulas(Workbook& book, const FormulaEdit& edit) {
+  if (!file_) return;
+  if (auto edits = edited_sources(*file_, edit, book.limits.grid)) file_->edits.swap(*edits);
 }
 
 std::optional<MoveRefusal> Document::refusal_of_move(const Workbook& book, const Sheet& sheet,

@@ -34,6 +34,7 @@ class Document : public engine::Document {
                                                Sheet& copy) override;
   void place_sheet(Sheet& sheet) noexcept override;
   void remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& edit) override;
+  void edit_formulas(Workbook& book, const FormulaEdit& edit) override;
   std::optional<MoveRefusal> refusal_of_move(const Workbook& book, const Sheet& sheet,
                                              const formula::Move& move) const override;
   std::unique_ptr<CarriedMove> prepare_move(Workbook& book, Sheet& sheet,

@@ -95,6 +95,9 @@ class GlobalsReader {
       case kName:
         read_name();
         break;
+      case kPivotSource:
+        globals_.pivot_sources.push_back(reader_.offset());
+        break;
       case kDrawingGroup:
         globals_.drawings.take(reader_);
         break;

@@ -19,7 +19,8 @@ struct Globals {
   std::optional<Cipher> cipher;  // of an encrypted stream
   LinkTable links;
   DrawingGroup drawings;
-  std::vector<std::uint32_t> sheets;  // where their substreams begin, in the file's order
+  std::vector<std::uint32_t> sheets;         // where their substreams begin, in the file's order
+  std::vector<std::uint64_t> pivot_sources;  // records of cells that pivot tables show data of
   FileStyles styles;
   bool date1904 = false;
 

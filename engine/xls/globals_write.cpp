@@ -516,9 +516,8 @@ std::vector<std::uint64_t> write_globals(RecordWriter& out, const BookWriting& b
   GlobalsGroups groups(out, book, drawings);
   groups.settle_names();
   if (book.file) {
-    const RecordEdits no_edits;
-    merge_records(RecordReader(book.file->stream, 0, book.file->globals.cipher), no_edits, out,
-                  groups);
+    merge_records(RecordReader(book.file->stream, 0, book.file->globals.cipher), book.file->edits,
+                  out, groups);
   } else {
     write_beginning(out, kGlobalsStream);
     write_groups(groups);

@@ -10,8 +10,9 @@ namespace engine::xls {
 namespace {
 
 std::vector<CarriedRecord> find_carried(RecordReader reader) {
-  constexpr std::uint16_t kFollow[] = {kSelection, kPivotView,       kConditions,
-                                       kCondition, kLaterConditions, kChartLink};
+  constexpr std::uint16_t kFollow[] = {kSelection,          kPivotView,       kConditions,
+                                       kCondition,          kLaterConditions, kLaterCondition,
+                                       kConditionExtension, kChartLink};
   std::vector<CarriedRecord> found;
   try {
     if (!reader.next()) return found;

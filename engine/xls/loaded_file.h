@@ -33,6 +33,7 @@ struct LoadedFile {
   Globals globals;
   LoadedPictures pictures;
   SheetParts sheets;
+  RecordEdits edits;  // of what all sheets share
   bool r1c1 = false;  // as the sheets say
 
   // Where another substream begins.

@@ -123,23 +123,43 @@ TEST(XlsSaving, MovesWhatIsCarriedWithItsCells) {
   const std::string rule = u8(2) + u8(0) + u16(9) + u16(0) + std::string(6, '\0') + "\x4C" +
                            u16(0) + u16(0xC0FF) + "\x1E" + u16(1) + "\x0D";
   const std::string range = u16(2) + u16(4) + u16(1) + u16(2);
+  // One of the later kind is about B6, and has icons from 5 and from B8 on.
+  const auto head = [](unsigned id, const std::string& cells) { return u16(id) + u16(1) + cells; };
+  const std::string icons = head(0x87A, range) + u8(6) + u8(0) + u16(0) + u16(0) + u32(4) + "look" +
+                            expression("\x4C" + u16(3) + u16(0xC000)) + u8(0) + u16(1) + u16(0) +
+                            u8(2) + "xx" + std::string(3, '\0') + u8(2) + u8(0) + u8(0) + u8(1) +
+                            u16(0) + f64(5) + std::string(5, '\0') + u8(7) +
+                            expression("\x44" + u16(7) + u16(1)) + std::string(5, '\0');
   const std::string own =
-      record(0x1B0, u16(1) + u16(0) + range + u16(1) + range) + record(0x1B1, rule) +
+      record(0x1B0, u16(1) + u16(6) + range + u16(1) + range) + record(0x1B1, rule) +
+      record(0x879, head(0x879, range) + u16(1) + u16(8) + range + u16(1) + range) +
+      record(0x87A, icons) + record(0x87B, head(0x87B, range) + u32(1) + u16(3)) +
+      record(0x87A, icons) +
       record(0x1D, u8(3) + u16(3) + u16(1) + u16(0) + u16(1) + u16(3) + u16(3) + u8(1) + u8(1));
+  // A table of D12:D13 that puts its values into B4 and B8.
+  const std::string table =
+      formula(11, 3, u8(2) + u16(11) + u16(3)) +
+      record(0x236, u16(11) + u16(12) + u8(3) + u8(3) + u16(8) + u16(3) + u16(1) + u16(7) + u16(1));
+  // A pivot table's data: B4:C8.
+  const std::string source =
+      record(0x51, u16(3) + u16(7) + u8(1) + u8(2) + narrow16("\x02One") + u16(0));
   const std::string chart =
       record(0x1051, u8(1) + u8(2) + u16(0) + u16(0) + u16(11) + std::string("\x3B", 1) + u16(0) +
                          u16(2) + u16(4) + u16(1) + u16(1));
   const std::string links =
       record(0x1AE, u16(2) + u16(0x401)) + record(0x17, u16(1) + u16(0) + u16(0) + u16(0));
-  const std::string file =
-      file_of(stream_of({{"One", number(9, 0, 1) + own}, {"Chart", chart, 2}}, links));
+  const std::string file = file_of(
+      stream_of({{"One", number(9, 0, 1) + table + own}, {"Chart", chart, 2}}, links + source));
   struct Case {
     const char* what;
     formula::Move move;
     std::string conditions;  // rows of their range; empty when they are gone
     unsigned offset;         // of the row that the condition is about
+    std::string later;       // the same of the later one, and the row that icons begin at
     std::string selected;    // rows
     std::string charted;
+    std::string inputs;   // flags of the table, then its cells
+    std::string sources;  // rows
   };
   using formula::Axis;
   const auto insert = [](int at, int count) {
@@ -149,12 +169,17 @@ TEST(XlsSaving, MovesWhatIsCarriedWithItsCells) {
     return formula::Move{Axis::kRows, formula::Move::Kind::kRemove, at, count};
   };
   const Case kCases[] = {
-      {"in front", insert(0, 2), u16(4) + u16(6), 0, u16(5) + u16(5), u16(4) + u16(6)},
-      {"inside", insert(4, 1), u16(2) + u16(5), 0, u16(3) + u16(3), u16(2) + u16(5)},
-      {"the first row goes", remove(2, 1), u16(2) + u16(3), 0, u16(2) + u16(2), u16(2) + u16(3)},
-      {"all goes", remove(1, 5), "", 0, u16(1) + u16(1), "lost"},
+      {"in front", insert(0, 2), u16(4) + u16(6), 0, u16(3) + u16(9), u16(5) + u16(5),
+       u16(4) + u16(6), u16(8) + u16(5) + u16(1) + u16(9) + u16(1), u16(5) + u16(9)},
+      {"inside", insert(4, 1), u16(2) + u16(5), 0, u16(4) + u16(8), u16(3) + u16(3),
+       u16(2) + u16(5), u16(8) + u16(3) + u16(1) + u16(8) + u16(1), u16(3) + u16(8)},
+      {"the first row goes", remove(2, 1), u16(2) + u16(3), 0, u16(3) + u16(6), u16(2) + u16(2),
+       u16(2) + u16(3), u16(8) + u16(2) + u16(1) + u16(6) + u16(1), u16(2) + u16(6)},
+      {"all goes", remove(1, 5), "", 0, "", u16(1) + u16(1), "lost",
+       u16(0x18) + u32(0xFFFFFFFF) + u16(2) + u16(1), u16(1) + u16(2)},
   };
-  for (const auto& [what, move, conditions, offset, selected, charted] : kCases) {
+  for (const auto& [what, move, conditions, offset, later, selected, charted, inputs, sources] :
+       kCases) {
     SCOPED_TRACE(what);
     LoadedBook book(file);
     ASSERT_FALSE(move_cells(book.book, *book.document, book.sheet(), {move, true}));
@@ -163,16 +188,32 @@ TEST(XlsSaving, MovesWhatIsCarriedWithItsCells) {
     const std::string condition = data_of(sheet, 0x1B0);
     if (conditions.empty()) {
       EXPECT_EQ(condition, "none");
-      EXPECT_EQ(data_of(sheet, 0x1B1), "none");
+      for (const unsigned id : {0x1B1U, 0x879U, 0x87AU, 0x87BU})
+        EXPECT_EQ(data_of(sheet, id), "none");
     } else {
       EXPECT_EQ(condition.substr(4, 4), conditions);
       EXPECT_EQ(condition.substr(14, 4), conditions);
       EXPECT_EQ(data_of(sheet, 0x1B1).substr(13, 2), u16(offset));
+      for (const unsigned id : {0x879U, 0x87BU})
+        EXPECT_EQ(data_of(sheet, id).substr(4, 4), conditions);
+      for (const auto& [id, data] : sheet) {
+        if (id == 0x87A) {
+          EXPECT_EQ(data.substr(29, 2) + data.substr(67, 2), later);
+        }
+      }
     }
+    EXPECT_EQ(data_of(sheet, 0x236).substr(6), inputs);
+    EXPECT_EQ(data_of(records_of(saved), 0x51).substr(0, 4), sources);
     EXPECT_EQ(data_of(sheet, 0x1D).substr(9, 4), selected);
     const std::string link = data_of(sheet_of(saved, 1), 0x1051);
     EXPECT_EQ(link[8] == '\x3D' ? "lost" : link.substr(11, 4), charted);
   }
+  LoadedBook book(file);
+  rename_sheet(book.book, *book.document, book.sheet(), "A b");
+  EXPECT_EQ(data_of(records_of(book.file()), 0x51), u16(3) + u16(7) + u8(1) + u8(2) +
+                                                        narrow16("\x02"
+                                                                 "A b") +
+                                                        u16(0));
 }
 
 TEST(XlsSaving, LeadsFormulasOfUnreadSheetsToTheSheetsTheyMean) {
