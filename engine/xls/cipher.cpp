@@ -6,6 +6,7 @@
 #include <openssl/sha.h>
 
 #include <algorithm>
+#include <bit>
 #include <numeric>
 #include <utility>
 
@@ -76,11 +77,35 @@ Cipher::BlockKey second_form_key(std::string_view salt, std::size_t key_size) {
   };
 }
 
+// The oldest form: the characters of the password and one more, mixed with a key that follows from
+// all of them.
+Cipher::Mixed oldest_form_bytes(std::uint16_t key) {
+  constexpr char kLast = '\xBB';
+  const std::string text = std::string(kPassword) + kLast;
+  Cipher::Mixed bytes{};
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const unsigned half = i % 2 != 0 ? key >> 8U : key;
+    const auto mixed = static_cast<unsigned char>(static_cast<unsigned char>(text[i]) ^ half);
+    bytes[i] = std::rotr(mixed, 1);
+  }
+  return bytes;
+}
+
 [[noreturn]] void refuse() { throw package::FileError("is protected by a password"); }
 
 }  // namespace
 
-void Cipher::apply(std::uint64_t offset, std::span<char> bytes) {
+void Cipher::apply(std::uint64_t offset, std::size_t record_size, std::span<char> bytes) {
+  if (!key_) {
+    constexpr int kTurn = 5;
+    std::uint64_t at = offset + record_size;
+    for (char& byte : bytes) {
+      const unsigned char mixed = mixed_[at++ % mixed_.size()];
+      byte = static_cast<char>(
+          std::rotr(static_cast<unsigned char>(static_cast<unsigned char>(byte) ^ mixed), kTurn));
+    }
+    return;
+  }
   for (char& byte : bytes) {
     if (offset / kBlock != block_) {
       block_ = offset / kBlock;
@@ -92,11 +117,18 @@ void Cipher::apply(std::uint64_t offset, std::span<char> bytes) {
 }
 
 // The file holds a random text and its digest, both encrypted: they agree with the right password.
+// In the oldest form it holds two numbers that follow from the password.
 Cipher default_cipher(std::string_view file_pass) {
+  constexpr std::uint16_t kOldest = 0;
+  constexpr std::uint16_t kOldestKey = 0xB359;
+  constexpr std::uint16_t kOldestProof = 0x9A0A;
   constexpr std::uint16_t kRc4 = 1;
   constexpr std::size_t kText = 16;
   Fields in(file_pass);
-  if (in.take16() != kRc4) refuse();
+  const unsigned form = in.take16();
+  if (form == kOldest && in.take16() == kOldestKey && in.take16() == kOldestProof)
+    return Cipher(oldest_form_bytes(kOldestKey));
+  if (form != kRc4) refuse();
   const unsigned major = in.take16();
   const unsigned minor = in.take16();
   const bool is_first = major == 1 && minor == 1;
@@ -122,7 +154,7 @@ Cipher default_cipher(std::string_view file_pass) {
   }
   if (!in.ok()) refuse();
   Cipher cipher(is_first ? first_form_key(salt) : second_form_key(salt, key_size));
-  cipher.apply(0, proof);
+  cipher.apply(0, proof.size(), proof);
   const std::string text = proof.substr(0, kText);
   if (proof.substr(kText) != (is_first ? kMd5(text) : kSha1(text))) refuse();
   return cipher;

@@ -33,7 +33,8 @@ void ScatteredBytes::read(const package::CompoundStream& stream,
     const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), end - at));
     const std::uint64_t place = run->place + (at - run->at);
     stream.read(place, into.first(part));
-    if (decrypting) decrypting->apply(place, into.first(part));
+    if (decrypting)
+      decrypting->apply(place, static_cast<std::size_t>(end - run->at), into.first(part));
     into = into.subspan(part);
     at += part;
     run = next;

@@ -69,7 +69,7 @@ void RecordReader::decrypt() {
   if (std::ranges::find(kPlain, id_) != std::end(kPlain)) return;
   const std::size_t plain = id_ == kBoundSheet ? std::min<std::size_t>(4, data_.size()) : 0;
   decrypted_ = data_;
-  cipher_->apply(offset_ + kHeaderSize + plain, std::span(decrypted_).subspan(plain));
+  cipher_->apply(offset_ + kHeaderSize + plain, data_.size(), std::span(decrypted_).subspan(plain));
   data_ = decrypted_;
 }
 

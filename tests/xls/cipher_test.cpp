@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+
 #include "engine/package/file_error.h"
 #include "engine/xls/records.h"
 #include "tests/xls/streams.h"
@@ -37,18 +39,27 @@ const Case kCases[] = {
      bytes_of("010002000200040000002400000004000000000000000168000004800000280000000100000000000000"
               "000000005800000010000000000102030405060708090a0b0c0d0e0fc872728f14b55d849b7dde3f7cfd"
               "96a714000000d5e6c96d597b070d79bf31b1599eddf2ece8d44b")},
+    {"oldest form", bytes_of("000059b30a9a")},
 };
 
-// Encrypts what stands behind the record that says so.
+// Encrypts what stands behind the record that says so. RC4 does it as it decrypts; the oldest form
+// turns the bits of a byte and mixes it with one that follows from the password.
 std::string encrypted(std::string stream, const std::string& file_pass) {
+  const std::string mixed = bytes_of("876b9ae21ee305621e699660986e9404");
   Cipher cipher = default_cipher(file_pass);
   for (std::size_t at = stream.find(record(kFilePass, file_pass)); at < stream.size();) {
     const std::uint16_t id = package::get16(stream, at);
     const std::size_t size = package::get16(stream, at + 2);
-    const std::size_t plain = id == kBoundSheet ? 4 : 0;
-    if (id != kFilePass && id != kBof)
-      cipher.apply(at + 4 + plain, std::span(stream).subspan(at + 4 + plain, size - plain));
+    const std::size_t begin = at + 4 + (id == kBoundSheet ? 4 : 0);
     at += 4 + size;
+    if (id == kFilePass || id == kBof) continue;
+    if (file_pass[0] != 0) {
+      cipher.apply(begin, size, std::span(stream).subspan(begin, at - begin));
+      continue;
+    }
+    for (std::size_t i = begin; i < at; ++i)
+      stream[i] = static_cast<char>(std::rotl(static_cast<unsigned char>(stream[i]), 5) ^
+                                    mixed[(i + size) % mixed.size()]);
   }
   return stream;
 }
