@@ -28,7 +28,7 @@ class PlugIn {
  public:
   PlugIn() {
     path_ = (std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() /
-             "lib/Vornelix.fmx")
+             "lib/vornelix/Vornelix.fmx")
                 .string();
     void* library = dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
     void* entry = library ? dlsym(library, "FMExternCallProc") : nullptr;

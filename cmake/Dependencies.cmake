@@ -4,11 +4,11 @@ find_package(Threads REQUIRED)
 find_package(ZLIB REQUIRED)
 
 # ISA-L packs and unpacks the parts of an .xlsx file; without it zlib does. It is linked by its bare
-# name: the copy beside the engine is found there, and the system's by programs that link our rooms.
+# name: the copy beside the plug-in is found there, and the system's by programs that link our rooms.
 option(VORNELIX_ISAL "Deflate with ISA-L" ON)
 find_library(ISAL_LIBRARY isal)
 if(VORNELIX_ISAL AND ISAL_LIBRARY)
-  add_library(isal INTERFACE)
+  add_library(isal INTERFACE IMPORTED)
   target_link_libraries(isal INTERFACE -lisal)
   target_compile_definitions(isal INTERFACE VORNELIX_ISAL)
 endif()
@@ -27,9 +27,10 @@ function(ship_isal library)
   set(isal_name ${CMAKE_MATCH_1})
   add_custom_command(TARGET ${library} POST_BUILD
     COMMAND ${CMAKE_COMMAND} -E copy_if_different ${isal_file}
-            ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${isal_name}
+            ${PLUGIN_OUTPUT_DIRECTORY}/${isal_name}
     VERBATIM)
-  install(PROGRAMS ${isal_file} DESTINATION lib RENAME ${isal_name})
+  install(PROGRAMS ${isal_file} DESTINATION ${PLUGIN_DESTINATION} RENAME ${isal_name}
+          COMPONENT isal)
 endfunction()
 
 function(find_static_library name archive)

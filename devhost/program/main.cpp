@@ -50,7 +50,7 @@ struct Options {
 };
 
 std::filesystem::path default_plugin() {
-  return devhost::program_file().parent_path() / ".." / "lib" / "Vornelix.fmx";
+  return devhost::program_file().parent_path() / ".." / "lib" / "vornelix" / "Vornelix.fmx";
 }
 
 void report(const Failure& failure, bool strict) {
@@ -92,7 +92,7 @@ int with_plugin(const CLI::App& app, const Options& options) {
 void describe_usage(CLI::App& app, Options& options) {
   app.fallthrough();
   app.require_subcommand(0, 1);
-  app.add_option("--plugin", options.plugin, "The plug-in's file (../lib/Vornelix.fmx)");
+  app.add_option("--plugin", options.plugin, "The plug-in's file (../lib/vornelix/Vornelix.fmx)");
   app.add_option("--extn-version", options.extension_version,
                  "The host's plug-in interface version");
   app.add_flag("--strict", options.strict, "End with status 1 at the first function that fails");
