@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/package/file_error.h"
+#include "engine/system/file.h"
 
 namespace engine::package {
 
@@ -20,6 +21,16 @@ class FileTargetError : public FileError {
  public:
   using FileError::FileError;
 };
+
+// Runs what writes to a file and tells the system's refusal as FileTargetError.
+template <class Body>
+decltype(auto) telling_target(Body body) {
+  try {
+    return body();
+  } catch (const system::FileRefusal& refusal) {
+    throw FileTargetError(std::string("cannot be written: ") + refusal.what());
+  }
+}
 
 // More of something than a format or a buffer's receiver can take. The text is a whole sentence.
 class LimitError : public std::runtime_error {
@@ -79,7 +90,6 @@ class FileOutput : public Output {
  public:
   // `path` is UTF-8; a symbolic link is followed. Throws FileTargetError, as do all operations.
   explicit FileOutput(const std::string& path);
-  ~FileOutput() override;
 
   void write(std::span<const char> bytes) override;
   void patch(std::uint64_t offset, std::span<const char> bytes) override;
@@ -89,13 +99,10 @@ class FileOutput : public Output {
   void commit();
 
  private:
-  void open_side_file();
   void flush();
   void begin_writeback();
 
-  std::string target_;
-  std::string side_path_;
-  int handle_ = -1;
+  std::unique_ptr<system::Replacement> file_;
   std::vector<char> buffer_;
   std::uint64_t flushed_ = 0;
   std::uint64_t handed_over_ = 0;  // to the disk

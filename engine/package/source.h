@@ -2,7 +2,7 @@
 //
 // A source is complete once it exists: what others do to the file afterwards, changing, cutting or
 // deleting it, does not reach us. That is why nothing is mapped into memory. The bytes lie in
-// memory, or in a temporary file that has no name any more and is read through its open handle.
+// memory, or in a temporary file that is read through its open handle and goes with it.
 // Only a source for a short look reads the file itself.
 #pragma once
 
@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "engine/system/file.h"
 
 namespace engine::package {
 
@@ -33,7 +35,7 @@ class Source {
 
   Source(const Source&) = delete;
   Source& operator=(const Source&) = delete;
-  ~Source();
+  ~Source() = default;
 
   std::uint64_t size() const { return size_; }
 
@@ -48,7 +50,7 @@ class Source {
 
   std::vector<char> bytes_;
   std::unique_ptr<char[]> block_;
-  int handle_ = -1;
+  system::File file_;
   std::string_view view_;
   std::uint64_t size_ = 0;
 };

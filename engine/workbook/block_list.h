@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/workbook/fresh_pages.h"
+#include "engine/system/fresh_pages.h"
 
 namespace engine {
 
@@ -21,7 +21,7 @@ template <class T>
 class BlockList {
   static_assert(std::is_trivially_copyable_v<T>);
   static constexpr std::size_t kFirstBlock = 256;
-  static constexpr std::size_t kStep = std::bit_ceil(kManyPages / sizeof(T));
+  static constexpr std::size_t kStep = std::bit_ceil(system::kManyPages / sizeof(T));
 
   // Goes through the items in order. List is a list that may be changed or one that may not.
   template <class List>
@@ -79,7 +79,7 @@ class BlockList {
     const Place place(size_);
     if (place.block == blocks_.size()) add_block();
     if (place.offset % kStep == 0 && length_of(place.block) >= kStep)
-      provide_pages(items(place.block) + place.offset, kStep * sizeof(T));
+      system::provide_pages(items(place.block) + place.offset, kStep * sizeof(T));
     items(place.block)[place.offset] = item;
     ++size_;
   }

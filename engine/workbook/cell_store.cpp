@@ -2,7 +2,7 @@
 
 #include <cassert>
 
-#include "engine/workbook/fresh_pages.h"
+#include "engine/system/fresh_pages.h"
 
 namespace engine {
 
@@ -136,7 +136,7 @@ Cell* CellStore::allocate(std::size_t count) {
     blocks_.push_back(std::make_unique_for_overwrite<Cell[]>(size));
     free_ = blocks_.back().get();
     block_end_ = free_ + size;
-    if (size == kLargestBlock) provide_pages(free_, size * sizeof(Cell));
+    if (size == kLargestBlock) system::provide_pages(free_, size * sizeof(Cell));
   }
   Cell* taken = free_;
   free_ += count;

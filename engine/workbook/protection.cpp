@@ -1,20 +1,11 @@
-// The digest is computed with the plain functions of the library below, whose state is a value on
-// the stack: those that it recommends begin with set-up for the whole process, which a plug-in
-// leaves to its host, and which never recovers where memory was short for it. Base 64 is our own,
-// as the library's brings nearly all the rest of it along: that doubled the size of the engine and
-// took three quarters of the loader's work.
-#define OPENSSL_SUPPRESS_DEPRECATED
-
 #include "engine/workbook/protection.h"
-
-#include <openssl/sha.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <stdexcept>
 
+#include "engine/system/digest.h"
+#include "engine/system/random.h"
 #include "engine/text/utf16.h"
 #include "engine/text/wide.h"
 
@@ -25,24 +16,9 @@ namespace {
 constexpr std::uint32_t kRounds = 100000;
 constexpr std::size_t kSaltSize = 16;
 
-using Digest = std::array<unsigned char, SHA512_DIGEST_LENGTH>;
-
-Digest sha512(std::string_view first, std::string_view second) {
-  Digest digest{};
-  SHA512_CTX state;
-  SHA512_Init(&state);
-  SHA512_Update(&state, first.data(), first.size());
-  SHA512_Update(&state, second.data(), second.size());
-  SHA512_Final(digest.data(), &state);
-  return digest;
-}
-
-template <class Bytes>
-std::string_view view_of(const Bytes& bytes) {
-  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 // Three bytes are four characters; "=" stands for those of bytes that the last three lack.
+// The library of the digests has this as well, but with nearly all the rest of it behind: that
+// doubled the size of the engine and took three quarters of the loader's work.
 std::string base64(std::string_view bytes) {
   constexpr std::string_view kDigits =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -74,14 +50,13 @@ std::uint8_t code_of(wchar_t unit) {
 }  // namespace
 
 std::string sha512_hash(std::string_view password, std::string_view salt, std::uint32_t rounds) {
-  Digest digest = sha512(salt, utf16_bytes(password));
-  for (std::uint32_t round = 0; round < rounds; ++round) {
-    const std::array<std::uint8_t, 4> number = {
-        static_cast<std::uint8_t>(round), static_cast<std::uint8_t>(round >> 8),
-        static_cast<std::uint8_t>(round >> 16), static_cast<std::uint8_t>(round >> 24)};
-    digest = sha512(view_of(digest), view_of(number));
+  std::string text = std::string(salt) + utf16_bytes(password);
+  for (std::uint32_t round = 0;; ++round) {
+    const auto digest = system::sha512(text);
+    if (round == rounds) return base64(system::view_of(digest));
+    text.assign(digest.data(), digest.size());
+    for (int shift = 0; shift < 32; shift += 8) text += static_cast<char>(round >> shift & 0xFF);
   }
-  return base64(view_of(digest));
 }
 
 std::uint16_t short_hash(std::string_view password) {
@@ -101,11 +76,11 @@ PasswordHash hash_password(std::string_view password, PasswordForm form) {
     return hash;
   }
   std::array<char, kSaltSize> salt{};
-  if (getentropy(salt.data(), salt.size()) != 0)
-    throw std::runtime_error("the system gives no random numbers");
+  system::fill_random(salt);
   hash.algorithm = "SHA-512";
-  hash.salt = base64(view_of(salt));
-  hash.value = sha512_hash(password, view_of(salt), kRounds);
+  const std::string_view salt_bytes(salt.data(), salt.size());
+  hash.salt = base64(salt_bytes);
+  hash.value = sha512_hash(password, salt_bytes, kRounds);
   hash.rounds = kRounds;
   return hash;
 }

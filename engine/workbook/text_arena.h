@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/workbook/fresh_pages.h"
+#include "engine/system/fresh_pages.h"
 
 namespace engine {
 
@@ -50,7 +50,7 @@ class TextArena {
     blocks_.push_back(std::make_shared_for_overwrite<char[]>(size));
     free_ = blocks_.back().get();
     room_ = size;
-    if (size >= kManyPages) provide_pages(free_, size);
+    if (size >= system::kManyPages) system::provide_pages(free_, size);
   }
 
   // Bytes of all texts that were kept.

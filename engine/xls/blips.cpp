@@ -1,8 +1,5 @@
 #include "engine/xls/blips.h"
 
-// The digest by its short name, as it needs no room of its own.
-#define OPENSSL_SUPPRESS_DEPRECATED
-#include <openssl/md5.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -12,6 +9,7 @@
 #include <new>
 
 #include "engine/package/little_endian.h"
+#include "engine/system/digest.h"
 #include "engine/xls/drawing_pieces.h"
 #include "engine/xls/fields.h"
 
@@ -314,11 +312,7 @@ Blip make_blip(PictureKind kind, std::string_view file) {
 }
 
 std::string picture_digest(std::string_view file) {
-  static_assert(kDigest == MD5_DIGEST_LENGTH);
-  std::string out(kDigest, '\0');
-  MD5(reinterpret_cast<const unsigned char*>(file.data()), file.size(),
-      reinterpret_cast<unsigned char*>(out.data()));
-  return out;
+  return std::string(system::view_of(system::md5(file)));
 }
 
 }  // namespace engine::xls

@@ -1,10 +1,5 @@
 #include "engine/xls/cipher.h"
 
-// The plain functions, each of which brings nothing of the library along but itself.
-#define OPENSSL_SUPPRESS_DEPRECATED
-#include <openssl/md5.h>
-#include <openssl/sha.h>
-
 #include <algorithm>
 #include <bit>
 #include <numeric>
@@ -12,6 +7,7 @@
 
 #include "engine/package/file_error.h"
 #include "engine/package/little_endian.h"
+#include "engine/system/digest.h"
 #include "engine/text/utf16.h"
 #include "engine/xls/fields.h"
 
@@ -22,17 +18,11 @@ namespace {
 constexpr std::string_view kPassword = "VelvetSweatshop";
 constexpr std::size_t kBits40 = 5;  // as bytes
 
-template <class State, auto* Init, auto* Update, auto* Final, std::size_t Size>
-std::string digest(std::string_view text) {
-  std::string out(Size, '\0');
-  State state;
-  Init(&state);
-  Update(&state, text.data(), text.size());
-  Final(reinterpret_cast<unsigned char*>(out.data()), &state);
-  return out;
-}
-constexpr auto* kMd5 = digest<MD5_CTX, &MD5_Init, &MD5_Update, &MD5_Final, MD5_DIGEST_LENGTH>;
-constexpr auto* kSha1 = digest<SHA_CTX, &SHA1_Init, &SHA1_Update, &SHA1_Final, SHA_DIGEST_LENGTH>;
+constexpr std::size_t kMd5Size = 16;
+constexpr std::size_t kSha1Size = 20;
+
+std::string md5(std::string_view text) { return std::string(system::view_of(system::md5(text))); }
+std::string sha1(std::string_view text) { return std::string(system::view_of(system::sha1(text))); }
 
 std::string number_bytes(std::uint32_t number) {
   std::string bytes;
@@ -60,18 +50,18 @@ void fill_key_stream(std::string_view key, std::span<unsigned char> stream) {
 
 // The first form: 40 bits of a digest over the password and a salt of 16 bytes, repeated.
 Cipher::BlockKey first_form_key(std::string_view salt) {
-  const std::string password = kMd5(utf16_bytes(kPassword)).substr(0, kBits40);
+  const std::string password = md5(utf16_bytes(kPassword)).substr(0, kBits40);
   std::string mixed;
   for (int i = 0; i < 16; ++i) mixed.append(password).append(salt);
-  return [base = kMd5(mixed).substr(0, kBits40)](std::uint32_t block) {
-    return kMd5(base + number_bytes(block));
+  return [base = md5(mixed).substr(0, kBits40)](std::uint32_t block) {
+    return md5(base + number_bytes(block));
   };
 }
 
 // The second one: as many bits as the file says, zeros behind a short key.
 Cipher::BlockKey second_form_key(std::string_view salt, std::size_t key_size) {
-  return [base = kSha1(std::string(salt) + utf16_bytes(kPassword)), key_size](std::uint32_t block) {
-    std::string key = kSha1(base + number_bytes(block)).substr(0, key_size);
+  return [base = sha1(std::string(salt) + utf16_bytes(kPassword)), key_size](std::uint32_t block) {
+    std::string key = sha1(base + number_bytes(block)).substr(0, key_size);
     if (key_size == kBits40) key.resize(16);
     return key;
   };
@@ -139,7 +129,7 @@ Cipher default_cipher(std::string_view file_pass) {
   std::string proof;
   if (is_first) {
     salt = in.take(kText);
-    proof = in.take(kText + MD5_DIGEST_LENGTH);
+    proof = in.take(kText + kMd5Size);
   } else {
     in.skip(4);
     Fields header(in.take(in.take32()));
@@ -150,13 +140,13 @@ Cipher default_cipher(std::string_view file_pass) {
     salt = in.take(kText);
     proof = in.take(kText);
     in.skip(4);
-    proof += in.take(SHA_DIGEST_LENGTH);
+    proof += in.take(kSha1Size);
   }
   if (!in.ok()) refuse();
   Cipher cipher(is_first ? first_form_key(salt) : second_form_key(salt, key_size));
   cipher.apply(0, proof.size(), proof);
   const std::string text = proof.substr(0, kText);
-  if (proof.substr(kText) != (is_first ? kMd5(text) : kSha1(text))) refuse();
+  if (proof.substr(kText) != (is_first ? md5(text) : sha1(text))) refuse();
   return cipher;
 }
 

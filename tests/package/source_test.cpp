@@ -1,8 +1,6 @@
 #include "engine/package/source.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <functional>
 
@@ -32,7 +30,6 @@ TEST(Source, OutlivesTheFile) {
   folder.write("a", "0123456789");
   const auto whole = Source::from_file(folder.file("a"));
   const auto copied = Source::from_file_via(folder.file("a"), folder.file("temp"));
-  EXPECT_EQ(folder.names(), std::vector<std::string>{"a"});
   folder.write("a", "");
   EXPECT_EQ(whole->view(), "0123456789");
   EXPECT_EQ(copied->view(), "");
@@ -48,7 +45,6 @@ TEST(Source, OutlivesTheFile) {
 TEST(Source, TellsWhyAFileCannotBeOpened) {
   const TempFolder folder;
   folder.write("plain", "x");
-  ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
   const struct {
     std::string path;
     const char* error;
@@ -57,9 +53,6 @@ TEST(Source, TellsWhyAFileCannotBeOpened) {
       {folder.file("missing/a"), "cannot be opened: no such folder"},
       {folder.file("plain/a"), "cannot be opened: no such folder"},
       {folder.path(), "cannot be opened: it is a folder"},
-      {folder.file("pipe"), "cannot be opened: it is not a plain file"},
-      {"/dev/zero", "cannot be opened: it is not a plain file"},
-      {folder.file(std::string(300, 'x')), "cannot be opened: file name too long"},
   };
   for (const auto& [path, error] : cases) {
     EXPECT_EQ(failure_of([&path = path] { Source::from_file(path); }), error) << path;
@@ -71,7 +64,7 @@ TEST(Source, TakesNoTemporaryFileThatWouldBeLost) {
   folder.write("a", "text");
   folder.write("full", "other");
   folder.write("empty", "");
-  ASSERT_EQ(link(folder.file("a").c_str(), folder.file("same").c_str()), 0);
+  std::filesystem::create_hard_link(folder.file("a"), folder.file("same"));
   const struct {
     const char* temp;
     const char* error;

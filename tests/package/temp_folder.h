@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -13,9 +14,9 @@ namespace engine::package::testing {
 class TempFolder {
  public:
   TempFolder() {
-    std::string path = (std::filesystem::temp_directory_path() / "package_test_XXXXXX").string();
-    if (mkdtemp(path.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = path;
+    const auto name = "package_test_" + std::to_string(std::random_device()());
+    path_ = (std::filesystem::temp_directory_path() / name).string();
+    if (!std::filesystem::create_directory(path_)) throw std::runtime_error("no temporary folder");
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;

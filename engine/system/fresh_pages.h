@@ -3,7 +3,7 @@
 
 #include <cstddef>
 
-namespace engine {
+namespace engine::system {
 
 // The least that is worth a call.
 inline constexpr std::size_t kManyPages = std::size_t{1} << 20;
@@ -12,4 +12,4 @@ inline constexpr std::size_t kManyPages = std::size_t{1} << 20;
 // they take a fifth longer. What it does not do now is done then.
 void provide_pages(void* begin, std::size_t size) noexcept;
 
-}  // namespace engine
+}  // namespace engine::system

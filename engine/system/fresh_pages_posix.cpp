@@ -1,10 +1,10 @@
-#include "engine/workbook/fresh_pages.h"
-
 #include <sys/mman.h>
 
 #include <cstdint>
 
-namespace engine {
+#include "engine/system/fresh_pages.h"
+
+namespace engine::system {
 
 void provide_pages([[maybe_unused]] void* begin, [[maybe_unused]] std::size_t size) noexcept {
 #ifdef MADV_POPULATE_WRITE
@@ -17,4 +17,4 @@ void provide_pages([[maybe_unused]] void* begin, [[maybe_unused]] std::size_t si
 #endif
 }
 
-}  // namespace engine
+}  // namespace engine::system
