@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <cwchar>
+#include <type_traits>
 
 #include "engine/text/utf8.h"
 
@@ -18,8 +19,12 @@ namespace {
 
 constexpr std::size_t kMostAtOnce = 16;  // elements that are narrowed in one step
 
-// Wide text has 32 bits an element, whatever sign they have.
-std::uint32_t unit_of(wchar_t element) { return std::bit_cast<std::uint32_t>(element); }
+// Wide text has 16 or 32 bits an element, as the system has it, whatever sign they have.
+constexpr bool kShortElements = sizeof(wchar_t) == 2;
+
+std::uint32_t unit_of(wchar_t element) {
+  return static_cast<std::make_unsigned_t<wchar_t>>(element);
+}
 
 // Copies a text as far as it is ASCII and tells how far. The blocks, each of a known length, are
 // what the compiler makes vector instructions of.
@@ -81,6 +86,13 @@ constexpr std::array<Arrangement, 256> kArrangements = [] {
   return _mm256_set1_epi32(static_cast<int>(value));
 }
 
+// Eight elements, each in a lane of 32 bits.
+[[gnu::target("avx2")]] __m256i load_lanes(const wchar_t* at) {
+  if constexpr (kShortElements)
+    return _mm256_cvtepu16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(at)));
+  else return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
+}
+
 // A bit for each lane that a comparison found true.
 [[gnu::target("avx2")]] unsigned lane_bits(__m256i lanes) {
   return static_cast<unsigned>(_mm256_movemask_ps(_mm256_castsi256_ps(lanes)));
@@ -103,7 +115,7 @@ constexpr std::array<Arrangement, 256> kArrangements = [] {
   const wchar_t* at = text;
   char* out = utf8;
   for (; end - at >= kLanes; at += kLanes) {
-    const __m256i code = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(at));
+    const __m256i code = load_lanes(at);
     const __m256i surrogate =
         _mm256_cmpeq_epi32(_mm256_and_si256(code, all_lanes(0xFFFFF800)), all_lanes(0xD800));
     const __m256i basic = _mm256_cmpeq_epi32(_mm256_srli_epi32(code, 16), _mm256_setzero_si256());
@@ -128,21 +140,29 @@ constexpr std::array<Arrangement, 256> kArrangements = [] {
   utf8 = out;
 }
 
+// At most sixteen elements, each in a lane of 32 bits; what is behind them is not looked at.
+[[gnu::target("avx512bw,avx512vl")]] __m512i load_lanes(const wchar_t* at, std::ptrdiff_t count) {
+  const auto used = static_cast<__mmask16>((1 << count) - 1);
+  if constexpr (kShortElements) return _mm512_cvtepu16_epi32(_mm256_maskz_loadu_epi16(used, at));
+  else return _mm512_maskz_loadu_epi32(used, at);
+}
+
 [[gnu::target("avx512f")]] __mmask16 lanes_above(__m512i code, int limit) {
   return _mm512_cmpgt_epu32_mask(code, _mm512_set1_epi32(limit));
 }
 
 // The same to the very end, sixteen elements at a time, where bytes of a register can be pushed
 // together: that takes half the time on texts of which a fifth is beyond ASCII.
-[[gnu::target("avx512bw,avx512vbmi2")]] void narrow_mixed_wide(const wchar_t*& text,
-                                                               const wchar_t* end, char*& utf8) {
+[[gnu::target("avx512bw,avx512vl,avx512vbmi2")]] void narrow_mixed_wide(const wchar_t*& text,
+                                                                        const wchar_t* end,
+                                                                        char*& utf8) {
   using Lanes [[gnu::vector_size(64)]] = std::uint32_t;
   constexpr std::ptrdiff_t kLanes = kMostAtOnce;
   const wchar_t* at = text;
   char* out = utf8;
   while (at != end) {
     const std::ptrdiff_t count = std::min(end - at, kLanes);
-    const __m512i code = _mm512_maskz_loadu_epi32(static_cast<__mmask16>((1 << count) - 1), at);
+    const __m512i code = load_lanes(at, count);
     const auto lanes = reinterpret_cast<Lanes>(code);
     const auto high = reinterpret_cast<__m512i>(lanes & 0xFFFFF800);
     if (lanes_above(code, 0xFFFF) | _mm512_cmpeq_epi32_mask(high, _mm512_set1_epi32(0xD800))) break;
@@ -172,8 +192,12 @@ void widen_ascii(const char*& at, const char* end, wchar_t*& out) {
     if (_mm_movemask_epi8(bytes) != 0) return;
     const __m128i halves = _mm_unpacklo_epi8(bytes, zero);
     auto* const to = reinterpret_cast<__m128i*>(out);
-    _mm_storeu_si128(to, _mm_unpacklo_epi16(halves, zero));
-    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(halves, zero));
+    if constexpr (kShortElements) {
+      _mm_storeu_si128(to, halves);
+    } else {
+      _mm_storeu_si128(to, _mm_unpacklo_epi16(halves, zero));
+      _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(halves, zero));
+    }
   }
 }
 
@@ -219,7 +243,7 @@ void widen_mixed(const char*& at, const char* end, wchar_t*& out) {
     std::array<std::uint16_t, 8> units{};
     _mm_storeu_si128(reinterpret_cast<__m128i*>(units.data()), characters_at(at));
     for (std::size_t i = 0; i < units.size(); ++i) {
-      *out = units[i];
+      *out = static_cast<wchar_t>(units[i]);
       out += static_cast<signed char>(at[i]) >= -64 ? 1 : 0;
     }
     at += 8;
@@ -244,7 +268,8 @@ void to_utf8(const wchar_t* text, std::string& utf8) {
   const wchar_t* const end = text + size;
   while (at != end) {
 #ifdef __SSE2__
-    static const bool has_avx512 = __builtin_cpu_supports("avx512vbmi2") != 0;
+    static const bool has_avx512 =
+        __builtin_cpu_supports("avx512vbmi2") != 0 && __builtin_cpu_supports("avx512vl") != 0;
     static const bool has_avx2 = __builtin_cpu_supports("avx2") != 0;
     if (has_avx512) narrow_mixed_wide(at, end, out);
     else if (has_avx2) narrow_mixed(at, end, out);

@@ -1,7 +1,8 @@
 // Texts as the engine's interface speaks them, wide, and as the engine keeps them, UTF-8.
 //
 // Wide text has one element per UTF-16 code unit, so a character outside the basic plane is two
-// elements in both directions; a caller may also give such a character as one element.
+// elements in both directions; where elements have room for it, a caller may also give such a
+// character as one.
 #pragma once
 
 #include <string>
