@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <ctime>
+#include <chrono>
+#include <cstdio>
 
 namespace engine::xlsx {
 
@@ -21,11 +22,16 @@ constexpr std::string_view kApplication =
     "extended-properties\"><Application>Vornelix</Application></Properties>";
 
 std::string core_properties() {
-  const std::time_t now = std::time(nullptr);
-  std::tm utc{};
-  gmtime_r(&now, &utc);
+  const auto now = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now());
+  const auto today = std::chrono::floor<std::chrono::days>(now);
+  const std::chrono::year_month_day date(today);
+  const std::chrono::hh_mm_ss clock(now - today);
   std::array<char, 32> time{};
-  std::strftime(time.data(), time.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
+  std::snprintf(time.data(), time.size(), "%04d-%02u-%02uT%02d:%02d:%02dZ",
+                static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
+                static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
+                static_cast<int>(clock.minutes().count()),
+                static_cast<int>(clock.seconds().count()));
   const auto dated = [&](std::string_view name) {
     return std::string("<dcterms:")
         .append(name)
