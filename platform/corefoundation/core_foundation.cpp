@@ -2,11 +2,10 @@
 // question and kept; a lock guards the two caches, not the strings, which never change.
 #include "platform/corefoundation/core_foundation.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <atomic>
 #include <cstdarg>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -16,6 +15,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/corefoundation/bundle_file.h"
 #include "platform/corefoundation/strings_table.h"
 
 struct OpaqueString {
@@ -27,6 +27,7 @@ struct OpaqueString {
 
 namespace {
 
+using corefoundation::bundle_file;
 using corefoundation::parse_strings_table;
 using corefoundation::StringsTable;
 using corefoundation::utf16_from_utf8;
@@ -38,30 +39,13 @@ CFStringRef retain(CFStringRef string) {
   return string;
 }
 
-// Any object of this code lies in the file that the code was loaded from.
-std::string own_file() {
-  static const char anchor = 0;
-  Dl_info info = {};
-  return dladdr(&anchor, &info) != 0 && info.dli_fname != nullptr ? info.dli_fname : "";
-}
-
-std::string bundle_file(CFBundleRef bundle) {
-  if (bundle == nullptr) return own_file();
-  return static_cast<const char*>(static_cast<const void*>(bundle));
-}
-
-std::string table_path(CFBundleRef bundle, CFStringRef table) {
-  const std::string file = bundle_file(bundle);
-  const std::size_t slash = file.rfind('/');
-  std::string path = slash == std::string::npos ? "." : file.substr(0, slash);
-  path += "/Resources/en.lproj/";
-  // Names of tables are ASCII.
-  for (const char16_t unit : table->units) path += static_cast<char>(unit);
-  return path + ".strings";
+std::filesystem::path table_path(CFBundleRef bundle, CFStringRef table) {
+  return bundle_file(bundle).parent_path() / "Resources" / "en.lproj" /
+         (table->units + u".strings");
 }
 
 // A table that is missing or damaged has no entries, and is not tried again.
-StringsTable read_table(const std::string& path) {
+StringsTable read_table(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
   return parse_strings_table(bytes).value_or(StringsTable());
@@ -72,8 +56,8 @@ std::mutex& cache_lock() {
   return lock;
 }
 
-const StringsTable& cached_table(const std::string& path) {
-  static std::map<std::string, StringsTable> tables;
+const StringsTable& cached_table(const std::filesystem::path& path) {
+  static std::map<std::filesystem::path, StringsTable> tables;
   const std::lock_guard guard(cache_lock());
   const auto known = tables.find(path);
   return known != tables.end() ? known->second

@@ -17,8 +17,8 @@ using CFAllocatorRef = const struct OpaqueAllocator*;
 using CFDictionaryRef = const struct OpaqueDictionary*;
 using CFStringRef = const struct OpaqueString*;
 
-// The path of the plug-in's file as zero-terminated UTF-8, seen as a bundle. Null stands for the
-// file that this code is part of.
+// The path of the plug-in's file as zero-terminated UTF-8, seen as a bundle; on Windows the
+// plug-in's module as well. Null stands for the file that this code is part of.
 using CFBundleRef = struct OpaqueBundle*;
 
 struct CFRange {

@@ -27,7 +27,7 @@ struct CallBlock {
   // kInit: takes the answer. kGetString: the address of the buffer.
   std::intptr_t result;
   // The plug-in's own bundle, a CFBundleRef. Where the system has no bundles it is the path of the
-  // plug-in's file as zero-terminated UTF-8, or null.
+  // plug-in's file as zero-terminated UTF-8, or null; on Windows the plug-in's module, or the path.
   void* instance;
 };
 
