@@ -26,10 +26,12 @@ constexpr int kContainerEmpty = 1412;
 // Stream sizes are told in 32 bits.
 constexpr std::uintmax_t kMaxFile = std::numeric_limits<std::uint32_t>::max();
 
-std::filesystem::path path_of(const Value& value) { return utf8_from_utf16(value.units()); }
+std::filesystem::path path_of(const Value& value) {
+  return path_from_utf8(utf8_from_utf16(value.units()));
+}
 
 [[noreturn]] void fail(int code, const std::filesystem::path& path, const std::string& problem) {
-  throw FunctionFailure(code, "file \"" + path.string() + "\" " + problem);
+  throw FunctionFailure(code, "file \"" + utf8_from_path(path) + "\" " + problem);
 }
 
 Bytes read_file(const std::filesystem::path& path) {
@@ -73,7 +75,7 @@ Value read_into_container(Arguments arguments) {
   const std::filesystem::path path = path_of(arguments[0]);
   Bytes bytes = read_file(path);
   ContainerObject container;
-  container.add_file_name(utf16_from_utf8(path.filename().string()));
+  container.add_file_name(utf16_from_utf8(utf8_from_path(path.filename())));
   FourBytes stream = {'F', 'I', 'L', 'E'};
   if (const auto image = image_kind(bytes)) {
     if (fits_size_stream(*image)) {

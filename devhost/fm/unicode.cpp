@@ -84,6 +84,15 @@ std::string utf8_from_utf16(std::u16string_view text) {
   return bytes;
 }
 
+std::filesystem::path path_from_utf8(std::string_view bytes) {
+  return std::u8string(bytes.begin(), bytes.end());
+}
+
+std::string utf8_from_path(const std::filesystem::path& path) {
+  const std::u8string bytes = path.u8string();
+  return {bytes.begin(), bytes.end()};
+}
+
 // The sharp s has a capital of its own, which nobody expects.
 std::u16string to_upper(std::u16string_view text) {
   return changed(text, [](utf8proc_int32_t character) {

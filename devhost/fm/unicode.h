@@ -1,6 +1,7 @@
 // Texts between UTF-8, in which files and terminals speak, and UTF-16, in which the host thinks.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,10 @@ std::u16string utf16_from_utf8(std::string_view bytes);
 
 // Half a surrogate pair becomes U+FFFD.
 std::string utf8_from_utf16(std::u16string_view text);
+
+// Paths, which systems keep in other forms, are UTF-8 everywhere else.
+std::filesystem::path path_from_utf8(std::string_view bytes);
+std::string utf8_from_path(const std::filesystem::path& path);
 
 // The number of units at the front that make one character: 2 for a surrogate pair.
 std::size_t character_length(std::u16string_view text);

@@ -13,7 +13,7 @@ namespace devhost {
 namespace {
 
 std::optional<std::string> read_file(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
+  std::ifstream file(path_from_utf8(path), std::ios::binary);
   // Only a file that is empty ends here: one that cannot be read, as a folder, fails otherwise.
   if (file.peek(); file.eof()) return "";
   std::ostringstream text;

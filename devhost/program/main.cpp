@@ -13,6 +13,7 @@
 #include <iterator>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "devhost/calc/evaluator.h"
@@ -50,7 +51,7 @@ struct Options {
 };
 
 std::filesystem::path default_plugin() {
-  return devhost::program_file().parent_path() / ".." / "lib" / "vornelix" / "Vornelix.fmx";
+  return devhost::program_file().parent_path() / ".." / PLUGIN_PLACE;
 }
 
 void report(const Failure& failure, bool strict) {
@@ -79,7 +80,7 @@ std::string check_setting(const std::string& setting) {
 
 int with_plugin(const CLI::App& app, const Options& options) {
   const devhost::PluginModule plugin(
-      options.plugin.empty() ? default_plugin() : std::filesystem::path(options.plugin),
+      options.plugin.empty() ? default_plugin() : devhost::path_from_utf8(options.plugin),
       options.extension_version);
   Evaluator evaluator([&](const Failure& failure) { report(failure, options.strict); });
   set_variables(evaluator, options.settings);
@@ -92,7 +93,7 @@ int with_plugin(const CLI::App& app, const Options& options) {
 void describe_usage(CLI::App& app, Options& options) {
   app.fallthrough();
   app.require_subcommand(0, 1);
-  app.add_option("--plugin", options.plugin, "The plug-in's file (../lib/vornelix/Vornelix.fmx)");
+  app.add_option("--plugin", options.plugin, "The plug-in's file (../" PLUGIN_PLACE ")");
   app.add_option("--extn-version", options.extension_version,
                  "The host's plug-in interface version");
   app.add_flag("--strict", options.strict, "End with status 1 at the first function that fails");
@@ -118,20 +119,19 @@ std::string guard_minus(const std::string& argument) {
 }
 
 // Last first, as the parser takes them.
-std::vector<std::string> words_of(std::span<char*> arguments) {
-  std::vector<std::string> words(arguments.begin() + 1, arguments.end());
+std::vector<std::string> words_of(std::vector<std::string> words) {
   const auto command = std::find(words.begin(), words.end(), "eval");
   std::transform(command, words.end(), command, guard_minus);
   std::reverse(words.begin(), words.end());
   return words;
 }
 
-int run_program(std::span<char*> arguments) {
+int run_program(std::vector<std::string> arguments) {
   CLI::App app("Evaluates calculations; without a command, at a prompt.", "xlcalc");
   Options options;
   describe_usage(app, options);
   try {
-    app.parse(words_of(arguments));
+    app.parse(words_of(std::move(arguments)));
     return with_plugin(app, options);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kBadUsage;
@@ -150,7 +150,7 @@ int run_program(std::span<char*> arguments) {
 
 int main(int count, char** arguments) {
   try {
-    return run_program({arguments, static_cast<std::size_t>(count)});
+    return run_program(devhost::start_program({arguments, static_cast<std::size_t>(count)}));
   } catch (...) {
     // Not even the complaint could be written.
     return kFailed;

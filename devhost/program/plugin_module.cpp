@@ -1,7 +1,5 @@
 #include "devhost/program/plugin_module.h"
 
-#include <dlfcn.h>
-
 #include <system_error>
 #include <vector>
 
@@ -17,27 +15,31 @@ constexpr std::uint16_t kLanguageEnglish = 1;
 
 constexpr std::size_t kStringCapacity = 4096;
 
-std::string whole_path(const std::filesystem::path& file) {
+std::filesystem::path whole_path(const std::filesystem::path& file) {
   std::error_code error;
-  const std::filesystem::path path = std::filesystem::canonical(file, error);
-  if (error) throw PluginError("plug-in \"" + file.string() + "\": " + error.message());
-  return path.string();
+  std::filesystem::path path = std::filesystem::canonical(file, error);
+  if (error) throw PluginError("plug-in \"" + utf8_from_path(file) + "\": " + error.message());
+  return path;
+}
+
+std::unique_ptr<Library> load(const std::filesystem::path& file) {
+  try {
+    return std::make_unique<Library>(file);
+  } catch (const LibraryError& error) {
+    throw PluginError(std::string("the plug-in does not load: ") + error.what());
+  }
 }
 
 }  // namespace
 
-void PluginModule::Unload::operator()(void* library) const { dlclose(library); }
-
 PluginModule::PluginModule(const std::filesystem::path& file, std::int16_t extension_version)
-    : path_(whole_path(file)),
-      extension_version_(extension_version),
-      library_(dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-  if (!library_) throw PluginError(std::string("the plug-in does not load: ") + dlerror());
-  void* const symbol = dlsym(library_.get(), "FMExternCallProc");
-  if (symbol == nullptr)
+    : extension_version_(extension_version) {
+  const std::filesystem::path whole = whole_path(file);
+  path_ = utf8_from_path(whole);
+  library_ = load(whole);
+  entry_ = library_->find<fmx::EntryPoint>("FMExternCallProc");
+  if (entry_ == nullptr)
     throw PluginError("\"" + path_ + "\" is no plug-in: it has no entry point");
-  // A function's address comes as a pointer to an object; POSIX promises that this cast is right.
-  entry_ = reinterpret_cast<fmx::EntryPoint>(symbol);
   fmx::CallBlock init = block(fmx::kInit);
   init.parm1 = kDeveloperApplication;
   entry_(&init);

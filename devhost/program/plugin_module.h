@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "devhost/program/library.h"
 #include "platform/fmwrapper/call_block.h"
 
 namespace devhost {
@@ -34,16 +35,12 @@ class PluginModule {
   std::string string(std::uint8_t kind) const;
 
  private:
-  struct Unload {
-    void operator()(void* library) const;
-  };
-
   fmx::CallBlock block(fmx::Message message) const;
 
   // With all its folders: the plug-in finds its own files beside it.
   std::string path_;
   std::int16_t extension_version_;
-  std::unique_ptr<void, Unload> library_;
+  std::unique_ptr<Library> library_;
   fmx::EntryPoint entry_ = nullptr;
 };
 

@@ -2,10 +2,17 @@
 #pragma once
 
 #include <filesystem>
+#include <span>
+#include <string>
+#include <vector>
 
 namespace devhost {
 
 enum class Channel { kInput, kOutput, kErrors };
+
+// Makes the three channels carry bytes as they are, UTF-8, and gives the words of the command line
+// in UTF-8, the program's name left out.
+std::vector<std::string> start_program(std::span<char*> arguments);
 
 // The program's own file, links resolved.
 std::filesystem::path program_file();

@@ -16,6 +16,10 @@ static_assert(std::atomic<bool>::is_always_lock_free, "a signal may come at any 
 
 }  // namespace
 
+std::vector<std::string> start_program(std::span<char*> arguments) {
+  return {arguments.begin() + 1, arguments.end()};
+}
+
 std::filesystem::path program_file() {
   std::error_code error;
   return std::filesystem::read_symlink("/proc/self/exe", error);

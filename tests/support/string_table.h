@@ -39,7 +39,7 @@ class StringTable {
   }
 
   std::filesystem::path root_ = fresh_folder();
-  std::string plugin_ = root_ / "Vornelix.fmx";
+  std::string plugin_ = (root_ / "Vornelix.fmx").string();
   fmx::CallBlock block_ = {};
 };
 
