@@ -21,6 +21,7 @@ to occur. With --write what is printed is put in place of what stands there: for
 
 import argparse
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -113,7 +114,7 @@ def evaluate(calculation, xlcalc, folder):
     work = folder / "files"
     work.mkdir(exist_ok=True)
     ended = subprocess.run(
-        [xlcalc, "run", script, f"DIR={work}", f"EXAMPLES={EXAMPLES}"],
+        [*shlex.split(str(xlcalc)), "run", script, f"DIR={work}", f"EXAMPLES={EXAMPLES}"],
         capture_output=True,
         encoding="utf-8",
     )
@@ -153,14 +154,14 @@ def write(path, calculations):
 
 
 def registered_names(xlcalc):
-    command = [xlcalc, "functions"]
+    command = [*shlex.split(str(xlcalc)), "functions"]
     listed = subprocess.run(command, check=True, capture_output=True, encoding="utf-8")
     return {line.split(" ")[0] for line in listed.stdout.splitlines() if line[:1].strip()}
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.partition("\n")[0])
-    parser.add_argument("--xlcalc", default=XLCALC, help="the built development host")
+    parser.add_argument("--xlcalc", default=XLCALC, help="the development host's command")
     parser.add_argument("--write", action="store_true", help="write what is printed into the files")
     parser.add_argument("files", nargs="*", type=Path, help="all files, if none are named")
     options = parser.parse_args()
