@@ -3,20 +3,25 @@
 find_package(Threads REQUIRED)
 find_package(ZLIB REQUIRED)
 
-# ISA-L packs and unpacks the parts of an .xlsx file; without it zlib does. It is linked by its bare
-# name: the copy beside the plug-in is found there, and the system's by programs that link our rooms.
+# ISA-L packs and unpacks the parts of an .xlsx file; without it zlib does. An archive of it is linked
+# in. The shared library is linked by its bare name: the copy beside the plug-in is found there, and
+# the system's by programs that link our rooms.
 option(VORNELIX_ISAL "Deflate with ISA-L" ON)
 find_library(ISAL_LIBRARY isal)
 if(VORNELIX_ISAL AND ISAL_LIBRARY)
+  set(isal_is_archive OFF)
+  if(ISAL_LIBRARY MATCHES "\\.a$")
+    set(isal_is_archive ON)
+  endif()
   add_library(isal INTERFACE IMPORTED)
-  target_link_libraries(isal INTERFACE -lisal)
+  target_link_libraries(isal INTERFACE $<IF:$<BOOL:${isal_is_archive}>,${ISAL_LIBRARY},-lisal>)
   target_compile_definitions(isal INTERFACE VORNELIX_ISAL)
 endif()
 
 # ISA-L is not on every system: it lies beside the library that is built with it, under the name that
 # this asks for.
 function(ship_isal library)
-  if(NOT TARGET isal)
+  if(NOT TARGET isal OR isal_is_archive)
     return()
   endif()
   file(REAL_PATH ${ISAL_LIBRARY} isal_file)
@@ -42,7 +47,13 @@ endfunction()
 find_static_library(pugixml libpugixml.a)
 find_static_library(utf8proc libutf8proc.a)
 target_compile_definitions(utf8proc INTERFACE UTF8PROC_STATIC)
-find_static_library(crypto libcrypto.a)
+# For digests, which Windows has itself.
+if(WIN32)
+  add_library(crypto INTERFACE IMPORTED)
+  target_link_libraries(crypto INTERFACE bcrypt)
+else()
+  find_static_library(crypto libcrypto.a)
+endif()
 
 # Hashes of texts. It is all in its header, to be compiled into the places that use it.
 find_path(XXHASH_INCLUDE_DIR xxhash.h REQUIRED)
