@@ -118,7 +118,8 @@ def evaluate(calculation, xlcalc, folder):
         capture_output=True,
         encoding="utf-8",
     )
-    told = shorten(ended.stderr, work).splitlines()
+    # Below each problem the statement is repeated, further in.
+    told = [line for line in shorten(ended.stderr, work).splitlines() if line[:1].strip()]
     outputs = [output.strip("\n") for output in shorten(ended.stdout, work).split(MARK)[:-1]]
     results = [output.split("\n") if output else [] for output in outputs]
     shown = [line for result in results for line in result]

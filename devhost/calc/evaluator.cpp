@@ -1,39 +1,12 @@
 #include "devhost/calc/evaluator.h"
 
-#include <optional>
 #include <utility>
 
+#include "devhost/calc/external.h"
 #include "devhost/calc/operators.h"
 #include "devhost/fm/unicode.h"
 
 namespace devhost {
-namespace {
-
-std::optional<Value> call_plainly(std::u16string_view name) {
-  const RegisteredFunction* function = FunctionRegistry::instance().find(name);
-  if (function == nullptr || !function->accepts(0)) return std::nullopt;
-  const ValueList none;
-  const EnvironmentObject environment;
-  Value result;
-  if (function->function(function->id, environment, none, result) != 0) return std::nullopt;
-  return result;
-}
-
-// Plug-ins tell more about their last failure through two functions of their own, named after the
-// prefix that all their functions share. Without these the answer to the call is all there is.
-Failure describe(const RegisteredFunction& function, int answer) {
-  const std::u16string prefix = function.name.substr(0, function.name.find(u'_'));
-  Failure failure = {function.name, answer, {}};
-  if (const auto code = call_plainly(prefix + u"_GetLastError")) {
-    failure.code = static_cast<int>(code->number().value);
-  }
-  if (const auto message = call_plainly(prefix + u"_GetLastErrorMessage")) {
-    failure.message = message->units();
-  }
-  return failure;
-}
-
-}  // namespace
 
 Value Evaluator::evaluate(const Calculation& calculation) {
   frame_.assign(calculation.slots, Value());
@@ -104,20 +77,19 @@ Value Evaluator::builtin(const Node& node) {
   try {
     return node.builtin->function(values);
   } catch (const FunctionFailure& failure) {
-    report_({std::u16string(node.builtin->name), failure.code(), utf16_from_utf8(failure.what())});
+    report_({std::u16string(node.builtin->name), failure.code(), utf16_from_utf8(failure.what()),
+             node.position});
   }
   return failed_value();
 }
 
 Value Evaluator::external(const Node& node) {
-  ValueList parameters;
-  parameters.values = arguments(node);
-  const EnvironmentObject environment;
-  Value result;
-  const fmx::errcode answer =
-      node.external->function(node.external->id, environment, parameters, result);
-  if (answer == 0) return result;
-  report_(describe(*node.external, answer));
+  give_way();
+  try {
+    return call(*node.external, arguments(node));
+  } catch (const CallFailed& failure) {
+    report_({node.external->name, failure.code(), failure.message(), node.position});
+  }
   return failed_value();
 }
 
@@ -133,9 +105,10 @@ Value Evaluator::while_loop(const Node& node) {
   bind(node.bindings);
   for (int rounds = 0; holds(*node.children[0]); ++rounds) {
     if (rounds == kMaxIterations) {
-      report_({u"While", 0, u"has not ended after 50000 rounds"});
+      report_({u"While", 0, u"has not ended after 50000 rounds", node.position});
       return failed_value();
     }
+    give_way();
     bind(node.repeated);
   }
   return value_of(*node.children[1]);

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "devhost/calc/tree.h"
@@ -21,6 +23,11 @@ struct Failure {
   std::u16string function;
   int code;
   std::u16string message;
+  Position position;
+};
+
+struct Interrupted : std::exception {
+  const char* what() const noexcept override { return "interrupted"; }
 };
 
 // Evaluates calculations that share their $variables. A function that fails gives "?" and is
@@ -29,7 +36,11 @@ class Evaluator {
  public:
   using Report = std::function<void(const Failure&)>;
 
-  explicit Evaluator(Report report) : report_(std::move(report)) {}
+  // Evaluation ends with Interrupted once `interrupted` says so; it is asked before every call of
+  // an external function and every round of a loop.
+  explicit Evaluator(
+      Report report, bool (*interrupted)() = [] { return false; })
+      : report_(std::move(report)), interrupted_(interrupted) {}
 
   Value evaluate(const Calculation& calculation);
 
@@ -48,7 +59,12 @@ class Evaluator {
   void bind(const std::vector<Binding>& bindings);
   std::vector<Value> arguments(const Node& node);
 
+  void give_way() const {
+    if (interrupted_()) throw Interrupted();
+  }
+
   Report report_;
+  bool (*interrupted_)();
   // By the name in lower case.
   std::map<std::u16string, Value, std::less<>> variables_;
   std::vector<Value> frame_;

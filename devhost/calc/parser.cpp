@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "devhost/calc/names.h"
 #include "devhost/fm/number_text.h"
 #include "devhost/fm/unicode.h"
 
@@ -169,7 +170,7 @@ class Parser {
     const bool has_arguments = current().is(Symbol::kOpen);
     if (has_arguments) {
       if (is_word(name, u"Let")) return let();
-      if (is_word(name, u"While")) return while_loop();
+      if (is_word(name, u"While")) return while_loop(name);
       if (is_word(name, u"If")) return choice(name, 3);
       if (is_word(name, u"Case")) return choice(name, kUnlimited);
     } else if (NodePtr node = local(name)) {
@@ -192,9 +193,10 @@ class Parser {
     const RegisteredFunction* external =
         builtin == nullptr ? FunctionRegistry::instance().find(name.text) : nullptr;
     if (builtin == nullptr && external == nullptr) {
-      fail_at(name, "there is no function or variable " + utf8_from_utf16(name.text));
+      fail_unknown(name);
     }
     NodePtr node = make(builtin != nullptr ? Node::Kind::kBuiltin : Node::Kind::kExternal);
+    node->position = name.position;
     node->builtin = builtin;
     node->external = external;
     if (has_arguments) node->children = arguments(builtin != nullptr && builtin->takes_pairs);
@@ -204,12 +206,21 @@ class Parser {
         fail_at(name, utf8_from_utf16(name.text) + " takes a text and pairs");
       }
     } else {
-      check_count(name, node->children.size(), external->minimum, external->maximum);
+      check_count(name, node->children.size(), external->minimum, external->maximum,
+                  external->prototype);
     }
     return node;
   }
 
-  static void check_count(const Token& name, std::size_t count, int minimum, int maximum) {
+  [[noreturn]] static void fail_unknown(const Token& name) {
+    std::string problem = "there is no function or variable " + utf8_from_utf16(name.text);
+    const std::u16string nearest = nearest_name(name.text);
+    if (!nearest.empty()) problem += "; did you mean " + utf8_from_utf16(nearest) + "?";
+    fail_at(name, problem);
+  }
+
+  static void check_count(const Token& name, std::size_t count, int minimum, int maximum,
+                          std::u16string_view prototype = {}) {
     if (count >= static_cast<std::size_t>(minimum) &&
         (maximum == kUnlimited || count <= static_cast<std::size_t>(maximum))) {
       return;
@@ -217,8 +228,11 @@ class Parser {
     std::string expected = std::to_string(minimum);
     if (maximum == kUnlimited) expected += " or more";
     if (maximum > minimum) expected += " to " + std::to_string(maximum);
-    fail_at(name, utf8_from_utf16(name.text) + " takes " + expected + " parameters, not " +
-                      std::to_string(count));
+    const char* const parameters = expected == "1" ? " parameter, not " : " parameters, not ";
+    std::string problem =
+        utf8_from_utf16(name.text) + " takes " + expected + parameters + std::to_string(count);
+    if (!prototype.empty()) problem += ": " + utf8_from_utf16(prototype);
+    fail_at(name, problem);
   }
 
   std::vector<NodePtr> arguments(bool pairs_allowed) {
@@ -258,9 +272,10 @@ class Parser {
     return node;
   }
 
-  NodePtr while_loop() {
+  NodePtr while_loop(const Token& name) {
     const std::size_t outer = scope_.size();
     NodePtr node = make(Node::Kind::kWhile);
+    node->position = name.position;
     expect(Symbol::kOpen, "(");
     node->bindings = bindings();
     expect(Symbol::kSemicolon, ";");

@@ -31,6 +31,7 @@ std::size_t statement_length(std::span<const Token> tokens) {
 
 Statement parse_statement(std::span<const Token> tokens) {
   Statement statement;
+  statement.position = tokens[0].position;
   Token end;
   end.position = tokens.back().end;
   if (tokens.size() > 1 && tokens[0].kind == Token::Kind::kVariable &&
@@ -77,11 +78,11 @@ std::string printed(const Value& value) {
   return text + '\n';
 }
 
-std::string run_statement(Evaluator& evaluator, const Statement& statement) {
+std::optional<Value> run_statement(Evaluator& evaluator, const Statement& statement) {
   Value value = evaluator.evaluate(statement.calculation);
-  if (statement.variable.empty()) return printed(value);
+  if (statement.variable.empty()) return value;
   evaluator.set_variable(statement.variable, std::move(value));
-  return {};
+  return std::nullopt;
 }
 
 }  // namespace devhost

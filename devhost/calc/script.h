@@ -4,6 +4,7 @@
 // assigns; any other calculation prints its result, each value of a list on a line of its own.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,7 @@ struct Statement {
   // With its "$"; empty when the result is printed.
   std::u16string variable;
   Calculation calculation;
+  Position position;
 };
 
 // Parses the whole text before anything of it runs. Throws SyntaxError.
@@ -25,10 +27,10 @@ std::vector<Statement> parse_script(std::u16string_view text);
 // Whether text ends inside brackets, a text or a comment, so that more has to follow.
 bool is_unfinished(std::u16string_view text);
 
-// Carries out a statement and returns what it prints, with a line end after each line.
-std::string run_statement(Evaluator& evaluator, const Statement& statement);
+// Carries out a statement; its value, unless it assigns, is to be printed.
+std::optional<Value> run_statement(Evaluator& evaluator, const Statement& statement);
 
-// A value as it is printed.
+// A value as it is printed, with a line end after each line.
 std::string printed(const Value& value);
 
 }  // namespace devhost

@@ -12,11 +12,16 @@ struct Position {
   int column = 1;
 };
 
+// The problem alone is its text.
 class SyntaxError : public std::runtime_error {
  public:
   SyntaxError(Position position, const std::string& problem)
-      : std::runtime_error("line " + std::to_string(position.line) + ", column " +
-                           std::to_string(position.column) + ": " + problem) {}
+      : std::runtime_error(problem), position_(position) {}
+
+  Position position() const { return position_; }
+
+ private:
+  Position position_;
 };
 
 // The text stops inside a comment or a text literal.

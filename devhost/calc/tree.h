@@ -50,6 +50,8 @@ struct Node {
   explicit Node(Kind wanted) : kind(wanted) {}
 
   Kind kind;
+  // Where the name of a function stands.
+  Position position;
   Value constant;
   std::u16string variable;
   std::size_t slot = 0;

@@ -1,8 +1,8 @@
 // Calculations given as an argument and scripts given as a file.
 #include <fstream>
-#include <iostream>
 #include <optional>
 #include <sstream>
+#include <utility>
 
 #include "devhost/calc/parser.h"
 #include "devhost/calc/script.h"
@@ -23,20 +23,25 @@ std::optional<std::string> read_file(const std::string& path) {
 
 }  // namespace
 
-int evaluate(Evaluator& evaluator, const std::string& calculation) {
-  const Calculation parsed = parse_calculation(utf16_from_utf8(calculation));
-  std::cout << printed(evaluator.evaluate(parsed)) << std::flush;
+int evaluate(Evaluator& evaluator, Report& report, const std::string& calculation) {
+  const std::u16string text = utf16_from_utf8(calculation);
+  report.source(text);
+  report.result(evaluator.evaluate(parse_calculation(text)), {});
   return kDone;
 }
 
-int run_script(Evaluator& evaluator, const std::string& path) {
-  const auto text = read_file(path);
-  if (!text) {
-    complain("script \"" + path + "\" cannot be read");
+int run_script(Evaluator& evaluator, Report& report, const std::string& path) {
+  const auto bytes = read_file(path);
+  if (!bytes) {
+    report.error("script \"" + path + "\" cannot be read");
     return kBadUsage;
   }
-  for (const Statement& statement : parse_script(utf16_from_utf8(*text))) {
-    std::cout << run_statement(evaluator, statement) << std::flush;
+  const std::u16string text = utf16_from_utf8(*bytes);
+  report.source(text, path);
+  for (const Statement& statement : parse_script(text)) {
+    if (const auto value = run_statement(evaluator, statement)) {
+      report.result(*value, statement.position);
+    }
   }
   return kDone;
 }

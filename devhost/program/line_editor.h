@@ -25,6 +25,8 @@ class LineEditor {
   std::optional<std::string> read(const char* prompt);
 
  private:
+  void keep(const char* line) const;
+
   std::filesystem::path history_;
 };
 

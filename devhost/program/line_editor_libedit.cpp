@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <string_view>
 #include <system_error>
@@ -59,23 +60,26 @@ LineEditor::LineEditor(Words words, std::filesystem::path history) : history_(st
   g_words = words;
   rl_attempted_completion_function = complete;
   using_history();
-  if (history_.empty()) return;
-  std::error_code error;
-  std::filesystem::create_directories(history_.parent_path(), error);
-  history_truncate_file(history_.c_str(), kKeptLines);
-  read_history(history_.c_str());
+  stifle_history(kKeptLines);
+  std::ifstream file(history_);
+  for (std::string line; std::getline(file, line);) add_history(line.c_str());
 }
 
 LineEditor::~LineEditor() { g_words = nullptr; }
 
+// At once, so that nothing is lost however the program ends.
+void LineEditor::keep(const char* line) const {
+  add_history(line);
+  if (history_.empty()) return;
+  std::error_code error;
+  std::filesystem::create_directories(history_.parent_path(), error);
+  std::ofstream(history_, std::ios::app) << line << '\n';
+}
+
 std::optional<std::string> LineEditor::read(const char* prompt) {
   const std::unique_ptr<char, Free> line(readline(prompt));
   if (!line) return std::nullopt;
-  if (*line != '\0') {
-    add_history(line.get());
-    // At once, so that nothing is lost however the program ends.
-    if (!history_.empty()) append_history(1, history_.c_str());
-  }
+  if (*line != '\0') keep(line.get());
   return line.get();
 }
 

@@ -1,13 +1,11 @@
 // Where no library edits lines, the terminal's own keys have to do.
 #include <iostream>
-#include <utility>
 
 #include "devhost/program/line_editor.h"
 
 namespace devhost {
 
-LineEditor::LineEditor(Words /*words*/, std::filesystem::path history)
-    : history_(std::move(history)) {}
+LineEditor::LineEditor(Words /*words*/, std::filesystem::path /*history*/) {}
 
 LineEditor::~LineEditor() = default;
 

@@ -1,6 +1,7 @@
-// xlcalc: evaluates calculations with a plug-in's functions, as the database application does.
+// xlcalc: evaluates calculations with a plug-in's functions, as the database application does, and
+// shows workbooks and functions.
 //
-// Exit status: 0 done, 1 a calculation could not be evaluated or failed under --strict, 2 bad usage
+// Exit status: 0 done, 1 what is asked for could not be done or failed under --strict, 2 bad usage
 // or a plug-in that does not load.
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -9,7 +10,6 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
-#include <iostream>
 #include <iterator>
 #include <span>
 #include <string>
@@ -17,50 +17,36 @@
 #include <vector>
 
 #include "devhost/calc/evaluator.h"
+#include "devhost/calc/syntax_error.h"
 #include "devhost/fm/unicode.h"
 #include "devhost/program/commands.h"
 #include "devhost/program/plugin_module.h"
+#include "devhost/program/report.h"
 #include "devhost/program/system.h"
-
-namespace devhost {
-
-void complain(const std::string& problem) { std::cerr << "xlcalc: " << problem << '\n'; }
-
-}  // namespace devhost
 
 namespace {
 
-using devhost::complain;
 using devhost::Evaluator;
 using devhost::Failure;
 using devhost::kBadUsage;
 using devhost::kDone;
 using devhost::kFailed;
+using devhost::Report;
 using devhost::utf16_from_utf8;
-using devhost::utf8_from_utf16;
-
-// Ends the run under --strict; what failed has been told already.
-struct StrictEnd : std::exception {};
 
 struct Options {
   std::string plugin;
   std::int16_t extension_version = fmx::kExtensionVersionWithDescriptions;
   bool strict = false;
+  bool json = false;
+  // The calculation, script or word.
   std::string text;
   std::vector<std::string> settings;
+  devhost::Shown shown;
 };
 
 std::filesystem::path default_plugin() {
   return devhost::program_file().parent_path() / ".." / PLUGIN_PLACE;
-}
-
-void report(const Failure& failure, bool strict) {
-  std::cout.flush();
-  std::string text = utf8_from_utf16(failure.function) + " failed";
-  if (failure.code != 0) text += " with code " + std::to_string(failure.code);
-  if (!failure.message.empty()) text += ": " + utf8_from_utf16(failure.message);
-  complain(text);
-  if (strict) throw StrictEnd();
 }
 
 // NAME=VALUE makes $NAME.
@@ -78,25 +64,47 @@ std::string check_setting(const std::string& setting) {
   return "\"" + setting + "\" is not of the form NAME=VALUE";
 }
 
-int with_plugin(const CLI::App& app, const Options& options) {
+int with_plugin(const CLI::App& app, const Options& options, Report& report) {
   const devhost::PluginModule plugin(
       options.plugin.empty() ? default_plugin() : devhost::path_from_utf8(options.plugin),
       options.extension_version);
-  Evaluator evaluator([&](const Failure& failure) { report(failure, options.strict); });
+  Evaluator evaluator([&](const Failure& failure) { report.failure(failure); },
+                      devhost::was_interrupted);
   set_variables(evaluator, options.settings);
-  if (app.got_subcommand("eval")) return devhost::evaluate(evaluator, options.text);
-  if (app.got_subcommand("run")) return devhost::run_script(evaluator, options.text);
-  if (app.got_subcommand("functions")) return devhost::list_functions(options.text);
-  return devhost::converse(evaluator, plugin);
+  if (app.got_subcommand("eval")) return devhost::evaluate(evaluator, report, options.text);
+  if (app.got_subcommand("run")) return devhost::run_script(evaluator, report, options.text);
+  if (app.got_subcommand("show")) return devhost::show_workbook(report, options.shown);
+  if (app.got_subcommand("functions")) return devhost::list_functions(report, options.text);
+  return devhost::converse(evaluator, report, plugin.string(devhost::PluginModule::kNameString));
+}
+
+// What ends the run is told here, whatever it is.
+int carry_out(const CLI::App& app, const Options& options, Report& report) {
+  try {
+    return with_plugin(app, options, report);
+  } catch (const devhost::PluginError& error) {
+    report.error(error.what());
+    return kBadUsage;
+  } catch (const devhost::SyntaxError& error) {
+    report.error(error);
+  } catch (const devhost::StrictEnd&) {
+    return kFailed;
+  } catch (const std::exception& error) {
+    report.error(error.what());
+  }
+  return kFailed;
 }
 
 void describe_usage(CLI::App& app, Options& options) {
   app.fallthrough();
   app.require_subcommand(0, 1);
+  app.footer("These options hold for every command; xlcalc COMMAND --help tells its own.");
   app.add_option("--plugin", options.plugin, "The plug-in's file (../" PLUGIN_PLACE ")");
   app.add_option("--extn-version", options.extension_version,
                  "The host's plug-in interface version");
   app.add_flag("--strict", options.strict, "End with status 1 at the first function that fails");
+  app.add_flag("--json", options.json,
+               "Print one object: results, failures of functions and the error, null without one");
 
   auto* eval = app.add_subcommand("eval", "Print the result of a calculation");
   eval->add_option("CALCULATION", options.text)->required();
@@ -105,7 +113,15 @@ void describe_usage(CLI::App& app, Options& options) {
   for (auto* command : {eval, script}) {
     command->add_option("NAME=VALUE", options.settings, "Sets $NAME")->check(check_setting);
   }
-  auto* functions = app.add_subcommand("functions", "List functions: prototype and description");
+  auto* show = app.add_subcommand("show", "Print the sheets of a workbook and the cells of one");
+  show->add_option("FILE", options.shown.file, "A workbook, .xlsx or .xls")->required();
+  show->add_option("SHEET", options.shown.sheet,
+                   "Name of the sheet or its number, from 1 on; without it the active one");
+  show->add_option("RANGE", options.shown.range, "Cells to print, as B2:D20, B:D or 2:20");
+  show->add_flag("--formulas", options.shown.formulas, "Formulas in place of their values");
+  show->add_flag("--all", options.shown.all, "All rows and columns, however many there are");
+  auto* functions =
+      app.add_subcommand("functions", "List functions: prototype, description, an example");
   functions->add_option("WORD", options.text, "Only those that mention it");
 }
 
@@ -127,23 +143,19 @@ std::vector<std::string> words_of(std::vector<std::string> words) {
 }
 
 int run_program(std::vector<std::string> arguments) {
-  CLI::App app("Evaluates calculations; without a command, at a prompt.", "xlcalc");
+  CLI::App app("Evaluates calculations and shows workbooks; without a command, at a prompt.",
+               "xlcalc");
   Options options;
   describe_usage(app, options);
   try {
     app.parse(words_of(std::move(arguments)));
-    return with_plugin(app, options);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kBadUsage;
-  } catch (const devhost::PluginError& error) {
-    complain(error.what());
-    return kBadUsage;
-  } catch (const StrictEnd&) {
-    return kFailed;
-  } catch (const std::exception& error) {
-    complain(error.what());
-    return kFailed;
   }
+  Report report(options.json ? devhost::Style::kJson : devhost::Style::kText, options.strict);
+  const int status = carry_out(app, options, report);
+  report.finish();
+  return status;
 }
 
 }  // namespace

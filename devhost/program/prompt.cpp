@@ -1,12 +1,13 @@
 // The prompt: statements from a terminal or, without its comforts, from whatever the input is. A
 // statement goes on over lines until its brackets are closed.
+#include <filesystem>
 #include <iostream>
 #include <optional>
+#include <string>
 #include <vector>
 
-#include "devhost/calc/builtins.h"
+#include "devhost/calc/names.h"
 #include "devhost/calc/script.h"
-#include "devhost/fm/function_registry.h"
 #include "devhost/fm/unicode.h"
 #include "devhost/program/commands.h"
 #include "devhost/program/line_editor.h"
@@ -18,16 +19,14 @@ namespace {
 constexpr const char* kPrompt = "> ";
 constexpr const char* kContinued = "  ";
 
-std::vector<std::string> all_names() {
-  std::vector<std::string> names = {"Case", "If", "Let", "While"};
-  for (const auto functions :
-       {number_functions(), text_functions(), list_functions(), container_functions()}) {
-    for (const Builtin& builtin : functions) names.push_back(utf8_from_utf16(builtin.name));
-  }
-  for (const RegisteredFunction* function : FunctionRegistry::instance().all()) {
-    names.push_back(utf8_from_utf16(function->name));
-  }
-  return names;
+constexpr const char* kHelp =
+    "Calculations print their result, $name = ... keeps it. Tab completes a name, ?WORD looks\n"
+    "functions up, Ctrl-C drops what is typed, Ctrl-D ends.\n";
+
+std::vector<std::string> words() {
+  std::vector<std::string> words;
+  for (const std::u16string& name : known_names()) words.push_back(utf8_from_utf16(name));
+  return words;
 }
 
 std::filesystem::path history_file() {
@@ -42,48 +41,64 @@ std::optional<std::string> next_line(std::optional<LineEditor>& editor, const ch
   return line;
 }
 
-int carry_out(Evaluator& evaluator, const std::string& statements) {
+// A question mark begins no calculation.
+bool is_question(const std::string& text) { return text.starts_with('?'); }
+
+int look_up(Report& report, std::string question) {
+  question.erase(0, question.find_first_not_of("? "));
+  question.erase(question.find_last_not_of(" \n") + 1);
+  return list_functions(report, question);
+}
+
+int carry_out(Evaluator& evaluator, Report& report, const std::string& text) {
+  report.source(utf16_from_utf8(text));
   try {
-    for (const Statement& statement : parse_script(utf16_from_utf8(statements))) {
-      std::cout << run_statement(evaluator, statement) << std::flush;
+    if (is_question(text)) return look_up(report, text);
+    for (const Statement& statement : parse_script(utf16_from_utf8(text))) {
+      if (const auto value = run_statement(evaluator, statement)) {
+        report.result(*value, statement.position);
+      }
     }
     return kDone;
   } catch (const SyntaxError& error) {
-    complain(error.what());
-    return kFailed;
+    report.error(error);
+  } catch (const Interrupted& interruption) {
+    report.error(interruption.what());
   }
+  return kFailed;
 }
 
 }  // namespace
 
-int converse(Evaluator& evaluator, const PluginModule& plugin) {
-  std::cerr << plugin.string(PluginModule::kNameString) << '\n';
+int converse(Evaluator& evaluator, Report& report, const std::string& greeting) {
+  std::cerr << greeting << '\n';
   std::optional<LineEditor> editor;
   if (is_terminal(Channel::kInput)) {
-    editor.emplace(all_names, history_file());
+    std::cerr << kHelp;
+    editor.emplace(words, history_file());
     note_interrupts();
   }
   int status = kDone;
-  const auto take = [&](std::string& statement) {
-    if (carry_out(evaluator, statement) != kDone) status = kFailed;
-    statement.clear();
+  std::string text;
+  const auto take = [&] {
+    if (carry_out(evaluator, report, text) != kDone) status = kFailed;
+    text.clear();
   };
-  std::string statement;
   for (;;) {
-    const auto line = next_line(editor, statement.empty() ? kPrompt : kContinued);
+    const auto line = next_line(editor, text.empty() ? kPrompt : kContinued);
     if (line) {
-      statement += *line + "\n";
-      if (!is_unfinished(utf16_from_utf8(statement))) take(statement);
+      text += *line + "\n";
+      if (is_question(text) || !is_unfinished(utf16_from_utf8(text))) take();
     } else if (was_interrupted()) {
-      statement.clear();
+      text.clear();
       std::cout << '\n';
     } else {
       break;
     }
   }
   if (editor) std::cout << '\n';
-  if (!statement.empty()) take(statement);
-  return status;
+  if (!text.empty()) take();
+  return editor ? kDone : status;
 }
 
 }  // namespace devhost

@@ -146,6 +146,11 @@ TEST(Calculation, LeavesWhatDoesNotCountAlone) {
   }
 }
 
+std::string told(const SyntaxError& error) {
+  return "line " + std::to_string(error.position().line) + ", column " +
+         std::to_string(error.position().column) + ": " + error.what();
+}
+
 TEST(Calculation, TellsWhereItIsWrong) {
   struct Case {
     const char* calculation;
@@ -160,6 +165,9 @@ TEST(Calculation, TellsWhereItIsWrong) {
       {"\"äß😀\" & nothing", "line 1, column 9: there is no function or variable nothing"},
       {"Nothing ( 1 )", "line 1, column 1: there is no function or variable Nothing"},
       {"Left ( \"a\" )", "line 1, column 1: Left takes 2 parameters, not 1"},
+      {"Lefft ( 1 )",
+       "line 1, column 1: there is no function or variable Lefft; did you mean Left?"},
+      {"Abs ( )", "line 1, column 1: Abs takes 1 parameter, not 0"},
       {"List ( )", "line 1, column 1: List takes 1 or more parameters, not 0"},
       {"If ( 1 ; 2 ; 3 ; 4 )", "line 1, column 1: If takes 2 to 3 parameters, not 4"},
       {"Let ( x = 1 ; x", "line 1, column 16: ) is expected here"},
@@ -181,7 +189,7 @@ TEST(Calculation, TellsWhereItIsWrong) {
       parse_calculation(utf16_from_utf8(calculation));
       ADD_FAILURE() << "was accepted";
     } catch (const SyntaxError& error) {
-      EXPECT_STREQ(error.what(), problem);
+      EXPECT_EQ(told(error), problem);
     }
   }
 }

@@ -36,10 +36,15 @@ TEST(Script, PrintsAndAssignsLineByLine) {
     Evaluator evaluator([](const Failure&) { ADD_FAILURE(); });
     std::string printed_text;
     for (const Statement& statement : parse_script(utf16_from_utf8(text))) {
-      printed_text += run_statement(evaluator, statement);
+      if (const auto value = run_statement(evaluator, statement)) printed_text += printed(*value);
     }
     EXPECT_EQ(printed_text, output);
   }
+}
+
+std::string told(const SyntaxError& error) {
+  return "line " + std::to_string(error.position().line) + ", column " +
+         std::to_string(error.position().column) + ": " + error.what();
 }
 
 TEST(Script, TellsWhereItIsWrong) {
@@ -60,7 +65,7 @@ TEST(Script, TellsWhereItIsWrong) {
       parse_script(text);
       ADD_FAILURE() << "was accepted";
     } catch (const SyntaxError& error) {
-      EXPECT_STREQ(error.what(), problem);
+      EXPECT_EQ(told(error), problem);
     }
   }
 }
