@@ -34,7 +34,8 @@ void stop() {
 void answer(const fmx::CallBlock& block) {
   // NOLINTNEXTLINE(performance-no-int-to-ptr): the host passes the buffer's address as a number.
   auto* const buffer = reinterpret_cast<unsigned short*>(block.result);
-  Do_GetString(block.parm1, block.parm2, block.parm3, buffer);
+  Do_GetString(block.parm1, static_cast<unsigned long>(block.parm2),
+               static_cast<unsigned long>(block.parm3), buffer);
 }
 
 }  // namespace

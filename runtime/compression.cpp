@@ -25,7 +25,7 @@ std::vector<char> fail(int status) {
 }  // namespace
 
 std::vector<char> CompressContainerStream(std::vector<char> bytes) {
-  std::vector<char> packed(compressBound(bytes.size()));
+  std::vector<char> packed(compressBound(static_cast<uLong>(bytes.size())));
   z_stream stream{};
   stream.next_in = as_bytes(bytes.data());
   stream.avail_in = static_cast<uInt>(bytes.size());

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <stdexcept>
+#include <string>
 
 namespace devhost {
 
@@ -27,8 +28,8 @@ class Library {
     return reinterpret_cast<Function>(find_symbol(name));
   }
 
-  // What the system knows the library by.
-  void* handle() const { return handle_; }
+  // What a host tells a plug-in that it is: the system's module, or the path where there is none.
+  void* instance(const std::string& path) const;
 
  private:
   void* find_symbol(const char* name) const;

@@ -11,6 +11,9 @@ Library::Library(const std::filesystem::path& file)
 
 Library::~Library() { dlclose(handle_); }
 
+// The path is only read.
+void* Library::instance(const std::string& path) const { return const_cast<char*>(path.c_str()); }
+
 void* Library::find_symbol(const char* name) const { return dlsym(handle_, name); }
 
 }  // namespace devhost

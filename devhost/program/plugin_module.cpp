@@ -70,8 +70,7 @@ fmx::CallBlock PluginModule::block(fmx::Message message) const {
   fmx::CallBlock result = {};
   result.extension_version = extension_version_;
   result.message = message;
-  // The block has one type of reference for all systems; the path is only read.
-  result.instance = const_cast<char*>(path_.c_str());
+  result.instance = library_->instance(path_);
   return result;
 }
 
