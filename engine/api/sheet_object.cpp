@@ -67,8 +67,7 @@ bool SheetObject::check_loaded_rows(int first, int last) const {
   return sheet_->loading != Loading::kPartly || last < behind || check_loaded(behind);
 }
 
-bool SheetObject::check_writable(int row, int column) const {
-  if (!check_loaded(row)) return false;
+bool SheetObject::check_bindings(int row, int column) const {
   const CellRange* array = contents().arrays.find({row, column});
   if (array) return book_.refuse(false, messages::part_of_array({row, column}, *array));
   return !holds_bound_formula(contents(), {row, column}, limits().grid) ||

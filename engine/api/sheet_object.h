@@ -250,7 +250,11 @@ class SheetObject final : public libxl::Sheet, public BookPart {
   }
   bool check_loaded_rows(int first, int last) const;
   // What follows the arguments of a write: the row is loaded, the cell stands in no array.
-  bool check_writable(int row, int column) const;
+  bool check_writable(int row, int column) const {
+    const bool has_bindings = !contents().arrays.empty() || !contents().shared_formulas.empty();
+    return check_loaded(row) && (!has_bindings || check_bindings(row, column));
+  }
+  bool check_bindings(int row, int column) const;
   // The steps before an operation looks at a cell, and those before it writes one.
   bool check_read(int row, int column) const {
     return check_cell(row, column) && check_loaded(row);

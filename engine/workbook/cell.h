@@ -63,9 +63,10 @@ struct Cell {
 };
 static_assert(sizeof(Cell) == 16 && std::is_trivially_copyable_v<Cell>);
 
-// What a cell without a record shows.
+// What a cell without a record shows, and the kind of a cell that shows a value without one.
+static_assert(static_cast<int>(ValueKind::kError) == static_cast<int>(CellKind::kError));
+inline CellKind kind_of(const Value& value) { return static_cast<CellKind>(value.kind); }
 inline Value value_of(const Cell& cell) {
-  static_assert(static_cast<int>(ValueKind::kError) == static_cast<int>(CellKind::kError));
   Value value;
   value.bits = cell.bits;
   value.kind = static_cast<ValueKind>(cell.kind);

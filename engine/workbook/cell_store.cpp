@@ -63,7 +63,8 @@ Row& CellStore::enter_row(Pages& pages, std::uint32_t number) {
   return made;
 }
 
-Cell& CellStore::at(Row& row, int column) {
+// The cell at a place of any row, there or not.
+Cell& CellStore::insert(Row& row, int column) {
   Cell* place = row.cells + row.count;
   if (row.count != 0 && row.cells[row.count - 1].column >= column) {
     place = first_from(row.span(), column);

@@ -128,7 +128,20 @@ class CellStore {
     return found ? *found : make_row(static_cast<std::uint32_t>(row));
   }
   Cell& at(int row, int column) { return at(row_at(row), column); }
-  Cell& at(Row& row, int column);
+  Cell& at(Row& row, int column) {
+    if (!belongs_behind(row, column) || row.count == row.capacity) return insert(row, column);
+    Cell made;
+    made.column = static_cast<std::uint16_t>(column);
+    return put_behind(row, made);
+  }
+
+  // Puts a cell behind the others of its row; false when it does not belong there.
+  bool append(Row& row, const Cell& cell) {
+    if (!belongs_behind(row, cell.column)) return false;
+    if (row.count == row.capacity) grow(row);
+    put_behind(row, cell);
+    return true;
+  }
 
   // Puts the cells of another store's row into the row of that number, which is made if need be.
   Row& copy_row(const Row& row);
@@ -210,6 +223,16 @@ class CellStore {
     return nullptr;
   }
   const Cell* search(int row, int column) const;
+  static bool belongs_behind(const Row& row, int column) {
+    return row.count == 0 || row.cells[row.count - 1].column < column;
+  }
+  // There is room. The other cells of the row are in the used range.
+  Cell& put_behind(Row& row, const Cell& cell) {
+    if (row.count == 0) used_.enter(row.number, cell.column);
+    else if (used_.column_last < cell.column) used_.column_last = cell.column;
+    return row.cells[row.count++] = cell;
+  }
+  Cell& insert(Row& row, int column);
   Row& make_row(std::uint32_t number);
   static Row& enter_row(Pages& pages, std::uint32_t number);
   Cell* allocate_run(std::size_t count);

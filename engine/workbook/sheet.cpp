@@ -45,17 +45,6 @@ std::uint32_t SheetContents::style_at(int row, int column) const {
   return run ? run->style : 0;
 }
 
-Cell SheetContents::make_cell(int column, Value value, std::uint32_t style) {
-  constexpr CellKind kKinds[] = {CellKind::kBlank, CellKind::kNumber, CellKind::kText,
-                                 CellKind::kBoolean, CellKind::kError};
-  Cell cell;
-  cell.bits = value.bits;
-  cell.style = style;
-  cell.column = static_cast<std::uint16_t>(column);
-  cell.kind = kKinds[static_cast<std::size_t>(value.kind)];
-  return cell;
-}
-
 void SheetContents::put_value(int row, int column, Value value,
                               std::optional<std::uint32_t> style) {
   Cell& cell = place(row, column, style);
@@ -81,9 +70,8 @@ void SheetContents::put_style(int row, int column, std::uint32_t style) {
   cells.at(row_at(row), column).style = style;
 }
 
-// A row that is made stays as hidden as it was.
-Row& SheetContents::row_at(int row) {
-  if (!hides_rows || cells.find_row(row)) return cells.row_at(row);
+Row& SheetContents::hidden_row_at(int row) {
+  if (Row* const there = cells.find_row(row)) return *there;
   row_properties.emplace_back().hidden = true;
   Row& made = cells.row_at(row);
   made.properties = static_cast<std::uint32_t>(row_properties.size());

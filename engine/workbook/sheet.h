@@ -174,7 +174,14 @@ class SheetContents {
 
   // Makes a cell of the value or record, for a codec that reads a sheet. The formula of a record
   // has been kept, and so has its extra.
-  static Cell make_cell(int column, Value value, std::uint32_t style);
+  static Cell make_cell(int column, Value value, std::uint32_t style) {
+    Cell cell;
+    cell.bits = value.bits;
+    cell.style = style;
+    cell.column = static_cast<std::uint16_t>(column);
+    cell.kind = kind_of(value);
+    return cell;
+  }
   std::uint32_t keep_record(const CellRecord& record);
   std::uint32_t keep_extra(CellExtra extra);
 
@@ -205,7 +212,9 @@ class SheetContents {
  private:
   static constexpr std::uint32_t kNoRecord = 0xFFFFFFFF;
 
-  Row& row_at(int row);
+  // A row that is made stays as hidden as it was.
+  Row& row_at(int row) { return hides_rows ? hidden_row_at(row) : cells.row_at(row); }
+  Row& hidden_row_at(int row);
   Cell& place(int row, int column, std::optional<std::uint32_t> style);
   void provide_record();
   std::uint32_t take_record() noexcept;

@@ -487,7 +487,7 @@ bool RowReader::Machine::make_plain_record(const PlainCell& plain, Cell& cell) {
 void RowReader::Machine::store(const Cell& cell) {
   if (!target_ || target_->number != static_cast<std::uint32_t>(row_))
     target_ = &sheet_.cells.row_at(row_);
-  sheet_.cells.at(*target_, cell.column) = cell;
+  if (!sheet_.cells.append(*target_, cell)) sheet_.cells.at(*target_, cell.column) = cell;
 }
 
 void RowReader::Machine::read_cell() {
