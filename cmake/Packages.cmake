@@ -1,12 +1,12 @@
-# Packages, as `./package` makes them: an archive that is unpacked anywhere, and for Debian the plug-in,
-# the engine, and what programs are built with against it.
+# Packages, as `./package` and `./windows` make them: an archive that is unpacked anywhere, and for
+# Debian the plug-in, the engine, and what programs are built with against it.
 set(documents share/doc/vornelix)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/CHANGELOG.md
               ${CMAKE_SOURCE_DIR}/SECURITY.md
   DESTINATION ${documents} COMPONENT plugin)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples DESTINATION ${documents} COMPONENT plugin)
-# The manual, once `./docs` has made it.
-install(DIRECTORY ${CMAKE_BINARY_DIR}/docs/html DESTINATION ${documents} COMPONENT plugin OPTIONAL)
+# The manual, once `./docs` has made it: one for all systems.
+install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/docs/html DESTINATION ${documents} COMPONENT plugin OPTIONAL)
 
 set(CPACK_PACKAGE_NAME vornelix)
 set(CPACK_PACKAGE_VENDOR Vornelix)
@@ -22,7 +22,13 @@ set(CPACK_GENERATOR TGZ DEB)
 
 # Whoever passes on what is linked in passes on its licence.
 file(READ ${CMAKE_SOURCE_DIR}/cmake/copyright copyright)
-foreach(package IN ITEMS libpugixml-dev libutf8proc-dev libssl-dev libxxhash-dev libcli11-dev libisal-dev)
+set(linked_in libpugixml-dev libutf8proc-dev libxxhash-dev libcli11-dev libisal-dev)
+if(WIN32)
+  list(APPEND linked_in libz-mingw-w64-dev mingw-w64-x86-64-dev g++-mingw-w64-x86-64-posix)
+else()
+  list(APPEND linked_in libssl-dev)
+endif()
+foreach(package IN LISTS linked_in)
   set(terms /usr/share/doc/${package}/copyright)
   if(EXISTS ${terms})
     file(READ ${terms} text)
@@ -65,4 +71,12 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
 # Packages of programs that link the shared library find what to depend on.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
+
+# For Windows the plug-in alone, in an archive.
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_COMPONENTS_ALL plugin)
+  set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+  set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+endif()
 include(CPack)
