@@ -97,6 +97,8 @@ int carry_out(const CLI::App& app, const Options& options, Report& report) {
 
 void describe_usage(CLI::App& app, Options& options) {
   app.fallthrough();
+  // A word that begins with a slash is a path, on every system.
+  app.allow_windows_style_options(false);
   app.require_subcommand(0, 1);
   app.footer("These options hold for every command; xlcalc COMMAND --help tells its own.");
   app.add_option("--plugin", options.plugin, "The plug-in's file (../" PLUGIN_PLACE ")");

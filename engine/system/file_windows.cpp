@@ -30,8 +30,8 @@ std::wstring native(const std::string& path) {
   whole.resize(
       GetFullPathNameW(given.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr));
   if (whole.empty()) refuse();
-  if (whole.size() < 240 || whole.starts_with(LR"(\\?\)") || whole.starts_with(LR"(\\.\)"))
-    return whole;
+  if (whole.starts_with(LR"(\\.\)")) throw FileRefusal("it is not a plain file");
+  if (whole.size() < 240 || whole.starts_with(LR"(\\?\)")) return whole;
   return whole.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + whole.substr(1) : LR"(\\?\)" + whole;
 }
 
@@ -74,12 +74,6 @@ OVERLAPPED place_at(std::uint64_t offset) {
 
 DWORD at_most(std::size_t size) { return static_cast<DWORD>(std::min(size, kMostAtOnce)); }
 
-bool is_there(const std::wstring& path) {
-  if (GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) return true;
-  if (GetLastError() == ERROR_FILE_NOT_FOUND) return false;
-  refuse();
-}
-
 // The file a path leads to. A link that leads nowhere is replaced itself.
 std::wstring follow_links(std::wstring path) {
   const DWORD attributes = GetFileAttributesW(path.c_str());
@@ -95,8 +89,13 @@ std::wstring follow_links(std::wstring path) {
 // Replacing would succeed over files that must not be written, so they are looked at first. Opening
 // also tells that another program has the file. False when there is none.
 bool check_target(const std::wstring& path) {
-  if (!is_there(path)) return false;
+  const DWORD attributes = GetFileAttributesW(path.c_str());
+  if (attributes == INVALID_FILE_ATTRIBUTES) {
+    if (GetLastError() == ERROR_FILE_NOT_FOUND) return false;
+    refuse();
+  }
   static_cast<void>(open_existing(path, GENERIC_WRITE));
+  if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) throw FileRefusal("permission denied");
   return true;
 }
 

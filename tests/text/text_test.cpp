@@ -16,18 +16,23 @@ struct Conversion {
   const char* utf8;
   const wchar_t* given_back;
 };
+// What is no character; where no element is that large, half of one.
+constexpr bool kShortElements = sizeof(wchar_t) == 2;
+constexpr wchar_t kBeyond[] = {static_cast<wchar_t>(kShortElements ? 0xDC00 : 0x110000), 0};
+constexpr wchar_t kNegative[] = {static_cast<wchar_t>(kShortElements ? 0xDFFE : -1), 0};
+
 constexpr Conversion kConversions[] = {
     {L"Grüße 数据", "Grüße 数据", L"Grüße 数据"},
     {L"\xD83D\xDE00", "😀", L"\xD83D\xDE00"},  // a surrogate each
-    {L"\x1F600", "😀", L"\xD83D\xDE00"},       // one element
+    {L"\U0001F600", "😀", L"\xD83D\xDE00"},    // one element where it has room
     {L"a\xD83D", "a\uFFFD", L"a\xFFFD"},      // a high surrogate alone
     {L"\xDE00\xD83D"
      L"b",
      "\uFFFD\uFFFD"
      "b",
      L"\xFFFD\xFFFD"
-     L"b"},                              // in the wrong order
-    {L"\x110000", "\uFFFD", L"\xFFFD"},  // beyond all characters
+     L"b"},                          // in the wrong order
+    {kBeyond, "\uFFFD", L"\xFFFD"},  // beyond all characters
     {L"", "", L""},
     {nullptr, "", L""},
 };
@@ -66,10 +71,10 @@ TEST(Text, NarrowsEveryMixtureOfCharacters) {
       {L"\xE000", "\xEE\x80\x80"},
       {L"\xFFFF", "\xEF\xBF\xBF"},
       {L"\xD800\xDC00", "\xF0\x90\x80\x80"},
-      {L"\x10FFFF", "\xF4\x8F\xBF\xBF"},
+      {L"\U0010FFFF", "\xF4\x8F\xBF\xBF"},
       {L"\xDFFF", "\uFFFD"},
-      {L"\x110000", "\uFFFD"},
-      {std::wstring(1, static_cast<wchar_t>(-1)), "\uFFFD"},
+      {kBeyond, "\uFFFD"},
+      {kNegative, "\uFFFD"},
   };
   for (const Piece& first : pieces)
     for (const Piece& second : pieces)
