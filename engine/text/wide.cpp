@@ -184,21 +184,32 @@ constexpr std::array<Arrangement, 256> kArrangements = [] {
   utf8 = out;
 }
 
-// Widens ASCII characters, up to the first other one or nearly to the end.
-void widen_ascii(const char*& at, const char* end, wchar_t*& out) {
+// Widens eight characters if they are ASCII.
+bool widen_eight(const char* at, wchar_t* out) {
   const __m128i zero = _mm_setzero_si128();
-  for (; end - at >= 8; at += 8, out += 8) {
-    const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at));
-    if (_mm_movemask_epi8(bytes) != 0) return;
-    const __m128i halves = _mm_unpacklo_epi8(bytes, zero);
-    auto* const to = reinterpret_cast<__m128i*>(out);
-    if constexpr (kShortElements) {
-      _mm_storeu_si128(to, halves);
-    } else {
-      _mm_storeu_si128(to, _mm_unpacklo_epi16(halves, zero));
-      _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(halves, zero));
-    }
+  const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at));
+  if (_mm_movemask_epi8(bytes) != 0) return false;
+  const __m128i halves = _mm_unpacklo_epi8(bytes, zero);
+  auto* const to = reinterpret_cast<__m128i*>(out);
+  if constexpr (kShortElements) {
+    _mm_storeu_si128(to, halves);
+  } else {
+    _mm_storeu_si128(to, _mm_unpacklo_epi16(halves, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi16(halves, zero));
   }
+  return true;
+}
+
+// Widens ASCII characters, up to nearly the first other one or to the end of a text of at least
+// eight: the last step begins amid what is widened already.
+void widen_ascii(const char*& at, const char* end, wchar_t*& out) {
+  const char* const begin = at;
+  for (; end - at >= 8; at += 8, out += 8)
+    if (!widen_eight(at, out)) return;
+  const std::ptrdiff_t rest = end - at;
+  if (rest == 0 || end - begin < 8 || !widen_eight(end - 8, out + rest - 8)) return;
+  at += rest;
+  out += rest;
 }
 
 constexpr std::ptrdiff_t kMixedRoom = 8 + 2;  // bytes that a step of widen_mixed() looks at
