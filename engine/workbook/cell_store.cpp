@@ -41,6 +41,33 @@ Row& CellStore::copy_row(const Row& row) {
   return copy;
 }
 
+void CellStore::take_cells(CellStore&& other,
+                           const std::function<void(int row, const Cell&)>& put) {
+  end_newest();
+  std::ranges::move(other.blocks_, std::back_inserter(blocks_));
+  used_.enter(other.used_);
+  pages_.resize(std::max(pages_.size(), other.pages_.size()));
+  for (std::size_t position = 0; position < other.pages_.size(); ++position) {
+    std::unique_ptr<Page>& page = other.pages_[position];
+    if (!page) continue;
+    if (!pages_[position]) {
+      pages_[position] = std::move(page);
+      continue;
+    }
+    for (const Row& row : page->rows) {
+      if (row.count == 0) continue;
+      Row& mine = make_row(row.number);
+      if (mine.count != 0) {
+        for (const Cell& cell : row.span()) put(static_cast<int>(row.number), cell);
+        continue;
+      }
+      mine.cells = row.cells;
+      mine.count = mine.capacity = row.count;
+    }
+  }
+  other = CellStore();
+}
+
 const Cell* CellStore::search(int row, int column) const {
   const Row* at = find_row(row);
   if (!at) return nullptr;

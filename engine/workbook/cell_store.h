@@ -146,6 +146,10 @@ class CellStore {
   // Puts the cells of another store's row into the row of that number, which is made if need be.
   Row& copy_row(const Row& row);
 
+  // Takes the cells of another store, which stay where they lie. Those of a row that has cells here
+  // already come to `put` one by one. Of rows the other knows nothing else.
+  void take_cells(CellStore&& other, const std::function<void(int row, const Cell&)>& put);
+
   // Erases the cells of a range; `leave` is told of each before. Needs no memory.
   void erase(const CellRange& range, const std::function<void(const Cell&)>& leave) noexcept;
 
@@ -201,6 +205,13 @@ class CellStore {
       row_last = std::max(row_last, row);
       column_first = std::min(column_first, column);
       column_last = std::max(column_last, column);
+    }
+    void enter(const Bounds& other) {
+      row_first = std::min(row_first, other.row_first);
+      row_last = std::max(row_last, other.row_last);
+      column_first = std::min(column_first, other.column_first);
+      column_last = std::max(column_last, other.column_last);
+      known = known && other.known;
     }
     bool is_edge(std::uint32_t row, std::uint16_t column) const {
       return row == row_first || row == row_last || column == column_first || column == column_last;

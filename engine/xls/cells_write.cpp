@@ -133,18 +133,14 @@ std::vector<std::uint32_t> CellsWriter::write() {
 }
 
 void CellsWriter::write_row(const Row& row) {
-  constexpr std::uint32_t kCollapsed = 0x10;
-  constexpr std::uint32_t kHidden = 0x20;
-  constexpr std::uint32_t kCustomHeight = 0x40;
-  constexpr std::uint32_t kHasFormat = 0x80;
   constexpr std::uint32_t kAlways = 0x100;
   const RowProperties* known = contents_->properties(row);
   const RowProperties& its = known ? *known : RowProperties();
   std::uint32_t flags = kAlways | its.outline_level;
-  if (its.collapsed) flags |= kCollapsed;
-  if (its.hidden) flags |= kHidden;
-  if (its.custom_height) flags |= kCustomHeight;
-  if (its.style) flags |= kHasFormat;
+  if (its.collapsed) flags |= kRowCollapsed;
+  if (its.hidden) flags |= kRowHidden;
+  if (its.custom_height) flags |= kRowCustomHeight;
+  if (its.style) flags |= kRowHasFormat;
   const double height = its.height.value_or(contents_->default_row_height);
   char* at = out_.records();
   at = put32(at, kRow | 16U << 16);

@@ -62,6 +62,18 @@ bool RecordReader::next() {
   return true;
 }
 
+std::string_view RecordReader::ahead() {
+  if (cipher_ || !reach(next_, kHeaderSize)) return {};
+  return window_.substr(static_cast<std::size_t>(next_ - window_begin_));
+}
+
+void RecordReader::pass(std::uint64_t last, std::uint64_t end) {
+  offset_ = last;
+  next_ = end;
+  id_ = package::get16(window_, static_cast<std::size_t>(last - window_begin_));
+  data_ = {};
+}
+
 // A few records are needed to get so far, and one of them says where sheets begin.
 void RecordReader::decrypt() {
   constexpr std::uint16_t kPlain[] = {kBof,  kFilePass, kInterfaceHeader, 0x138, 0x194,

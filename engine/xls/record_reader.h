@@ -43,6 +43,12 @@ class RecordReader {
   // Of the record in the stream, its number and size included.
   std::uint64_t offset() const { return offset_; }
 
+  // The bytes from the next record on as far as they lie in one piece. None of encrypted records.
+  std::string_view ahead();
+  std::uint64_t next_offset() const { return next_; }
+  // Goes behind records that were read there, of which the last one begins at `last`.
+  void pass(std::uint64_t last, std::uint64_t end);
+
   // The number of the record behind this one; 0 at the end.
   std::uint16_t next_id();
 

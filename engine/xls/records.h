@@ -141,4 +141,13 @@ inline constexpr std::uint16_t kGlobalsStream = 0x05;
 inline constexpr std::uint16_t kSheetStream = 0x10;
 inline constexpr std::uint16_t kVersion8 = 0x600;
 
+// Bits of what a row's record says: of the height, of the flags, of the format.
+inline constexpr unsigned kRowUsualHeight = 0x8000;
+inline constexpr unsigned kRowLevel = 7;
+inline constexpr unsigned kRowCollapsed = 0x10;
+inline constexpr unsigned kRowHidden = 0x20;
+inline constexpr unsigned kRowCustomHeight = 0x40;
+inline constexpr unsigned kRowHasFormat = 0x80;
+inline constexpr unsigned kRowDetails = 0x7000;  // lines and readings that make it higher
+
 }  // namespace engine::xls

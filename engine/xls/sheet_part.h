@@ -80,6 +80,9 @@ struct RowFilter {
   bool others = false;
 
   bool keeps(int row) const { return (row >= first && row <= last) != others; }
+  bool keeps_all() const {
+    return first == 0 && last == std::numeric_limits<int>::max() && !others;
+  }
 };
 
 }  // namespace engine::xls

@@ -13,8 +13,10 @@
 #include "engine/package/file_error.h"
 #include "engine/workbook/font_metrics.h"
 #include "engine/xls/cell_errors.h"
+#include "engine/xls/cells_ahead.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/filters.h"
+#include "engine/xls/plain_cells.h"
 #include "engine/xls/records.h"
 #include "engine/xls/sheet_records.h"
 #include "engine/xls/tokens_read.h"
@@ -79,15 +81,17 @@ class SheetReader {
         filter_(filter),
         sheet_(contents),
         reading_(context, contents, flags),
+        plain_(context, filter, contents),
         tokens_(context.globals.links, grid_) {}
 
   void read() {
     sheet_.digit_pixels = digit_pixels(context_.workbook.styles.font(0));
     if (!reader_.next() || reader_.id() != kBof) reader_.fail("no sheet begins here");
     for (bool more = true; more;) {
+      if (pending_ && !belongs_to_formula(reader_.next_id())) store_pending();
+      if (!pending_) read_plain_cells();
       if (!reader_.next()) reader_.fail("ends too early");
       more = reader_.id() != kEof;
-      if (pending_ && !belongs_to_formula(reader_.id())) store_pending();
       if (more) read_record();
     }
     resolve_waiting();
@@ -110,13 +114,50 @@ class SheetReader {
     CellAddress elsewhere;
   };
 
-  static constexpr unsigned kRowDetails = 7;
-
   static bool belongs_to_formula(std::uint16_t id) {
     return id == kString || id == kShared || id == kArray || id == kDataTable;
   }
 
+  // Reads the plain cells that come next, if there are any.
+  void read_plain_cells() {
+    for (;;) {
+      const std::string_view records = reader_.ahead();
+      if (records.size() < PlainCells::kRoom || !is_plain_cell(get16(records, 0))) return;
+      const std::uint64_t from = reader_.next_offset();
+      begin_ahead(records, from);
+      std::uint64_t end = from + records.size();
+      if (ahead_) end = std::min(end, ahead_->claim(from));
+      if (end == from) {
+        take_ahead(from);
+        continue;
+      }
+      const std::size_t passed = plain_.read(records, static_cast<std::size_t>(end - from));
+      if (passed != 0) reader_.pass(from + plain_.last(), from + passed);
+      if (from + passed < end) return;
+    }
+  }
+
+  // Once, in front of the first of them: what rows are like is known by then.
+  void begin_ahead(std::string_view records, std::uint64_t from) {
+    if (std::exchange(ahead_was_begun_, true) || !filter_.keeps_all()) return;
+    if (CellsAhead::pays(records.size())) ahead_.emplace(records, from, context_, sheet_);
+  }
+
+  void take_ahead(std::uint64_t from) {
+    const auto taken = ahead_->take(from);
+    // What rows are like that say nothing may have changed meanwhile.
+    const bool counts = taken && taken->sheet.hides_rows == sheet_.hides_rows &&
+                        taken->sheet.default_row_height == sheet_.default_row_height;
+    if (counts) {
+      sheet_.cells.take_cells(std::move(taken->sheet.cells),
+                              [this](int row, const Cell& cell) { put(row, cell); });
+      reader_.pass(taken->last, taken->end);
+    }
+    ahead_.reset();
+  }
+
   void read_record() {
+    if (reader_.id() != kFutureContinue) reading_.filter.goes_on = false;
     const std::string_view data = reader_.data();
     switch (reader_.id()) {
       case kNumber:
@@ -174,7 +215,6 @@ class SheetReader {
   void read_other() {
     // It goes with the record in front of it.
     if (reader_.id() == kFutureContinue) return continue_filter(reader_.data(), reading_);
-    reading_.filter.goes_on = false;
     const SheetRecord* known = find_sheet_record(reader_.id(), reader_.data());
     if (!known || !known->read) return;
     reading_.record = reader_.offset();
@@ -473,27 +513,22 @@ class SheetReader {
   }
 
   void read_row(std::string_view data) {
-    constexpr unsigned kUsualHeight = 0x8000;
-    constexpr unsigned kCollapsed = 0x10;
-    constexpr unsigned kHidden = 0x20;
-    constexpr unsigned kCustomHeight = 0x40;
-    constexpr unsigned kHasFormat = 0x80;
     need(16);
     const int row = get16(data, 0);
     if (!filter_.keeps(row)) return;
     const unsigned height = get16(data, 6);
     const unsigned flags = get16(data, 12);
     RowProperties its;
-    its.custom_height = (flags & kCustomHeight) != 0;
-    const double points = (height & ~kUsualHeight) / 20.0;
-    const bool usual = (height & kUsualHeight) != 0 || points == sheet_.default_row_height;
+    its.custom_height = (flags & kRowCustomHeight) != 0;
+    const double points = (height & ~kRowUsualHeight) / 20.0;
+    const bool usual = (height & kRowUsualHeight) != 0 || points == sheet_.default_row_height;
     if (its.custom_height || !usual) its.height = points;
-    its.hidden = (flags & kHidden) != 0;
-    its.collapsed = (flags & kCollapsed) != 0;
-    its.outline_level = static_cast<std::uint8_t>(flags & 7);
+    its.hidden = (flags & kRowHidden) != 0;
+    its.collapsed = (flags & kRowCollapsed) != 0;
+    its.outline_level = static_cast<std::uint8_t>(flags & kRowLevel);
     const unsigned format = get16(data, 14);
-    if ((flags & kHasFormat) != 0) its.style = context_.globals.format(format & 0xFFFU);
-    its.details = row_details(format >> 12);
+    if ((flags & kRowHasFormat) != 0) its.style = context_.globals.format(format & 0xFFFU);
+    its.details = row_details((format & kRowDetails) >> 12);
     // Where rows are hidden, those that are not are told of by standing here.
     if (its == RowProperties() && !sheet_.hides_rows) return;
     row_ = &sheet_.cells.row_at(row);
@@ -506,10 +541,10 @@ class SheetReader {
 
   // Lines and readings that make a row higher; 0 for none of these.
   std::uint32_t row_details(unsigned bits) {
-    if ((bits & kRowDetails) == 0) return 0;
-    std::uint32_t& number = row_details_[bits & kRowDetails];
+    if (bits == 0) return 0;
+    std::uint32_t& number = row_details_[bits];
     if (number == 0) {
-      sheet_.row_details.emplace_back(1, static_cast<char>(bits & kRowDetails));
+      sheet_.row_details.emplace_back(1, static_cast<char>(bits));
       number = static_cast<std::uint32_t>(sheet_.row_details.size());
     }
     return number;
@@ -526,6 +561,9 @@ class SheetReader {
   const RowFilter filter_;
   SheetContents& sheet_;
   SheetReading reading_;
+  PlainCells plain_;
+  std::optional<CellsAhead> ahead_;
+  bool ahead_was_begun_ = false;
   TokenReader tokens_;
   Row* row_ = nullptr;  // met last
   std::optional<Pending> pending_;
@@ -533,7 +571,7 @@ class SheetReader {
   std::map<CellAddress, Shared> shared_;
   std::set<CellAddress> arrays_;  // where cells of arrays say that the formula stands
   std::vector<Waiting> waiting_;
-  std::array<std::uint32_t, kRowDetails + 1> row_details_{};  // their numbers in the model
+  std::array<std::uint32_t, (kRowDetails >> 12) + 1> row_details_{};  // their numbers in the model
   std::size_t expanded_ = 0;  // bytes of expressions that were read for one cell more, and of texts
 };
 

@@ -89,6 +89,36 @@ TEST(CellStore, AgreesWithAMapInAnyOrder) {
   }
 }
 
+// Rows that only one of two stores has cells of change hands, the others' cells are told one by
+// one; what is written afterwards disturbs none of them.
+TEST(CellStore, TakesTheCellsOfAnother) {
+  std::mt19937 random(11);
+  CellStore store;
+  CellStore other;
+  Cells model;
+  for (int step = 0; step < 3000; ++step) {
+    const int row = static_cast<int>(random() % 400);
+    const int column = static_cast<int>(random() % 40);
+    const bool is_first = row < 220 && random() % 2 == 0;
+    if (!is_first && row < 180) continue;
+    put(is_first ? store : other, row, column, step);
+    if (!is_first || !other.find(row, column)) model[{row, column}] = step;
+  }
+  store.row_at(300);
+  store.take_cells(std::move(other), [&](int row, const Cell& cell) {
+    EXPECT_LT(row, 220);
+    store.at(row, cell.column) = cell;
+  });
+  for (int row = 0; row < 400; ++row) {
+    put(store, row, 50, row);
+    model[{row, 50}] = row;
+  }
+  EXPECT_EQ(cells_of(store), model);
+  CellRange used;
+  EXPECT_TRUE(store.used_range(&used));
+  EXPECT_EQ(used, range_of(model));
+}
+
 TEST(CellStore, GivesTheRowsBetweenTwo) {
   CellStore store;
   for (const int row : {0, 63, 64, 200, 1048575}) store.row_at(row);

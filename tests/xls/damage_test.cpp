@@ -68,6 +68,25 @@ bool can_be_read(LoadedBook& book, std::size_t sheet) {
 }
 
 // Sheets that lead nowhere leave the others usable.
+// Wherever the damage lies, and whichever thread meets it.
+TEST(XlsDamage, TellsWhereInLongSheets) {
+  constexpr int kRows = 50000;
+  std::string cells;
+  for (int row = 0; row < kRows; ++row) cells += cell(0x203, row, 0, 15, f64(row));
+  const std::size_t size = cells.size() / kRows;
+  const std::size_t begin = with_sheet("").size() - eof().size();
+  for (const int row : {100, 25000, 49990}) {
+    const auto place = static_cast<std::size_t>(row) * size;
+    std::string damaged = cells;
+    damaged.replace(place, 4, record(0xFD, std::string(14, '\0')).substr(0, 4));
+    EXPECT_EQ(refusal(with_sheet(damaged)), "is damaged: Workbook, sheet \"Data\", record FD at " +
+                                                std::to_string(begin + place) + ", text 0 of 0");
+  }
+  EXPECT_THAT(refusal(with_sheet(cells).substr(0, begin + cells.size())),
+              HasSubstr("record 203 at " + std::to_string(begin + cells.size() - size) +
+                        ", ends too early"));
+}
+
 TEST(XlsDamage, KeepsToOneSheet) {
   std::string stream = stream_of({{"Bad", ""}, {"Good", cell(0x203, 0, 0, 15, f64(1))}});
   stream.replace(bof(5).size() + 4, 4, u32(999999));

@@ -331,6 +331,66 @@ TEST(XlsReading, FollowsSheetsUntilTheyAreRead) {
   check(removed, {{0, 0, "0.000000 =#REF!$A$1"}}, 1);
 }
 
+// A sheet is long enough here for a second thread to read its end while the first one is still in
+// front. What stands between, or is said twice, counts as if one thread had read all in order.
+TEST(XlsReading, ReadsLongSheetsInOrder) {
+  constexpr int kRows = 30000;
+  constexpr int kBehind = 40000;
+  const auto cells = [](int row) {
+    const double number = row + 0.1;
+    return cell(0x203, row, 0, 15, f64(number)) + cell(0x27E, row, 1, 15, u32(7 << 2 | 2)) +
+           cell(0x203, row, 2, 15, f64(-number)) + record(0xD7, u32(0));
+  };
+  std::string hidden_in_view;
+  for (int row = kBehind; row < 65536; ++row) hidden_in_view += cells(row);
+  const auto height = [](int row, unsigned twips, unsigned flags) {
+    return record(0x208, u16(static_cast<unsigned>(row)) + u16(0) + u16(3) + u16(twips) + u32(0) +
+                             u16(flags) + u16(15));
+  };
+  constexpr unsigned kUsual = 255;
+  const struct {
+    const char* what;
+    int at;  // the row in front of which the records stand
+    std::string records;
+    Shown changed;
+  } kCases[] = {
+      {"nothing", 0, "", {0, 0, "0.100000"}},
+      {"a formula", 20000, formula(20000, 5, u8(0x1E) + u16(7)), {20000, 5, "0.000000 =7"}},
+      {"a cell of the front again", 29990, cell(0x203, 5, 1, 15, f64(8)), {5, 1, "8.000000"}},
+      {"a further cell of the front", 29990, cell(0x201, 5, 9, 15, ""), {5, 9, "blank"}},
+      {"a cell of the end before", 100, cell(0x201, 29990, 1, 15, ""), {29990, 1, "7.000000"}},
+      {"a cell of the row behind", 29000, cell(0x201, 29000, 4, 15, ""), {29000, 4, "blank"}},
+      {"a row's height", 29000, height(29000, 400, 0x40), {29000, 4, "-"}},
+      {"another usual height", 2000, record(0x225, u16(0) + u16(400)), {29000, 4, "-"}},
+      {"a view of its own",
+       15000,
+       record(0x1AA, "") + hidden_in_view + record(0x1AB, ""),
+       {kBehind, 0, "-"}},
+  };
+  for (const auto& [what, at, records, changed] : kCases) {
+    SCOPED_TRACE(what);
+    std::string sheet = record(0x225, u16(0) + u16(kUsual));
+    for (int row = 0; row < kRows; ++row) {
+      if (row == at) sheet += records;
+      sheet += height(row, kUsual, 0) + cells(row);
+    }
+    LoadedBook book(file_of(stream_of({{"Data", sheet}})));
+    check(book, {changed});
+    const SheetContents& contents = book.sheet().contents();
+    const bool is_more = changed.column > 2 && std::string_view(changed.text) != "-";
+    EXPECT_EQ(contents.cells.cell_count(), 3U * kRows + (is_more ? 1 : 0));
+    const bool differs = std::string_view(what) == "another usual height";
+    for (const Row& row : contents.cells.rows()) {
+      const double number = row.number + 0.1;
+      ASSERT_EQ(row.cells[0].number, number);
+      ASSERT_EQ(row.cells[2].number, -number);
+      const bool is_own =
+          differs ? row.number >= 2000 : row.number == 29000 && at == 29000 && !is_more;
+      ASSERT_EQ(row.properties != 0, is_own) << row.number;
+    }
+  }
+}
+
 TEST(XlsReading, ReadsTheInformationAlone) {
   const std::string globals = record(0x22, u16(1)) + texts({narrow16("x")});
   LoadedBook book(file_of(stream_of({{"One", ""}, {"Two", ""}}, globals)), LoadScope::kInfo);
