@@ -26,17 +26,44 @@ std::uint32_t unit_of(wchar_t element) {
   return static_cast<std::make_unsigned_t<wchar_t>>(element);
 }
 
-// Copies a text as far as it is ASCII and tells how far. The blocks, each of a known length, are
-// what the compiler makes vector instructions of.
-std::size_t narrow_ascii(const wchar_t* text, std::size_t size, char* out) {
-  constexpr std::size_t kBlock = 16;
-  std::size_t done = 0;
-  for (; done + kBlock <= size; done += kBlock) {
-    std::uint32_t all = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) all |= unit_of(text[done + i]);
-    if (all >= 0x80) break;
-    for (std::size_t i = 0; i < kBlock; ++i) out[done + i] = static_cast<char>(text[done + i]);
+constexpr std::size_t kBlock = 8;  // elements of ASCII that are narrowed in one step
+
+#ifdef __SSE2__
+
+// Narrows a block if it is ASCII.
+bool narrow_block(const wchar_t* text, char* out) {
+  const __m128i zero = _mm_setzero_si128();
+  const auto* const from = reinterpret_cast<const __m128i*>(text);
+  __m128i units = _mm_loadu_si128(from);
+  __m128i beyond = _mm_and_si128(units, _mm_set1_epi16(~0x7F));
+  if constexpr (!kShortElements) {
+    const __m128i high = _mm_loadu_si128(from + 1);
+    beyond = _mm_and_si128(_mm_or_si128(units, high), _mm_set1_epi32(~0x7F));
+    units = _mm_packs_epi32(units, high);
   }
+  if (_mm_movemask_epi8(_mm_cmpeq_epi8(beyond, zero)) != 0xFFFF) return false;
+  _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(units, units));
+  return true;
+}
+
+#else
+
+bool narrow_block(const wchar_t* text, char* out) {
+  if (!std::all_of(text, text + kBlock, [](wchar_t one) { return unit_of(one) < 0x80; }))
+    return false;
+  std::transform(text, text + kBlock, out, [](wchar_t one) { return static_cast<char>(one); });
+  return true;
+}
+
+#endif
+
+// Copies a text as far as it is ASCII and tells how far. The last block of a text begins amid what
+// is copied already.
+std::size_t narrow_ascii(const wchar_t* text, std::size_t size, char* out) {
+  std::size_t done = 0;
+  while (done + kBlock <= size && narrow_block(text + done, out + done)) done += kBlock;
+  const bool is_near_end = size >= kBlock && size - done < kBlock;
+  if (is_near_end && narrow_block(text + size - kBlock, out + size - kBlock)) return size;
   for (; done < size && unit_of(text[done]) < 0x80; ++done)
     out[done] = static_cast<char>(text[done]);
   return done;

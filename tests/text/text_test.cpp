@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
+#include <string>
+#include <utility>
 
 #include "engine/text/fold.h"
 #include "engine/text/utf8.h"
@@ -48,12 +50,14 @@ TEST(Text, PassesBetweenWideAndUtf8) {
 
 // Texts are taken in blocks as long as they are ASCII.
 TEST(Text, PassesWhereverTheFirstCharacterBeyondAsciiStands) {
-  for (std::size_t before = 0; before < 40; ++before) {
-    const std::wstring wide = std::wstring(before, L'a') + L"\xE4\x20AC\xD83D\xDE00\x7F z";
-    const std::string utf8 = std::string(before, 'a') + "ä€😀\x7F z";
-    EXPECT_EQ(to_utf8(wide.c_str()), utf8);
-    EXPECT_EQ(to_wide(utf8), wide);
-  }
+  std::string ascii;
+  for (char next = '0'; next < '0' + 40; ascii += next++)
+    for (const auto& [wide_end, utf8_end] :
+         {std::pair(L"", ""), std::pair(L"\xE4\x20AC\xD83D\xDE00\x7F z", "ä€😀\x7F z")}) {
+      const std::wstring wide = std::wstring(ascii.begin(), ascii.end()) + wide_end;
+      EXPECT_EQ(to_utf8(wide.c_str()), ascii + utf8_end);
+      EXPECT_EQ(to_wide(ascii + utf8_end), wide);
+    }
 }
 
 // Characters of all lengths are narrowed together: each stands beside each other in every place.
