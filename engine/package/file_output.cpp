@@ -21,10 +21,14 @@ FileOutput::FileOutput(const std::string& path)
 void FileOutput::write(std::span<const char> bytes) {
   while (!bytes.empty()) {
     const auto part = bytes.first(std::min(bytes.size(), kBufferSize - buffer_.size()));
-    buffer_.insert(buffer_.end(), part.begin(), part.end());
     bytes = bytes.subspan(part.size());
-    if (buffer_.size() < kBufferSize) continue;
-    flush();
+    if (part.size() == kBufferSize) {
+      hand_on(part);
+    } else {
+      buffer_.insert(buffer_.end(), part.begin(), part.end());
+      if (buffer_.size() < kBufferSize) continue;
+      flush();
+    }
     begin_writeback();
   }
 }
@@ -38,9 +42,13 @@ void FileOutput::begin_writeback() {
   handed_over_ = flushed_;
 }
 
+void FileOutput::hand_on(std::span<const char> bytes) {
+  telling_target([&] { file_->write(flushed_, bytes); });
+  flushed_ += bytes.size();
+}
+
 void FileOutput::flush() {
-  telling_target([&] { file_->write(flushed_, buffer_); });
-  flushed_ += buffer_.size();
+  hand_on(buffer_);
   buffer_.clear();
 }
 

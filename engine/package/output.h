@@ -99,6 +99,7 @@ class FileOutput : public Output {
   void commit();
 
  private:
+  void hand_on(std::span<const char> bytes);
   void flush();
   void begin_writeback();
 
