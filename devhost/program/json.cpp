@@ -9,9 +9,12 @@
 namespace devhost {
 namespace {
 
-// The outer object and its lists have lines of their own for what they hold; what is in there, a
-// result, takes one line.
-constexpr std::size_t kDepthOfLines = 2;
+// The outer object and its lists have a line for each thing that they hold.
+bool parts_lines(const std::string& open) {
+  return open.size() == 1 || (open.size() == 2 && open.back() == ']');
+}
+
+std::string line_start(const std::string& open) { return '\n' + std::string(2 * open.size(), ' '); }
 
 constexpr std::string_view kHexDigits = "0123456789abcdef";
 
@@ -45,9 +48,8 @@ void JsonWriter::begin_value() {
     return;
   }
   if (!first_) out_ << ',';
-  if (closing_.empty()) return;
-  if (closing_.size() <= kDepthOfLines) {
-    out_ << '\n' << std::string(2 * closing_.size(), ' ');
+  if (parts_lines(closing_)) {
+    out_ << line_start(closing_);
   } else if (!first_) {
     out_ << ' ';
   }
@@ -62,10 +64,9 @@ void JsonWriter::open(char bracket) {
 
 void JsonWriter::close() {
   const char bracket = closing_.back();
+  const bool on_its_line = !first_ && parts_lines(closing_);
   closing_.pop_back();
-  if (!first_ && closing_.size() < kDepthOfLines) {
-    out_ << '\n' << std::string(2 * closing_.size(), ' ');
-  }
+  if (on_its_line) out_ << line_start(closing_);
   out_ << bracket;
   if (closing_.empty()) out_ << '\n';
   first_ = false;
