@@ -71,10 +71,9 @@ int carry_out(Evaluator& evaluator, Report& report, const std::string& text) {
 }  // namespace
 
 int converse(Evaluator& evaluator, Report& report, const std::string& greeting) {
-  std::cerr << greeting << '\n';
   std::optional<LineEditor> editor;
   if (is_terminal(Channel::kInput)) {
-    std::cerr << kHelp;
+    std::cerr << greeting << '\n' << kHelp;
     editor.emplace(words, history_file());
     note_interrupts();
   }

@@ -71,9 +71,9 @@ TEST(Program, AnswersWithOutputAndStatus) {
        "    Fake_Add\n"
        "    ^\n"},
       {"eval '(\n\t\033[2J 5 6'" + plugin, 1,
-       "xlcalc: line 2, column 2: unexpected character \033\n"
+       "xlcalc: line 2, column 3: a value is expected here\n"
        "     \uFFFD[2J 5 6\n"
-       "     ^\n"},
+       "      ^\n"},
       {"eval Fake_Fail" + plugin, 0, failure + "?\n"},
       {"eval Fake_Fail --strict" + plugin, 1, failure},
       {"run " + script + " n=4" + plugin, 0,
@@ -86,7 +86,7 @@ TEST(Program, AnswersWithOutputAndStatus) {
       {"functions fake_cont" + plugin, 1,
        "xlcalc: no function mentions \"fake_cont\"; did you mean Fake_Count?\n"},
       {plugin + " < " + script, 0,
-       "Fake plug-in\n1\nxlcalc: line 1, column 7: " + told +
+       "1\nxlcalc: line 1, column 7: " + told +
            "    \"数\" & Fake_Fail\n           ^\n数?\n1\n2\n"},
       {"eval 1 --plugin /nowhere", 2, "xlcalc: plug-in \"/nowhere\": No such file or directory\n"},
       {"eval '1 & Fake_Fail & \"\\\"\\\\\\¶\" & Char ( 7 )' --json" + plugin, 0,
@@ -94,9 +94,8 @@ TEST(Program, AnswersWithOutputAndStatus) {
            failed + "  \"error\": null\n}\n"},
       {"run " + script + " n=.25 --json --strict" + plugin, 1,
        "{\n  \"results\": [\n    {\"line\": 2, \"value\": 1.25}\n  ],\n"
-       "  \"failures\": [\n    {\"line\": 3, \"column\": 7, \"function\": \"Fake_Fail\", \"code\": "
-       "42, "
-       "\"message\": \"made to fail: ß\"}\n  ],\n  \"error\": null\n}\n"},
+       "  \"failures\": [\n    {\"line\": 3, \"column\": 7, \"function\": \"Fake_Fail\", "
+       "\"code\": 42, \"message\": \"made to fail: ß\"}\n  ],\n  \"error\": null\n}\n"},
       {"eval nothing --json" + plugin, 1,
        "{\n  \"results\": [],\n  \"failures\": [],\n  \"error\": {\"line\": 1, \"column\": 1, "
        "\"message\": \"there is no function or variable nothing\"}\n}\n"},
@@ -138,12 +137,12 @@ TEST(Program, ShowsWorkbooks) {
       "2  Many    A1:A60  hidden\n"
       "\n"
       "Prices\n"
-      "  │ B          │          C\n"
-      "──┼────────────┼───────────\n"
+      "  │ B           │          C\n"
+      "──┼─────────────┼───────────\n"
       "2 │ 数据é\uFFFD[2J↵x │ 1,234.50 €\n"
-      "3 │            │  22-Nov-26\n"
-      "4 │ TRUE       │ #ERROR\n"
-      "5 │            │          1\n";
+      "3 │             │  22-Nov-26\n"
+      "4 │ TRUE        │ #ERROR\n"
+      "5 │             │          1\n";
   for (const std::string kind : {"xlsx", "xls"}) {
     const std::string file = folder + "/book." + kind;
     std::ofstream(script) << "$book = "
@@ -159,7 +158,7 @@ TEST(Program, ShowsWorkbooks) {
         {"show " + file + " prices '$c3:c9' --formulas", 0,
          "  │ C\n"
          "──┼────────────\n"
-         "3 │  22-Nov-26\n"
+         "3 │   22-Nov-26\n"
          "4 │ #ERROR\n"
          "5 │ =SUM(C2:C3)\n"},
         {"show " + file + " 1 3:4", 0,
