@@ -47,8 +47,8 @@ Statement parse_statement(std::span<const Token> tokens) {
 
 }  // namespace
 
-std::vector<Statement> parse_script(std::u16string_view text) {
-  const std::vector<Token> tokens = tokenize(text);
+std::vector<Statement> parse_script(std::u16string_view text, int first_line) {
+  const std::vector<Token> tokens = tokenize(text, first_line);
   std::vector<Statement> statements;
   std::span<const Token> rest = tokens;
   while (rest[0].kind != Token::Kind::kEnd) {

@@ -21,8 +21,9 @@ struct Statement {
   Position position;
 };
 
-// Parses the whole text before anything of it runs. Throws SyntaxError.
-std::vector<Statement> parse_script(std::u16string_view text);
+// Parses the whole text, which may be a part that starts at a line, before anything of it runs.
+// Throws SyntaxError.
+std::vector<Statement> parse_script(std::u16string_view text, int first_line = 1);
 
 // Whether text ends inside brackets, a text or a comment, so that more has to follow.
 bool is_unfinished(std::u16string_view text);

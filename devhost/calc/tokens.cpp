@@ -43,7 +43,8 @@ bool is_name_part(char16_t unit) { return is_letter(unit) || is_digit(unit) || u
 
 class Tokenizer {
  public:
-  explicit Tokenizer(std::u16string_view text) : rest_(text) {
+  Tokenizer(std::u16string_view text, int first_line) : rest_(text) {
+    position_.line = first_line;
     if (rest_.starts_with(u'\xFEFF')) rest_.remove_prefix(1);
   }
 
@@ -180,8 +181,8 @@ class Tokenizer {
 
 }  // namespace
 
-std::vector<Token> tokenize(std::u16string_view text) {
-  Tokenizer tokenizer(text);
+std::vector<Token> tokenize(std::u16string_view text, int first_line) {
+  Tokenizer tokenizer(text, first_line);
   std::vector<Token> tokens;
   do {
     tokens.push_back(tokenizer.next());

@@ -52,7 +52,7 @@ struct Token {
   Position end;
 };
 
-// All tokens, closed by one of kind kEnd.
-std::vector<Token> tokenize(std::u16string_view text);
+// All tokens, closed by one of kind kEnd. The text may be a part, from the start of a line on.
+std::vector<Token> tokenize(std::u16string_view text, int first_line = 1);
 
 }  // namespace devhost

@@ -2,7 +2,6 @@
 #include <fstream>
 #include <optional>
 #include <sstream>
-#include <utility>
 
 #include "devhost/calc/parser.h"
 #include "devhost/calc/script.h"

@@ -83,6 +83,16 @@ void JsonWriter::key(std::string_view name) {
   first_ = false;
 }
 
+void JsonWriter::member(std::string_view name, std::u16string_view value) {
+  key(name);
+  text(value);
+}
+
+void JsonWriter::member(std::string_view name, double value) {
+  key(name);
+  number(value);
+}
+
 void JsonWriter::text(std::u16string_view value) {
   begin_value();
   out_ << quoted(value);

@@ -29,8 +29,8 @@ class JsonWriter {
   void boolean(bool value);
   void null();
 
-  void member(std::string_view name, std::u16string_view value) { key(name), text(value); }
-  void member(std::string_view name, double value) { key(name), number(value); }
+  void member(std::string_view name, std::u16string_view value);
+  void member(std::string_view name, double value);
 
  private:
   void open(char bracket);

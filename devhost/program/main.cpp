@@ -10,10 +10,10 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <iostream>
 #include <iterator>
 #include <span>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "devhost/calc/evaluator.h"
@@ -144,13 +144,25 @@ std::vector<std::string> words_of(std::vector<std::string> words) {
   return words;
 }
 
-int run_program(std::vector<std::string> arguments) {
+// The first word that no command and no option takes.
+std::string unexpected(const CLI::App& app, const std::vector<std::string>& words) {
+  const std::vector<std::string> rest = app.remaining(true);
+  const auto first = std::find_first_of(words.begin(), words.end(), rest.begin(), rest.end());
+  const std::string word = first != words.end() ? *first : rest.front();
+  const bool is_command = app.get_subcommands().empty() && !word.starts_with("-");
+  return "\"" + word + "\" is " + (is_command ? "no command" : "not expected here");
+}
+
+int run_program(const std::vector<std::string>& words) {
   CLI::App app("Evaluates calculations and shows workbooks; without a command, at a prompt.",
                "xlcalc");
   Options options;
   describe_usage(app, options);
   try {
-    app.parse(words_of(std::move(arguments)));
+    app.parse(words_of(words));
+  } catch (const CLI::ExtrasError&) {
+    std::cerr << "xlcalc: " << unexpected(app, words) << "; --help tells what is\n";
+    return kBadUsage;
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? kDone : kBadUsage;
   }

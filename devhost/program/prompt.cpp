@@ -1,5 +1,6 @@
 // The prompt: statements from a terminal or, without its comforts, from whatever the input is. A
 // statement goes on over lines until its brackets are closed.
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <optional>
@@ -50,11 +51,11 @@ int look_up(Report& report, std::string question) {
   return list_functions(report, question);
 }
 
-int carry_out(Evaluator& evaluator, Report& report, const std::string& text) {
-  report.source(utf16_from_utf8(text));
+int carry_out(Evaluator& evaluator, Report& report, const std::string& text, int first_line) {
+  report.source(utf16_from_utf8(text), {}, first_line);
   try {
     if (is_question(text)) return look_up(report, text);
-    for (const Statement& statement : parse_script(utf16_from_utf8(text))) {
+    for (const Statement& statement : parse_script(utf16_from_utf8(text), first_line)) {
       if (const auto value = run_statement(evaluator, statement)) {
         report.result(*value, statement.position);
       }
@@ -79,8 +80,11 @@ int converse(Evaluator& evaluator, Report& report, const std::string& greeting) 
   }
   int status = kDone;
   std::string text;
+  // What is typed begins anew with each statement; what comes through a pipe has been one text.
+  int first_line = 1;
   const auto take = [&] {
-    if (carry_out(evaluator, report, text) != kDone) status = kFailed;
+    if (carry_out(evaluator, report, text, first_line) != kDone) status = kFailed;
+    if (!editor) first_line += static_cast<int>(std::count(text.begin(), text.end(), '\n'));
     text.clear();
   };
   for (;;) {

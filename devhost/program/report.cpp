@@ -53,9 +53,10 @@ Report::Report(Style style, bool strict) : strict_(strict) {
   json_->open_list();
 }
 
-void Report::source(std::u16string text, std::string file) {
+void Report::source(std::u16string text, std::string file, int first_line) {
   source_ = std::move(text);
   file_ = std::move(file);
+  first_line_ = first_line;
 }
 
 void Report::result(const Value& value, Position position) {
@@ -94,7 +95,7 @@ void Report::tell(Position position, const std::string& problem) const {
   std::cout.flush();
   std::cerr << "xlcalc: " << file_ << (file_.empty() ? "" : ", ") << "line " << position.line
             << ", column " << position.column << ": " << problem << '\n';
-  const std::u16string_view line = line_of(source_, position.line);
+  const std::u16string_view line = line_of(source_, position.line - first_line_ + 1);
   if (line.empty()) return;
   const std::size_t offset = offset_of(line, position.column);
   const std::size_t start = offset > kShownAround ? offset - kShownAround : 0;

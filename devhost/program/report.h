@@ -32,8 +32,9 @@ class Report {
   // Null when results are printed as text.
   JsonWriter* json() { return json_ ? &*json_ : nullptr; }
 
-  // The text whose lines and columns are told from here on, and the file that it is from.
-  void source(std::u16string text, std::string file = {});
+  // The text whose lines and columns are told from here on, the file that it is from and the number
+  // of its first line.
+  void source(std::u16string text, std::string file = {}, int first_line = 1);
 
   // The value of a statement.
   void result(const Value& value, Position position);
@@ -57,6 +58,7 @@ class Report {
 
   std::u16string source_;
   std::string file_;
+  int first_line_ = 1;
   bool strict_;
   std::optional<JsonWriter> json_;
   std::vector<Failure> failures_;

@@ -86,7 +86,7 @@ TEST(Program, AnswersWithOutputAndStatus) {
       {"functions fake_cont" + plugin, 1,
        "xlcalc: no function mentions \"fake_cont\"; did you mean Fake_Count?\n"},
       {plugin + " < " + script, 0,
-       "1\nxlcalc: line 1, column 7: " + told +
+       "1\nxlcalc: line 3, column 7: " + told +
            "    \"数\" & Fake_Fail\n           ^\n数?\n1\n2\n"},
       {"eval 1 --plugin /nowhere", 2, "xlcalc: plug-in \"/nowhere\": No such file or directory\n"},
       {"eval '1 & Fake_Fail & \"\\\"\\\\\\¶\" & Char ( 7 )' --json" + plugin, 0,
@@ -101,6 +101,8 @@ TEST(Program, AnswersWithOutputAndStatus) {
        "\"message\": \"there is no function or variable nothing\"}\n}\n"},
   };
   for (const Case& one : kCases) check(one);
+  check({"evl 1", 2, "xlcalc: \"evl\" is no command; --help tells what is\n"});
+  check({"show a b c d", 2, "xlcalc: \"d\" is not expected here; --help tells what is\n"});
   for (const char* arguments : {"eval", "eval 1 n", "eval 1 =2", "eval 1 --nothing", "run", "show",
                                 "nothing", "--nothing"}) {
     EXPECT_EQ(run(arguments).status, 2) << arguments;
