@@ -1,4 +1,4 @@
-// Finds the host's functions when the plug-in is loaded.
+// Finds the host's functions when a plug-in is loaded, of which this is a part.
 //
 // A file of code names, for everything that it takes from others, the file that has it. Which of a
 // host's files has the FM_* functions is the host's affair: it may be the program itself, whatever
@@ -54,7 +54,7 @@ bool resolve_all(HMODULE own) {
     const auto* const text = reinterpret_cast<const char*>(import->Name);
     const FARPROC function = find(modules, text);
     if (function == nullptr) {
-      tell(std::string("Vornelix: the host has no function ") + text + "\n");
+      tell(std::string("plug-in: the host has no function ") + text + "\n");
       complete = false;
     }
     address->u1.Function = reinterpret_cast<ULONG_PTR>(function);
