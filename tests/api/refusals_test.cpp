@@ -275,7 +275,11 @@ const Refusal kBook[] = {
     {"long name", [](Refusing& s) { return !s.book->addSheet(std::wstring(32, L'a').c_str()); },
      "sheet name is 32 characters long, the limit is 31"},
     {"long name in units",
-     [](Refusing& s) { return !s.book->addSheet(std::wstring(16, L'\U0001F600').c_str()); },
+     [](Refusing& s) {
+       std::wstring name;
+       for (int i = 0; i < 16; ++i) name += L"\U0001F600";
+       return !s.book->addSheet(name.c_str());
+     },
      "sheet name is 32 characters long, the limit is 31"},
     {"character", [](Refusing& s) { return !s.book->addSheet(L"a/b"); },
      R"(sheet name "a/b" holds a character that is not allowed: /)"},
