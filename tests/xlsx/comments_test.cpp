@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "engine/package/file_error.h"
 #include "engine/workbook/limits.h"
 #include "engine/xlsx/notes_drawing.h"
@@ -271,7 +273,7 @@ TEST(NotesDrawing, GoesByNamespaces) {
     EXPECT_THAT(written, HasSubstr(box));
     EXPECT_THAT(written, HasSubstr(data));
     EXPECT_GT(written.find(box), written.find(kept));
-    EXPECT_THAT(written, testing::MatchesRegex(".*</[a-z0-9]*:shape></(w:xml |xml)>"));
+    EXPECT_TRUE(std::regex_search(written, std::regex("</[a-z0-9]*:shape></(w:xml |xml)>$")));
   }
 }
 
