@@ -7,7 +7,12 @@ find_package(ZLIB REQUIRED)
 # in. The shared library is linked by its bare name: the copy beside the plug-in is found there, and
 # the system's by programs that link our rooms.
 option(VORNELIX_ISAL "Deflate with ISA-L" ON)
-find_library(ISAL_LIBRARY isal)
+# On a Mac it is no part of the system, and what is built with it names its place there.
+if(APPLE)
+  find_library(ISAL_LIBRARY libisal.a)
+else()
+  find_library(ISAL_LIBRARY isal)
+endif()
 if(VORNELIX_ISAL AND ISAL_LIBRARY)
   set(isal_is_archive OFF)
   if(ISAL_LIBRARY MATCHES "\\.a$")

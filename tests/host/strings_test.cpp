@@ -60,7 +60,7 @@ TEST(Strings, AnswerTheHostsRequests) {
     SCOPED_TRACE(kind);
     std::vector<unsigned short> buffer = {'u', 'n', 't', 'o', 'u', 'c', 'h', 'e', 'd', 0};
     buffer.resize(100);
-    Do_GetString(kind, 0, buffer.size(), buffer.data());
+    Do_GetString(kind, 0, static_cast<unsigned long>(buffer.size()), buffer.data());
     EXPECT_EQ(as_text(buffer), text);
   }
 }
