@@ -99,24 +99,29 @@ bool check_target(const std::wstring& path) {
   return true;
 }
 
-// What replaces another file keeps that one's permissions and attributes. Moving the file to a free
-// name lasts when the call returns, replacing does when the file is flushed once more.
-bool take_place(const std::wstring& side_path, const std::wstring& target) {
-  if (!check_target(target))
-    return MoveFileExW(side_path.c_str(), target.c_str(), MOVEFILE_WRITE_THROUGH) != 0;
-  if (ReplaceFileW(target.c_str(), side_path.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
-                   nullptr, nullptr) == 0)
-    return false;
-  const File file =
-      open_file(target, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
-  if (file) FlushFileBuffers(handle_of(file));
-  return true;
-}
-
 // Virus scanners open fresh files, for a moment during which they have no other name.
 bool is_scanned(DWORD error) {
   return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED ||
          error == ERROR_UNABLE_TO_REMOVE_REPLACED || error == ERROR_UNABLE_TO_MOVE_REPLACEMENT;
+}
+
+bool move_file(const std::wstring& from, const std::wstring& to) {
+  return MoveFileExW(from.c_str(), to.c_str(),
+                     MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
+// What replaces another file keeps that one's permissions and attributes, where the disk can do it;
+// not every one of a network can. A move lasts when the call returns, a replacement does when the
+// file is flushed once more.
+bool take_place(const std::wstring& side_path, const std::wstring& target) {
+  if (!check_target(target)) return move_file(side_path, target);
+  if (ReplaceFileW(target.c_str(), side_path.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS,
+                   nullptr, nullptr) == 0)
+    return !is_scanned(GetLastError()) && move_file(side_path, target);
+  const File file =
+      open_file(target, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING);
+  if (file) FlushFileBuffers(handle_of(file));
+  return true;
 }
 
 }  // namespace
