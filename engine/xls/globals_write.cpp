@@ -372,10 +372,10 @@ void GlobalsGroups::write_sheets(RecordReader* old) {
   std::map<const Sheet*, std::string> stored;
   if (old && file_) {
     RecordReader records(*old);
-    for (const Sheet* sheet : file_->globals.links.sheets) {
-      stored.emplace(sheet, records.data());
-      while (records.next() && records.id() != kBoundSheet) {
-      }
+    const std::vector<const Sheet*>& sheets = file_->globals.links.sheets;
+    for (auto sheet = sheets.begin(); sheet != sheets.end() && records.id() != kEof;) {
+      if (records.id() == kBoundSheet) stored.emplace(*sheet++, records.data());
+      if (sheet != sheets.end() && !records.next()) break;
     }
   }
   for (const auto& sheet : book_.sheets()) {

@@ -61,7 +61,8 @@ class RecordWriter {
   // A record as it stands in a file, of any size.
   void copy(std::uint16_t id, std::string_view data);
 
-  // Where whole records are put by their bytes, at most kRoom of them; end_at() tells how far.
+  // Where whole records, or what is none, are put by their bytes, at most kRoom of them; end_at()
+  // tells how far.
   static constexpr std::size_t kRoom = kMaxData + 4;
   char* records() {
     make_room();

@@ -210,7 +210,7 @@ class SheetsWriter {
     StoredGroups groups(to, shift);
     const RecordReader reader = reader_of(sheet, part);
     if (is_whole(reader)) merge_records(reader, part.edits, out_, groups);
-    else copy_damaged(reader);
+    else copy_damaged(reader, part.begin, book_.file->end_of(part.begin));
   }
 
   static bool is_whole(RecordReader reader) try {
@@ -221,11 +221,25 @@ class SheetsWriter {
     return false;
   }
 
-  // What cannot be read goes out as far as it is records.
-  void copy_damaged(RecordReader reader) try {
-    while (reader.next()) out_.copy(reader.id(), reader.data());
-  } catch (const package::FileError&) {
-    return;
+  // What cannot be read goes out as records as far as it is some, and what follows as it is.
+  void copy_damaged(RecordReader reader, std::uint64_t begin, std::uint64_t end) {
+    constexpr std::size_t kHead = 4;
+    try {
+      while (reader.next()) {
+        out_.copy(reader.id(), reader.data());
+        begin = reader.offset() + kHead + reader.data().size();
+      }
+    } catch (const package::FileError&) {
+      // That is known already.
+    }
+    while (begin < end) {
+      const auto size =
+          static_cast<std::size_t>(std::min<std::uint64_t>(end - begin, RecordWriter::kRoom));
+      char* const at = out_.records();
+      book_.file->stream.read(begin, {at, size});
+      out_.end_at(at + size);
+      begin += size;
+    }
   }
 
   RecordWriter& out_;

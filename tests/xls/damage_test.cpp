@@ -67,7 +67,6 @@ bool can_be_read(LoadedBook& book, std::size_t sheet) {
   }
 }
 
-// Sheets that lead nowhere leave the others usable.
 // Wherever the damage lies, and whichever thread meets it.
 TEST(XlsDamage, TellsWhereInLongSheets) {
   constexpr int kRows = 50000;
@@ -87,8 +86,15 @@ TEST(XlsDamage, TellsWhereInLongSheets) {
                         ", ends too early"));
 }
 
+// Sheets that lead nowhere leave the others usable, and those that end in no record go out whole.
 TEST(XlsDamage, KeepsToOneSheet) {
-  std::string stream = stream_of({{"Bad", ""}, {"Good", cell(0x203, 0, 0, 15, f64(1))}});
+  const std::string broken = u16(0x203) + u16(0xFFFF) + std::string(9000, 'x');
+  std::string stream = stream_of({{"Bad", broken}, {"Good", cell(0x203, 0, 0, 15, f64(1))}});
+  LoadedBook saved(LoadedBook(file_of(stream)).file());
+  EXPECT_FALSE(can_be_read(saved, 0));
+  EXPECT_EQ(shown(saved, 0, 0, 1), "1.000000");
+  const std::string file = saved.file();
+  EXPECT_NE(file.find(bof(0x10) + broken + eof()), std::string::npos);
   stream.replace(bof(5).size() + 4, 4, u32(999999));
   LoadedBook book(file_of(stream));
   EXPECT_FALSE(can_be_read(book, 0));
