@@ -94,6 +94,9 @@ std::optional<Group> group_of_id(std::uint16_t id) {
     case kExternSheet:
       return Group::kEntries;
     case kName:
+    case kNamePublished:
+    case kNameComment:
+    case kNameCategory:
       return Group::kNames;
     case kDrawingGroup:
       return Group::kDrawings;
@@ -154,7 +157,7 @@ class GlobalsGroups : public GroupWriter {
   bool write_old_window(RecordReader& old);
   bool write_old_extension(RecordReader& old);
   bool write_old_book(RecordReader& old);
-  void write_old_name(std::size_t place, RecordReader& old);
+  bool write_old_name(RecordReader& old);
   void write_names();
   void write_name(const LinkWriter::Name& name, std::string_view old);
   bool is_as_stored(const DefinedName& name, std::string_view old);
@@ -171,6 +174,7 @@ class GlobalsGroups : public GroupWriter {
   TokenReader stored_tokens_;
   std::vector<std::uint64_t> sheet_places_;
   std::size_t books_ = 0;  // of other files, and this one, that were passed
+  std::size_t names_ = 0;  // likewise
 };
 
 GroupWriter::Mode GlobalsGroups::mode(std::size_t group) const {
@@ -286,8 +290,7 @@ bool GlobalsGroups::write_one(std::size_t group, std::size_t place, RecordReader
     case Group::kBooks:
       return write_old_book(old);
     case Group::kNames:
-      write_old_name(place, old);
-      return true;
+      return write_old_name(old);
     default:
       return false;
   }
@@ -429,23 +432,30 @@ bool GlobalsGroups::write_old_book(RecordReader& old) {
   return true;
 }
 
-void GlobalsGroups::write_old_name(std::size_t place, RecordReader& old) {
+// What later programs know of a name stands behind it, and goes with it.
+bool GlobalsGroups::write_old_name(RecordReader& old) {
   constexpr std::size_t kScope = 8;
   constexpr std::size_t kLeast = 14;
-  std::string data(old.whole_data());
   const std::vector<LinkWriter::Name>& names = shared_.links.names();
+  if (old.id() != kName) return names_ > 0 && names_ <= names.size() && names[names_ - 1].is_spare;
+  const std::size_t place = names_++;
+  std::string data(old.whole_data());
   if (data.size() < kLeast || place >= names.size()) {
     out_.copy(kName, data);
-    return;
+    return true;
   }
   const LinkWriter::Name& name = names[place];
   const bool was_defined = shared_.links.file().names[place].is_defined;
   const bool is_same = name.defined ? is_as_stored(*name.defined, data) : !was_defined;
-  if (!is_same) return write_name(name, data);
+  if (!is_same) {
+    write_name(name, data);
+    return true;
+  }
   put16(&data[kScope], static_cast<std::uint32_t>(scope_of(name.scope)));
   out_.begin(kName);
   out_.put(data);
   out_.end();
+  return true;
 }
 
 // Whether a name means what the file says of it.

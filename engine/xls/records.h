@@ -132,7 +132,10 @@ enum RecordId : std::uint16_t {
   kFormatExtension = 0x87D,
   kFutureFilterColumn = 0x87E,
   kFutureContinue = 0x87F,
+  kNamePublished = 0x893,
+  kNameComment = 0x894,
   kSortState = 0x895,
+  kNameCategory = 0x899,
   kChartLink = 0x1051,
 };
 

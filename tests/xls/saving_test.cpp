@@ -68,7 +68,8 @@ TEST(XlsSaving, LeavesRecordsInTheirPlaces) {
                             view + record(0x862, std::string(20, '\0'));
   const std::string second = record(0x20B, std::string(12, '\0') + u32(0)) + number(0, 0, 2);
   const std::string globals = styles() + unknown("g") + record(0x18, std::string(14, '\0')) +
-                              record(0x1C1, "calculated") + unknown("h");
+                              record(0x894, "of the name") + record(0x1C1, "calculated") +
+                              unknown("h");
   const std::string file = file_of(stream_of({{"One", first}, {"Two", second}}, globals));
   struct Case {
     const char* what;
@@ -105,8 +106,16 @@ TEST(XlsSaving, LeavesRecordsInTheirPlaces) {
     EXPECT_EQ(data_of(after, 0x81), u16(0x04C1));
     EXPECT_EQ(sheet_of(saved, 1), before);
   }
-  // Programs calculate what may be old.
+  // What is said of a name stays behind it.
   LoadedBook book(file);
+  DefinedName added;
+  added.name = "Added";
+  added.definition = "1";
+  book.book.names.add(added);
+  auto ids = ids_of(records_of(book.file()));
+  std::erase_if(ids, [](unsigned id) { return id != 0x18 && id != 0x894; });
+  EXPECT_THAT(ids, ElementsAre(0x18, 0x894, 0x18));
+  // Programs calculate what may be old.
   SaveOptions options;
   EXPECT_NE(data_of(records_of(book.file(options)), 0x1C1), "none");
   options.calculate = true;
