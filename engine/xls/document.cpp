@@ -113,7 +113,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   SheetContents contents = begin_contents(book);
   RowFilter filter;
   if (sheet.loading == Loading::kPartly)
-    filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false};
+    filter = {sheet.loaded_rows.row_first, sheet.loaded_rows.row_last, false, true};
   SheetFlags flags;
   RecordReader reader(file_->stream, part.begin, file_->globals.cipher, sheet.name());
   reader.end_at(part.limit);

@@ -58,8 +58,7 @@ enum class SheetGroup : std::uint8_t {
   kIgnoredErrors,
   kTables,
 };
-inline constexpr std::size_t kSheetGroups =
-    static_cast<std::size_t>(SheetGroup::kTables) + 1;
+inline constexpr std::size_t kSheetGroups = static_cast<std::size_t>(SheetGroup::kTables) + 1;
 
 struct SheetPart {
   std::uint32_t begin = 0;  // of the substream in the stream
@@ -78,6 +77,7 @@ struct RowFilter {
   int first = 0;
   int last = std::numeric_limits<int>::max();
   bool others = false;
+  bool sizes = false;  // those of the rest are kept: objects on the sheet lie over them
 
   bool keeps(int row) const { return (row >= first && row <= last) != others; }
   bool keeps_all() const {

@@ -515,7 +515,8 @@ class SheetReader {
   void read_row(std::string_view data) {
     need(16);
     const int row = get16(data, 0);
-    if (!filter_.keeps(row)) return;
+    const bool is_kept = filter_.keeps(row);
+    if (!is_kept && !filter_.sizes) return;
     const unsigned height = get16(data, 6);
     const unsigned flags = get16(data, 12);
     RowProperties its;
@@ -524,11 +525,13 @@ class SheetReader {
     const bool usual = (height & kRowUsualHeight) != 0 || points == sheet_.default_row_height;
     if (its.custom_height || !usual) its.height = points;
     its.hidden = (flags & kRowHidden) != 0;
-    its.collapsed = (flags & kRowCollapsed) != 0;
-    its.outline_level = static_cast<std::uint8_t>(flags & kRowLevel);
-    const unsigned format = get16(data, 14);
-    if ((flags & kRowHasFormat) != 0) its.style = context_.globals.format(format & 0xFFFU);
-    its.details = row_details((format & kRowDetails) >> 12);
+    if (is_kept) {
+      its.collapsed = (flags & kRowCollapsed) != 0;
+      its.outline_level = static_cast<std::uint8_t>(flags & kRowLevel);
+      const unsigned format = get16(data, 14);
+      if ((flags & kRowHasFormat) != 0) its.style = context_.globals.format(format & 0xFFFU);
+      its.details = row_details((format & kRowDetails) >> 12);
+    }
     // Where rows are hidden, those that are not are told of by standing here.
     if (its == RowProperties() && !sheet_.hides_rows) return;
     row_ = &sheet_.cells.row_at(row);

@@ -185,7 +185,7 @@ class SheetsWriter {
     stored.formulas = &formulas;
     CellsWriter cells(out_, book_, sheet, stored);
 
-    constexpr RowFilter kNoRows{1, 0, false};
+    constexpr RowFilter kNoRows{1, 0};
     Workbook scratch(book_.book.limits);
     // The filter's range, which only its columns follow from.
     if (!part.is_moved && !part.is_copy)

@@ -222,6 +222,7 @@ TEST(XlsReading, ReadsOnlyTheRowsThatAreAskedFor) {
     records += cell(0x204, row, 0, 15, narrow16("row " + std::to_string(row)));
     if (row > 1) records += formula(row, 1, elsewhere(1, 1)) + formula(row, 2, elsewhere(1, 2));
   }
+  records += record(0x208, u16(1) + u32(0) + u16(800) + u32(0) + u16(0x41) + u16(15));
   LoadedBook book(file_of(stream_of({{"Data", records}}, texts({narrow16("shared")}))));
   Sheet& sheet = *book.book.sheets()[0];
   sheet.loading = Loading::kPartly;
@@ -233,6 +234,11 @@ TEST(XlsReading, ReadsOnlyTheRowsThatAreAskedFor) {
                {3, 1, "0.000000"},
                {3, 2, "0.000000 =A4"}});
   EXPECT_TRUE(sheet.contents().outer_arrays.contains({1, 1}));
+  // Of the rest rows keep their sizes: drawings lie over them.
+  const RowProperties* high = sheet.contents().properties(*sheet.contents().cells.find_row(1));
+  ASSERT_NE(high, nullptr);
+  EXPECT_EQ(high->height, 40);
+  EXPECT_EQ(high->outline_level, 0);
   const auto outside = book.document->read_outside(book.book, sheet);
   const SheetContents& others = outside->rows.contents();
   ASSERT_NE(others.cells.find(2, 0), nullptr);
