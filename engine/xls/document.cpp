@@ -180,6 +180,7 @@ void Document::place_sheet(Sheet& sheet) noexcept {
 // it is an end goes on up to its neighbour.
 void Document::remove_sheet(Workbook& book, Sheet& sheet, const FormulaEdit& /*edit*/) {
   if (!file_) return;
+  file_->globals.drawings.drop(drawings_of(*file_, book, sheet));
   LinkTable& links = file_->globals.links;
   const auto number =
       static_cast<std::int16_t>(std::ranges::find(links.sheets, &sheet) - links.sheets.begin());

@@ -118,6 +118,12 @@ void DrawingGroup::look_at_store(std::uint64_t at, std::uint64_t end) {
   }
 }
 
+void DrawingGroup::drop(const GoneDrawings& gone) {
+  gone_.pictures.insert(gone_.pictures.end(), gone.pictures.begin(), gone.pictures.end());
+  gone_.drawings += gone.drawings;
+  gone_.shapes += gone.shapes;
+}
+
 std::string DrawingGroup::picture(std::size_t index) const {
   const StoredPicture& its = pictures_[index];
   return its.blip_size == 0 ? std::string() : picture_file(bytes(its.blip, its.blip_size));

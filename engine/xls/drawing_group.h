@@ -59,6 +59,14 @@ struct StoredPicture {
   std::uint32_t uses = 0;
 };
 
+// What sheets that leave the book take along: drawings, those of charts included, the shapes in
+// them, and the stored pictures that these show, from 1, once for each.
+struct GoneDrawings {
+  std::uint32_t drawings = 0;
+  std::uint32_t shapes = 0;
+  std::vector<std::uint32_t> pictures;
+};
+
 class DrawingGroup {
  public:
   // Takes a record with those that continue it.
@@ -85,6 +93,9 @@ class DrawingGroup {
   std::uint64_t end() const { return end_; }
   std::string bytes(std::uint64_t at, std::uint64_t size) const;
 
+  void drop(const GoneDrawings& gone);
+  const GoneDrawings& gone() const { return gone_; }
+
  private:
   void look_at_list(std::uint64_t at, std::uint64_t end);
   void look_at_store(std::uint64_t at, std::uint64_t end);
@@ -100,6 +111,7 @@ class DrawingGroup {
   std::uint32_t drawings_ = 0;
   std::vector<ShapeCluster> clusters_;
   std::vector<StoredPicture> pictures_;
+  GoneDrawings gone_;
 };
 
 // The pictures of a loaded book: those of the store in its order, and links to files, which stand

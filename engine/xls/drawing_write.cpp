@@ -290,12 +290,14 @@ Drawings::Drawings(const Workbook& book, const DrawingGroup& group, const Loaded
       group_(group),
       loaded_(loaded),
       clusters_(group.clusters()),
-      drawings_(group.drawings()),
-      shapes_(group.shapes()),
+      drawings_(group.drawings() - std::min(group.drawings(), group.gone().drawings)),
+      shapes_(group.shapes() - std::min(group.shapes(), group.gone().shapes)),
       highest_shape_(group.highest_shape()) {
-  last_drawing_ = drawings_;
+  last_drawing_ = group.drawings();
   for (const ShapeCluster& one : clusters_) last_drawing_ = std::max(last_drawing_, one.drawing);
   add_pictures();
+  changed_ = changed_ || group.gone().drawings != 0;
+  for (const std::uint32_t picture : group.gone().pictures) use(picture, -1);
 }
 
 // Pictures of equal bytes are stored once.

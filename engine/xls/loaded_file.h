@@ -53,6 +53,9 @@ struct LoadedFile {
 // What a sheet of the format begins with.
 SheetContents begin_contents(const Workbook& book);
 
+// What goes with a sheet that is removed. A sheet that is damaged takes nothing along.
+GoneDrawings drawings_of(const LoadedFile& file, const Workbook& book, const Sheet& sheet);
+
 // The rows that a partial load of a sheet has left out. Throws FileError.
 std::unique_ptr<OutsideRows> read_outside_rows(const LoadedFile& file, const Workbook& book,
                                                const Sheet& sheet);

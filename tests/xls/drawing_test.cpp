@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "engine/package/compound_file.h"
+#include "engine/workbook/sheet_operations.h"
 #include "engine/xls/blips.h"
 #include "engine/xls/drawing_pieces.h"
 #include "engine/xls/drawing_read.h"
@@ -233,7 +234,7 @@ void expect_sound(Redrawn& book) {
 
 const std::string kChart = bof(0x20) + record(0x1002, "chart") + eof();
 
-std::string sample_stream() {
+std::string sample_stream(const std::vector<SheetStream>& others = {}) {
   const std::string note = record(0x1C, u16(9) + u16(1) + u16(2) + u16(5) + narrow16("me") + u8(0));
   const std::string store = container(
       0xF001, store_entry(pictures::png(30, 20), 1) + piece(2, 0, 0xF007, std::string(36, '\0')) +
@@ -247,7 +248,9 @@ std::string sample_stream() {
       {75, 1030, property(0x4104, 2), anchor(0, 0, 1, 2, 3), object(8, 9)},
       {75, 1031, property(0x4104, 1), anchor(0, 0, 1, 2, 3), object(8, 10, u16(9) + u16(0))},
   };
-  return stream_of({{"One", drawing_records(shapes) + note}}, drawing_group(store, 8));
+  std::vector<SheetStream> sheets = {{"One", drawing_records(shapes) + note}};
+  sheets.insert(sheets.end(), others.begin(), others.end());
+  return stream_of(sheets, drawing_group(store, 8));
 }
 
 std::string sample_file() { return file_of(sample_stream()); }
@@ -308,6 +311,19 @@ TEST(XlsDrawings, AreChangedWithoutLosingWhatTheyCarry) {
   EXPECT_EQ(bytes_at(changed, 0), bytes_at(book, 0));
   EXPECT_EQ(bytes_at(changed, 1), bytes_at(book, 3));
   EXPECT_NE(book.file().find(kChart), std::string::npos);
+}
+
+TEST(XlsDrawings, GoWithTheirSheets) {
+  for (const bool is_read : {false, true}) {
+    SCOPED_TRACE(is_read);
+    LoadedBook book(file_of(sample_stream({{"Two", ""}})));
+    if (is_read) book.sheet();
+    delete_sheet(book.book, *book.document, 0);
+    const Redrawn after(book.file());
+    EXPECT_EQ(after.globals.drawings.drawings(), 0U);
+    EXPECT_EQ(after.globals.drawings.shapes(), 0U);
+    for (const StoredPicture& one : after.globals.drawings.pictures()) EXPECT_EQ(one.uses, 0U);
+  }
 }
 
 TEST(XlsDrawings, MoveWithTheirCells) {
