@@ -59,17 +59,17 @@ std::set<std::string> functions_in(std::string_view text) {
   return functions;
 }
 
-// How many words of a name as Sheet_WriteNum stand in the text: write and num do in "Write
-// numbers".
+// How many words of a name stand in the text: "Write numbers" has both of XL_Sheet_WriteNum. What
+// stands in front, the family, is no word of the function's own.
 std::ptrdiff_t words_in(const std::string& text, const std::string& name) {
   const std::u16string lower = to_lower(utf16_from_utf8(text));
   std::ptrdiff_t count = 0;
-  for (std::size_t at = 0; at < name.size();) {
+  for (std::size_t at = name.rfind('_') + 1; at < name.size();) {
     const std::size_t end =
-        std::min(name.find_first_of("_ABCDEFGHIJKLMNOPQRSTUVWXYZ", at + 1), name.size());
-    const std::string word = name.substr(at, end - at);
-    if (word.size() > 1 && lower.find(to_lower(utf16_from_utf8(word))) != lower.npos) ++count;
-    at = end + (end < name.size() && name[end] == '_' ? 1 : 0);
+        std::min(name.find_first_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ", at + 1), name.size());
+    const std::u16string word = to_lower(utf16_from_utf8(name.substr(at, end - at)));
+    if (word.size() > 1 && lower.find(word) != std::u16string::npos) ++count;
+    at = end;
   }
   return count;
 }
