@@ -74,11 +74,6 @@ bool SheetObject::check_bindings(int row, int column) const {
          book_.refuse(false, messages::bound_formula({row, column}));
 }
 
-bool SheetObject::check_write(int row, int column, const libxl::Format* format,
-                              Style* style) const {
-  return check_format(format, style) && check_writable(row, column);
-}
-
 // The used range. Rows may be kept for their properties alone: only those with cells count.
 CellRange SheetObject::used_range() const {
   CellRange range{0, -1, 0, -1};

@@ -259,7 +259,9 @@ class SheetObject final : public libxl::Sheet, public BookPart {
   bool check_read(int row, int column) const {
     return check_cell(row, column) && check_loaded(row);
   }
-  bool check_write(int row, int column, const libxl::Format* format, Style* style) const;
+  bool check_write(int row, int column, const libxl::Format* format, Style* style) const {
+    return (!format || check_format(format, style)) && check_writable(row, column);
+  }
   bool check_error(int error) const;
   bool check_comments() const;
   bool check_links() const;
