@@ -191,8 +191,9 @@ Replacement::Replacement(const std::string& path) : target_(follow_links(path)) 
   const bool replaces = check_target(target_, about);
   const mode_t mode = replaces ? S_IRUSR | S_IWUSR : mode_t{0666};
   while (!file_) {
-    auto side_path = folder_of(target_) + "/.save-" + random_letters(16);
-    file_ = open_new(side_path, mode);
+    // Nothing may fail any more once the file is there, or it would stay.
+    std::filesystem::path side_path = folder_of(target_) + "/.save-" + random_letters(16);
+    file_ = open_new(side_path.native(), mode);
     if (file_) side_path_ = std::move(side_path);
     else if (errno != EEXIST) refuse(target_);
   }

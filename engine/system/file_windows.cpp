@@ -223,8 +223,9 @@ Replacement::Replacement(const std::string& path) : target_(follow_links(native(
   const auto& target = target_.native();
   const auto folder = target.substr(0, target.find_last_of(LR"(\/)") + 1);
   while (!file_) {
-    auto side_path = folder + to_wide(".save-" + random_letters(16));
-    file_ = open_file(side_path, GENERIC_READ | GENERIC_WRITE, 0, CREATE_NEW);
+    // Nothing may fail any more once the file is there, or it would stay.
+    std::filesystem::path side_path = folder + to_wide(".save-" + random_letters(16));
+    file_ = open_file(side_path.native(), GENERIC_READ | GENERIC_WRITE, 0, CREATE_NEW);
     if (file_) side_path_ = std::move(side_path);
     else if (GetLastError() != ERROR_FILE_EXISTS) refuse();
   }
