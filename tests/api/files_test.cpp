@@ -157,17 +157,19 @@ TEST(Files, InformationAloneAnswersLittle) {
 TEST(Files, TemporaryFileMustNotHoldAnything) {
   const std::wstring path = in_temp("api_temporary_test.xlsx");
   const std::wstring temporary = in_temp("api_temporary_test.tmp");
-  Stage stage;
-  ASSERT_TRUE(stage.book->save(path.c_str())) << stage.message();
-  std::ofstream(std::filesystem::path(temporary)) << "precious";
-  EXPECT_FALSE(stage.book->load(path.c_str(), temporary.c_str()));
-  EXPECT_THAT(stage.message(),
-              testing::HasSubstr(R"(api_temporary_test.tmp" cannot be written: it )"
-                                 "exists already"));
-  std::filesystem::remove(temporary);
-  EXPECT_TRUE(stage.book->load(path.c_str(), temporary.c_str())) << stage.message();
+  {
+    Stage stage;
+    ASSERT_TRUE(stage.book->save(path.c_str())) << stage.message();
+    std::ofstream(std::filesystem::path(temporary)) << "precious";
+    EXPECT_FALSE(stage.book->load(path.c_str(), temporary.c_str()));
+    EXPECT_THAT(stage.message(),
+                testing::HasSubstr(R"(api_temporary_test.tmp" cannot be written: it )"
+                                   "exists already"));
+    std::filesystem::remove(temporary);
+    EXPECT_TRUE(stage.book->load(path.c_str(), temporary.c_str())) << stage.message();
+    EXPECT_TRUE(stage.book->getSheet(0)) << stage.message();
+  }
   EXPECT_FALSE(std::filesystem::exists(temporary));
-  EXPECT_TRUE(stage.book->getSheet(0)) << stage.message();
   std::filesystem::remove(path);
 }
 
