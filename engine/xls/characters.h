@@ -21,6 +21,8 @@ class Characters {
 
   bool wide() const { return wide_; }
   std::size_t size_of_one() const { return wide_ ? 2 : 1; }
+  // Room in which any character has place, a pair of surrogates too.
+  std::size_t room_for_one() const { return wide_ ? 4 : 1; }
   std::size_t count() const { return bytes_.size() / size_of_one(); }
   std::string_view bytes() const { return bytes_; }
 

@@ -7,6 +7,13 @@
 
 namespace engine::xls {
 
+namespace {
+
+// By the higher byte of a unit. Readers take each part of a text by itself, so no pair is cut.
+bool begins_pair(char high_byte) { return (static_cast<unsigned char>(high_byte) & 0xFC) == 0xD8; }
+
+}  // namespace
+
 char* put_double(char* at, double value) {
   const auto bits = std::bit_cast<std::uint64_t>(value);
   at = put32(at, static_cast<std::uint32_t>(bits));
@@ -44,13 +51,13 @@ void RecordWriter::put_zeros(std::size_t count) {
 }
 
 void RecordWriter::put_short_text(const Characters& text) {
-  keep_together(2 + text.size_of_one());
+  keep_together(2 + text.room_for_one());
   put8(static_cast<std::uint32_t>(text.count()));
   put_characters(text);
 }
 
 void RecordWriter::put_long_text(const Characters& text) {
-  keep_together(3 + text.size_of_one());
+  keep_together(3 + text.room_for_one());
   put16(static_cast<std::uint32_t>(text.count()));
   put_characters(text);
 }
@@ -61,6 +68,7 @@ void RecordWriter::put_characters(const Characters& text) {
     put8(text.wide() ? 1 : 0);
     std::size_t part = std::min(rest.size(), kMaxData - size_so_far());
     part -= part % text.size_of_one();
+    if (text.wide() && part < rest.size() && begins_pair(rest[part - 1])) part -= 2;
     put(rest.substr(0, part));
     rest.remove_prefix(part);
     if (rest.empty()) return;

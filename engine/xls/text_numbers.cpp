@@ -42,7 +42,7 @@ void TextNumbers::write(RecordWriter& out, RecordReader* old) {
   Characters characters;
   for (const std::string_view text : listed_) {
     characters.take(text);
-    out.keep_together(3 + characters.size_of_one());
+    out.keep_together(3 + characters.room_for_one());
     places_.push_back({static_cast<std::uint32_t>(out.position()),
                        static_cast<std::uint32_t>(out.size_so_far() + 4)});
     out.put_long_text(characters);
