@@ -254,6 +254,7 @@ class Parser {
   const char* p_;
   bool unions_ = true;  // whether a comma joins references here; between arguments it separates
   int depth_ = 0;
+  int deepest_ = 0;  // of the expression that is read, as files have it
   Kind error_ = Kind::kSyntax;
   const char* error_at_ = nullptr;
   std::string error_address_;
@@ -261,6 +262,7 @@ class Parser {
 
 bool Parser::expression(int level) {
   if (++depth_ > kMaxDepth) return fail(p_);
+  const int deepest_around = std::exchange(deepest_, depth_);
   skip_blanks();
   const char* const begin = p_;
   const std::uint16_t first = node_count();
@@ -273,6 +275,7 @@ bool Parser::expression(int level) {
     if (infix.level == kNoOperator || infix.level < level) {
       p_ = behind;
       --depth_;
+      deepest_ = std::max(deepest_, deepest_around);
       return true;
     }
     if (!apply(infix, first, begin)) return false;
@@ -342,6 +345,8 @@ bool Parser::apply(const Infix& infix, std::uint16_t first, const char* begin) {
     return arguments(begin, count) &&
            add(NodeKind::kInvoke, first, begin, mark, static_cast<std::uint16_t>(count));
   }
+  // In files a call is around what spills.
+  if (infix.kind == NodeKind::kSpill && ++deepest_ > kMaxDepth) return fail(mark);
   if (infix.kind != NodeKind::kBinary) return add(infix.kind, first, begin, mark);
   const auto op = static_cast<std::uint16_t>(infix.op);
   const bool joins_references =
