@@ -181,7 +181,9 @@ TEST(XlsWriting, CutsTextsWhereRecordsEnd) {
   for (const auto& [id, data] : records_of(file)) {
     EXPECT_LE(data.size(), RecordWriter::kMaxData);
     // The first half of a pair at the end of a part; readers take each part by itself.
-    if (id == kContinue || id == kTexts) EXPECT_NE(data.back() & 0xFC, 0xD8);
+    if (id == kContinue || id == kTexts) {
+      EXPECT_NE(data.back() & 0xFC, 0xD8);
+    }
   }
 }
 
