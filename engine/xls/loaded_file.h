@@ -1,6 +1,7 @@
 // The file that a book was loaded from, and what operations have changed in what it carries.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -36,10 +37,10 @@ struct LoadedFile {
   RecordEdits edits;  // of what all sheets share
   bool r1c1 = false;  // as the sheets say
 
-  // Where another substream begins.
+  // Where another substream begins; some are said to begin behind the stream.
   std::uint64_t end_of(std::uint64_t begin) const {
     const auto next = ends.upper_bound(begin);
-    return next == ends.end() ? stream.size() : *next;
+    return next == ends.end() ? stream.size() : std::min(*next, stream.size());
   }
   std::set<std::uint64_t> ends;
 
