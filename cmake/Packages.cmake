@@ -2,7 +2,7 @@
 # Debian the plug-in, the engine, and what programs are built with against it.
 set(documents share/doc/vornelix)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/CHANGELOG.md
-              ${CMAKE_SOURCE_DIR}/SECURITY.md
+              ${CMAKE_SOURCE_DIR}/SECURITY.md ${CMAKE_SOURCE_DIR}/LICENSE
   DESTINATION ${documents} COMPONENT plugin)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples DESTINATION ${documents} COMPONENT plugin)
 # The manual, once `./docs` has made it: one for all systems.
