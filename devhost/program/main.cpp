@@ -169,7 +169,9 @@ int run_program(const std::vector<std::string>& words) {
   Report report(options.json ? devhost::Style::kJson : devhost::Style::kText, options.strict);
   const int status = carry_out(app, options, report);
   report.finish();
-  return status;
+  if (std::cout.flush()) return status;
+  std::cerr << "xlcalc: the output cannot be written\n";
+  return kFailed;
 }
 
 }  // namespace
