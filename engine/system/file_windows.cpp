@@ -74,7 +74,7 @@ OVERLAPPED place_at(std::uint64_t offset) {
 
 DWORD at_most(std::size_t size) { return static_cast<DWORD>(std::min(size, kMostAtOnce)); }
 
-// The file a path leads to. A link that leads nowhere is replaced itself.
+// The file a path leads to. Only what can be opened tells it: a link that leads nowhere is refused.
 std::wstring follow_links(std::wstring path) {
   const DWORD attributes = GetFileAttributesW(path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0)
