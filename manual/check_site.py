@@ -24,6 +24,8 @@ SEARCHES = {
     "XL_ColorRed": "xl_colorred",
     "merge cells": "xl_sheet_setmerge",
     "freeze rows": "xl_sheet_split",
+    "hide a sheet": "xl_sheet_sethidden",
+    "border": "xl_format_setborder",
     "password": "xl_sheet_setprotect",
     "page number": "xl_sheet_setheader",
     "superscript": "xl_font_setscript",

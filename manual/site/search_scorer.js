@@ -1,5 +1,6 @@
 // How much a result of a search counts. What the query names comes first, then what has the query's
-// words in its name, as a phrase or early in its description.
+// words in its name, as a phrase or early in its description. A function, whose name has its object,
+// comes before the constants that it takes.
 var Scorer = {
   objNameMatch: 11,
   objPartialMatch: 6,
@@ -15,7 +16,8 @@ var Scorer = {
     if (name === query || name.endsWith("_" + query)) return score + 100;
     const words = query.split(/\s+/);
     const held = (text) => words.filter((word) => text.includes(word)).length;
+    const isFunction = name.split("_").length > 2;
     const phrase = words.length > 1 && about.includes(query) ? 20 : 0;
-    return score + 10 * held(name) + 4 * held(about.slice(0, 40)) + phrase;
+    return score + 10 * held(name) + 4 * held(about.slice(0, 40)) + phrase + (isFunction ? 5 : 0);
   },
 };
