@@ -22,7 +22,7 @@ HANDLE handle_of(const File& file) {
 [[noreturn]] void refuse() { throw FileRefusal(file_reason(static_cast<int>(GetLastError()), "")); }
 
 // The whole path, as the system takes it whatever its length: without the prefix it stops at 260
-// characters.
+// characters, and the name of a file beside it may take 22 more.
 std::wstring native(const std::string& path) {
   const std::wstring given = to_wide(path);
   if (given.empty()) throw FileRefusal("no such file");
@@ -31,7 +31,7 @@ std::wstring native(const std::string& path) {
       GetFullPathNameW(given.c_str(), static_cast<DWORD>(whole.size()), whole.data(), nullptr));
   if (whole.empty()) refuse();
   if (whole.starts_with(LR"(\\.\)")) throw FileRefusal("it is not a plain file");
-  if (whole.size() < 240 || whole.starts_with(LR"(\\?\)")) return whole;
+  if (whole.size() < 230 || whole.starts_with(LR"(\\?\)")) return whole;
   return whole.starts_with(LR"(\\)") ? LR"(\\?\UNC)" + whole.substr(1) : LR"(\\?\)" + whole;
 }
 
@@ -243,9 +243,17 @@ void Replacement::commit() {
   constexpr int kTries = 20;
   constexpr DWORD kPause = 50;  // milliseconds
   if (FlushFileBuffers(handle_of(file_)) == 0 || !file_.close()) refuse();
-  for (int left = kTries; !take_place(side_path_.native(), target_.native()); --left) {
-    if (left == 0 || !is_scanned(GetLastError())) refuse();
-    Sleep(kPause);
+  const bool replaces = check_target(target_.native());
+  try {
+    for (int left = kTries; !take_place(side_path_.native(), target_.native()); --left) {
+      if (left == 0 || !is_scanned(GetLastError())) refuse();
+      Sleep(kPause);
+    }
+  } catch (const FileRefusal&) {
+    // A replacement that stops halfway has taken the old file away: the new one is all there is.
+    if (replaces && GetFileAttributesW(target_.c_str()) == INVALID_FILE_ATTRIBUTES)
+      side_path_.clear();
+    throw;
   }
   side_path_.clear();
 }
