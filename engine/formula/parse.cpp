@@ -267,6 +267,7 @@ bool Parser::expression(int level) {
   const char* const begin = p_;
   const std::uint16_t first = node_count();
   if (!operand()) return false;
+  int last = kLevelCall;
   while (true) {
     const char* const behind = p_;
     skip_blanks();
@@ -278,6 +279,9 @@ bool Parser::expression(int level) {
       deepest_ = std::max(deepest_, deepest_around);
       return true;
     }
+    // The operand in front has refused it, and all in front of that is none of its own.
+    if (infix.level > last) return fail(p_);
+    last = infix.level;
     if (!apply(infix, first, begin)) return false;
   }
 }
@@ -395,6 +399,8 @@ bool Parser::sign() {
   const std::uint16_t first = node_count();
   ++p_;
   if (!expression(kLevelSign)) return false;
+  // In files a call is instead of it, and parentheses may be around its operand.
+  if (*begin == '@' && ++deepest_ > kMaxDepth) return fail(begin);
   return add(NodeKind::kPrefix, first, begin, begin, static_cast<unsigned char>(*begin));
 }
 

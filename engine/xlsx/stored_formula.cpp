@@ -46,6 +46,13 @@ std::string_view prefix_of(std::string_view function) {
 
 bool is_at_sign(const Node& node) { return node.kind == NodeKind::kPrefix && node.value == '@'; }
 
+// Whether the operand joins references by a comma, which would part arguments in the call.
+bool takes_union(const std::vector<Node>& nodes, std::size_t at_sign) {
+  const Node& operand = nodes[at_sign - 1];
+  return operand.kind == NodeKind::kBinary &&
+         operand.value == static_cast<std::uint16_t>(formula::Operator::kUnion);
+}
+
 bool may_be_parameter(const Node& node) {
   return node.prefix == PrefixKind::kNone &&
          (node.kind == NodeKind::kName || node.kind == NodeKind::kCall);
@@ -201,13 +208,16 @@ std::optional<std::string> stored_formula(std::string_view shown, const Grid& gr
   // What opens at one place opens from the outside in, and the outer nodes come last.
   for (std::size_t i = nodes.size(); i-- > 0;) {
     const Node& node = nodes[i];
-    if (is_at_sign(node)) edits.replace(node.begin, node.begin + 1U, std::string(kSingleCall));
+    if (is_at_sign(node))
+      edits.replace(node.begin, node.begin + 1U,
+                    std::string(kSingleCall) + (takes_union(nodes, i) ? "(" : ""));
     else if (node.kind == NodeKind::kSpill) edits.insert(node.begin, std::string(kSpillCall));
     else if (may_be_parameter(node))
       edits.insert(node.begin, prefix_of(*formula, node, parameters));
   }
-  for (const Node& node : nodes) {
-    if (is_at_sign(node)) edits.insert(node.end, ")");
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const Node& node = nodes[i];
+    if (is_at_sign(node)) edits.insert(node.end, takes_union(nodes, i) ? "))" : ")");
     else if (node.kind == NodeKind::kSpill) edits.replace(node.end - 1U, node.end, ")");
     else if (node.kind == NodeKind::kStructured) write_structured(edits, *formula, node, place);
   }
