@@ -333,8 +333,7 @@ Infix Parser::blank_infix(bool after_blank) const {
   }
   if (!options_.later_forms) return {};
   const NodeKind left = formula_.nodes.back().kind;
-  // A second one would take all that stands in front for its operand.
-  if (*p_ == '#' && p_[-1] != '#' && yields_reference())
+  if (*p_ == '#' && left != NodeKind::kSpill && yields_reference())
     return {kLevelCall, 1, NodeKind::kSpill, {}};
   const bool callable =
       left == NodeKind::kCall || left == NodeKind::kInvoke || left == NodeKind::kParentheses;
