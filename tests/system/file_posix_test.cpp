@@ -5,25 +5,16 @@
 
 #include <cerrno>
 #include <csignal>
-#include <functional>
 
 #include "engine/system/file.h"
 #include "engine/system/file_reason.h"
 #include "tests/package/temp_folder.h"
+#include "tests/system/refusal.h"
 
 namespace engine::system {
 namespace {
 
 using package::testing::TempFolder;
-
-std::string refusal(const std::function<void()>& ask) {
-  try {
-    ask();
-  } catch (const FileRefusal& refused) {
-    return refused.what();
-  }
-  return "";
-}
 
 TEST(File, IsPlainOrRefused) {
   const TempFolder folder;

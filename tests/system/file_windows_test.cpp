@@ -1,25 +1,16 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
-#include <functional>
 
 #include "engine/system/file.h"
 #include "engine/text/wide.h"
 #include "tests/package/temp_folder.h"
+#include "tests/system/refusal.h"
 
 namespace engine::system {
 namespace {
 
 using package::testing::TempFolder;
-
-std::string refusal(const std::function<void()>& ask) {
-  try {
-    ask();
-  } catch (const FileRefusal& refused) {
-    return refused.what();
-  }
-  return "";
-}
 
 void replace(const std::string& path, std::string_view text) {
   Replacement side(path);
