@@ -16,7 +16,6 @@ using package::get16;
 constexpr std::size_t kLeast = std::size_t{1} << 19;  // below that a thread gains nothing
 constexpr std::size_t kPiece = std::size_t{1} << 18;
 constexpr std::size_t kStep = std::size_t{1} << 16;  // that the first thread claims at once
-constexpr std::size_t kHead = 4;
 
 }  // namespace
 
@@ -97,14 +96,14 @@ void CellsAhead::find_pieces() {
   std::size_t at = 0;
   while (records_.size() - at >= PlainCells::kRoom) {
     const std::uint16_t id = get16(records_, at);
-    const std::size_t size = kHead + get16(records_, at + 2);
+    const std::size_t size = kRecordHead + get16(records_, at + 2);
     if (size > records_.size() - at || id == kEof) break;
     if (!is_plain_cell(id)) {
       end_run(at);
     } else if (run.empty()) {
       run.push_back(at);
     } else if (id != kDbCell) {
-      const unsigned its_row = get16(records_, at + kHead);
+      const unsigned its_row = get16(records_, at + kRecordHead);
       if (its_row != row && at - run.back() >= kPiece) run.push_back(at);
       row = its_row;
     }

@@ -42,7 +42,6 @@ void ScatteredBytes::read(const package::CompoundStream& stream,
 }
 
 void DrawingGroup::take(RecordReader& reader) {
-  constexpr std::size_t kRecordHead = 4;
   do {
     bytes_.append(reader.offset() + kRecordHead, reader.data().size());
   } while (reader.next_part());

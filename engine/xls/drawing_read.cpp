@@ -14,8 +14,6 @@ namespace {
 
 using Kind = DrawnShape::Kind;
 
-constexpr std::size_t kRecordHead = 4;
-
 enum ObjectKind : std::uint32_t { kPictureObject = 0x08, kListObject = 0x14, kNoteObject = 0x19 };
 enum ShapeType : std::uint32_t { kPictureFrame = 75 };
 constexpr std::uint32_t kIsForeign = 0x10;  // a flag of a shape: another program's object

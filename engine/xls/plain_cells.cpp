@@ -13,8 +13,6 @@ namespace {
 using package::get16;
 using package::get32;
 
-constexpr std::size_t kHead = 4;
-
 // The number and the size of a record as one word.
 constexpr std::uint32_t head(RecordId id, std::uint32_t size) { return id | size << 16; }
 
@@ -69,21 +67,21 @@ std::size_t PlainCells::read(std::string_view records, std::size_t end) {
     if (is_cell) is_read = put(get16(record, 4), get16(record, 6), get16(record, 8), value);
     if (!is_read) break;
     last_ = at;
-    at += kHead + (its_head >> 16);
+    at += kRecordHead + (its_head >> 16);
   }
   return at;
 }
 
 bool PlainCells::read_other(std::string_view records) {
-  const std::string_view record = records.substr(0, kHead + get16(records, 2));
-  if (record.size() < kHead + get16(records, 2)) return false;
+  const std::string_view record = records.substr(0, kRecordHead + get16(records, 2));
+  if (record.size() < kRecordHead + get16(records, 2)) return false;
   switch (get16(record, 0)) {
     case kMulRk:
       return read_numbers(record);
     case kMulBlank:
       return read_blanks(record);
     case kRow:
-      return record.size() == kHead + 16 && says_nothing(record);
+      return record.size() == kRecordHead + 16 && says_nothing(record);
     default:
       return get16(record, 0) == kDbCell;
   }
@@ -101,7 +99,7 @@ bool PlainCells::says_nothing(std::string_view row) const {
 // Neighbours of a row.
 bool PlainCells::read_numbers(std::string_view record) {
   constexpr std::size_t kEntry = 6;
-  if (record.size() < kHead + kEntry) return false;
+  if (record.size() < kRecordHead + kEntry) return false;
   std::size_t column = get16(record, 6);
   for (std::size_t at = 8; at + kEntry + 2 <= record.size(); at += kEntry)
     if (!put(get16(record, 4), column++, get16(record, at),
@@ -111,7 +109,7 @@ bool PlainCells::read_numbers(std::string_view record) {
 }
 
 bool PlainCells::read_blanks(std::string_view record) {
-  if (record.size() < kHead + 6) return false;
+  if (record.size() < kRecordHead + 6) return false;
   std::size_t column = get16(record, 6);
   for (std::size_t at = 8; at + 4 <= record.size(); at += 2)
     if (!put(get16(record, 4), column++, get16(record, at), {})) return false;

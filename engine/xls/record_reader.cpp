@@ -49,21 +49,21 @@ bool RecordReader::move_window(std::uint64_t offset, std::size_t count) {
 }
 
 bool RecordReader::next() {
-  if (!reach(next_, kHeaderSize)) return false;
+  if (!reach(next_, kRecordHead)) return false;
   offset_ = next_;
   std::size_t at = static_cast<std::size_t>(offset_ - window_begin_);
   id_ = package::get16(window_, at);
   const std::size_t size = package::get16(window_, at + 2);
-  if (!reach(offset_, kHeaderSize + size)) fail("ends too early");
+  if (!reach(offset_, kRecordHead + size)) fail("ends too early");
   at = static_cast<std::size_t>(offset_ - window_begin_);
-  data_ = window_.substr(at + kHeaderSize, size);
-  next_ = offset_ + kHeaderSize + size;
+  data_ = window_.substr(at + kRecordHead, size);
+  next_ = offset_ + kRecordHead + size;
   if (cipher_) decrypt();
   return true;
 }
 
 std::string_view RecordReader::ahead() {
-  if (cipher_ || !reach(next_, kHeaderSize)) return {};
+  if (cipher_ || !reach(next_, kRecordHead)) return {};
   return window_.substr(static_cast<std::size_t>(next_ - window_begin_));
 }
 
@@ -81,13 +81,13 @@ void RecordReader::decrypt() {
   if (std::ranges::find(kPlain, id_) != std::end(kPlain)) return;
   const std::size_t plain = id_ == kBoundSheet ? std::min<std::size_t>(4, data_.size()) : 0;
   decrypted_ = data_;
-  cipher_->apply(offset_ + kHeaderSize + plain, data_.size(), std::span(decrypted_).subspan(plain));
+  cipher_->apply(offset_ + kRecordHead + plain, data_.size(), std::span(decrypted_).subspan(plain));
   data_ = decrypted_;
 }
 
 std::uint16_t RecordReader::next_id() {
-  if (next_ + kHeaderSize > end_) return 0;
-  if (in_window(next_, kHeaderSize))
+  if (next_ + kRecordHead > end_) return 0;
+  if (in_window(next_, kRecordHead))
     return package::get16(window_, static_cast<std::size_t>(next_ - window_begin_));
   std::array<char, 2> bytes{};
   stream_.read(next_, bytes);

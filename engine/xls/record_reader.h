@@ -60,8 +60,6 @@ class RecordReader {
   [[noreturn]] void fail(std::string_view what) const;
 
  private:
-  static constexpr std::size_t kHeaderSize = 4;
-
   // Whether there are so many bytes; brings them into the window.
   bool reach(std::uint64_t offset, std::size_t count) {
     return in_window(offset, count) || move_window(offset, count);

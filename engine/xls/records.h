@@ -1,9 +1,13 @@
 // Numbers of the records of a workbook stream that the engine knows.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace engine::xls {
+
+// Bytes in front of a record's contents: its number and how many they are.
+inline constexpr std::size_t kRecordHead = 4;
 
 enum RecordId : std::uint16_t {
   kFormula = 0x06,

@@ -223,11 +223,10 @@ class SheetsWriter {
 
   // What cannot be read goes out as records as far as it is some, and what follows as it is.
   void copy_damaged(RecordReader reader, std::uint64_t begin, std::uint64_t end) {
-    constexpr std::size_t kHead = 4;
     try {
       while (reader.next()) {
         out_.copy(reader.id(), reader.data());
-        begin = reader.offset() + kHead + reader.data().size();
+        begin = reader.offset() + kRecordHead + reader.data().size();
       }
     } catch (const package::FileError&) {
       // That is known already.
