@@ -405,9 +405,10 @@ class FilterWriter {
       out_.put32(static_cast<std::uint32_t>(place));
   }
 
+  // A column's records name the cells that are filtered in their heads, those of an order do not.
   void write_sort(const SortState& sort) {
     constexpr std::uint32_t kOfFilter = 0x10;
-    begin_future_record(out_, kSortState, *filter_.range);
+    begin_future_record(out_, kSortState);
     out_.put16(kOfFilter);
     put_large_range(sort.range);
     out_.put32(static_cast<std::uint32_t>(sort.keys.size()));
@@ -421,7 +422,7 @@ class FilterWriter {
     static const std::string kPlain(14, '\0');
     const std::string_view stored =
         key.details == 0 ? std::string_view(kPlain) : sheet_.filter_details[key.details - 1];
-    begin_continuing();
+    begin_future_record(out_, kFutureContinue);
     out_.put16((package::get16(stored, 0) & ~1U) | (key.descending ? 1 : 0));
     put_large_range(key.cells);
     out_.put(stored.substr(2));
