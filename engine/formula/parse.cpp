@@ -223,6 +223,11 @@ class Parser {
   bool call(const char* begin, const char* name, const char* name_end, PrefixKind prefix);
   bool arguments(const char* begin, int& count);
   bool structured(const char* begin, const char* mark, PrefixKind prefix);
+  struct SheetPrefixAt {
+    PrefixKind kind;
+    const char* behind;
+  };
+  static SheetPrefixAt sheet_prefix_at(const char* begin);
   PrefixKind skip_sheet_prefix();
 
   enum class Found { kNo, kYes, kRefused };
@@ -579,18 +584,23 @@ bool Parser::bracket() {
   return structured(begin, begin, PrefixKind::kNone);
 }
 
-// Steps over `Sheet1!` or `Sheet1:Sheet3!`; stays when that is not what stands here.
-PrefixKind Parser::skip_sheet_prefix() {
+// `Sheet1!` or `Sheet1:Sheet3!`, or PrefixKind::kNone when neither stands there.
+Parser::SheetPrefixAt Parser::sheet_prefix_at(const char* begin) {
   PrefixKind kind = PrefixKind::kSheet;
-  const char* p = scan_word(p_);
+  const char* p = scan_word(begin);
   if (*p == ':' && is_word(p[1])) {
     // A1:Sheet2!B1 is a range from A1 on.
-    if (looks_like_address({p_, static_cast<std::size_t>(p - p_)})) return PrefixKind::kNone;
-    kind = PrefixKind::kSheets;
+    if (looks_like_address({begin, static_cast<std::size_t>(p - begin)})) kind = PrefixKind::kNone;
+    else kind = PrefixKind::kSheets;
     p = scan_word(p + 1);
   }
-  if (*p != '!' || bad_character(p_, p) != nullptr) return PrefixKind::kNone;
-  p_ = p + 1;
+  if (*p != '!' || bad_character(begin, p) != nullptr) kind = PrefixKind::kNone;
+  return {kind, p + 1};
+}
+
+PrefixKind Parser::skip_sheet_prefix() {
+  const auto [kind, behind] = sheet_prefix_at(p_);
+  if (kind != PrefixKind::kNone) p_ = behind;
   return kind;
 }
 
@@ -726,7 +736,10 @@ Parser::Found Parser::reference_a1(const char* begin, PrefixKind prefix) {
     if (!ends_address(behind_row) || first.column >= kAddressColumns) return Found::kNo;
     const char* const second = behind_colon(behind_row);
     const char* const area_end = second == nullptr ? nullptr : scan_cell(second, end_, last);
-    const bool is_area = ends_address(area_end);
+    // A1:Abcd1:Abcd3!A1 goes on with sheets: their names have too many letters as well.
+    const bool is_area =
+        ends_address(area_end) &&
+        (last.column < kAddressColumns || sheet_prefix_at(second).kind == PrefixKind::kNone);
     if (is_area) reference.shape = Reference::Shape::kArea;
     else last = first;
     return add_reference(begin, is_area ? area_end : behind_row, prefix, reference);

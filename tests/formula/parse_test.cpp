@@ -76,6 +76,7 @@ constexpr const char* kUnchanged[] = {
     "_xlfn.NORM.S.DIST(1,TRUE)",
     "F.TEST(A1,B1)",
     "YTD2024+ABCD1",
+    "A1:Abcd1:Abcd3!B2",
     "LOG10(A1)+A0",
     "\\x+_y.z?",
 };
