@@ -14,7 +14,7 @@ struct SheetPrefix {
   std::string last;
 };
 
-// For nodes of prefix kSheet and kSheets.
+// For nodes of prefix kSheet and kSheets, and of kExternal, which stands in `first` as a whole.
 SheetPrefix read_prefix(const Formula& formula, const Node& node);
 // Sheet1!, 'Sheet 1'! or 'First sheet:Last sheet'!
 void append_prefix(std::string& out, const SheetPrefix& prefix);

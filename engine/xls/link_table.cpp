@@ -58,7 +58,9 @@ std::string LinkTable::name(std::uint16_t entry, std::uint32_t number) const {
   if (book.kind == LinkedBook::Kind::kAddIn) return named.name;
   const std::string own = "[" + std::to_string(book.number) + "]";
   const bool local = named.sheet > 0 && static_cast<std::size_t>(named.sheet) <= book.sheets.size();
-  if (!local) return own + "!" + named.name;
+  // An item of another program may be called by any text.
+  const bool plain = formula::forbidden_in_name(named.name).empty();
+  if (!local) return own + "!" + (plain ? named.name : formula::quote_sheet_name(named.name));
   return quoted(own, book.sheets[static_cast<std::size_t>(named.sheet) - 1], "") + named.name;
 }
 

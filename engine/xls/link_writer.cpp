@@ -1,5 +1,6 @@
 #include "engine/xls/link_writer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -130,6 +131,52 @@ std::optional<std::uint16_t> LinkWriter::sheets(std::string_view first, std::str
   const Sheet* const to = first == last ? from : book_.find_sheet(last);
   if (!from || !to) return std::nullopt;
   return entry(own_book(), positions_.at(from), positions_.at(to));
+}
+
+std::optional<LinkWriter::Entry> LinkWriter::find_foreign(std::string_view prefix) const {
+  const std::size_t close = prefix.find(']');
+  if (!prefix.starts_with('[') || close == std::string_view::npos) return std::nullopt;
+  int number = 0;
+  const auto [stop, error] = std::from_chars(prefix.data() + 1, prefix.data() + close, number);
+  const auto book = std::ranges::find_if(file_.books, [&](const LinkedBook& one) {
+    return one.kind == LinkedBook::Kind::kOther && one.number == number;
+  });
+  if (error != std::errc() || stop != prefix.data() + close || book == file_.books.end())
+    return std::nullopt;
+  const auto place = static_cast<std::size_t>(book - file_.books.begin());
+  const std::string_view sheets = prefix.substr(close + 1);
+  if (sheets.empty()) return Entry{place, kNone, kNone};
+  const auto position = [&](std::string_view name) {
+    const auto found = std::ranges::find_if(
+        book->sheets, [&](const std::string& one) { return equal_ignoring_case(one, name); });
+    return found == book->sheets.end() ? kLost : static_cast<int>(found - book->sheets.begin());
+  };
+  const std::size_t colon = sheets.find(':');
+  const int first = position(sheets.substr(0, colon));
+  const int last = colon == std::string_view::npos ? first : position(sheets.substr(colon + 1));
+  if (first == kLost || last == kLost) return std::nullopt;
+  return Entry{place, first, last};
+}
+
+std::optional<std::uint16_t> LinkWriter::foreign_sheets(std::string_view prefix) {
+  const auto found = find_foreign(prefix);
+  if (!found) return std::nullopt;
+  const auto& [book, first, last] = *found;
+  return entry(book, first, last);
+}
+
+std::optional<std::pair<std::uint16_t, std::uint32_t>> LinkWriter::foreign_name(
+    std::string_view prefix, std::string_view name) {
+  const auto found = find_foreign(prefix);
+  if (!found) return std::nullopt;
+  const auto& [book, first, last] = *found;
+  const std::vector<LinkedBook::Name>& names = file_.books[book].names;
+  const int scope = first == kNone ? 0 : first + 1;
+  const auto its = std::ranges::find_if(names, [&, scope = scope](const LinkedBook::Name& one) {
+    return one.sheet == scope && equal_ignoring_case(one.name, name);
+  });
+  if (its == names.end()) return std::nullopt;
+  return std::pair{entry(book, first, last), static_cast<std::uint32_t>(its - names.begin() + 1)};
 }
 
 const std::uint32_t* LinkWriter::find(std::string_view name, const Sheet* scope) const {

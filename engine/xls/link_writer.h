@@ -24,6 +24,9 @@ class LinkWriter {
 
   // Number of the entry for a run of sheets; nothing when the book has no such sheet.
   std::optional<std::uint16_t> sheets(std::string_view first, std::string_view last);
+  // The same of another book that the file is linked with, by what stands in front of "!", without
+  // apostrophes: [1]Sheet1, [1]First:Last or [1].
+  std::optional<std::uint16_t> foreign_sheets(std::string_view prefix);
   // Of one that refers to a sheet that is gone.
   std::uint16_t lost_sheet() { return entry(own_book(), kLost, kLost); }
   // Of the book itself, for names of its sheets.
@@ -34,6 +37,9 @@ class LinkWriter {
   std::uint32_t name(std::string_view name, const Sheet* from);
   // The same of a sheet's own; nothing when it has none.
   std::optional<std::uint32_t> name_of(std::string_view name, std::string_view sheet) const;
+  // A name that another book has, or a sheet of it: its entry and its number there, from 1.
+  std::optional<std::pair<std::uint16_t, std::uint32_t>> foreign_name(std::string_view prefix,
+                                                                      std::string_view name);
 
   // A function without a number of its own: its entry and its number there, from 1.
   std::pair<std::uint16_t, std::uint32_t> function(std::string_view name);
@@ -70,6 +76,7 @@ class LinkWriter {
   std::size_t own_book();
   std::size_t functions_book();
   std::uint16_t entry(std::size_t book, int first, int last);
+  std::optional<Entry> find_foreign(std::string_view prefix) const;
   const std::uint32_t* find(std::string_view name, const Sheet* scope) const;
   std::uint32_t add_name(Name name);
 

@@ -62,7 +62,7 @@ std::string unquoted(std::string_view quoted) {
   std::string text;
   for (std::size_t i = 1; i + 1 < quoted.size(); ++i) {
     text += quoted[i];
-    if (quoted[i] == '"') ++i;
+    if (quoted[i] == quoted.front()) ++i;
   }
   return text;
 }
@@ -214,15 +214,13 @@ bool TokenWriter::write_openings(std::size_t node) {
       put16(0);
       continue;
     }
-    if (its.prefix != PrefixKind::kNone)
-      return fail("the formula calls a function of another workbook");
-    const std::string_view text = formula_.text_of(its);
-    const auto [entry, number] =
-        links_.function(function_name(text.substr(0, text.find_first_of("( \n"))));
-    put_token(kForeignName, Class::kReference);
-    put16(entry);
-    put16(number);
-    put16(0);
+    const std::string_view text = formula_.text_of(its).substr(its.mark - std::size_t{its.begin});
+    const std::string_view name = text.substr(0, text.find_first_of("( \n"));
+    const std::optional<ForeignName> found = its.prefix == PrefixKind::kNone
+                                                 ? links_.function(function_name(name))
+                                                 : foreign_name(opened, name);
+    if (!found) return false;
+    put_foreign_name(*found, Class::kReference);
   }
   return true;
 }
@@ -368,14 +366,35 @@ bool TokenWriter::write_error(std::size_t node) {
 std::optional<std::uint16_t> TokenWriter::sheets_of(std::size_t node) {
   const Node& its = formula_.nodes[node];
   if (its.prefix == PrefixKind::kBroken) return links_.lost_sheet();
-  if (its.prefix == PrefixKind::kExternal) {
-    fail("the formula refers to another workbook");
-    return std::nullopt;
-  }
   const auto [first, last] = formula::read_prefix(formula_, its);
-  const auto entry = links_.sheets(first, last);
-  if (!entry) fail("the formula refers to a sheet that the book does not have");
+  const bool is_foreign = its.prefix == PrefixKind::kExternal;
+  const auto entry = is_foreign ? links_.foreign_sheets(first) : links_.sheets(first, last);
+  if (!entry)
+    fail(is_foreign ? "the formula refers to another workbook that the file has no link to"
+                    : "the formula refers to a sheet that the book does not have");
   return entry;
+}
+
+// Of a name behind a prefix.
+std::optional<TokenWriter::ForeignName> TokenWriter::foreign_name(std::size_t node,
+                                                                  std::string_view name) {
+  const Node& its = formula_.nodes[node];
+  const std::string prefix = formula::read_prefix(formula_, its).first;
+  if (its.prefix == PrefixKind::kSheet) {
+    const auto number = links_.name_of(name, prefix);
+    if (number) return ForeignName{links_.whole_book(), *number};
+  }
+  const auto found =
+      its.prefix == PrefixKind::kExternal ? links_.foreign_name(prefix, name) : std::nullopt;
+  if (!found) fail("the formula refers to a name that the file does not have");
+  return found;
+}
+
+void TokenWriter::put_foreign_name(const ForeignName& name, Class its) {
+  put_token(kForeignName, its);
+  put16(name.first);
+  put16(name.second);
+  put16(0);
 }
 
 bool TokenWriter::write_reference(std::size_t node, const FormulaContext& context) {
@@ -438,14 +457,10 @@ bool TokenWriter::write_name(std::size_t node, const FormulaContext& context) {
     put8(*cell_error_number("#REF!"));
     return true;
   }
-  if (its.prefix != PrefixKind::kSheet) return fail("the formula refers to another workbook");
-  const auto number = links_.name_of(name, formula::read_prefix(formula_, its).first);
-  if (!number) return fail("the formula refers to a name that its sheet does not have");
-  put_token(kForeignName, class_of(node));
-  put16(links_.whole_book());
-  put16(*number);
-  put16(0);
-  return true;
+  const auto found =
+      foreign_name(node, name.starts_with('\'') ? unquoted(name) : std::string(name));
+  if (found) put_foreign_name(*found, class_of(node));
+  return found.has_value();
 }
 
 // The constants, row by row, stand behind the tokens.

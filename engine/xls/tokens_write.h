@@ -78,6 +78,8 @@ class TokenWriter {
     std::size_t node;
   };
 
+  using ForeignName = std::pair<std::uint16_t, std::uint32_t>;  // entry, number there
+
   // A jump whose distance is not known yet, or the table of such.
   struct Jump {
     std::size_t node;
@@ -104,6 +106,8 @@ class TokenWriter {
   void write_blanks_before(std::size_t end, std::uint32_t kind);
   static std::string function_name(std::string_view name);
   std::optional<std::uint16_t> sheets_of(std::size_t node);
+  std::optional<ForeignName> foreign_name(std::size_t node, std::string_view name);
+  void put_foreign_name(const ForeignName& name, Class its);
   Class class_of(std::size_t node) const;
   Class class_of_result(std::size_t node) const;
   static void place_argument(Place& place, char its_class);

@@ -154,5 +154,54 @@ TEST(XlsTokensWritten, BecomeTheSameTextAgain) {
   }
 }
 
+// Other books are known by their numbers, which the functions of add-ins do not share.
+TEST(XlsTokensWritten, ReferToBooksThatTheFileIsLinkedWith) {
+  using testing::narrow16, testing::narrow8, testing::record, testing::u16, testing::u32;
+  const auto name = [](const char* text, unsigned sheet = 0) {
+    return record(kExternName, u16(0) + u16(sheet) + u16(0) + narrow8(text) + u16(0));
+  };
+  const std::string links =
+      record(kSupBook, u16(1) + u16(0x401)) +
+      record(kSupBook, u16(0) + narrow16("\1Excel\3Sheet")) + name("an item") +
+      record(kSupBook, u16(1) + u16(0x3A01)) + name("_xlfn.XOR") +
+      record(kSupBook, u16(3) + narrow16("\1other.xls") + narrow16("One") + narrow16("Two 2") +
+                           narrow16("It's")) +
+      name("Rate") + name("Rate", 2) + record(kExternSheet, u16(1) + u16(3) + u16(1) + u16(1));
+  const std::string file = testing::file_of(testing::stream_of({{"Data", ""}}, links));
+  struct Case {
+    const char* formula;
+    bool is_written = true;
+  };
+  constexpr Case kCases[] = {
+      {"'[2]Two 2'!A1:B2"},
+      {"'[2]It''s'!$A1+[2]One!A:A"},
+      {"'[2]One:Two 2'!A1"},
+      {"[2]!Rate*'[2]Two 2'!Rate"},
+      {"[1]!'an item'"},
+      {"[2]!Rate(1,Data!A1)"},
+      {"XOR(1)"},
+      {"[3]One!A1", false},
+      {"[2]Three!A1", false},
+      {"[2x]One!A1", false},
+      {"[other.xls]One!A1", false},
+      {"[2]!Nothing", false},
+      {"[2]One!Rate", false},
+      {"[2]!F(1)", false},
+  };
+  for (const auto& [formula, is_written] : kCases) {
+    SCOPED_TRACE(formula);
+    testing::LoadedBook book(file);
+    CellRecord record;
+    record.formula = formula;
+    book.sheet().change().put_record(0, 0, record, 0);
+    if (is_written) {
+      testing::LoadedBook saved(book.file());
+      EXPECT_EQ(testing::shown(saved, 0, 0), "blank =" + std::string(formula));
+    } else {
+      EXPECT_ANY_THROW(book.file());
+    }
+  }
+}
+
 }  // namespace
 }  // namespace engine::xls

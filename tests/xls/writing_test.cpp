@@ -329,8 +329,10 @@ TEST(XlsWriting, TellsWhatTheFormatCannotHold) {
   EXPECT_EQ(formula("Table1[Net]"),
             "cannot be written: sheet \"One\", cell B2, the formula refers to a table, which .xls "
             "files do not have");
-  EXPECT_EQ(formula("[1]Sheet1!A1"),
-            "cannot be written: sheet \"One\", cell B2, the formula refers to another workbook");
+  EXPECT_EQ(
+      formula("[1]Sheet1!A1"),
+      "cannot be written: sheet \"One\", cell B2, the formula refers to another workbook that "
+      "the file has no link to");
   std::string sums = "1";
   for (int i = 0; i < 700; ++i) sums += "+A1";
   EXPECT_EQ(formula(sums.c_str()),
