@@ -7,6 +7,7 @@
 
 #include "engine/formula/reference.h"
 #include "engine/package/little_endian.h"
+#include "engine/xls/sheet_records.h"
 
 namespace engine::xls {
 
@@ -388,12 +389,10 @@ void CellsWriter::put_formula(std::uint32_t row, const Cell& cell, const Value& 
       put_other(is_empty_text ? kNothing : kText, 0);
       break;
     case ValueKind::kNone:
-      put_other(kNothing, 0);
+      put_other(kNothing, kValueUnknown);
       break;
   }
-  // An empty text that is to be calculated would read as none.
-  const bool calculated =
-      value.kind == ValueKind::kNone || (book_.options.calculate && !is_empty_text);
+  const bool calculated = value.kind == ValueKind::kNone || book_.options.calculate;
   out_.put16(calculated ? 1 : 0);
   out_.put32(0);
   if (22 + tokens.size() + behind.size() > RecordWriter::kMaxData)

@@ -183,6 +183,8 @@ class SheetReader {
       case kRichText:
         return read_label();
       case kFormula:
+      case kFormulaOf3:
+      case kFormulaOf4:
         return read_formula();
       case kString:
         return read_formula_text();
@@ -231,8 +233,12 @@ class SheetReader {
     put(row, SheetContents::make_cell(checked(column), value, context_.globals.format(style)));
   }
   void store_number(int row, int column, std::size_t style, double value) {
-    if (!std::isfinite(value)) reader_.fail("a number is none");
-    store(row, column, style, Value::of_number(value));
+    store(row, column, style, number_value(value));
+  }
+  // What is no number at all shows as an error.
+  Value number_value(double value) {
+    constexpr std::uint8_t kNoNumber = 0x24;
+    return std::isfinite(value) ? Value::of_number(value) : error_value(kNoNumber);
   }
   int checked(int column) {
     if (column >= grid_.columns) reader_.fail("a cell is beyond the last one");
@@ -300,7 +306,6 @@ class SheetReader {
   // Formulas.
 
   void read_formula() {
-    constexpr unsigned kAlwaysCalculated = 1;
     need(20);
     Fields in(reader_.whole_data());
     Pending& made = pending_.emplace();
@@ -309,11 +314,10 @@ class SheetReader {
     made.style = context_.globals.format(in.take16());
     checked(made.at.column);
     const std::string_view value = in.take(8);
-    const bool unknown = (in.take16() & kAlwaysCalculated) != 0;
-    in.skip(4);
+    in.skip(6);
     const Expression expression = take_expression(in);
     if (!in.ok()) reader_.fail("ends too early");
-    made.value = cached_value(value, unknown);
+    made.value = cached_value(value);
     made.awaits_text = made.value.kind == ValueKind::kText;
     CellAddress elsewhere;
     if (points_elsewhere(expression.tokens, elsewhere)) made.elsewhere = elsewhere;
@@ -321,8 +325,8 @@ class SheetReader {
   }
 
   // What is no number is marked by its last bytes, and its kind stands in the first one.
-  Value cached_value(std::string_view bytes, bool unknown) {
-    if (get16(bytes, 6) != 0xFFFF) return Value::of_number(finite(package::get_double(bytes, 0)));
+  Value cached_value(std::string_view bytes) {
+    if (get16(bytes, 6) != 0xFFFF) return number_value(package::get_double(bytes, 0));
     const auto value = static_cast<std::uint8_t>(bytes[2]);
     switch (bytes[0]) {
       case 1:
@@ -330,14 +334,10 @@ class SheetReader {
       case 2:
         return error_value(value);
       case 3:
-        return unknown ? Value() : own_text("");
+        return get16(bytes, 2) == kValueUnknown ? Value() : own_text("");
       default:
         return own_text("");
     }
-  }
-  double finite(double value) {
-    if (!std::isfinite(value)) reader_.fail("a number is none");
-    return value;
   }
 
   void read_expression(const Expression& expression, CellAddress at, Pending& to) {

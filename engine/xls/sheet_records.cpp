@@ -280,6 +280,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kNumber, SheetGroup::kCells, nullptr},
     {kLabel, SheetGroup::kCells, nullptr},
     {kBooleanOrError, SheetGroup::kCells, nullptr},
+    {kFormulaOf3, SheetGroup::kCells, nullptr},
     {kString, SheetGroup::kCells, nullptr},
     {kRow, SheetGroup::kCells, nullptr},
     {kIndex, SheetGroup::kIndex, nullptr},
@@ -288,6 +289,7 @@ constexpr SheetRecord kSheetRecords[] = {
     {kDataTable, SheetGroup::kCells, nullptr},
     {kWindow2, SheetGroup::kWindow, read_window},
     {kRk, SheetGroup::kCells, nullptr},
+    {kFormulaOf4, SheetGroup::kCells, nullptr},
     {kShared, SheetGroup::kCells, nullptr},
     {kLinkTip, SheetGroup::kLinks, nullptr},
     {kBof, SheetGroup::kDrawing, nullptr},  // of a chart in it

@@ -4,6 +4,7 @@
 
 #include "engine/xls/fields.h"
 #include "engine/xls/record_merge.h"
+#include "engine/xls/sheet_records.h"
 
 namespace engine::xls {
 
@@ -13,7 +14,8 @@ StoredFormulas::StoredFormulas(const RecordReader& reader, const LinkTable& link
   RecordReader records(reader);
   for (bool inside = false; records.next() && records.id() != kEof; inside = true) {
     if (records.id() == kBof && inside) pass_substream(records, [] {});
-    if (records.id() != kFormula) continue;
+    if (records.id() != kFormula && records.id() != kFormulaOf3 && records.id() != kFormulaOf4)
+      continue;
     Fields in(records.data());
     CellAddress at;
     at.row = in.take16();

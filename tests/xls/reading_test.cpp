@@ -1,6 +1,8 @@
 // What a loaded book shows: cells, texts, formulas, styles, names.
 #include <gmock/gmock.h>
 
+#include <limits>
+
 #include "engine/package/file_error.h"
 #include "tests/xls/streams.h"
 
@@ -111,17 +113,21 @@ TEST(XlsReading, JoinsTextsThatGoOn) {
 }
 
 TEST(XlsReading, ReadsFormulasWithTheirValues) {
-  const auto with_value = [](int column, std::string_view value, unsigned flags = 0) {
-    return cell(0x06, 0, column, 15,
-                std::string(value) + u16(flags) + u32(0) + expression(u8(0x1E) + u16(1)));
+  constexpr unsigned kCalculated = 1;  // always: because of what it calls, or of what it lacks
+  const auto with_value = [](int column, std::string_view value, std::uint16_t id = 0x06) {
+    return cell(id, 0, column, 15,
+                std::string(value) + u16(kCalculated) + u32(0) + expression(u8(0x1E) + u16(1)));
   };
   const auto special = [](unsigned kind, unsigned value) {
-    return u8(kind) + u8(0) + u8(value) + u8(0) + u16(0) + u16(0xFFFF);
+    return u8(kind) + u8(0) + u16(value) + u16(0) + u16(0xFFFF);
   };
+  const double no_number = std::numeric_limits<double>::quiet_NaN();
   const std::string records = with_value(0, f64(2.5)) + with_value(1, special(0, 0)) +
                               record(0x207, narrow16("said")) + with_value(2, special(1, 1)) +
                               with_value(3, special(2, 0x07)) + with_value(4, special(3, 0)) +
-                              with_value(5, special(3, 0), 1) + with_value(6, special(0, 0));
+                              with_value(5, special(3, 0xFFFF)) + with_value(6, special(0, 0)) +
+                              with_value(7, f64(no_number)) + with_value(8, f64(3), 0x206) +
+                              with_value(9, f64(4), 0x406) + cell(0x203, 1, 0, 15, f64(no_number));
   LoadedBook book(file_of(stream_of({{"Data", records}})));
   check(book, {{0, 0, "2.500000 =1"},
                {0, 1, "\"said\" =1"},
@@ -129,7 +135,17 @@ TEST(XlsReading, ReadsFormulasWithTheirValues) {
                {0, 3, "#DIV/0! =1"},
                {0, 4, "\"\" =1"},
                {0, 5, "blank =1"},
-               {0, 6, "\"\" =1"}});
+               {0, 6, "\"\" =1"},
+               {0, 7, "#NUM! =1"},
+               {0, 8, "3.000000 =1"},
+               {0, 9, "4.000000 =1"},
+               {1, 0, "#NUM!"}});
+  // Written anew none stays behind under its old number, and none gets another value.
+  book.sheet().change().put_value(5, 5, Value::of_number(1), 0);
+  LoadedBook saved(book.file());
+  for (int column = 0; column < 10; ++column)
+    EXPECT_EQ(shown(saved, 0, column), shown(book, 0, column));
+  for (const auto& [id, data] : records_of(book.file())) EXPECT_NE(id & 0xF0F, 0x206U);
 }
 
 std::string elsewhere(int row, int column) {
