@@ -4,6 +4,7 @@
 #include <ctime>
 #include <map>
 #include <utility>
+#include <vector>
 
 #include "engine/package/file_error.h"
 #include "engine/workbook/cell_ranges.h"
@@ -12,6 +13,7 @@
 #include "engine/xls/drawing_read.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/pivot_sources.h"
+#include "engine/xls/record_merge.h"
 #include "engine/xls/record_reader.h"
 #include "engine/xls/records.h"
 #include "engine/xls/sheet_reader.h"
@@ -34,6 +36,38 @@ void begin_book(Workbook& book) {
   page.header_margin = page.footer_margin = 0.5;
 }
 
+bool is_begin(const LoadedFile& file, std::uint64_t place) try {
+  RecordReader reader(file.stream, place, file.globals.cipher);
+  return reader.next() && reader.id() == kBof;
+} catch (const package::FileError&) {
+  return false;
+}
+
+// Where substreams begin behind the globals, which the reader has passed.
+std::vector<std::uint32_t> find_begins(RecordReader& reader) {
+  std::vector<std::uint32_t> begins;
+  try {
+    while (reader.next()) {
+      if (reader.id() != kBof) continue;
+      begins.push_back(static_cast<std::uint32_t>(reader.offset()));
+      pass_substream(reader, [] {});
+    }
+  } catch (const package::FileError&) {
+    // What is whole in front of the damage counts.
+  }
+  return begins;
+}
+
+// Sheets stand in their order. One that does not begin where the file says is found by that.
+void find_lost_sheets(LoadedFile& file, RecordReader& reader) {
+  std::vector<std::uint32_t>& told = file.globals.sheets;
+  const auto is_lost = [&](std::uint32_t place) { return !is_begin(file, place); };
+  if (std::ranges::none_of(told, is_lost)) return;
+  const std::vector<std::uint32_t> begins = find_begins(reader);
+  for (std::size_t i = 0; i < std::min(told.size(), begins.size()); ++i)
+    if (is_lost(told[i])) told[i] = begins[i];
+}
+
 }  // namespace
 
 std::unique_ptr<Document> Document::make_new(Workbook& book) {
@@ -54,6 +88,7 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
   file.stream = file.container.open(*file.entry);
   RecordReader reader(file.stream, 0);
   read_globals(reader, scope, book, file.globals);
+  if (scope == LoadScope::kEverything) find_lost_sheets(file, reader);
   for (std::size_t i = 0; i < book.sheets().size(); ++i) {
     file.sheets[book.sheets()[i].get()].begin = file.globals.sheets[i];
     file.ends.insert(file.globals.sheets[i]);

@@ -99,6 +99,18 @@ TEST(XlsDamage, KeepsToOneSheet) {
   EXPECT_EQ(shown(book, 0, 0, 1), "1.000000");
 }
 
+// Sheets follow in their order, wherever the file says that they begin.
+TEST(XlsDamage, FindsSheetsThatBeginElsewhere) {
+  std::string stream = stream_of({{"One", cell(0x203, 0, 0, 15, f64(1)) + bof(0x20) + eof()},
+                                  {"Two", cell(0x203, 0, 0, 15, f64(2))}});
+  const std::size_t place = bof(5).size() + 4;
+  const std::size_t second = place + 6 + narrow8("One").size() + 4;
+  stream.replace(second, 4, u32(package::get32(stream, second) - 10));
+  LoadedBook book(file_of(stream));
+  EXPECT_EQ(shown(book, 0, 0, 0), "1.000000");
+  EXPECT_EQ(shown(book, 0, 0, 1), "2.000000");
+}
+
 // A file may say that sheets begin at one place, or inside of one another: each record is read for
 // one of them at most.
 TEST(XlsDamage, ReadsNoRecordForTwoSheets) {
