@@ -3,7 +3,6 @@
 #include <vector>
 
 #include "engine/api/messages.h"
-#include "engine/package/compound_file.h"
 #include "engine/package/file_error.h"
 #include "engine/package/file_kind.h"
 #include "engine/package/source.h"
@@ -17,6 +16,18 @@ namespace {
 // Every kind of file that books come from.
 constexpr const Codec* kCodecs[] = {&xlsx::kCodec, &xls::kCodec};
 
+// Books of kinds that nobody here reads.
+struct OtherKind {
+  package::FileKind kind;
+  const char* text;
+};
+constexpr OtherKind kOtherKinds[] = {
+    {package::FileKind::Excel2, "is an Excel 2 worksheet"},
+    {package::FileKind::Excel3, "is an Excel 3.0 worksheet"},
+    {package::FileKind::Excel4, "is an Excel 4.0 worksheet or workbook"},
+    {package::FileKind::BareStream, "is the stream of a workbook without the file around it"},
+};
+
 // Refuses a file that is no book of the kind, as the predicate of a sentence about it.
 [[noreturn]] void refuse_kind(const std::shared_ptr<const package::Source>& source,
                               const Codec& wanted) {
@@ -24,11 +35,8 @@ constexpr const Codec* kCodecs[] = {&xlsx::kCodec, &xls::kCodec};
     if (other->recognise(source))
       throw package::FileError(
           std::string("is an ").append(other->name).append(" workbook, not ").append(wanted.name));
-  const package::FileKind kind = package::file_kind(*source);
-  const bool is_old =
-      kind == package::FileKind::OldBiff ||
-      (kind == package::FileKind::CompoundFile && package::has_stream(source, "Book"));
-  if (is_old) throw package::FileError("is an Excel 5.0/95 or older workbook");
+  for (const auto& [kind, text] : kOtherKinds)
+    if (kind == package::file_kind(*source)) throw package::FileError(text);
   throw package::FileError(std::string("is not an ").append(wanted.name).append(" workbook"));
 }
 

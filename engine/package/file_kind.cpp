@@ -23,12 +23,12 @@ constexpr Magic kMagics[] = {
     {{"PK\x03\x04", 4}, FileKind::Zip},
     {{"PK\x05\x06", 4}, FileKind::Zip},
     {{"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1", 8}, FileKind::CompoundFile},
-    {{"\x09\x00\x04\x00", 4}, FileKind::OldBiff},
-    {{"\x09\x00\x06\x00", 4}, FileKind::OldBiff},
-    {{"\x09\x02\x06\x00", 4}, FileKind::OldBiff},
-    {{"\x09\x04\x06\x00", 4}, FileKind::OldBiff},
-    {{"\x09\x08\x08\x00", 4}, FileKind::OldBiff},
-    {{"\x09\x08\x10\x00", 4}, FileKind::OldBiff},
+    {{"\x09\x00\x04\x00", 4}, FileKind::Excel2},
+    {{"\x09\x00\x06\x00", 4}, FileKind::Excel2},
+    {{"\x09\x02\x06\x00", 4}, FileKind::Excel3},
+    {{"\x09\x04\x06\x00", 4}, FileKind::Excel4},
+    {{"\x09\x08\x08\x00", 4}, FileKind::BareStream},
+    {{"\x09\x08\x10\x00", 4}, FileKind::BareStream},
 };
 
 constexpr std::string_view kHtmlBeginnings[] = {"<!doctype html", "<html", "<head",

@@ -8,7 +8,10 @@ namespace engine::package {
 enum class FileKind {
   Zip,
   CompoundFile,
-  OldBiff,  // a workbook stream of BIFF2 to BIFF5 (or BIFF8) that lies bare in the file
+  Excel2,  // workbook streams that lie bare in the file
+  Excel3,
+  Excel4,
+  BareStream,  // of later programs, which put theirs into a compound file
   Xml,
   Html,
   Other,

@@ -1,7 +1,6 @@
 #include "engine/xls/book_write.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 
 #include "engine/package/compound_copy.h"
@@ -18,9 +17,6 @@ namespace engine::xls {
 namespace {
 
 constexpr std::uint64_t kMaxStream = 0x7FFFFFFF;
-
-constexpr std::array<char, 16> kWorkbookClass = {0x20,   0x08, 0x02, 0, 0, 0, 0, 0,
-                                                 '\xC0', 0,    0,    0, 0, 0, 0, 0x46};
 
 void write_stream(package::CompoundWriter& file, std::string name, std::string_view bytes) {
   package::CompoundItem item;

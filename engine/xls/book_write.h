@@ -5,6 +5,7 @@
 // places in the stream that their records name are filled in behind.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -17,6 +18,10 @@
 namespace engine::xls {
 
 struct LoadedFile;
+
+// What a file's root is, for programs that embed one another's documents.
+inline constexpr std::array<char, 16> kWorkbookClass = {0x20,   0x08, 0x02, 0, 0, 0, 0, 0,
+                                                        '\xC0', 0,    0,    0, 0, 0, 0, 0x46};
 
 // What the writers of a book's parts share.
 struct BookWriting {

@@ -12,6 +12,7 @@
 #include "engine/xls/carried_moves.h"
 #include "engine/xls/drawing_read.h"
 #include "engine/xls/fields.h"
+#include "engine/xls/older_book.h"
 #include "engine/xls/pivot_sources.h"
 #include "engine/xls/record_merge.h"
 #include "engine/xls/record_reader.h"
@@ -81,11 +82,13 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
                                          Workbook& book, LoadScope scope) {
   begin_book(book);
   std::unique_ptr<Document> made(new Document);
-  made->file_ = std::make_unique<LoadedFile>(package::CompoundFile(std::move(source)));
+  made->open(std::move(source));
+  if (is_older(made->file_->stream)) {
+    PresentBook present = present_book(made->file_->container, *made->file_->entry);
+    made->lost_ = std::move(present.lost);
+    made->open(std::move(present.file));
+  }
   LoadedFile& file = *made->file_;
-  file.entry = file.container.find_stream("Workbook");
-  if (!file.entry) package::throw_damaged("compound file", "stream \"Workbook\" is missing");
-  file.stream = file.container.open(*file.entry);
   RecordReader reader(file.stream, 0);
   read_globals(reader, scope, book, file.globals);
   if (scope == LoadScope::kEverything) find_lost_sheets(file, reader);
@@ -97,6 +100,14 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
   made->part_sheets(book);
   made->look_at_tabs(book);
   return made;
+}
+
+void Document::open(std::shared_ptr<const package::Source> source) {
+  file_ = std::make_unique<LoadedFile>(package::CompoundFile(std::move(source)));
+  for (const std::string_view name : kStreams)
+    if (!file_->entry) file_->entry = file_->container.find_stream(name);
+  if (!file_->entry) package::throw_damaged("compound file", "stream \"Workbook\" is missing");
+  file_->stream = file_->container.open(*file_->entry);
 }
 
 // Sheets share no record: of those that a file lets begin at one place the first has it.
@@ -276,6 +287,10 @@ std::unique_ptr<CarriedMove> Document::prepare_move(Workbook& book, Sheet& sheet
 }
 
 void Document::save(const Workbook& book, const SaveOptions& options, package::Output& output) {
+  if (!lost_.empty())
+    throw package::FileTargetError(
+        "cannot be written: the Excel 5.0/95 workbook that was loaded has " + lost_ +
+        ", which would be lost");
   if (file_) write_loaded_book(book, *file_, options, output);
   else write_new_book(book, options, created_, output);
 }

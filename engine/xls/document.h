@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "engine/workbook/codec.h"
@@ -15,6 +17,9 @@
 #include "engine/xls/loaded_file.h"
 
 namespace engine::xls {
+
+// The streams that a workbook may lie in, the first one that is there.
+inline constexpr std::string_view kStreams[] = {"Workbook", "Book"};
 
 class Document : public engine::Document {
  public:
@@ -44,12 +49,14 @@ class Document : public engine::Document {
  private:
   Document() = default;
 
+  void open(std::shared_ptr<const package::Source> source);
   void part_sheets(const Workbook& book);
   void look_at_tabs(Workbook& book);
   std::string drawing_damage(const DrawingPart& drawing, const Sheet& sheet) const;
 
   std::int64_t created_ = 0;          // of a new book: when, in seconds since 1970
   std::unique_ptr<LoadedFile> file_;  // null for a new book
+  std::string lost_;                  // what an older file has that nothing is made of here
   SheetParts made_;                   // of copies that have no place in the book yet
 };
 

@@ -27,11 +27,8 @@ class GlobalsReader {
         globals_(globals) {}
 
   void read() {
-    if (!reader_.next() || (reader_.id() & 0xFF) != (kBof & 0xFF))
+    if (!reader_.next() || reader_.id() != kBof || Fields(reader_.data()).take16() != kVersion8)
       package::throw_damaged("Workbook", "the stream does not begin with a workbook");
-    Fields bof(reader_.data());
-    const bool is_current = reader_.id() == kBof && bof.take16() == kVersion8;
-    if (!is_current) throw package::FileError("is an Excel 5.0/95 or older workbook");
     while (true) {
       if (!reader_.next()) package::throw_damaged("Workbook", "ends too early");
       // The sheets are the last thing that a book's information consists of.

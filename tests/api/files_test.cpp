@@ -48,7 +48,7 @@ TEST(Files, OfOtherKindsAreRefusedByName) {
       {"<html><body>", "is not an .xlsx workbook"},
       {with_entry("Workbook"), "is an .xls workbook, not .xlsx"},
       {with_entry("WORKBOOK"), "is an .xls workbook, not .xlsx"},
-      {with_entry("Book"), "is an Excel 5.0/95 or older workbook"},
+      {with_entry("Book"), "is an .xls workbook, not .xlsx"},
       {with_entry("EncryptedPackage"), "is protected by a password"},
       {compound, "is not an .xlsx workbook"},
   };

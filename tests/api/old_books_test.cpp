@@ -62,11 +62,12 @@ TEST(OldBooks, AreLoadedInPart) {
 }
 
 TEST(OldBooks, OfOtherKindsAreRefusedByName) {
-  const std::string old = file_of(record(0x809, u16(0x500) + u16(5) + u32(0)));
   const std::pair<std::string, const char*> kCases[] = {
       {three_sheets(), "is an .xlsx workbook, not .xls"},
-      {old, "is an Excel 5.0/95 or older workbook"},
-      {record(0x09, u16(2) + u16(0x10)), "is an Excel 5.0/95 or older workbook"},
+      {record(0x09, u16(2) + u16(0x10)), "is an Excel 2 worksheet"},
+      {record(0x209, u16(0) + u16(0x10) + u16(0)), "is an Excel 3.0 worksheet"},
+      {record(0x409, u16(0) + u16(0x10) + u16(0)), "is an Excel 4.0 worksheet or workbook"},
+      {bof(5), "is the stream of a workbook without the file around it"},
       {"a;b\n", "is not an .xls workbook"},
       {file_of(""), "is damaged: Workbook, the stream does not begin with a workbook"},
   };
@@ -78,6 +79,33 @@ TEST(OldBooks, OfOtherKindsAreRefusedByName) {
   const OwnedBook new_book(xlCreateXMLBookW());
   EXPECT_FALSE(load(*new_book, old_book()));
   EXPECT_STREQ(new_book->errorMessage(), "the workbook data is an .xls workbook, not .xlsx");
+}
+
+// A drawing has no counterpart: its book is read, and a save says why it makes nothing.
+TEST(OldBooks, OfExcel95AreSavedUnlessSomethingWouldBeLost) {
+  const auto older = [](const std::string& records) {
+    const std::string begin = record(0x809, u16(0x500) + u16(5) + u32(0));
+    const std::string sheet = u8(0) + u8(0) + u8(4) + "Data";
+    const std::size_t place = begin.size() + 4 + 4 + sheet.size() + eof().size();
+    return file_of(begin + record(0x85, u32(place) + sheet) + eof() +
+                       record(0x809, u16(0x500) + u16(0x10) + u32(0)) + records + eof(),
+                   "Book");
+  };
+  const std::string text = cell(0x204, 0, 0, 15, u16(1) + "\xE4");
+  const OwnedBook book(xlCreateBookW());
+  ASSERT_TRUE(load(*book, older(text))) << book->errorMessage();
+  const std::string bytes = saved(*book);
+  ASSERT_TRUE(load(*book, bytes)) << book->errorMessage();
+  EXPECT_STREQ(book->getSheet(0)->readStr(0, 0), L"\u00E4");
+
+  ASSERT_TRUE(load(*book, older(text + record(0x5D, u32(1) + u16(2)))));
+  EXPECT_STREQ(book->getSheet(0)->readStr(0, 0), L"\u00E4");
+  const char* made = nullptr;
+  unsigned size = 0;
+  EXPECT_FALSE(book->saveRaw(&made, &size));
+  EXPECT_STREQ(book->errorMessage(),
+               "the workbook data cannot be written: the Excel 5.0/95 workbook that was loaded has "
+               "drawings, which would be lost");
 }
 
 }  // namespace

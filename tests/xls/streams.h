@@ -93,11 +93,11 @@ inline std::string stream_of(const std::vector<SheetStream>& sheets,
   return stream + end + bodies;
 }
 
-inline std::string file_of(std::string_view stream) {
+inline std::string file_of(std::string_view stream, const char* name = "Workbook") {
   package::MemoryOutput output;
   package::CompoundWriter writer(output);
   package::CompoundItem item;
-  item.name = "Workbook";
+  item.name = name;
   writer.begin_stream(0, item);
   writer.write(stream);
   writer.finish();
