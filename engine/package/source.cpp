@@ -35,8 +35,7 @@ std::size_t read_some(const system::File& file, std::uint64_t offset, std::span<
 // it, and two threads get it twice as fast.
 std::size_t read_whole(const system::File& file, std::span<char> into) {
   constexpr std::size_t kLarge = std::size_t{4} << 20;
-  if (into.size() < kLarge || std::thread::hardware_concurrency() < 2)
-    return read_some(file, 0, into);
+  if (into.size() < kLarge || std::thread::hardware_concurrency() < 2) return read_some(file, 0, into);
   const std::size_t half = into.size() / 2;
   std::future<std::size_t> rest;
   try {
@@ -63,7 +62,7 @@ std::shared_ptr<const Source> Source::from_file(const std::string& path) {
   const system::File file = open_plain(path);
   const auto size = static_cast<std::size_t>(file.size());
   std::shared_ptr<Source> source(new Source);
-  source->block_ = std::make_unique_for_overwrite<char[]>(size);
+  source->block_ = system::make_items<char>(size);
   source->size_ = read_whole(file, {source->block_.get(), size});
   source->view_ = {source->block_.get(), static_cast<std::size_t>(source->size_)};
   return source;

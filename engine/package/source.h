@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "engine/system/file.h"
+#include "engine/system/large_pages.h"
 
 namespace engine::package {
 
@@ -49,7 +50,7 @@ class Source {
   Source() = default;
 
   std::vector<char> bytes_;
-  std::unique_ptr<char[]> block_;
+  system::Items<char> block_;
   system::File file_;
   std::string_view view_;
   std::uint64_t size_ = 0;

@@ -1,19 +1,18 @@
 // A list of plain data that grows at its end and whose items stay where they are.
 //
-// Items lie in blocks, each twice as long as the one before, so growing moves nothing, a short list
-// is small. A block's memory is not touched before it is used, but for a step ahead in a long one.
+// Items lie in blocks, each twice as long as the one before, so growing moves nothing and a short
+// list is small. A block's memory is not touched before it is used.
 #pragma once
 
 #include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <iterator>
-#include <memory>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
-#include "engine/system/fresh_pages.h"
+#include "engine/system/large_pages.h"
 
 namespace engine {
 
@@ -21,7 +20,6 @@ template <class T>
 class BlockList {
   static_assert(std::is_trivially_copyable_v<T>);
   static constexpr std::size_t kFirstBlock = 256;
-  static constexpr std::size_t kStep = std::bit_ceil(system::kManyPages / sizeof(T));
 
   // Goes through the items in order. List is a list that may be changed or one that may not.
   template <class List>
@@ -78,8 +76,6 @@ class BlockList {
   void push_back(const T& item) {
     const Place place(size_);
     if (place.block == blocks_.size()) add_block();
-    if (place.offset % kStep == 0 && length_of(place.block) >= kStep)
-      system::provide_pages(items(place.block) + place.offset, kStep * sizeof(T));
     items(place.block)[place.offset] = item;
     ++size_;
   }
@@ -102,17 +98,14 @@ class BlockList {
     std::size_t offset;
   };
 
-  T* items(std::size_t block) const { return reinterpret_cast<T*>(blocks_[block].get()); }
-  void add_block() {
-    const std::size_t size = length_of(blocks_.size()) * sizeof(T);
-    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
-  }
+  T* items(std::size_t block) const { return blocks_[block].get(); }
+  void add_block() { blocks_.push_back(system::make_items<T>(length_of(blocks_.size()))); }
   void swap(BlockList& other) noexcept {
     blocks_.swap(other.blocks_);
     std::swap(size_, other.size_);
   }
 
-  std::vector<std::unique_ptr<std::byte[]>> blocks_;  // not T: that would initialise all of it
+  std::vector<system::Items<T>> blocks_;
   std::size_t size_ = 0;
 };
 

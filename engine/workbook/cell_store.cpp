@@ -2,14 +2,11 @@
 
 #include <cassert>
 
-#include "engine/system/fresh_pages.h"
-
 namespace engine {
 
 namespace {
 
-constexpr std::size_t kFirstBlock = 64;
-constexpr std::size_t kLargestBlock = std::size_t{1} << 16;
+constexpr std::size_t kFirstBlock = 64 * sizeof(Cell);
 constexpr std::size_t kLargestRun = 16384;
 constexpr std::size_t kLeastGrowth = 4;
 
@@ -159,12 +156,11 @@ void CellStore::grow(Row& row) {
 Cell* CellStore::allocate(std::size_t count) {
   assert(count <= kLargestRun);
   if (static_cast<std::size_t>(block_end_ - free_) < count) {
-    const std::size_t doubled = kFirstBlock << std::min<std::size_t>(blocks_.size(), 10);
-    const std::size_t size = std::max(count, std::min(doubled, kLargestBlock));
-    blocks_.push_back(std::make_unique_for_overwrite<Cell[]>(size));
+    const std::size_t doubled = system::next_block(kFirstBlock, blocks_.size()) / sizeof(Cell);
+    const std::size_t size = std::max(count, doubled);
+    blocks_.push_back(system::make_items<Cell>(size));
     free_ = blocks_.back().get();
     block_end_ = free_ + size;
-    if (size == kLargestBlock) system::provide_pages(free_, size * sizeof(Cell));
   }
   Cell* taken = free_;
   free_ += count;

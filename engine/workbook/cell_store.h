@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "engine/formula/interval.h"
+#include "engine/system/large_pages.h"
 #include "engine/workbook/cell.h"
 
 namespace engine {
@@ -252,7 +253,7 @@ class CellStore {
   void grow(Row& row);
 
   Pages pages_;
-  std::vector<std::unique_ptr<Cell[]>> blocks_;
+  std::vector<system::Items<Cell>> blocks_;
   Cell* free_ = nullptr;  // first unused cell of the newest block
   Cell* block_end_ = nullptr;
   Row* newest_ = nullptr;  // whose run ends at free_ and may change its size in place; or null

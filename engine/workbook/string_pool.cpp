@@ -2,6 +2,7 @@
 
 #include <xxhash.h>
 
+#include <algorithm>
 #include <random>
 
 namespace engine {
@@ -13,9 +14,9 @@ std::uint32_t StringPool::hash_of(std::string_view text) const {
 }
 
 std::uint32_t StringPool::add(std::string_view text) {
-  if ((entries_.size() + 1) * 2 > buckets_.size()) make_index((entries_.size() + 8) * 4);
+  if ((entries_.size() + 1) * 2 > bucket_count_) make_index((entries_.size() + 8) * 4);
   const std::uint32_t hash = hash_of(text);
-  const auto mask = static_cast<std::uint32_t>(buckets_.size() - 1);
+  const auto mask = static_cast<std::uint32_t>(bucket_count_ - 1);
   std::uint32_t at = hash & mask;
   // The text is kept before it is known to be new: meanwhile its bucket comes from memory.
   __builtin_prefetch(&buckets_[at]);
@@ -55,12 +56,13 @@ const std::string* StringPool::rich(std::uint32_t index) const {
 void StringPool::make_index(std::size_t buckets) {
   std::size_t size = 64;
   while (size < buckets) size *= 2;
-  if (buckets_.empty()) {
+  if (!buckets_) {
     std::random_device random;
     seed_ = std::uint64_t{random()} << 32 | random();
   }
-  std::vector<std::uint32_t> made(size);
-  buckets_.swap(made);
+  buckets_ = system::make_items<std::uint32_t>(size);
+  bucket_count_ = size;
+  std::fill_n(buckets_.get(), size, 0);
   for (std::uint32_t index = 0; index < entries_.size(); ++index) {
     if (!rich_.empty() && rich_.contains(index)) continue;
     Entry& entry = entries_[index];
@@ -70,7 +72,7 @@ void StringPool::make_index(std::size_t buckets) {
 }
 
 void StringPool::enter(std::uint32_t index) {
-  const auto mask = static_cast<std::uint32_t>(buckets_.size() - 1);
+  const auto mask = static_cast<std::uint32_t>(bucket_count_ - 1);
   const std::uint32_t hash = entries_[index].hash;
   std::uint32_t at = hash & mask;
   while (buckets_[at] != 0) at = (at + 1) & mask;

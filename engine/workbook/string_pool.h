@@ -12,8 +12,8 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "engine/system/large_pages.h"
 #include "engine/workbook/block_list.h"
 #include "engine/workbook/text_arena.h"
 
@@ -60,7 +60,8 @@ class StringPool {
   // Open addressing. As many low bits as number all buckets hold the entry's number plus one, 0 is
   // free; above them stands what the hash has there, so that most texts which meet in a bucket are
   // told apart without looking at the entry.
-  std::vector<std::uint32_t> buckets_;
+  system::Items<std::uint32_t> buckets_;
+  std::size_t bucket_count_ = 0;
   std::uint64_t seed_ = 0;  // of the hashes, once the index is made
   TextArena texts_;
   std::map<std::uint32_t, std::string> rich_;

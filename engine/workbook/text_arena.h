@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/system/fresh_pages.h"
+#include "engine/system/large_pages.h"
 
 namespace engine {
 
@@ -28,7 +28,8 @@ class TextArena {
   ~TextArena() = default;
 
   std::string_view keep(std::string_view text) {
-    if (text.size() > room_) reserve(std::max(text.size(), next_block()));
+    if (text.size() > room_)
+      reserve(std::max(text.size(), system::next_block(kFirstBlock, blocks_.size())));
     char* const kept = free_;
     std::ranges::copy(text, kept);
     free_ += text.size();
@@ -47,22 +48,16 @@ class TextArena {
   // Makes room: the next texts of so many bytes in all are kept without a failure.
   void reserve(std::size_t size) {
     if (size <= room_) return;
-    blocks_.push_back(std::make_shared_for_overwrite<char[]>(size));
+    blocks_.push_back(std::shared_ptr<char[]>(system::make_items<char>(size)));
     free_ = blocks_.back().get();
     room_ = size;
-    if (size >= system::kManyPages) system::provide_pages(free_, size);
   }
 
   // Bytes of all texts that were kept.
   std::size_t size() const { return size_; }
 
  private:
-  // The largest block is small enough for ordinary pages: texts fill theirs once, from end to end,
-  // and fresh big pages often cost more to get than they save then.
   static constexpr std::size_t kFirstBlock = 1024;
-  static constexpr std::size_t kMostDoublings = 10;
-
-  std::size_t next_block() const { return kFirstBlock << std::min(blocks_.size(), kMostDoublings); }
   void swap(TextArena& other) noexcept {
     blocks_.swap(other.blocks_);
     std::swap(free_, other.free_);

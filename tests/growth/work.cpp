@@ -65,5 +65,12 @@ void* operator new(std::size_t size) {
   if (!made) throw std::bad_alloc();
   return made;
 }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  count_bytes(size);
+  void* const made = std::aligned_alloc(static_cast<std::size_t>(alignment), size);
+  if (!made) throw std::bad_alloc();
+  return made;
+}
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }

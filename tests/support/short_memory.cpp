@@ -124,8 +124,13 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
   return malloc(size == 0 ? 1 : size);
 }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  if (void* const block = aligned_alloc(static_cast<std::size_t>(alignment), size)) return block;
+  throw std::bad_alloc();
+}
 void operator delete(void* block) noexcept { free(block); }
 void operator delete[](void* block) noexcept { free(block); }
 void operator delete(void* block, std::size_t) noexcept { free(block); }
+void operator delete(void* block, std::align_val_t) noexcept { free(block); }
 void operator delete[](void* block, std::size_t) noexcept { free(block); }
 #endif
