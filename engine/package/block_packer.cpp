@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "engine/package/output.h"
+#include "engine/system/second_core.h"
 
 namespace engine::package {
 namespace {
@@ -47,7 +48,7 @@ class BlockPacker {
 
  private:
   std::thread start_helper() {
-    if (count_ < kBlocksForTwo || std::thread::hardware_concurrency() < 2) return {};
+    if (count_ < kBlocksForTwo || !system::has_second_core()) return {};
     try {
       return std::thread([this] {
         try {

@@ -3,11 +3,11 @@
 #include <cstring>
 #include <future>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include "engine/package/file_error.h"
 #include "engine/package/output.h"
+#include "engine/system/second_core.h"
 
 namespace engine::package {
 namespace {
@@ -35,7 +35,7 @@ std::size_t read_some(const system::File& file, std::uint64_t offset, std::span<
 // it, and two threads get it twice as fast.
 std::size_t read_whole(const system::File& file, std::span<char> into) {
   constexpr std::size_t kLarge = std::size_t{4} << 20;
-  if (into.size() < kLarge || std::thread::hardware_concurrency() < 2) return read_some(file, 0, into);
+  if (into.size() < kLarge || !system::has_second_core()) return read_some(file, 0, into);
   const std::size_t half = into.size() / 2;
   std::future<std::size_t> rest;
   try {

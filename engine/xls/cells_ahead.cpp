@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "engine/package/little_endian.h"
+#include "engine/system/second_core.h"
 #include "engine/xls/records.h"
 
 namespace engine::xls {
@@ -19,9 +20,7 @@ constexpr std::size_t kStep = std::size_t{1} << 16;  // that the first thread cl
 
 }  // namespace
 
-bool CellsAhead::pays(std::size_t size) {
-  return size >= kLeast && std::thread::hardware_concurrency() >= 2;
-}
+bool CellsAhead::pays(std::size_t size) { return size >= kLeast && system::has_second_core(); }
 
 CellsAhead::CellsAhead(std::string_view records, std::uint64_t offset, const SheetContext& context,
                        const SheetContents& like)
