@@ -12,6 +12,7 @@
 
 #include "engine/package/file_error.h"
 #include "engine/system/file.h"
+#include "engine/system/large_pages.h"
 
 namespace engine::package {
 
@@ -81,6 +82,31 @@ class MemoryOutput : public Output {
   std::unique_ptr<char, Free> data_;
   std::size_t size_ = 0;
   std::size_t capacity_ = 0;
+  std::uint64_t limit_;
+};
+
+// Grows by blocks, which stay where they are: for much that is written elsewhere later on.
+class BlockOutput : public Output {
+ public:
+  // Throws SizeError when more than `limit` bytes come together.
+  explicit BlockOutput(std::uint64_t limit) : limit_(limit) {}
+
+  void write(std::span<const char> bytes) override;
+  void patch(std::uint64_t offset, std::span<const char> bytes) override;
+  std::uint64_t position() const override { return size_; }
+
+  // All bytes, in order. Valid until the next write.
+  std::vector<std::span<const char>> pieces() const;
+
+ private:
+  struct Block {
+    system::Items<char> bytes;
+    std::uint64_t begin = 0;
+  };
+
+  std::vector<Block> blocks_;
+  std::span<char> free_;  // of the last block
+  std::uint64_t size_ = 0;
   std::uint64_t limit_;
 };
 

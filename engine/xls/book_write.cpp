@@ -51,8 +51,8 @@ bool has_other_colors(const Workbook& book, const LoadedFile& file) {
 
 // The workbook's stream, in two pieces.
 struct Stream {
-  package::MemoryOutput globals{kMaxStream};
-  package::MemoryOutput sheets{kMaxStream};
+  package::BlockOutput globals{kMaxStream};
+  package::BlockOutput sheets{kMaxStream};
 };
 
 void lay_out(const Workbook& book, const LoadedFile* file, const SaveOptions& options,
@@ -88,8 +88,8 @@ void lay_out(const Workbook& book, const LoadedFile* file, const SaveOptions& op
 }
 
 void write_stream(package::CompoundWriter& file, const Stream& stream) {
-  file.write({stream.globals.view().data(), stream.globals.view().size()});
-  file.write({stream.sheets.view().data(), stream.sheets.view().size()});
+  for (const package::BlockOutput* output : {&stream.globals, &stream.sheets})
+    for (const std::span<const char> piece : output->pieces()) file.write(piece);
 }
 
 }  // namespace

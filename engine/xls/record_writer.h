@@ -30,7 +30,7 @@ class RecordWriter {
  public:
   static constexpr std::size_t kMaxData = 8224;
 
-  explicit RecordWriter(package::MemoryOutput& output) : output_(output), buffer_(kBufferSize) {}
+  explicit RecordWriter(package::Output& output) : output_(output), buffer_(kBufferSize) {}
   RecordWriter(const RecordWriter&) = delete;
   RecordWriter& operator=(const RecordWriter&) = delete;
   ~RecordWriter() = default;
@@ -92,7 +92,7 @@ class RecordWriter {
     return at();
   }
 
-  package::MemoryOutput& output_;
+  package::Output& output_;
   std::vector<char> buffer_;
   std::size_t used_ = 0;
   std::size_t header_ = 0;  // of the record that is being written
