@@ -7,11 +7,13 @@
 // the number of an equal one, or stands behind the others.
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <unordered_map>
 #include <utility>
 
 #include "engine/package/xml_tree.h"
+#include "engine/text/number_text.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/styles_keys.h"
 #include "engine/xlsx/styles_part.h"
@@ -167,8 +169,15 @@ void patch_format(pugi::xml_node xf, const FormatRecord& record, const FormatNum
   patch_children(xf, record, aspects);
 }
 
-void append_attribute(std::string& out, std::string_view name, std::uint32_t number) {
-  out.append(" ").append(name).append("=\"").append(std::to_string(number)).append("\"");
+// Puts an attribute of a short name.
+char* put_attribute(char* at, std::string_view name, std::uint32_t number) {
+  *at++ = ' ';
+  at = std::ranges::copy(name, at).out;
+  *at++ = '=';
+  *at++ = '"';
+  at = write_integer(at, static_cast<long long>(number));
+  *at++ = '"';
+  return at;
 }
 
 class StylesWriter {
@@ -383,14 +392,16 @@ void StylesWriter::append_format(const FormatRecord& record, const FormatNumbers
   const unsigned aspects = set_aspects(record, numbers);
   std::string& out = added_formats_;
   const std::string name = package::name_in(formats_.grown(), "xf");
-  out.append("<").append(name);
+  std::array<char, 512> attributes;  // there are eleven
+  char* at = attributes.data();
   for (const AspectNames& one : kAspectNames)
-    append_attribute(out, one.name, aspects & one.aspect ? numbers.*one.number : 0);
-  append_attribute(out, "xfId", 0);
+    at = put_attribute(at, one.name, aspects & one.aspect ? numbers.*one.number : 0);
+  at = put_attribute(at, "xfId", 0);
   for (const AspectNames& one : kAspectNames)
-    if (aspects & one.aspect) append_attribute(out, one.apply, 1);
-  if (aspects & kFormatAlignment) append_attribute(out, kApplyAlignment, 1);
-  if (aspects & kFormatProtection) append_attribute(out, kApplyProtection, 1);
+    if (aspects & one.aspect) at = put_attribute(at, one.apply, 1);
+  if (aspects & kFormatAlignment) at = put_attribute(at, kApplyAlignment, 1);
+  if (aspects & kFormatProtection) at = put_attribute(at, kApplyProtection, 1);
+  out.append("<").append(name).append(attributes.data(), at);
   std::string children;
   if (aspects & (kFormatAlignment | kFormatProtection)) {
     pugi::xml_node list = formats_.grown();
