@@ -292,19 +292,14 @@ void widen_mixed(const char*& at, const char* end, wchar_t*& out) {
 
 #endif
 
-}  // namespace
-
-void to_utf8(const wchar_t* text, std::string& utf8) {
-  const std::size_t size = text ? std::wcslen(text) : 0;
-  utf8.resize(size);
-  const std::size_t ascii = narrow_ascii(text, size, utf8.data());
-  if (ascii == size) return;
+// Appends as many elements as a buffer is sure to have room for. A pair may end behind the end.
+void append_narrowed(const wchar_t*& at, const wchar_t* end, std::string& utf8) {
+  constexpr std::ptrdiff_t kElements = 1024;
   // A step may write as far as its longest characters would go, whether they are there or not.
-  utf8.resize(ascii + (size - ascii + kMostAtOnce) * kMaxUtf8);
-  char* out = utf8.data() + ascii;
-  const wchar_t* at = text + ascii;
-  const wchar_t* const end = text + size;
-  while (at != end) {
+  std::array<char, (kElements + kMostAtOnce) * kMaxUtf8> buffer;  // not cleared
+  char* out = buffer.data();
+  if (end - at > kElements) end = at + kElements;
+  while (at < end) {
 #ifdef __SSE2__
     static const bool has_avx512 =
         __builtin_cpu_supports("avx512vbmi2") != 0 && __builtin_cpu_supports("avx512vl") != 0;
@@ -315,7 +310,20 @@ void to_utf8(const wchar_t* text, std::string& utf8) {
 #endif
     narrow_one(at, out);
   }
-  utf8.resize(static_cast<std::size_t>(out - utf8.data()));
+  utf8.append(buffer.data(), out);
+}
+
+}  // namespace
+
+void to_utf8(const wchar_t* text, std::string& utf8) {
+  const std::size_t size = text ? std::wcslen(text) : 0;
+  utf8.resize(size);
+  const std::size_t ascii = narrow_ascii(text, size, utf8.data());
+  if (ascii == size) return;
+  utf8.resize(ascii);
+  const wchar_t* at = text + ascii;
+  const wchar_t* const end = text + size;
+  while (at != end) append_narrowed(at, end, utf8);
 }
 
 std::string to_utf8(const wchar_t* text) {
