@@ -135,6 +135,7 @@ void Document::look_at_tabs(Workbook& book) {
     try {
       RecordReader reader(file_->stream, file_->sheets.at(sheet.get()).begin,
                           file_->globals.cipher);
+      bool has_window = false;
       while (budget > 0 && reader.next() && reader.id() != kEof && reader.id() != kDimensions) {
         --budget;
         Fields in(reader.data());
@@ -143,7 +144,12 @@ void Document::look_at_tabs(Workbook& book) {
           has_mode = true;
           break;
         }
-        if (reader.id() == kWindow2) sheet->selected = (in.take16() & 0x200) != 0;
+        if (reader.id() != kWindow2) continue;
+        if (std::exchange(has_window, true)) {
+          file_->sheets.at(sheet.get()).other_windows = reader.offset();
+          break;
+        }
+        sheet->selected = (in.take16() & 0x200) != 0;
       }
     } catch (const package::FileError&) {
       continue;  // told when the sheet is read
@@ -171,6 +177,7 @@ void Document::read_sheet(Workbook& book, Sheet& sheet) {
   part.drawing = std::move(flags.drawing);
   sheet.take(std::move(contents));
   sheet.selected = flags.selected;
+  part.other_windows = flags.other_windows;
   if (sheet.loading == Loading::kUnread) sheet.loading = Loading::kRead;
 }
 

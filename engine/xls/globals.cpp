@@ -61,9 +61,9 @@ class GlobalsReader {
       case kDateMode:
         book_.date1904 = globals_.date1904 = in.take16() == 1;
         break;
-      case kWindow1:
+      case kWindow1:  // there may be several windows
         in.skip(10);
-        book_.active_sheet = in.take16();
+        if (!std::exchange(has_window_, true)) book_.active_sheet = in.take16();
         break;
       case kBoundSheet:
         read_sheet(in);
@@ -238,6 +238,7 @@ class GlobalsReader {
   StylesReader styles_;
   std::vector<WaitingName> names_;
   int other_books_ = 0;
+  bool has_window_ = false;
 };
 
 }  // namespace

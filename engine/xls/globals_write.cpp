@@ -154,7 +154,7 @@ class GlobalsGroups : public GroupWriter {
   void write_tabs(RecordReader* old);
   void write_window();
   void write_sheets(RecordReader* old);
-  bool write_old_window(RecordReader& old);
+  bool write_old_window(RecordReader& old, std::size_t place);
   bool write_old_extension(RecordReader& old);
   bool write_old_book(RecordReader& old);
   bool write_old_name(RecordReader& old);
@@ -278,7 +278,7 @@ void GlobalsGroups::write(std::size_t group, RecordReader* old) {
 bool GlobalsGroups::write_one(std::size_t group, std::size_t place, RecordReader& old) {
   switch (static_cast<Group>(group)) {
     case Group::kWindows:
-      return write_old_window(old);
+      return write_old_window(old, place);
     case Group::kFonts:
       out_.copy(kFont, shared_.styles.font_record(place));
       return true;
@@ -354,7 +354,8 @@ void GlobalsGroups::write_window() {
                          kTabsShare});
 }
 
-bool GlobalsGroups::write_old_window(RecordReader& old) {
+// The model has what the first window shows; that of another one stays a sheet of the book.
+bool GlobalsGroups::write_old_window(RecordReader& old, std::size_t place) {
   constexpr std::size_t kActive = 10;
   constexpr std::size_t kFirst = 12;
   constexpr std::size_t kSelected = 14;
@@ -363,9 +364,11 @@ bool GlobalsGroups::write_old_window(RecordReader& old) {
   const bool all_read = std::ranges::all_of(book_.sheets(), [](const auto& sheet) {
     return sheet->loading == Loading::kRead || sheet->loading == Loading::kPartly;
   });
-  data.set16(kActive, static_cast<std::uint32_t>(book_.active_sheet));
+  if (place == 0) data.set16(kActive, static_cast<std::uint32_t>(book_.active_sheet));
+  else if (data.get16(kActive) >= count) data.set16(kActive, 0);
   if (data.get16(kFirst) >= count) data.set16(kFirst, 0);
-  data.set16(kSelected, all_read ? selected_tabs(book_) : std::min(data.get16(kSelected), count));
+  data.set16(kSelected, all_read && place == 0 ? selected_tabs(book_)
+                                               : std::min(data.get16(kSelected), count));
   out_.copy(kWindow1, data.data());
   return true;
 }

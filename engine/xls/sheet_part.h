@@ -63,12 +63,18 @@ inline constexpr std::size_t kSheetGroups = static_cast<std::size_t>(SheetGroup:
 struct SheetPart {
   std::uint32_t begin = 0;  // of the substream in the stream
   std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();  // where another sheet begins
+  // Where the stream tells what windows beside the first one show, which is carried; 0: nowhere.
+  std::uint64_t other_windows = 0;
   bool read = false;
   bool is_moved = false;  // rows or columns were inserted or removed
   bool is_copy = false;   // made of another sheet's substream, of which it has a part
   RecordEdits edits;
   DrawingPart drawing;
 };
+
+inline bool is_of_window(SheetGroup group) {
+  return group >= SheetGroup::kWindow && group <= SheetGroup::kSelection;
+}
 
 using SheetParts = std::map<const Sheet*, SheetPart>;
 

@@ -18,13 +18,16 @@ namespace {
 // Groups of a sheet's records that are written from the model.
 class SheetGroups : public GroupWriter {
  public:
-  SheetGroups(SheetWriting& to, bool is_copy) : to_(to), is_copy_(is_copy) {}
+  explicit SheetGroups(SheetWriting& to, const SheetPart& part = {})
+      : to_(to), is_copy_(part.is_copy), other_windows_(part.other_windows) {}
 
   std::size_t count() const override { return kSheetGroups; }
 
   std::optional<std::size_t> group_of(const RecordReader& record) const override {
     const auto group = group_of_record(record.id(), record.data());
-    return group ? std::optional(static_cast<std::size_t>(*group)) : std::nullopt;
+    const bool is_carried =
+        other_windows_ != 0 && record.offset() >= other_windows_ && group && is_of_window(*group);
+    return group && !is_carried ? std::optional(static_cast<std::size_t>(*group)) : std::nullopt;
   }
 
   Mode mode(std::size_t group) const override {
@@ -56,6 +59,7 @@ class SheetGroups : public GroupWriter {
 
   SheetWriting& to_;
   const bool is_copy_;
+  const std::uint64_t other_windows_;
   bool began_ = false;
 };
 
@@ -65,7 +69,8 @@ class StoredGroups : public GroupWriter {
  public:
   // `shift` is how much further behind the sheet begins than in the file, less where the output of
   // sheets begins.
-  StoredGroups(SheetWriting& to, std::int64_t shift) : to_(to), shift_(shift) {}
+  StoredGroups(SheetWriting& to, const SheetPart& part, std::int64_t shift)
+      : to_(to), other_windows_(part.other_windows), shift_(shift) {}
 
   std::size_t count() const override { return kSheetGroups; }
 
@@ -76,6 +81,7 @@ class StoredGroups : public GroupWriter {
       case kReferenceMode:
         return static_cast<std::size_t>(SheetGroup::kReferenceMode);
       case kWindow2:
+        if (other_windows_ != 0 && record.offset() >= other_windows_) return std::nullopt;
         return static_cast<std::size_t>(SheetGroup::kWindow);
       default:
         return std::nullopt;
@@ -121,6 +127,7 @@ class StoredGroups : public GroupWriter {
   }
 
   SheetWriting& to_;
+  const std::uint64_t other_windows_;
   const std::int64_t shift_;
 };
 
@@ -164,7 +171,7 @@ class SheetsWriter {
   void write_new(const Sheet& sheet) {
     CellsWriter cells(out_, book_, sheet);
     SheetWriting to{out_, book_, sheet, sheet.contents(), nullptr, cells, drawings_, places_};
-    SheetGroups groups(to, false);
+    SheetGroups groups(to);
     write_beginning(out_, kSheetStream);
     write_groups(groups);
     out_.record(kEof, {});
@@ -196,7 +203,7 @@ class SheetsWriter {
     read_sheet(records, {scratch, file.globals, sheet, texts, texts}, kNoRows, base, flags);
     SheetWriting to{out_,  book_,     sheet,   sheet.contents(), &base,
                     cells, drawings_, places_, &part.drawing,    &part.edits};
-    SheetGroups groups(to, part.is_copy);
+    SheetGroups groups(to, part);
     merge_records(reader, part.edits, out_, groups);
   }
 
@@ -207,7 +214,7 @@ class SheetsWriter {
     CellsWriter cells(out_, book_, sheet);
     SheetWriting to{out_,  book_,     sheet,  sheet.contents(), &sheet.contents(),
                     cells, drawings_, places_};
-    StoredGroups groups(to, shift);
+    StoredGroups groups(to, part, shift);
     const RecordReader reader = reader_of(sheet, part);
     if (is_whole(reader)) merge_records(reader, part.edits, out_, groups);
     else copy_damaged(reader, part.begin, book_.file->end_of(part.begin));

@@ -225,6 +225,50 @@ TEST(XlsSaving, MovesWhatIsCarriedWithItsCells) {
                                                         u16(0));
 }
 
+// A book that is shown in several windows: the first one is that of the model, and as many as the
+// book says stay in each sheet.
+TEST(XlsSaving, KeepsFurtherWindows) {
+  const auto window = [](unsigned active) {
+    return record(0x3D, std::string(10, '\0') + u16(active) + u16(0) + u16(1) + u16(600));
+  };
+  const auto view = [](unsigned flags, unsigned row, unsigned zoom) {
+    return record(0x23E, u16(flags) + u16(row) + std::string(14, '\0')) +
+           record(0xA0, u16(zoom) + u16(100)) + record(0x1D, std::string(15, '\0'));
+  };
+  const std::string of_second = view(0x600, 7, 50);
+  const std::string file =
+      file_of(stream_of({{"One", number(0, 0, 1) + view(0x600, 3, 90) + view(0, 5, 60)},
+                         {"Two", number(0, 0, 1) + view(0, 4, 80) + of_second},
+                         {"Chart", view(0, 0, 70) + of_second, 2}},
+                        window(0) + window(1)));
+  const auto windows_of = [](const Records& records) {
+    std::string all;
+    for (const auto& [id, data] : records)
+      if (id == 0x3D || id == 0x23E || id == 0xA0 || id == 0x1D)
+        all += record(static_cast<std::uint16_t>(id), data);
+    return all;
+  };
+  for (const bool changes : {false, true}) {
+    SCOPED_TRACE(changes);
+    LoadedBook book(file);
+    EXPECT_EQ(book.book.active_sheet, 0U);
+    for (std::size_t i = 0; i < 2; ++i) {
+      Sheet& sheet = book.sheet(i);
+      EXPECT_EQ(sheet.contents().view.top_left.row, 3 + static_cast<int>(i));
+      EXPECT_EQ(sheet.contents().view.zoom, 90 - 10 * static_cast<int>(i));
+      if (changes) sheet.change().view.zoom = 200;
+    }
+    const std::string saved = book.file();
+    const Records records = records_of(saved);
+    EXPECT_TRUE(windows_of(records).starts_with(window(0) + window(1)));
+    for (unsigned i = 0; i < 3; ++i) {
+      const std::string first =
+          view(i == 0 ? 0x600 : 0, i == 2 ? 0 : 3 + i, changes && i != 2 ? 200 : 90 - 10 * i);
+      EXPECT_EQ(windows_of(sheet_of(saved, i)), first + (i == 0 ? view(0, 5, 60) : of_second));
+    }
+  }
+}
+
 TEST(XlsSaving, LeadsFormulasOfUnreadSheetsToTheSheetsTheyMean) {
   // Of the third sheet: Two!$A$1:$B$2, the name that Two has, and One:Two!$A$1:$B$2.
   const std::string formulas =
