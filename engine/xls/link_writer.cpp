@@ -184,17 +184,25 @@ const std::uint32_t* LinkWriter::find(std::string_view name, const Sheet* scope)
   return found == name_numbers_.end() ? nullptr : &found->second;
 }
 
+const std::uint32_t* LinkWriter::find_from(const Sheet* from, std::string_view name) const {
+  const std::uint32_t* const own = from ? find(name, from) : nullptr;
+  return own ? own : find(name, nullptr);
+}
+
 std::uint32_t LinkWriter::name(std::string_view name, const Sheet* from) {
-  const std::uint32_t* number = from ? find(name, from) : nullptr;
-  if (!number) number = find(name, nullptr);
+  const std::uint32_t* const number = find_from(from, name);
   return number ? *number : add_name({nullptr, std::string(name), nullptr});
+}
+
+std::optional<std::uint32_t> LinkWriter::name_of_file(std::string_view name,
+                                                      const Sheet* from) const {
+  const std::uint32_t* const number = find_from(from, name);
+  return number && *number <= file_.names.size() ? std::optional(*number) : std::nullopt;
 }
 
 std::optional<std::uint32_t> LinkWriter::name_of(std::string_view name,
                                                  std::string_view sheet) const {
-  const Sheet* const scope = book_.find_sheet(sheet);
-  const std::uint32_t* number = scope ? find(name, scope) : nullptr;
-  if (!number) number = find(name, nullptr);
+  const std::uint32_t* const number = find_from(book_.find_sheet(sheet), name);
   return number ? std::optional(*number) : std::nullopt;
 }
 

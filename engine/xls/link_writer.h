@@ -35,6 +35,8 @@ class LinkWriter {
   // Number of a name, from 1, as a formula on a sheet means it: that of the sheet, else that of the
   // book. One that nobody has defined is added, without a definition.
   std::uint32_t name(std::string_view name, const Sheet* from);
+  // The same; nothing when the file has none.
+  std::optional<std::uint32_t> name_of_file(std::string_view name, const Sheet* from) const;
   // The same of a sheet's own; nothing when it has none.
   std::optional<std::uint32_t> name_of(std::string_view name, std::string_view sheet) const;
   // A name that another book has, or a sheet of it: its entry and its number there, from 1.
@@ -78,6 +80,8 @@ class LinkWriter {
   std::uint16_t entry(std::size_t book, int first, int last);
   std::optional<Entry> find_foreign(std::string_view prefix) const;
   const std::uint32_t* find(std::string_view name, const Sheet* scope) const;
+  // As a formula on a sheet means it.
+  const std::uint32_t* find_from(const Sheet* from, std::string_view name) const;
   std::uint32_t add_name(Name name);
 
   const Workbook& book_;

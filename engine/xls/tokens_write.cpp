@@ -84,7 +84,7 @@ bool TokenWriter::write(std::string_view text, const FormulaContext& context) {
     return fail("the formula is not one that .xls files can hold");
   place_nodes(context);
   for (std::size_t node = 0; node < formula_.nodes.size(); ++node) {
-    if (!write_openings(node) || !write_node(node, context)) return false;
+    if (!write_openings(node, context) || !write_node(node, context)) return false;
     if (places_[node].part != Part::kOther) write_argument_end(node);
     if (tokens_.size() > kMaxTokens) return fail("the formula is too long for .xls files");
   }
@@ -203,7 +203,7 @@ void TokenWriter::place_argument(Place& place, char its_class) {
 }
 
 // Of those that begin with the same node the outer one stands in front.
-bool TokenWriter::write_openings(std::size_t node) {
+bool TokenWriter::write_openings(std::size_t node, const FormulaContext& context) {
   for (; next_opening_ < openings_.size() && openings_[next_opening_].first == node;
        ++next_opening_) {
     const std::size_t opened = openings_[next_opening_].node;
@@ -216,13 +216,24 @@ bool TokenWriter::write_openings(std::size_t node) {
     }
     const std::string_view text = formula_.text_of(its).substr(its.mark - std::size_t{its.begin});
     const std::string_view name = text.substr(0, text.find_first_of("( \n"));
-    const std::optional<ForeignName> found = its.prefix == PrefixKind::kNone
-                                                 ? links_.function(function_name(name))
-                                                 : foreign_name(opened, name);
+    if (its.prefix == PrefixKind::kNone) {
+      put_function(function_name(name), context);
+      continue;
+    }
+    const auto found = foreign_name(opened, name);
     if (!found) return false;
     put_foreign_name(*found, Class::kReference);
   }
   return true;
+}
+
+// Of a function without a number: one that the book has a name for, a macro say, or an add-in's.
+void TokenWriter::put_function(const std::string& name, const FormulaContext& context) {
+  const auto number = links_.name_of_file(name, context.sheet);
+  if (!number) return put_foreign_name(links_.function(name), Class::kReference);
+  put_token(kNameToken, Class::kReference);
+  put16(*number);
+  put16(0);
 }
 
 // As files call a function that came later.

@@ -91,7 +91,7 @@ class TokenWriter {
   void place_nodes(const FormulaContext& context);
   void place_operands(std::size_t node);
   void place_call(std::size_t node);
-  bool write_openings(std::size_t node);
+  bool write_openings(std::size_t node, const FormulaContext& context);
   bool write_node(std::size_t node, const FormulaContext& context);
   bool write_reference(std::size_t node, const FormulaContext& context);
   bool write_name(std::size_t node, const FormulaContext& context);
@@ -104,6 +104,7 @@ class TokenWriter {
   void write_argument_end(std::size_t node);
   void settle_jumps(std::size_t node, std::size_t function_at);
   void write_blanks_before(std::size_t end, std::uint32_t kind);
+  void put_function(const std::string& name, const FormulaContext& context);
   static std::string function_name(std::string_view name);
   std::optional<std::uint16_t> sheets_of(std::size_t node);
   std::optional<ForeignName> foreign_name(std::size_t node, std::string_view name);

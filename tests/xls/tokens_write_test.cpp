@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "engine/package/output.h"
 #include "engine/xls/tokens_read.h"
 #include "tests/xls/streams.h"
@@ -156,17 +158,21 @@ TEST(XlsTokensWritten, BecomeTheSameTextAgain) {
 
 // Other books are known by their numbers, which the functions of add-ins do not share.
 TEST(XlsTokensWritten, ReferToBooksThatTheFileIsLinkedWith) {
-  using testing::narrow16, testing::narrow8, testing::record, testing::u16, testing::u32;
+  using testing::narrow16, testing::narrow8, testing::record, testing::u16, testing::u32,
+      testing::u8;
   const auto name = [](const char* text, unsigned sheet = 0) {
     return record(kExternName, u16(0) + u16(sheet) + u16(0) + narrow8(text) + u16(0));
   };
-  const std::string links =
-      record(kSupBook, u16(1) + u16(0x401)) +
-      record(kSupBook, u16(0) + narrow16("\1Excel\3Sheet")) + name("an item") +
-      record(kSupBook, u16(1) + u16(0x3A01)) + name("_xlfn.XOR") +
-      record(kSupBook, u16(3) + narrow16("\1other.xls") + narrow16("One") + narrow16("Two 2") +
-                           narrow16("It's")) +
-      name("Rate") + name("Rate", 2) + record(kExternSheet, u16(1) + u16(3) + u16(1) + u16(1));
+  const std::string macro =
+      record(kName, u16(0x0E) + u8(0) + u8(4) + u16(0) + u16(0) + u16(0) + u32(0) + u8(0) + "mine");
+  const std::string links = record(kSupBook, u16(1) + u16(0x401)) +
+                            record(kSupBook, u16(0) + narrow16("\1Excel\3Sheet")) +
+                            name("an item") + record(kSupBook, u16(1) + u16(0x3A01)) +
+                            name("_xlfn.XOR") +
+                            record(kSupBook, u16(3) + narrow16("\1other.xls") + narrow16("One") +
+                                                 narrow16("Two 2") + narrow16("It's")) +
+                            name("Rate") + name("Rate", 2) + macro +
+                            record(kExternSheet, u16(1) + u16(3) + u16(1) + u16(1));
   const std::string file = testing::file_of(testing::stream_of({{"Data", ""}}, links));
   struct Case {
     const char* formula;
@@ -179,7 +185,7 @@ TEST(XlsTokensWritten, ReferToBooksThatTheFileIsLinkedWith) {
       {"[2]!Rate*'[2]Two 2'!Rate"},
       {"[1]!'an item'"},
       {"[2]!Rate(1,Data!A1)"},
-      {"XOR(1)"},
+      {"XOR(1)+mine(A1)"},
       {"[3]One!A1", false},
       {"[2]Three!A1", false},
       {"[2x]One!A1", false},
@@ -197,6 +203,10 @@ TEST(XlsTokensWritten, ReferToBooksThatTheFileIsLinkedWith) {
     if (is_written) {
       testing::LoadedBook saved(book.file());
       EXPECT_EQ(testing::shown(saved, 0, 0), "blank =" + std::string(formula));
+      // Nothing is made a function of an add-in that is known already.
+      EXPECT_EQ(std::ranges::count(testing::records_of(book.file()), kExternName,
+                                   &std::pair<unsigned, std::string>::first),
+                4);
     } else {
       EXPECT_ANY_THROW(book.file());
     }
