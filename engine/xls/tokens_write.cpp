@@ -33,12 +33,29 @@ constexpr std::uint8_t kOperatorTokens[] = {0x0B, 0x0E, 0x09, 0x0A, 0x0D, 0x0C, 
 constexpr std::string_view kVolatile[] = {"CELL",   "INDIRECT", "INFO", "NOW",
                                           "OFFSET", "RAND",     "TODAY"};
 
-// Functions that came after the binary format, though files of the next one hold them as they are.
-constexpr std::string_view kAfterwards[] = {
-    "AVERAGEIF",          "AVERAGEIFS",       "COUNTIFS",
-    "CUBEKPIMEMBER",      "CUBEMEMBER",       "CUBESET",
-    "CUBEMEMBERPROPERTY", "CUBERANKEDMEMBER", "CUBESETCOUNT",
-    "CUBEVALUE",          "IFERROR",          "SUMIFS"};
+// Functions that came after the binary format, though files of the next one hold them as they are,
+// and what they take arguments as: a criterion is a value. The last two go on.
+struct LaterFunction {
+  std::string_view name;
+  std::string_view classes = "RR";
+};
+constexpr LaterFunction kAfterwards[] = {
+    {"AVERAGEIF", "RVR"}, {"AVERAGEIFS", "RRV"},  {"COUNTIFS", "RV"}, {"CUBEKPIMEMBER"},
+    {"CUBEMEMBER"},       {"CUBEMEMBERPROPERTY"}, {"CUBESET"},        {"CUBERANKEDMEMBER"},
+    {"CUBESETCOUNT"},     {"CUBEVALUE"},          {"IFERROR"},        {"SUMIFS", "RRV"}};
+
+const LaterFunction* find_later(std::string_view name) {
+  const auto found = std::ranges::find(kAfterwards, name, &LaterFunction::name);
+  return found == std::end(kAfterwards) ? nullptr : found;
+}
+
+// Of the argument at a place.
+char class_of_argument(const Function* function, const LaterFunction* later, std::size_t place) {
+  if (function) return function->classes[std::min(place, function->classes.size() - 1)];
+  if (!later) return 'R';
+  const std::size_t count = later->classes.size();
+  return later->classes[place < count ? place : count - 2 + (place - count) % 2];
+}
 
 bool makes_reference(const Node& node) {
   const auto op = static_cast<Operator>(node.value);
@@ -160,6 +177,7 @@ void TokenWriter::place_call(std::size_t node) {
   const std::string_view name = text.substr(0, text.find_first_of("( \n"));
   const Function* function = find_function(name);
   if (function && (count < function->least || count > function->most)) function = nullptr;
+  const LaterFunction* later = function ? nullptr : find_later(name);
   places_[node].function = function;
   if (!function) openings_.push_back({its.first, node});
   Place below;
@@ -173,8 +191,7 @@ void TokenWriter::place_call(std::size_t node) {
     Place& place = places_[operand];
     place = below;
     place.argument = static_cast<std::uint8_t>(argument);
-    const std::string_view classes = function ? function->classes : "R";
-    place_argument(place, classes[std::min(argument, classes.size() - 1)]);
+    place_argument(place, class_of_argument(function, later, argument));
     operand = formula_.nodes[operand].first;
   }
 }
@@ -240,9 +257,8 @@ void TokenWriter::put_function(const std::string& name, const FormulaContext& co
 std::string TokenWriter::function_name(std::string_view name) {
   using formula::FunctionKind;
   const FunctionKind kind = formula::function_kind(name);
-  const bool afterwards = std::ranges::find(kAfterwards, name) != std::end(kAfterwards);
   if (kind == FunctionKind::kNewerOfWorksheets) return std::string("_xlfn._xlws.").append(name);
-  if (kind == FunctionKind::kNewer || afterwards) return std::string("_xlfn.").append(name);
+  if (kind == FunctionKind::kNewer || find_later(name)) return std::string("_xlfn.").append(name);
   return std::string(name);
 }
 

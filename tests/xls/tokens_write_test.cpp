@@ -92,6 +92,10 @@ TEST(XlsTokensWritten, StandInTheOrderOfCalculationWithTheirClasses) {
        "4201E400"},
       {"STDEV(ROUND({1,2},1))", "60000000000000001E0100411B0042010C00"},
       {"MMULT({1},{2})", "6000000000000000600000000000000041A500"},
+      // A criterion is one value, also of a function without a number.
+      {"COUNTIFS(A1:A2,B1)",
+       "39000001000000"
+       "250000010000C000C044000001C04203FF00"},
       // Names count relative references from their own cell.
       {"A1", "2C000000C0", FormulaUse::kName},
       {"$A$1", "2400000000", FormulaUse::kName},
@@ -163,8 +167,8 @@ TEST(XlsTokensWritten, ReferToBooksThatTheFileIsLinkedWith) {
   const auto name = [](const char* text, unsigned sheet = 0) {
     return record(kExternName, u16(0) + u16(sheet) + u16(0) + narrow8(text) + u16(0));
   };
-  const std::string macro =
-      record(kName, u16(0x0E) + u8(0) + u8(4) + u16(0) + u16(0) + u16(0) + u32(0) + u8(0) + "mine");
+  const std::string macro = record(
+      kName, u16(0x0E) + u8(0) + u8(5) + u16(0) + u16(0) + u16(0) + u32(0) + u8(0) + "tax20");
   const std::string links = record(kSupBook, u16(1) + u16(0x401)) +
                             record(kSupBook, u16(0) + narrow16("\1Excel\3Sheet")) +
                             name("an item") + record(kSupBook, u16(1) + u16(0x3A01)) +
@@ -185,7 +189,7 @@ TEST(XlsTokensWritten, ReferToBooksThatTheFileIsLinkedWith) {
       {"[2]!Rate*'[2]Two 2'!Rate"},
       {"[1]!'an item'"},
       {"[2]!Rate(1,Data!A1)"},
-      {"XOR(1)+mine(A1)"},
+      {"XOR(1)+tax20(A1)-tax20"},
       {"[3]One!A1", false},
       {"[2]Three!A1", false},
       {"[2x]One!A1", false},
