@@ -35,6 +35,10 @@ bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; 
 
 }  // namespace
 
+bool has_outer_blank(std::string_view text) {
+  return !text.empty() && (is_blank(text.front()) || is_blank(text.back()));
+}
+
 void read_string_item(XmlScanner& scanner, StringItem& item) {
   item.text.clear();
   item.rich = false;
@@ -70,8 +74,8 @@ StringItem parse_string_item(std::string_view element, std::string_view part,
 
 void append_string_item(std::string& out, std::string_view text) {
   const bool plain = is_plain_text(text);
-  const bool preserve = !text.empty() && (is_blank(text.front()) || is_blank(text.back()) ||
-                                          (!plain && text.find('\n') != std::string_view::npos));
+  const bool preserve =
+      has_outer_blank(text) || (!plain && text.find('\n') != std::string_view::npos);
   out.append(preserve ? "<si><t xml:space=\"preserve\">" : "<si><t>");
   if (plain) out.append(text);
   else append_text(out, text);

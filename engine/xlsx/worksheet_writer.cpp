@@ -13,6 +13,7 @@
 #include "engine/xlsx/attributes.h"
 #include "engine/xlsx/escapes.h"
 #include "engine/xlsx/stored_formula.h"
+#include "engine/xlsx/string_item.h"
 
 namespace engine::xlsx {
 
@@ -504,7 +505,9 @@ char* WorksheetText::write_formula(TextBuffer& out, char* at, const RowRun& run,
 
 char* WorksheetText::write_value(TextBuffer& out, char* at, const RowRun& run,
                                  const Value& value) const {
-  at = put(at, "<v>");
+  const bool outer_blank =
+      value.kind == ValueKind::kText && has_outer_blank(text_of(run, value.text()));
+  at = outer_blank ? put(at, "<v xml:space=\"preserve\">") : put(at, "<v>");
   switch (value.kind) {
     case ValueKind::kNone:
       break;

@@ -251,12 +251,14 @@ TEST(Worksheet, WritesBackWhatItDoesNotKnow) {
       R"(<mergeCells count="1"><mergeCell ref="F1:G1"/></mergeCells>)",
       R"(<mc:AlternateContent xmlns:mc="urn:mc"><mc:Choice Requires="x"/></mc:AlternateContent>)",
       R"(<extLst><ext uri="{1}"><x:deep>&lt;</x:deep></ext></extLst>)",
+      R"(<c r="B2" t="str"><f>T(A1)</f><v xml:space="preserve">blank behind </v></c>)",
   };
   const auto piece = [&](int i) { return std::string(kPieces[i]); };
-  std::string sheet = worksheet(
-      piece(3) + piece(4) + piece(5) + piece(6) + piece(7) + R"(<row r="2">)" + piece(8) + "</row>",
-      piece(0) + "<sheetViews>" + piece(1) + "</sheetViews><cols>" + piece(2) + "</cols>",
-      piece(9) + piece(10) + piece(11));
+  std::string sheet =
+      worksheet(piece(3) + piece(4) + piece(5) + piece(6) + piece(7) + R"(<row r="2">)" + piece(8) +
+                    piece(12) + "</row>",
+                piece(0) + "<sheetViews>" + piece(1) + "</sheetViews><cols>" + piece(2) + "</cols>",
+                piece(9) + piece(10) + piece(11));
   sheet.insert(sheet.find(" xmlns:r="), R"( xmlns:x="urn:x")");
   const auto book = load(book_of(sheet));
   book->read();
