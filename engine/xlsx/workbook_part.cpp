@@ -179,11 +179,23 @@ void patch_names(pugi::xml_node root, const Workbook& book, std::size_t sheets) 
   root.remove_child(old);
 }
 
-void patch_views(pugi::xml_node root, const Workbook& book) {
+// Whether a sheet may have a view that its file did not give it: that is one of a window of the
+// book. Sheets that hold no cells have theirs.
+bool has_new_view(const Workbook& book, const SheetParts& parts) {
+  return std::ranges::any_of(book.sheets(), [&](const auto& sheet) {
+    const SheetPart& part = parts.at(sheet.get());
+    if (part.listed == 0) return true;
+    if (sheet->kind != SheetKind::kWorksheet) return false;
+    return (sheet->selected && !part.selected) ||
+           (sheet->changed() && sheet->contents().view != SheetView());
+  });
+}
+
+void patch_views(pugi::xml_node root, const Workbook& book, const SheetParts& parts) {
   const pugi::xml_node views = package::child(root, Family::Main, "bookViews");
   pugi::xml_node view = package::child(views, Family::Main, "workbookView");
   if (!view) {
-    if (book.active_sheet == 0) return;
+    if (book.active_sheet == 0 && !has_new_view(book, parts)) return;
     view = package::append_child(workbook_child(root, "bookViews"), "workbookView");
   }
   if (view.attribute("activeTab").as_uint() != book.active_sheet)
@@ -280,7 +292,7 @@ package::XmlTree WorkbookPart::patched(const Workbook& book, const SheetParts& p
   const pugi::xml_node root = copy.root();
   patch_names(root, book, sheet_nodes(root).size());
   patch_sheets(root, book, parts);
-  patch_views(root, book);
+  patch_views(root, book, parts);
   patch_settings(root, book, calculate);
   return copy;
 }

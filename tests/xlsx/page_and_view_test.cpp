@@ -212,6 +212,17 @@ TEST(PagesAndViews, ViewsArePatched) {
   });
 }
 
+// A view is one of a window of the book, which not every program writes.
+TEST(PagesAndViews, ANewViewHasAWindow) {
+  for (const bool shown : {false, true}) {
+    const auto book = load(book_of(worksheet("")));
+    book->read().change().view.gridlines = !shown;
+    EXPECT_EQ(unzip(book->save())["xl/workbook.xml"].find("<bookViews><workbookView/></bookViews>"
+                                                          "<sheets>") != std::string::npos,
+              shown);
+  }
+}
+
 TEST(PagesAndViews, ProtectionIsPatched) {
   expect_patches({
       {{"", ""},

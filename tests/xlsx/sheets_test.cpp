@@ -111,6 +111,7 @@ TEST(Sheets, ACopyHasWhatBelongsToItAlone) {
   EXPECT_THAT(saved.at("xl/tables/table3.xml"), HasSubstr("id=\"5\" name=\"Table1_2_1\""));
   EXPECT_THAT(saved.at("xl/worksheets/_rels/sheet3.xml.rels"), HasSubstr("http://a/"));
   EXPECT_EQ(saved.at("xl/worksheets/sheet1.xml"), book_with_parts().at("xl/worksheets/sheet1.xml"));
+  EXPECT_THAT(saved.at("xl/workbook.xml"), HasSubstr("<workbookView"));
   EXPECT_EQ(refusal(bytes), "");
 }
 
