@@ -20,6 +20,7 @@
 #include "engine/xls/drawing_write.h"
 #include "engine/xls/fields.h"
 #include "engine/xls/older_links.h"
+#include "engine/xls/older_records.h"
 #include "engine/xls/older_texts.h"
 #include "engine/xls/older_tokens.h"
 #include "engine/xls/record_merge.h"
@@ -34,31 +35,7 @@ constexpr std::uint16_t kVersion5 = 0x500;
 constexpr std::uint16_t kModuleStream = 0x06;
 constexpr std::uint16_t kChartStream = 0x20;
 constexpr std::uint16_t kMacroStream = 0x40;
-constexpr std::uint32_t kUnicode = 1200;
 constexpr std::uint64_t kMaxStream = 0x7FFFFFFF;
-
-// Records that only this version has, or that nobody else here knows.
-enum OlderRecord : std::uint16_t {
-  kOldestDimensions = 0x00,
-  kExternCount = 0x16,
-  kPrinter = 0x4D,
-  kConsolidation = 0x50,
-  kConsolidationSource = 0x51,
-  kConsolidationName = 0x52,
-  kFormatCount = 0x56,
-  kFileSharing = 0x5B,
-  kNotCalculated = 0x5E,
-  kImage = 0x7F,
-  kSortDialog = 0x90,
-  kColumnsChanged = 0xAB,
-  kScenarios = 0xAE,
-  kScenario = 0xAF,
-  kToolbarsBegin = 0xBF,
-  kToolbarsEnd = 0xC0,
-  kMacros = 0xD3,
-  kTabsChanged = 0xEA,
-  kVersionMark = 0x162,
-};
 
 // The colours of a book that lists none, which are not those of today.
 constexpr Palette kColors = {
@@ -70,6 +47,7 @@ constexpr Palette kColors = {
     0x2A6FF9, 0x3FB8CD, 0x488436, 0x958C41, 0x8E5E42, 0xA0627A, 0x624FAC, 0x969696,
     0x1D2FBE, 0x286676, 0x004500, 0x453E01, 0x6A2813, 0x85396A, 0x4A3285, 0x424242,
 };
+
 // A colour has red first, or last where it is one number.
 constexpr std::uint32_t turned(std::uint32_t color) {
   return (color >> 16 & 0xFF) | (color & 0xFF00) | (color & 0xFF) << 16;
@@ -107,15 +85,6 @@ class OlderBook {
   const std::set<std::string, std::less<>>& lost() const { return lost_; }
 
  private:
-  enum Where : unsigned { kInGlobals = 1, kInSheets = 2, kAnywhere = 3 };
-
-  struct Rule {
-    std::uint16_t id;
-    Where where;  // elsewhere it means nothing
-    void (OlderBook::*take)(Fields in);
-  };
-  static const Rule kRules[];
-
   struct Text {
     std::string text;
     std::string runs;  // as the present version has them
@@ -227,7 +196,65 @@ class OlderBook {
     out_->record(kEof, {});
   }
 
-  void take_record();
+  void take_record() {
+    using Fate = OlderRecord::Fate;
+    const std::uint16_t id = reader_->id();
+    const OlderRecord* record = find_older_record(id);
+    if (!record) return lose("records of number " + std::to_string(id));
+    if ((record->where & where_) == 0) return;
+    if (id == kBof) return take_drawn_chart();
+    const Fields in(reader_->whole_data());
+    switch (record->fate) {
+      case Fate::kKept:
+        return put(id, in.rest());
+      case Fate::kDropped:
+        return;
+      case Fate::kChanged:
+        if (const auto data = record->change(in, texts_))
+          put(id == 0 ? std::uint16_t{kDimensions} : id, *data);
+        else if (where_ == kInGlobals) reader_->fail("ends too early");
+        return;
+      case Fate::kOwn:
+        return take_own(in);
+      case Fate::kLost:
+        return lose(record->what);
+    }
+  }
+
+  void take_own(Fields in) {
+    switch (reader_->id()) {
+      case kFormula:
+        return take_formula(in, 20);
+      case kArray:
+        return take_formula(in, 12);
+      case kShared:
+        return take_formula(in, 8);
+      case kString:
+        return take_formula_text(in);
+      case kLabel:
+      case kRichText:
+        return take_text(in);
+      case kExternSheet:
+        return take_extern_sheet(in);
+      case kExternName:
+        return take_extern_name(in);
+      case kName:
+        return take_name(in);
+      case kBoundSheet:
+        return take_bound_sheet();
+      case kWindow2:
+        return take_window(in);
+      case kFilterInfo:
+        has_filter_ = true;
+        return put(kFilterInfo, in.rest());
+      case kNote:
+        return take_note(in);
+      case kObject:
+        return take_object(in);
+      default:
+        break;
+    }
+  }
 
   void put(std::uint16_t id, std::string_view data) {
     // What is drawn stands between the cells and how they are looked at.
@@ -239,8 +266,6 @@ class OlderBook {
       out_->end();
     }
   }
-  void keep(Fields in) { put(reader_->id(), in.rest()); }
-  void drop(Fields /*in*/) {}
   void need(const Fields& in) {
     if (in.ok()) return;
     // Whoever reads the sheet comes across it.
@@ -250,61 +275,6 @@ class OlderBook {
 
   // What all sheets share.
 
-  void take_code_page(Fields /*in*/) { out_->record(kCodePage, {kUnicode}); }
-  void take_interface(Fields /*in*/) { out_->record(kInterfaceHeader, {kUnicode}); }
-
-  void take_file_sharing(Fields in) {
-    std::string data(in.take(4));
-    put(kFileSharing, data + texts_.long_text(in.take(in.take8())));
-  }
-
-  void take_font(Fields in) {
-    std::string data(in.take(14));
-    data += texts_.short_text(in.take(in.take8()));
-    need(in);
-    put(kFont, data);
-  }
-
-  void take_number_format(Fields in) {
-    std::string data(in.take(2));
-    data += texts_.long_text(in.take(in.take8()));
-    if (in.ok()) put(kNumberFormat, data);
-  }
-
-  // Font, number format and flags are as they were.
-  void take_format(Fields in) {
-    constexpr unsigned kRotations[] = {0, 255, 90, 180};
-    std::string data(in.take(6));
-    const unsigned alignment = in.take8();
-    const unsigned more = in.take8();
-    const std::uint32_t fill = in.take32();
-    const std::uint32_t lines = in.take32();
-    need(in);
-    const std::uint32_t bottom = fill >> 22;
-    const auto put8 = [&](unsigned value) { data += static_cast<char>(value); };
-    put8(alignment);
-    put8(kRotations[more & 3]);
-    put8(0);
-    put8(more & 0xFC);
-    const std::uint32_t left_color = lines >> 16 & 0x7F;
-    const std::uint32_t right_color = lines >> 23 & 0x7F;
-    package::put32(data, (lines >> 3 & 7) | (lines >> 6 & 7) << 4 | (lines & 7) << 8 |
-                             (bottom & 7) << 12 | left_color << 16 | right_color << 23);
-    package::put32(data,
-                   (lines >> 9 & 0x7F) | (bottom >> 3 & 0x7F) << 7 | (fill >> 16 & 0x3F) << 26);
-    package::put16(data, fill & 0x3FFF);
-    put(kFormat, data);
-  }
-
-  void take_style(Fields in) {
-    constexpr unsigned kBuiltIn = 0x80;
-    std::string data(in.take(2));
-    if (!in.ok()) return;
-    if ((static_cast<unsigned char>(data[1]) & kBuiltIn) != 0) data += in.rest();
-    else data += texts_.long_text(in.take(in.take8()));
-    put(kStyle, data);
-  }
-
   void put_colors() {
     std::string data;
     package::put16(data, std::size(kColors));
@@ -312,7 +282,7 @@ class OlderBook {
     put(kPalette, data);
   }
 
-  void take_bound_sheet(Fields /*in*/) {
+  void take_bound_sheet() {
     if (listed_ == 0 && !has_palette_) put_colors();
     OlderSheet& sheet = sheets_[listed_++];
     sheet.named_at = out_->position() + 4;
@@ -380,68 +350,18 @@ class OlderBook {
 
   // Sheets.
 
-  void take_dimensions(Fields in) {
-    std::string data;
-    package::put32(data, in.take16());
-    package::put32(data, in.take16());
-    data += in.rest().substr(0, 4);
-    package::put16(data, 0);
-    if (in.ok()) put(kDimensions, data);
-  }
-
-  void take_page_text(Fields in) {
-    put(reader_->id(), in.at_end() ? std::string() : texts_.long_text(in.take(in.take8())));
-  }
-
-  template <unsigned Last>
-  void take_breaks(Fields in) {
-    std::string data;
-    const unsigned count = in.take16();
-    package::put16(data, count);
-    for (unsigned left = count; left > 0 && !in.at_end(); --left) {
-      package::put16(data, in.take16());
-      package::put16(data, 0);
-      package::put16(data, Last);
-    }
-    if (in.ok()) put(reader_->id(), data);
-  }
-
   void take_window(Fields in) {
     constexpr unsigned kAutomaticLines = 0x20;
     constexpr int kAutomatic = 64;
     std::string data(in.take(6));
-    const std::uint32_t color = in.take32();
     if (!in.ok()) return;
     is_behind_cells_ = true;
     const bool is_automatic = (static_cast<unsigned char>(data[0]) & kAutomaticLines) != 0;
-    package::put32(data, static_cast<std::uint32_t>(
-                             is_automatic ? kAutomatic : nearest_index(turned(color), colors_)));
+    const int color = is_automatic ? kAutomatic : nearest_index(turned(in.take32()), colors_);
+    package::put32(data, static_cast<std::uint32_t>(color));
     package::put32(data, 0);
     package::put32(data, 0);
     put(kWindow2, data);
-  }
-
-  void take_filter_info(Fields in) {
-    has_filter_ = true;
-    keep(in);
-  }
-
-  // Two conditions, then the texts of those that compare with one.
-  void take_filter_column(Fields in) {
-    constexpr std::size_t kFirst = 4;
-    constexpr std::size_t kSize = 10;
-    constexpr std::size_t kLength = 6;
-    constexpr char kIsText = 6;
-    std::string data(in.take(kFirst + 2 * kSize));
-    if (!in.ok()) return;
-    for (const std::size_t at : {kFirst, kFirst + kSize}) {
-      if (data[at] != kIsText) continue;
-      const auto length = static_cast<unsigned char>(data[at + kLength]);
-      const std::string text = texts_.short_text(in.take(length));
-      data[at + kLength] = text[0];
-      data.append(text, 1);
-    }
-    if (in.ok()) put(kFilterColumn, data);
   }
 
   // A long one goes on in records without a cell.
@@ -497,9 +417,8 @@ class OlderBook {
   }
 
   // An expression behind so many bytes that are as they were.
-  template <std::size_t Head>
-  void take_formula(Fields in) {
-    std::string data(in.take(Head));
+  void take_formula(Fields in, std::size_t head) {
+    std::string data(in.take(head));
     const std::string_view expression = in.take(in.take16());
     need(in);
     take_expression(expression, in.rest());
@@ -512,14 +431,9 @@ class OlderBook {
     put(kString, texts_.long_text(bytes));
   }
 
-  void take_drawn_chart(Fields /*in*/) {
+  void take_drawn_chart() {
     lose("charts");
     pass_substream(*reader_, [] {});
-  }
-
-  template <const auto& What>
-  void lose_it(Fields /*in*/) {
-    lose(What);
   }
 
   // The end.
@@ -593,7 +507,7 @@ class OlderBook {
   Drawings drawings_{scratch_, no_group_, no_pictures_};
 
   // Of the substream that is read.
-  Where where_ = kInGlobals;
+  OlderPlace where_ = kInGlobals;
   RecordReader* reader_ = nullptr;
   OlderList* list_ = nullptr;
   RecordWriter* out_ = nullptr;
@@ -604,154 +518,11 @@ class OlderBook {
   Comments::iterator noted_;                                   // the last one
 };
 
-constexpr char kDrawings[] = "drawings";
-constexpr char kPivotTables[] = "pivot tables";
-constexpr char kMacroCode[] = "macros";
-constexpr char kScenarioList[] = "scenarios";
-constexpr char kConsolidations[] = "consolidations";
-constexpr char kConditionList[] = "conditional formats";
-constexpr char kValidationList[] = "validations";
-constexpr char kFetchedValues[] = "values of other workbooks";
-
-// Ascending.
-constexpr OlderBook::Rule OlderBook::kRules[] = {
-    {kOldestDimensions, kInSheets, &OlderBook::take_dimensions},
-    {kFormula, kInSheets, &OlderBook::take_formula<20>},
-    {kCalculationCount, kInSheets, &OlderBook::keep},
-    {kCalculationMode, kInSheets, &OlderBook::keep},
-    {kPrecision, kInGlobals, &OlderBook::keep},
-    {kReferenceMode, kInSheets, &OlderBook::keep},
-    {kDelta, kInSheets, &OlderBook::keep},
-    {kIteration, kInSheets, &OlderBook::keep},
-    {kProtect, kAnywhere, &OlderBook::keep},
-    {kPassword, kAnywhere, &OlderBook::keep},
-    {kHeader, kInSheets, &OlderBook::take_page_text},
-    {kFooter, kInSheets, &OlderBook::take_page_text},
-    {kExternCount, kAnywhere, &OlderBook::drop},
-    {kExternSheet, kAnywhere, &OlderBook::take_extern_sheet},
-    {kName, kInGlobals, &OlderBook::take_name},
-    {kWindowProtect, kInGlobals, &OlderBook::keep},
-    {kVerticalBreaks, kInSheets, &OlderBook::take_breaks<65535>},
-    {kHorizontalBreaks, kInSheets, &OlderBook::take_breaks<255>},
-    {kNote, kInSheets, &OlderBook::take_note},
-    {kSelection, kInSheets, &OlderBook::keep},
-    {kDateMode, kInGlobals, &OlderBook::keep},
-    {kExternName, kAnywhere, &OlderBook::take_extern_name},
-    {kLeftMargin, kInSheets, &OlderBook::keep},
-    {kRightMargin, kInSheets, &OlderBook::keep},
-    {kTopMargin, kInSheets, &OlderBook::keep},
-    {kBottomMargin, kInSheets, &OlderBook::keep},
-    {kPrintHeadings, kInSheets, &OlderBook::keep},
-    {kPrintGridlines, kInSheets, &OlderBook::keep},
-    {kFilePass, kInGlobals, &OlderBook::drop},
-    {kFont, kInGlobals, &OlderBook::take_font},
-    {kContinue, kAnywhere, &OlderBook::drop},
-    {kWindow1, kInGlobals, &OlderBook::keep},
-    {kBackup, kInGlobals, &OlderBook::keep},
-    {kPane, kInSheets, &OlderBook::keep},
-    {kCodePage, kInGlobals, &OlderBook::take_code_page},
-    {kPrinter, kAnywhere, &OlderBook::drop},
-    {kConsolidation, kInSheets, &OlderBook::lose_it<kConsolidations>},
-    {kConsolidationSource, kInSheets, &OlderBook::lose_it<kConsolidations>},
-    {kConsolidationName, kInSheets, &OlderBook::lose_it<kConsolidations>},
-    {kDefaultColumnWidth, kInSheets, &OlderBook::keep},
-    {kFormatCount, kAnywhere, &OlderBook::drop},
-    {kForeignSheet, kAnywhere, &OlderBook::lose_it<kFetchedValues>},
-    {kForeignCells, kAnywhere, &OlderBook::lose_it<kFetchedValues>},
-    {kFileSharing, kInGlobals, &OlderBook::take_file_sharing},
-    {kUserName, kInGlobals, &OlderBook::drop},
-    {kObject, kInSheets, &OlderBook::take_object},
-    {kNotCalculated, kInSheets, &OlderBook::keep},
-    {kSaveRecalculated, kInSheets, &OlderBook::keep},
-    {kTemplate, kInGlobals, &OlderBook::keep},
-    {kObjectProtect, kInSheets, &OlderBook::keep},
-    {kColumns, kInSheets, &OlderBook::keep},
-    {kImage, kAnywhere, &OlderBook::lose_it<kDrawings>},
-    {kGuts, kInSheets, &OlderBook::keep},
-    {kSheetOptions, kInSheets, &OlderBook::keep},
-    {kGridSet, kInSheets, &OlderBook::keep},
-    {kCenterAcross, kInSheets, &OlderBook::keep},
-    {kCenterDown, kInSheets, &OlderBook::keep},
-    {kBoundSheet, kInGlobals, &OlderBook::take_bound_sheet},
-    {kWriteProtect, kInGlobals, &OlderBook::keep},
-    {kCountry, kInGlobals, &OlderBook::keep},
-    {kHideObjects, kInGlobals, &OlderBook::keep},
-    {kSortDialog, kInSheets, &OlderBook::drop},
-    {kPalette, kInGlobals, &OlderBook::keep},
-    {kStandardWidth, kInSheets, &OlderBook::keep},
-    {kFiltered, kInSheets, &OlderBook::keep},
-    {kFunctionGroups, kInGlobals, &OlderBook::keep},
-    {kFilterInfo, kInSheets, &OlderBook::take_filter_info},
-    {kFilterColumn, kInSheets, &OlderBook::take_filter_column},
-    {kZoom, kInSheets, &OlderBook::keep},
-    {kPageSetup, kInSheets, &OlderBook::keep},
-    {kColumnsChanged, kInSheets, &OlderBook::drop},
-    {kScenarios, kInSheets, &OlderBook::lose_it<kScenarioList>},
-    {kScenario, kInSheets, &OlderBook::lose_it<kScenarioList>},
-    {kPivotView, kInSheets, &OlderBook::lose_it<kPivotTables>},
-    {kMulRk, kInSheets, &OlderBook::keep},
-    {kMulBlank, kInSheets, &OlderBook::keep},
-    {kToolbarsBegin, kInGlobals, &OlderBook::drop},
-    {kToolbarsEnd, kInGlobals, &OlderBook::drop},
-    {kMenus, kInGlobals, &OlderBook::keep},
-    {kMacros, kInGlobals, &OlderBook::lose_it<kMacroCode>},
-    {kRichText, kInSheets, &OlderBook::take_text},
-    {kDbCell, kInSheets, &OlderBook::drop},
-    {kBookOptions, kInGlobals, &OlderBook::keep},
-    {kScenarioProtect, kInSheets, &OlderBook::keep},
-    {kFormat, kInGlobals, &OlderBook::take_format},
-    {kInterfaceHeader, kInGlobals, &OlderBook::take_interface},
-    {kInterfaceEnd, kInGlobals, &OlderBook::keep},
-    {kMerges, kInSheets, &OlderBook::keep},
-    {kTabsChanged, kInGlobals, &OlderBook::drop},
-    {kTabIds, kInGlobals, &OlderBook::drop},
-    {kDoubleStream, kInGlobals, &OlderBook::drop},
-    {kVersionMark, kInGlobals, &OlderBook::drop},
-    {kConditions, kInSheets, &OlderBook::lose_it<kConditionList>},
-    {kCondition, kInSheets, &OlderBook::lose_it<kConditionList>},
-    {kValidations, kInSheets, &OlderBook::lose_it<kValidationList>},
-    {kRefreshAll, kInGlobals, &OlderBook::keep},
-    {kValidation, kInSheets, &OlderBook::lose_it<kValidationList>},
-    {kDimensions, kInSheets, &OlderBook::take_dimensions},
-    {kBlank, kInSheets, &OlderBook::keep},
-    {kNumber, kInSheets, &OlderBook::keep},
-    {kLabel, kInSheets, &OlderBook::take_text},
-    {kBooleanOrError, kInSheets, &OlderBook::keep},
-    {kString, kInSheets, &OlderBook::take_formula_text},
-    {kRow, kInSheets, &OlderBook::keep},
-    {kIndex, kInSheets, &OlderBook::drop},
-    {kArray, kInSheets, &OlderBook::take_formula<12>},
-    {kDefaultRowHeight, kInSheets, &OlderBook::keep},
-    {kDataTable, kInSheets, &OlderBook::keep},
-    {kWindow2, kInSheets, &OlderBook::take_window},
-    {kRk, kInSheets, &OlderBook::keep},
-    {kStyle, kInGlobals, &OlderBook::take_style},
-    {kNumberFormat, kInGlobals, &OlderBook::take_number_format},
-    {kShared, kInSheets, &OlderBook::take_formula<8>},
-    {kBof, kInSheets, &OlderBook::take_drawn_chart},
-    {kSheetExtension, kInSheets, &OlderBook::keep},
-    {kFeatureHeader, kInSheets, &OlderBook::keep},
-};
-
-void OlderBook::take_record() {
-  static_assert(std::ranges::is_sorted(kRules, {}, &Rule::id));
-  // What programs since have added is about looks that were not known then.
-  constexpr std::uint16_t kFirstFuture = 0x850;
-  constexpr std::uint16_t kLastFuture = 0x8FF;
-  const std::uint16_t id = reader_->id();
-  const auto* rule = std::ranges::lower_bound(kRules, id, {}, &Rule::id);
-  if (rule != std::end(kRules) && rule->id == id) {
-    if ((rule->where & where_) != 0) (this->*rule->take)(Fields(reader_->whole_data()));
-  } else if (id < kFirstFuture || id > kLastFuture) {
-    lose("records of number " + std::to_string(id));
-  }
-}
-
 // A folder of the file that does not come along holds what the book has of other programs.
 std::string_view content_of(const package::CompoundEntry& folder) {
   const std::string name = upper_case(folder.item.name);
-  if (name.starts_with("_VBA_PROJECT")) return kMacroCode;
-  return name.starts_with("_SX_DB") ? kPivotTables : "embedded objects";
+  if (name.starts_with("_VBA_PROJECT")) return "macros";
+  return name.starts_with("_SX_DB") ? "pivot tables" : "embedded objects";
 }
 
 void write(package::CompoundWriter& to, std::string_view bytes) {
