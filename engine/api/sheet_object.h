@@ -234,8 +234,12 @@ class SheetObject final : public libxl::Sheet, public BookPart {
 
   // Steps of an operation, in the order in which refusals are told. Each sets the message.
   bool check_cell(int row, int column) const {
+    // Beyond the last as well as before the first.
+    const auto is_within = [](int number, int count) {
+      return static_cast<unsigned>(number) < static_cast<unsigned>(count);
+    };
     const Grid& grid = limits().grid;
-    if (row >= 0 && row < grid.rows && column >= 0 && column < grid.columns) [[likely]]
+    if (is_within(row, grid.rows) && is_within(column, grid.columns)) [[likely]]
       return true;
     return refuse_cell(row, column);
   }

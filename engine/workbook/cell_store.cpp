@@ -70,7 +70,8 @@ const Cell* CellStore::search(int row, int column) const {
   if (!at) return nullptr;
   const Cell* found = first_from(at->span(), column);
   if (found == at->cells + at->count || found->column != column) return nullptr;
-  cursor_ = static_cast<std::size_t>(found - at->cells);
+  cursor_row_ = at;
+  cursor_ = static_cast<std::uint32_t>(found - at->cells);
   return found;
 }
 
@@ -204,6 +205,7 @@ void CellStore::exchange(RowsMove& moved) noexcept {
             moved.pages.begin());
   pages_.swap(moved.pages);
   newest_ = nullptr;
+  cursor_row_ = nullptr;
   used_.known = false;
 }
 

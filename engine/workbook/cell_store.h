@@ -228,11 +228,12 @@ class CellStore {
   }
   // The cell if it is the one found last or the next of its row.
   const Cell* near_cursor(int row, int column) const {
-    const Row* last = row_in_page(row);
-    if (!last) return nullptr;
-    for (std::size_t near = cursor_; near < cursor_ + 2 && near < last->count; ++near)
-      if (last->cells[near].column == column) return &last->cells[cursor_ = near];
-    return nullptr;
+    const Row* last = cursor_row_;
+    if (!last || last->number != static_cast<std::uint32_t>(row)) return nullptr;
+    const std::uint32_t near = cursor_;
+    if (near < last->count && last->cells[near].column == column) return &last->cells[near];
+    if (near + 1 >= last->count || last->cells[near + 1].column != column) return nullptr;
+    return &last->cells[cursor_ = near + 1];
   }
   const Cell* search(int row, int column) const;
   static bool belongs_behind(const Row& row, int column) {
@@ -258,7 +259,9 @@ class CellStore {
   Cell* block_end_ = nullptr;
   Row* newest_ = nullptr;  // whose run ends at free_ and may change its size in place; or null
   mutable Bounds used_;
-  mutable std::size_t cursor_ = 0;  // place in its row of the cell found last
+  // The row of the cell found last, or null, and the cell's place in it.
+  mutable const Row* cursor_row_ = nullptr;
+  mutable std::uint32_t cursor_ = 0;
 };
 
 }  // namespace engine
