@@ -18,20 +18,38 @@ std::string write_failure(const std::string& path) {
   return "";
 }
 
-TEST(MemoryOutput, KeepsWhatIsWrittenAndItsLimit) {
-  MemoryOutput output(100000);
+std::string all_of(const MemoryOutput& output) { return std::string(output.view()); }
+
+std::string all_of(const BlockOutput& output) {
+  std::string all;
+  for (const auto piece : output.pieces()) all.append(piece.data(), piece.size());
+  return all;
+}
+
+// Writes are cut and patches parted where blocks end, which they do at powers of two here.
+template <class Kind>
+void keeps_what_is_written() {
+  Kind output(100000);
   std::string expected;
-  for (int i = 0; i < 1000; ++i) {
+  for (int i = 0; i < 10000; ++i) {
     const auto text = std::to_string(i * 7919);
     write_text(output, text);
     expected += text;
   }
-  output.patch(5, std::string_view("abc"));
-  expected.replace(5, 3, "abc");
-  EXPECT_EQ(output.view(), expected);
+  for (const std::size_t at : {std::size_t{0}, std::size_t{4094}, std::size_t{4096},
+                               std::size_t{12286}, expected.size() - 3}) {
+    output.patch(at, std::string_view("abc"));
+    expected.replace(at, 3, "abc");
+  }
+  EXPECT_EQ(all_of(output), expected);
   EXPECT_EQ(output.position(), expected.size());
   EXPECT_THROW(write_text(output, std::string(100001 - expected.size(), 'x')), SizeError);
-  EXPECT_EQ(output.view(), expected);
+  EXPECT_EQ(all_of(output), expected);
+}
+
+TEST(Output, InMemoryKeepsWhatIsWrittenAndItsLimit) {
+  keeps_what_is_written<MemoryOutput>();
+  keeps_what_is_written<BlockOutput>();
 }
 
 TEST(FileOutput, AppearsOnCommitOnly) {
