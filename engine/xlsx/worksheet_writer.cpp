@@ -89,8 +89,7 @@ class TextBuffer {
 
  private:
   static char* copy(char* at, std::string_view text) {
-    std::memcpy(at, text.data(), text.size());
-    return at + text.size();
+    return std::copy(text.begin(), text.end(), at);  // an empty text may lie nowhere
   }
 
   std::string& out_;

@@ -19,7 +19,8 @@ constexpr const char* kRows =
     "<row r=\"3\"><c r=\"A3\"><f t=\"shared\" si=\"0\"/><v>3</v></c><c r=\"B3\" "
     "t=\"s\"><v>1</v></c>"
     "</row><row r=\"4\"><c r=\"A4\" t=\"str\"><v>own</v></c><c r=\"B4\" t=\"e\"><v>#SPILL!</v></c>"
-    "<c r=\"C4\" t=\"str\"><f>One!B4</f><v>result</v></c></row>";
+    "<c r=\"C4\" t=\"str\"><f>One!B4</f><v>result</v></c>"
+    "<c r=\"D4\" t=\"str\"><f>T(B4)</f><v></v></c></row>";
 
 std::unique_ptr<Book> load_rows(int first, int last, std::string_view rows = kRows) {
   auto book = load(book_of(worksheet(rows)));
@@ -70,10 +71,11 @@ TEST(PartialLoad, SavesTheOtherRowsAsTheyWere) {
   const auto again = load(first);
   again->read();
   constexpr std::pair<CellAddress, const char*> kCells[] = {
-      {{0, 0}, "=B1: 1."},   {{1, 0}, "=B2: 2."},
-      {{1, 1}, "\"new\""},   {{2, 1}, "\"one\""},
-      {{2, 5}, "\"newer\""}, {{3, 0}, "\"own\""},
-      {{3, 1}, "#SPILL!"},   {{3, 2}, "=One!B4: \"result\""}};
+      {{0, 0}, "=B1: 1."},     {{1, 0}, "=B2: 2."},
+      {{1, 1}, "\"new\""},     {{2, 1}, "\"one\""},
+      {{2, 5}, "\"newer\""},   {{3, 0}, "\"own\""},
+      {{3, 1}, "#SPILL!"},     {{3, 2}, "=One!B4: \"result\""},
+      {{3, 3}, "=T(B4): \"\""}};
   for (const auto& [at, shown] : kCells)
     EXPECT_EQ(again->show(at.row, at.column), shown) << at.row << " " << at.column;
   EXPECT_EQ(again->sheet().change().properties_at(0).height, 9);
