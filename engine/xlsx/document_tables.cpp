@@ -50,9 +50,11 @@ Header header_at(const Workbook& book, const Workbook& texts, const SheetContent
 
 // A table whose columns get other names.
 struct Renaming {
+  const Sheet* sheet = nullptr;
   TablePart* table = nullptr;
   const Part* part = nullptr;
   std::vector<std::string> names;
+  formula::ColumnChanges own;                // as the table's own formulas may say them
   std::shared_ptr<const std::string> bytes;  // of the part
 };
 
@@ -62,6 +64,17 @@ struct Headers {
   SheetContents before;
   SheetContents now;
 };
+
+// Gives the formulas inside a table the new names that they say without the table's.
+void restate(Headers& made, Sheet& sheet, const CellRange& cells, const formula::ColumnChanges& own,
+             const Grid& grid) {
+  for (auto& [at, text] : own_formulas(sheet.contents(), cells, own, grid)) {
+    if (!made.sheet) made = {&sheet, sheet.contents(), sheet.contents()};
+    const Cell* cell = made.now.cells.find(at.row, at.column);
+    if (!cell || !made.now.is_formula(*cell)) continue;
+    made.now.set_formula(*made.now.record(*cell), made.now.keep_text(text));
+  }
+}
 
 // The cells of a pivot table with the fields above that choose its page.
 std::optional<CellRange> pivot_cells(pugi::xml_node root, const Grid& grid) {
@@ -228,14 +241,9 @@ void Document::settle_tables(Workbook& book) {
         if (!made.sheet) made = {sheet.get(), sheet->contents(), sheet->contents()};
         made.now.put_value(row, column, Value::of_text(book.strings.add(names[i])), {});
       }
-      for (auto& [at, text] : own_formulas(sheet->contents(), table.cells, own, book.limits.grid)) {
-        if (!made.sheet) made = {sheet.get(), sheet->contents(), sheet->contents()};
-        const Cell* cell = made.now.cells.find(at.row, at.column);
-        if (!cell || !made.now.is_formula(*cell)) continue;
-        made.now.set_formula(*made.now.record(*cell), made.now.keep_text(text));
-      }
-      renamings.push_back(
-          {&table, part, std::move(names), std::make_shared<const std::string>(std::move(bytes))});
+      restate(made, *sheet, table.cells, own, book.limits.grid);
+      renamings.push_back({sheet.get(), &table, part, std::move(names), std::move(own),
+                           std::make_shared<const std::string>(std::move(bytes))});
     }
     if (made.sheet) headers.push_back(std::move(made));
   }
@@ -243,6 +251,14 @@ void Document::settle_tables(Workbook& book) {
 
   read_readable_sheets(book);
   const AllRows all_rows(book, *this);
+  for (const auto& sheet : book.sheets()) {
+    if (!sheet->outside) continue;
+    Headers made;
+    for (const Renaming& one : renamings)
+      if (one.sheet == sheet.get())
+        restate(made, sheet->outside->rows, one.table->cells, one.own, book.limits.grid);
+    if (made.sheet) headers.push_back(std::move(made));
+  }
   for (Renaming& one : renamings) parts_.exchange(*one.part, one.bytes);
   for (Headers& one : headers) one.sheet->change() = std::move(one.now);
   FormulaEdits edits;

@@ -161,6 +161,21 @@ TEST(Tables, FormulasFollowWhereverTheyStand) {
   EXPECT_THAT(parts.at("xl/workbook.xml"), HasSubstr(">T[Brutto]<"));
 }
 
+TEST(Tables, FormulasOutsideOfAPartialLoadFollow) {
+  PartTexts parts = book_with_table();
+  std::string& sheet = parts["xl/worksheets/sheet1.xml"];
+  sheet.insert(sheet.find("</sheetData>"), R"(<row r="4"><c r="D4"><f>SUM([Net],T[Net])</f></c>)"
+                                           R"(<c r="E4"><f>SUM(T[Net])</f></c></row>)");
+  const auto book = load(parts);
+  book->sheet().loading = Loading::kPartly;
+  book->sheet().loaded_rows = {1, 1, 0, 16383};
+  book->read();
+  put_text(*book, 1, "Sum");
+  const std::string part = saved(*book).at("xl/worksheets/sheet1.xml");
+  for (const char* formula : {"<f>SUM(T[Sum],T[Sum])</f>", "<f>SUM(T[Sum])</f>"})
+    EXPECT_THAT(part, HasSubstr(formula));
+}
+
 // Tables of a sheet that no file has yet have columns of their own.
 TEST(Tables, CopiesHaveColumnsOfTheirOwn) {
   const auto book = load(book_with_table());
