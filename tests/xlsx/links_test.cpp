@@ -76,6 +76,14 @@ TEST(LinksOfFiles, KeepWhatTheModelDoesNotKnow) {
   EXPECT_THAT(saved.at("xl/worksheets/_rels/sheet1.xml.rels"), Not(HasSubstr("http://a/")));
 }
 
+// Line ends between the links of a list make none.
+TEST(LinksOfFiles, AListGoesWithItsLast) {
+  const auto book = load(book_of(
+      worksheet("", "", "<hyperlinks>\n <hyperlink ref=\"A1\" location=\"B2\"/>\n</hyperlinks>")));
+  book->read().change().links.remove(0);
+  EXPECT_THAT(unzip(book->save()).at("xl/worksheets/sheet1.xml"), Not(HasSubstr("hyperlinks")));
+}
+
 TEST(LinksOfFiles, AreCopiedWithTheirSheet) {
   const auto book = load(book_with_links());
   book->read();

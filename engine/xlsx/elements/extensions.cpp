@@ -61,7 +61,7 @@ void collect_extensions(pugi::xml_node element, TextEdits& edits) {
 void copy_extensions(pugi::xml_node element, const SheetCopying& /*to*/) {
   for (const pugi::xml_node one : package::children(element, Family::Main, "ext"))
     if (refers_to_parts(one)) element.remove_child(one);
-  if (!element.first_child()) element.parent().remove_child(element);
+  if (count_elements(element) == 0) element.parent().remove_child(element);
 }
 
 }  // namespace engine::xlsx

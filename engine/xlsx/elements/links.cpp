@@ -153,7 +153,7 @@ void patch_links(pugi::xml_node root, const SheetPatching& from) {
   }
   for (std::size_t i = 0; i < nodes.size(); ++i)
     if (left[i]) list.remove_child(nodes[i]);
-  if (!list.first_child()) root.remove_child(list);
+  if (count_elements(list) == 0) root.remove_child(list);
 
   if (mentioned.empty()) return;
   const Ids now = mentioned_ids(root);
