@@ -37,7 +37,7 @@ iconv_t converter(std::uintptr_t handle) {
 }  // namespace
 
 CodePage::CodePage(unsigned number) {
-  const iconv_t opened = iconv_open("UTF-8", name_of(number).c_str());
+  auto* const opened = iconv_open("UTF-8", name_of(number).c_str());
   if (opened != converter(UINTPTR_MAX)) handle_ = reinterpret_cast<std::uintptr_t>(opened);
   else if (errno == ENOMEM) throw std::bad_alloc();
 }

@@ -85,12 +85,8 @@ class OlderBook {
   const std::set<std::string, std::less<>>& lost() const { return lost_; }
 
  private:
-  struct Text {
-    std::string text;
-    std::string runs;  // as the present version has them
-
-    auto operator<=>(const Text&) const = default;
-  };
+  // A text and its runs, as the present version has them.
+  using Text = std::pair<std::string, std::string>;
 
   // The sheets, the code page and the password come first, as all else needs them.
   void find_sheets() {
@@ -126,10 +122,11 @@ class OlderBook {
   void part_sheets() {
     std::map<std::uint32_t, OlderSheet*> begins;
     for (OlderSheet& sheet : sheets_) begins.try_emplace(sheet.begin, &sheet);
-    std::uint64_t limit = stream_.size();
-    for (auto sheet = begins.rbegin(); sheet != begins.rend(); ++sheet) {
-      sheet->second->limit = limit;
-      limit = sheet->first;
+    OlderSheet* before = nullptr;
+    for (const auto& [begin, sheet] : begins) {
+      if (before) before->limit = begin;
+      sheet->limit = stream_.size();
+      before = sheet;
     }
   }
 
@@ -393,19 +390,26 @@ class OlderBook {
   // Cells.
 
   void take_text(Fields in) {
+    constexpr std::size_t kMostRich = 2048;  // so that it stays in one record with its runs
     std::string data(in.take(6));
     const std::string_view bytes = in.take(in.take16());
     need(in);
-    Text made{texts_.utf8(bytes), {}};
+    std::string runs;
     if (reader_->id() == kRichText) {
       for (unsigned left = in.take8(); left > 0 && !in.at_end(); --left) {
         const std::string begin = texts_.utf8(bytes.substr(0, in.take8()));
-        package::put16(made.runs, Characters(begin).count());
-        package::put16(made.runs, in.take8());
+        package::put16(runs, Characters(begin).count());
+        package::put16(runs, in.take8());
       }
     }
+    std::string text = texts_.utf8(bytes);
+    if (!runs.empty() && text.size() > kMostRich) {
+      runs.clear();
+      lose("looks within long texts");
+    }
     const auto number = static_cast<std::uint32_t>(listed_texts_.size());
-    const auto [known, is_new] = text_numbers_.try_emplace(std::move(made), number);
+    const auto [known, is_new] =
+        text_numbers_.try_emplace({std::move(text), std::move(runs)}, number);
     if (is_new) listed_texts_.push_back(&known->first);
     ++text_cells_;
     package::put32(data, known->second);
@@ -463,14 +467,13 @@ class OlderBook {
     out.put32(text_cells_);
     out.put32(static_cast<std::uint32_t>(listed_texts_.size()));
     for (const Text* one : listed_texts_) {
-      const Characters characters(one->text);
       const auto& [text, runs] = *one;
-      const std::size_t size = 5 + characters.bytes().size() + runs.size();
-      if (runs.empty() || size > RecordWriter::kMaxData) {
+      const Characters characters(text);
+      if (runs.empty()) {
         out.put_long_text(characters);
         continue;
       }
-      out.keep_together(size);
+      out.keep_together(5 + characters.bytes().size() + runs.size());
       out.put16(static_cast<std::uint32_t>(characters.count()));
       out.put8(kRich | (characters.wide() ? 1U : 0U));
       out.put16(static_cast<std::uint32_t>(runs.size() / 4));
