@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <span>
@@ -646,11 +647,13 @@ void RowReader::Machine::keep_date_text() {
 }
 
 Value RowReader::Machine::number_value() {
+  constexpr std::string_view kNoNumbers[] = {"NaN", "INF", "-INF"};  // as XML Schema has them
   const std::string_view text = trimmed(cell_.value);
   if (text.empty()) return {};
-  const auto number = parse_number(text);
-  if (!number) fail("\"" + std::string(text.substr(0, 64)) + "\" is not a number");
-  return Value::of_number(*number);
+  if (const auto number = parse_number(text)) return Value::of_number(*number);
+  if (std::ranges::find(kNoNumbers, text) == std::end(kNoNumbers))
+    fail("\"" + std::string(text.substr(0, 64)) + "\" is not a number");
+  return Value::of_error(error_number(context_.workbook, "#NUM!"));
 }
 
 Value RowReader::Machine::text_value() {

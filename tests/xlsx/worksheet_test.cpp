@@ -33,6 +33,8 @@ TEST(Worksheet, ReadsEveryKindOfCell) {
       {R"(<c r="A1" t="b"><v>false</v></c>)", "FALSE"},
       {R"(<c r="A1" t="e"><v>#N/A</v></c>)", "#N/A"},
       {R"(<c r="A1" t="e"><v>#SPILL!</v></c>)", "#SPILL!"},
+      {R"(<c r="A1" t="n"><v>NaN</v></c>)", "#NUM!"},
+      {R"(<c r="A1"><v>-INF</v></c>)", "#NUM!"},
       {R"(<c r="A1" t="d"><v>1900-03-01T12:00</v></c>)", "61.5"},
       {R"(<c r="A1" t="inlineStr"><is><t>in</t></is></c>)", R"("in")"},
       {R"(<c r="A1" t="inlineStr"><is><r><t>a</t></r><r><rPr><b/></rPr><t )"
