@@ -10,6 +10,7 @@
 #include "engine/package/file_error.h"
 #include "engine/xls/built_in_names.h"
 #include "engine/xls/fields.h"
+#include "engine/xls/record_merge.h"
 #include "engine/xls/records.h"
 #include "engine/xls/styles_read.h"
 #include "engine/xls/tokens_read.h"
@@ -51,6 +52,10 @@ class GlobalsReader {
   void read_record() {
     Fields in(reader_.data());
     switch (reader_.id()) {
+      case kBof:
+        // What begins in here is carried as a whole, whatever it lists.
+        pass_substream(reader_, [] {});
+        break;
       case kFilePass:
         globals_.cipher = default_cipher(reader_.data());
         reader_.decrypt_with(*globals_.cipher);
