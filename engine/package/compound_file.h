@@ -85,6 +85,9 @@ class CompoundFile {
 
   CompoundStream open(const CompoundEntry& entry) const;
 
+  // Bytes of the whole file.
+  std::uint64_t size() const { return source_->size(); }
+
  private:
   using Table = std::vector<std::uint32_t>;
 

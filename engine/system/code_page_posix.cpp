@@ -62,7 +62,11 @@ void CodePage::append(std::string& utf8, std::string_view bytes) const {
     ++in;
     --left;
   }
-  iconv(converter(handle_), nullptr, nullptr, nullptr, nullptr);
+  // Some keep the last character back, for the one behind it may combine with it.
+  char* out = buffer.data();
+  std::size_t room = buffer.size();
+  iconv(converter(handle_), nullptr, nullptr, &out, &room);
+  utf8.append(buffer.data(), out);
 }
 
 }  // namespace engine::system

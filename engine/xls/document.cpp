@@ -59,13 +59,15 @@ std::vector<std::uint32_t> find_begins(RecordReader& reader) {
   return begins;
 }
 
-// Sheets stand in their order. One that does not begin where the file says is found by that.
+// Sheets stand in their order. One that does not begin where the file says is found by that, if no
+// beginning is damaged itself.
 void find_lost_sheets(LoadedFile& file, RecordReader& reader) {
   std::vector<std::uint32_t>& told = file.globals.sheets;
   const auto is_lost = [&](std::uint32_t place) { return !is_begin(file, place); };
   if (std::ranges::none_of(told, is_lost)) return;
   const std::vector<std::uint32_t> begins = find_begins(reader);
-  for (std::size_t i = 0; i < std::min(told.size(), begins.size()); ++i)
+  if (begins.size() != told.size()) return;
+  for (std::size_t i = 0; i < told.size(); ++i)
     if (is_lost(told[i])) told[i] = begins[i];
 }
 
@@ -104,8 +106,13 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
 
 void Document::open(std::shared_ptr<const package::Source> source) {
   file_ = std::make_unique<LoadedFile>(package::CompoundFile(std::move(source)));
-  for (const std::string_view name : kStreams)
-    if (!file_->entry) file_->entry = file_->container.find_stream(name);
+  // What lies in a folder is a document that is embedded.
+  for (const std::string_view name : kStreams) {
+    const package::CompoundEntry* const found = file_->container.find_stream(name);
+    const bool is_better =
+        !file_->entry || (file_->entry->folder != 0 && found && found->folder == 0);
+    if (is_better) file_->entry = found;
+  }
   if (!file_->entry) package::throw_damaged("compound file", "stream \"Workbook\" is missing");
   file_->stream = file_->container.open(*file_->entry);
 }

@@ -25,6 +25,7 @@
 #include "engine/xls/older_tokens.h"
 #include "engine/xls/record_merge.h"
 #include "engine/xls/record_writer.h"
+#include "engine/xls/sheet_records.h"
 #include "engine/xls/sheet_write.h"
 
 namespace engine::xls {
@@ -221,6 +222,8 @@ class OlderBook {
   void take_own(Fields in) {
     switch (reader_->id()) {
       case kFormula:
+      case kFormulaOf3:
+      case kFormulaOf4:
         return take_formula(in, 20);
       case kArray:
         return take_formula(in, 12);
@@ -573,6 +576,7 @@ PresentBook present_book(const package::CompoundFile& file, const package::Compo
   write(writer, book.sheets().view());
   // What an older program said of the file as such holds no longer.
   std::set<std::string> names{"WORKBOOK", "BOOK", "\1COMPOBJ"};
+  std::uint64_t copied = 0;
   for (std::size_t i = 1; i < file.entries().size(); ++i) {
     const package::CompoundEntry& other = file.entries()[i];
     if (other.folder != 0 || !names.insert(upper_case(other.item.name)).second) continue;
@@ -581,6 +585,8 @@ PresentBook present_book(const package::CompoundFile& file, const package::Compo
       continue;
     }
     const package::CompoundStream bytes = file.open(other);
+    copied += bytes.size();
+    if (copied > file.size()) package::throw_damaged("compound file", "streams share sectors");
     std::vector<char> copy(static_cast<std::size_t>(bytes.size()));
     bytes.read(0, copy);
     writer.begin_stream(0, other.item);

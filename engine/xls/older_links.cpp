@@ -29,7 +29,7 @@ enum Known : std::uint16_t { kOwn, kAddIn, kFirstOther };
 std::uint16_t OlderLinks::Texts::number(const std::string& text) {
   const auto next = static_cast<std::uint16_t>(std::min<std::size_t>(texts_.size(), kMost));
   const auto [known, is_new] = numbers_.try_emplace(text, next);
-  if (is_new && texts_.size() < kMost) texts_.push_back(text);
+  if (is_new && texts_.size() <= kMost) texts_.push_back(text);
   return known->second;
 }
 
@@ -121,7 +121,7 @@ std::uint16_t OlderLinks::name(const OlderList& list, std::int16_t number, std::
 std::uint16_t OlderLinks::number_of(const Entry& entry) {
   const auto [known, is_new] = numbers_.try_emplace(
       entry, static_cast<std::uint16_t>(std::min<std::size_t>(entries_.size(), kMost)));
-  if (is_new && entries_.size() < kMost) entries_.push_back(entry);
+  if (is_new && entries_.size() <= kMost) entries_.push_back(entry);
   return known->second;
 }
 

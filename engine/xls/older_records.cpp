@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "engine/xls/records.h"
+#include "engine/xls/sheet_records.h"
 
 namespace engine::xls {
 
@@ -251,6 +252,7 @@ constexpr OlderRecord kRecords[] = {
     {kNumber, kInSheets, Fate::kKept},
     {kLabel, kInSheets, Fate::kOwn},
     {kBooleanOrError, kInSheets, Fate::kKept},
+    {kFormulaOf3, kInSheets, Fate::kOwn},
     {kString, kInSheets, Fate::kOwn},
     {kRow, kInSheets, Fate::kKept},
     {kIndex, kInSheets, Fate::kDropped},
@@ -260,6 +262,7 @@ constexpr OlderRecord kRecords[] = {
     {kWindow2, kInSheets, Fate::kOwn},
     {kRk, kInSheets, Fate::kKept},
     {kStyle, kInGlobals, Fate::kChanged, style},
+    {kFormulaOf4, kInSheets, Fate::kOwn},
     {kNumberFormat, kInGlobals, Fate::kChanged, number_format},
     {kShared, kInSheets, Fate::kOwn},
     {kBof, kInSheets, Fate::kOwn},

@@ -111,6 +111,16 @@ TEST(XlsDamage, FindsSheetsThatBeginElsewhere) {
   EXPECT_EQ(shown(book, 0, 0, 1), "2.000000");
 }
 
+TEST(XlsDamage, OfABeginningLeavesTheNextSheetItsCells) {
+  std::string stream =
+      stream_of({{"One", ""}, {"Two", ""}, {"Six", cell(0x203, 0, 0, 15, f64(6))}});
+  const std::size_t second = bof(5).size() + 4 + 6 + narrow8("One").size() + 4;
+  stream.replace(package::get32(stream, second), 2, u16(0x999));
+  LoadedBook book(file_of(stream));
+  EXPECT_FALSE(can_be_read(book, 1));
+  EXPECT_EQ(shown(book, 0, 0, 2), "6.000000");
+}
+
 // A file may say that sheets begin at one place, or inside of one another: each record is read for
 // one of them at most.
 TEST(XlsDamage, ReadsNoRecordForTwoSheets) {

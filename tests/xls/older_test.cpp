@@ -101,11 +101,9 @@ TEST(XlsOlder, ReadsCellsWithTextsOfTheirCodePage) {
   const struct {
     unsigned page;
     const char* shown;
-  } kPages[] = {{1252, "\"\xC3\x84\xC3\xA0\""},
-                {0x8001, "\"\xC3\x84\xC3\xA0\""},
-                {10000, "\"\xC6\x92\xE2\x80\xA1\""},
-                {1200, "\"\xEE\x83\x84\""},
-                {932, "\"\xEF\xBE\x84\xEF\xBF\xBD\""}};
+  } kPages[] = {{1252, "\"\xC3\x84\xC3\xA0\""},      {0x8001, "\"\xC3\x84\xC3\xA0\""},
+                {10000, "\"\xC6\x92\xE2\x80\xA1\""}, {1200, "\"\xEE\x83\x84\""},
+                {1255, "\"\xD6\xB4\xD7\x90\""},      {932, "\"\xEF\xBE\x84\xEF\xBF\xBD\""}};
   for (const auto& [page, text] : kPages) {
     LoadedBook book(with_page(page));
     EXPECT_EQ(shown(book, 0, 4), text) << page;
