@@ -17,7 +17,7 @@ class CodePage {
 
   bool is_known() const { return handle_ != 0; }
 
-  // Bytes that are no character become U+FFFD.
+  // Bytes that are no character become one that stands for them, which one depends on the system.
   void append(std::string& utf8, std::string_view bytes) const;
 
  private:
