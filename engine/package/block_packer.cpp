@@ -1,6 +1,7 @@
 // Both threads take the next block that nobody has, make it and pack it into its slot of a ring.
 // The calling thread writes finished slots in order after each of its blocks. A slot is taken again
-// only when it is written, which bounds the packed bytes that wait.
+// only when it is written, which bounds the packed bytes that wait. A small part is the calling
+// thread's alone.
 #include "engine/package/block_packer.h"
 
 #include <array>
@@ -17,7 +18,9 @@ namespace engine::package {
 namespace {
 
 constexpr std::size_t kSlots = 8;
-constexpr std::size_t kBlocksForTwo = 3;
+
+// To begin a thread and to warm up its buffers takes as long as packing this much.
+constexpr std::size_t kBytesForTwo = std::size_t{1} << 19;
 
 struct Slot {
   std::string packed;
@@ -33,24 +36,24 @@ class BlockPacker {
       : count_(count), make_(make), write_(write) {}
 
   PackedPart run(Deflater& deflater) {
-    std::thread helper = start_helper();
     try {
       work(deflater, true);
       while (written_ < count_ && !stopped()) write_ready(true);
     } catch (...) {
       stop(std::current_exception());
     }
-    if (helper.joinable()) helper.join();
+    if (helper_.joinable()) helper_.join();
     if (failure_) std::rethrow_exception(failure_);
     add_packed(kDeflateEnd);
     return part_;
   }
 
  private:
-  std::thread start_helper() {
-    if (count_ < kBlocksForTwo || !system::has_second_core()) return {};
+  // Lets a second thread share the blocks behind the first if they are likely to be worth it.
+  void share(std::size_t first_size) {
+    if (first_size * count_ < kBytesForTwo || count_ == 1 || !system::has_second_core()) return;
     try {
-      return std::thread([this] {
+      helper_ = std::thread([this] {
         try {
           Deflater deflater;
           work(deflater, false);
@@ -59,7 +62,7 @@ class BlockPacker {
         }
       });
     } catch (const std::system_error&) {
-      return {};
+      // Then all blocks are this thread's.
     }
   }
 
@@ -71,6 +74,7 @@ class BlockPacker {
       auto& slot = slots_[block % kSlots];
       text.clear();
       make_(block, text);
+      if (block == 0) share(text.size());
       slot.packed.clear();
       deflater.pack(text, Deflater::Ending::Joint, slot.packed);
       slot.size = text.size();
@@ -151,6 +155,7 @@ class BlockPacker {
   const MakeBlock& make_;
   const std::function<void(std::string_view)>& write_;
   PackedPart part_;
+  std::thread helper_;
   std::array<Slot, kSlots> slots_;
   std::mutex mutex_;
   std::condition_variable changed_;
