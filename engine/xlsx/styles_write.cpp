@@ -30,6 +30,9 @@ constexpr std::string_view kSections[] = {"numFmts",      "fonts",   "fills",   
                                           "cellStyleXfs", "cellXfs", "cellStyles", "dxfs",
                                           "tableStyles",  "colors",  "extLst"};
 
+// Bytes that an added format and its share of the text around all of them mostly need at most.
+constexpr std::size_t kRoomPerFormat = 192;
+
 // Programs show the first two fills like this, whatever the file says there.
 constexpr Fill kReservedFills[] = {{0, {}, {}, 0}, {17, {}, {}, 0}};
 
@@ -206,8 +209,8 @@ class StylesWriter {
       made.bytes = copy.serialize();
       return made;
     }
-    auto [head, tail] = copy.cut_in(formats_.grown());
-    made.bytes = std::move(head.append(added_formats_).append(tail));
+    const auto [head, tail] = copy.cut_in(formats_.grown());
+    made.bytes = std::move(added_formats_.insert(0, head).append(tail));
     return made;
   }
 
@@ -352,6 +355,7 @@ void StylesWriter::write_formats() {
   }
   if (styles_.format_count() == from_file) return;
   learn_formats();
+  added_formats_.reserve((styles_.format_count() - from_file) * kRoomPerFormat);
   format_numbers_.reserve(styles_.format_count());
   for (std::uint32_t index = 0; index < from_file; ++index) format_numbers_.push_back(index);
   for (std::uint32_t index = from_file; index < styles_.format_count(); ++index)
