@@ -218,12 +218,14 @@ void CompoundFile::read_directory(const CompoundStream& directory) {
   for (CompoundEntry& entry : entries_) entry.folder = places[entry.folder];
 }
 
-const CompoundEntry* CompoundFile::find_stream(std::string_view name) const {
+const CompoundEntry* CompoundFile::find_stream(std::span<const std::string_view> names) const {
   const CompoundEntry* found = nullptr;
-  for (const CompoundEntry& entry : entries_) {
-    if (!entry.is_stream || !equal_ignoring_case(entry.item.name, name)) continue;
-    if (entry.folder == 0) return &entry;
-    if (!found) found = &entry;
+  for (const std::string_view name : names) {
+    for (const CompoundEntry& entry : entries_) {
+      if (!entry.is_stream || !equal_ignoring_case(entry.item.name, name)) continue;
+      if (entry.folder == 0) return &entry;
+      if (!found) found = &entry;
+    }
   }
   return found;
 }
@@ -233,11 +235,13 @@ CompoundStream CompoundFile::open(const CompoundEntry& entry) const {
                                   : chain(entry.first_sector, entry.size);
 }
 
-bool has_stream(const std::shared_ptr<const Source>& source, std::string_view name) {
+bool has_stream(const std::shared_ptr<const Source>& source,
+                std::span<const std::string_view> names) {
   try {
-    return CompoundFile(source).find_stream(name) != nullptr;
+    return CompoundFile(source).find_stream(names) != nullptr;
   } catch (const FileError&) {
-    return has_entry_anywhere(*source, name);
+    return std::ranges::any_of(
+        names, [&](std::string_view name) { return has_entry_anywhere(*source, name); });
   }
 }
 

@@ -80,8 +80,10 @@ class CompoundFile {
   // In the order of the directory; the first one is the root.
   const std::vector<CompoundEntry>& entries() const { return entries_; }
 
-  // The stream of that name in the root, or else anywhere; null without one. Case does not matter.
-  const CompoundEntry* find_stream(std::string_view name) const;
+  // The stream of the first of the names that one in the root has, or else one anywhere; null
+  // without one. Case does not matter.
+  const CompoundEntry* find_stream(std::span<const std::string_view> names) const;
+  const CompoundEntry* find_stream(std::string_view name) const { return find_stream({&name, 1}); }
 
   CompoundStream open(const CompoundEntry& entry) const;
 
@@ -108,8 +110,9 @@ class CompoundFile {
   std::vector<CompoundEntry> entries_;
 };
 
-// Whether a compound file has a stream of that name. A file whose directory is damaged has one if
-// an entry of the name lies anywhere. `name` is ASCII.
-bool has_stream(const std::shared_ptr<const Source>& source, std::string_view name);
+// Whether a compound file has a stream of one of the names, which are ASCII. A file whose directory
+// is damaged has one if an entry of the name lies anywhere.
+bool has_stream(const std::shared_ptr<const Source>& source,
+                std::span<const std::string_view> names);
 
 }  // namespace engine::package

@@ -1,7 +1,5 @@
 #include "engine/xls/codec.h"
 
-#include <algorithm>
-
 #include "engine/package/compound_file.h"
 #include "engine/package/file_kind.h"
 #include "engine/xls/document.h"
@@ -25,8 +23,7 @@ constexpr Limits kLimits = {
 
 bool recognise(const std::shared_ptr<const package::Source>& source) {
   return package::file_kind(*source) == package::FileKind::CompoundFile &&
-         std::ranges::any_of(
-             kStreams, [&](std::string_view name) { return package::has_stream(source, name); });
+         package::has_stream(source, kStreams);
 }
 
 std::unique_ptr<engine::Document> begin(Workbook& book) { return Document::make_new(book); }

@@ -107,12 +107,7 @@ std::unique_ptr<Document> Document::load(std::shared_ptr<const package::Source> 
 void Document::open(std::shared_ptr<const package::Source> source) {
   file_ = std::make_unique<LoadedFile>(package::CompoundFile(std::move(source)));
   // What lies in a folder is a document that is embedded.
-  for (const std::string_view name : kStreams) {
-    const package::CompoundEntry* const found = file_->container.find_stream(name);
-    const bool is_better =
-        !file_->entry || (file_->entry->folder != 0 && found && found->folder == 0);
-    if (is_better) file_->entry = found;
-  }
+  file_->entry = file_->container.find_stream(kStreams);
   if (!file_->entry) package::throw_damaged("compound file", "stream \"Workbook\" is missing");
   file_->stream = file_->container.open(*file_->entry);
 }

@@ -15,9 +15,10 @@ std::unique_ptr<engine::Document> begin(Workbook& book) { return Document::make_
 
 // A package, or one that a password protects: that is a stream of a compound file.
 bool recognise(const std::shared_ptr<const package::Source>& source) {
+  constexpr std::string_view kEncrypted[] = {"EncryptedPackage"};
   const package::FileKind kind = package::file_kind(*source);
-  return kind == package::FileKind::Zip || (kind == package::FileKind::CompoundFile &&
-                                            package::has_stream(source, "EncryptedPackage"));
+  return kind == package::FileKind::Zip ||
+         (kind == package::FileKind::CompoundFile && package::has_stream(source, kEncrypted));
 }
 
 std::unique_ptr<engine::Document> load(std::shared_ptr<const package::Source> source,
