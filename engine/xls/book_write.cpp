@@ -6,6 +6,7 @@
 #include "engine/package/compound_copy.h"
 #include "engine/package/compound_writer.h"
 #include "engine/text/fold.h"
+#include "engine/xls/book_stream.h"
 #include "engine/xls/drawing_write.h"
 #include "engine/xls/globals_write.h"
 #include "engine/xls/loaded_file.h"
@@ -15,8 +16,6 @@
 namespace engine::xls {
 
 namespace {
-
-constexpr std::uint64_t kMaxStream = 0x7FFFFFFF;
 
 void write_stream(package::CompoundWriter& file, std::string name, std::string_view bytes) {
   package::CompoundItem item;
@@ -49,14 +48,8 @@ bool has_other_colors(const Workbook& book, const LoadedFile& file) {
   });
 }
 
-// The workbook's stream, in two pieces.
-struct Stream {
-  package::BlockOutput globals{kMaxStream};
-  package::BlockOutput sheets{kMaxStream};
-};
-
 void lay_out(const Workbook& book, const LoadedFile* file, const SaveOptions& options,
-             Stream& stream) {
+             BookStream& stream) {
   static const FileStyles kNoStyles;
   static const LinkTable kNoLinks;
   const StyleNumbers styles(book, file ? file->globals.styles : kNoStyles,
@@ -75,34 +68,24 @@ void lay_out(const Workbook& book, const LoadedFile* file, const SaveOptions& op
   RecordWriter globals_out(stream.globals);
   const std::vector<std::uint64_t> sheet_places = write_globals(globals_out, shared, drawings);
   globals_out.flush();
-  const std::uint64_t size = stream.globals.position();
-  if (size + stream.sheets.position() > kMaxStream) throw package::SizeError(kMaxStream);
-  const auto settled = [size](std::uint64_t place) {
-    return static_cast<std::uint32_t>(size + place);
-  };
   for (std::size_t i = 0; i < beginnings.size() && i < sheet_places.size(); ++i)
     globals_out.patch32(sheet_places[i], beginnings[i] == kNowhere
-                                             ? static_cast<std::uint32_t>(kMaxStream)
-                                             : settled(beginnings[i]));
-  for (const auto& [at, place] : places) sheets_out.patch32(at, settled(place));
-}
-
-void write_stream(package::CompoundWriter& file, const Stream& stream) {
-  for (const package::BlockOutput* output : {&stream.globals, &stream.sheets})
-    for (const std::span<const char> piece : output->pieces()) file.write(piece);
+                                             ? static_cast<std::uint32_t>(BookStream::kMax)
+                                             : stream.place_of(beginnings[i]));
+  for (const auto& [at, place] : places) sheets_out.patch32(at, stream.place_of(place));
 }
 
 }  // namespace
 
 void write_new_book(const Workbook& book, const SaveOptions& options, std::int64_t created,
                     package::Output& output) {
-  Stream stream;
+  BookStream stream;
   lay_out(book, nullptr, options, stream);
   package::CompoundItem root;
   root.class_id = kWorkbookClass;
   package::CompoundWriter file(output, root);
   file.begin_stream(0, {.name = "Workbook"});
-  write_stream(file, stream);
+  stream.write(file);
   write_stream(file, "\x05SummaryInformation", summary(created));
   write_stream(file,
                "\x05"
@@ -113,7 +96,7 @@ void write_new_book(const Workbook& book, const SaveOptions& options, std::int64
 
 void write_loaded_book(const Workbook& book, const LoadedFile& file, const SaveOptions& options,
                        package::Output& output) {
-  Stream stream;
+  BookStream stream;
   lay_out(book, &file, options, stream);
   // A workbook of an older format beside this one, and signatures, which hold no longer.
   const auto leaves_out = [&](const package::CompoundEntry& entry) {
@@ -124,7 +107,7 @@ void write_loaded_book(const Workbook& book, const LoadedFile& file, const SaveO
            });
   };
   package::copy_compound(file.container, *file.entry, output, leaves_out,
-                         [&](package::CompoundWriter& made) { write_stream(made, stream); });
+                         [&](package::CompoundWriter& made) { stream.write(made); });
 }
 
 }  // namespace engine::xls

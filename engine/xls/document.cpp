@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <map>
 #include <utility>
 #include <vector>
 
@@ -112,19 +111,16 @@ void Document::open(std::shared_ptr<const package::Source> source) {
   file_->stream = file_->container.open(*file_->entry);
 }
 
-// Sheets share no record: of those that a file lets begin at one place the first has it.
 void Document::part_sheets(const Workbook& book) {
-  std::map<std::uint32_t, SheetPart*> begins;
+  std::vector<SheetPart*> parts;
+  std::vector<std::uint32_t> begins;
   for (const auto& sheet : book.sheets()) {
     if (sheet->kind != SheetKind::kWorksheet) continue;
-    SheetPart& part = file_->sheets.at(sheet.get());
-    if (!begins.try_emplace(part.begin, &part).second) part.limit = part.begin;
+    parts.push_back(&file_->sheets.at(sheet.get()));
+    begins.push_back(parts.back()->begin);
   }
-  std::uint64_t limit = file_->stream.size();
-  for (auto sheet = begins.rbegin(); sheet != begins.rend(); ++sheet) {
-    sheet->second->limit = limit;
-    limit = sheet->first;
-  }
+  const std::vector<std::uint64_t> limits = limits_of(begins, file_->stream.size());
+  for (std::size_t i = 0; i < parts.size(); ++i) parts[i]->limit = limits[i];
 }
 
 // Two things that concern the book stand in its sheets: how references are written, the same in

@@ -15,6 +15,7 @@
 #include "engine/text/fold.h"
 #include "engine/text/utf8.h"
 #include "engine/workbook/color.h"
+#include "engine/xls/book_stream.h"
 #include "engine/xls/book_write.h"
 #include "engine/xls/codec.h"
 #include "engine/xls/drawing_write.h"
@@ -36,7 +37,6 @@ constexpr std::uint16_t kVersion5 = 0x500;
 constexpr std::uint16_t kModuleStream = 0x06;
 constexpr std::uint16_t kChartStream = 0x20;
 constexpr std::uint16_t kMacroStream = 0x40;
-constexpr std::uint64_t kMaxStream = 0x7FFFFFFF;
 
 // The colours of a book that lists none, which are not those of today.
 constexpr Palette kColors = {
@@ -58,7 +58,7 @@ struct OlderSheet {
   std::string name;
   std::uint32_t begin = 0;
   std::uint16_t state_and_kind = 0;
-  std::uint64_t limit = 0;          // where another sheet begins; 0 where it shares its place
+  std::uint64_t limit = 0;          // where it has to end
   std::uint64_t named_at = 0;       // place of the present beginning, in the globals
   std::uint64_t present = 0;        // beginning among the present sheets
   std::optional<CellRange> filter;  // that its name says
@@ -79,8 +79,7 @@ class OlderBook {
     finish();
   }
 
-  const package::MemoryOutput& globals() const { return globals_; }
-  const package::MemoryOutput& sheets() const { return sheets_output_; }
+  const BookStream& present() const { return present_; }
 
   void lose(std::string_view what) { lost_.emplace(what); }
   const std::set<std::string, std::less<>>& lost() const { return lost_; }
@@ -116,19 +115,10 @@ class OlderBook {
     }
     texts_.use_code_page(page);
     for (OlderSheet& sheet : sheets_) sheet.name = texts_.utf8(sheet.name);
-    part_sheets();
-  }
-
-  // Sheets share no record: of those that a file lets begin at one place the first has it.
-  void part_sheets() {
-    std::map<std::uint32_t, OlderSheet*> begins;
-    for (OlderSheet& sheet : sheets_) begins.try_emplace(sheet.begin, &sheet);
-    OlderSheet* before = nullptr;
-    for (const auto& [begin, sheet] : begins) {
-      if (before) before->limit = begin;
-      sheet->limit = stream_.size();
-      before = sheet;
-    }
+    std::vector<std::uint32_t> begins;
+    for (const OlderSheet& sheet : sheets_) begins.push_back(sheet.begin);
+    const std::vector<std::uint64_t> limits = limits_of(begins, stream_.size());
+    for (std::size_t i = 0; i < sheets_.size(); ++i) sheets_[i].limit = limits[i];
   }
 
   std::vector<std::string> names_of_sheets() const {
@@ -457,10 +447,8 @@ class OlderBook {
     write_texts();
     globals_out_.record(kEof, {});
     globals_out_.flush();
-    const std::uint64_t size = globals_.position();
-    if (size + sheets_output_.position() > kMaxStream) throw package::SizeError(kMaxStream);
     for (const OlderSheet& sheet : sheets_)
-      globals_out_.patch32(sheet.named_at, static_cast<std::uint32_t>(size + sheet.present));
+      globals_out_.patch32(sheet.named_at, present_.place_of(sheet.present));
   }
 
   void write_texts() {
@@ -503,10 +491,9 @@ class OlderBook {
   std::set<std::string, std::less<>> lost_;
 
   // What is written.
-  package::MemoryOutput globals_{kMaxStream};
-  package::MemoryOutput sheets_output_{kMaxStream};
-  RecordWriter globals_out_{globals_};
-  RecordWriter sheets_out_{sheets_output_};
+  BookStream present_;
+  RecordWriter globals_out_{present_.globals};
+  RecordWriter sheets_out_{present_.sheets};
   const Workbook scratch_{kCodec.limits};
   const DrawingGroup no_group_;
   const LoadedPictures no_pictures_;
@@ -529,10 +516,6 @@ std::string_view content_of(const package::CompoundEntry& folder) {
   const std::string name = upper_case(folder.item.name);
   if (name.starts_with("_VBA_PROJECT")) return "macros";
   return name.starts_with("_SX_DB") ? "pivot tables" : "embedded objects";
-}
-
-void write(package::CompoundWriter& to, std::string_view bytes) {
-  to.write({bytes.data(), bytes.size()});
 }
 
 std::string joined(const std::set<std::string, std::less<>>& words) {
@@ -572,8 +555,7 @@ PresentBook present_book(const package::CompoundFile& file, const package::Compo
   root.class_id = kWorkbookClass;
   package::CompoundWriter writer(output, root);
   writer.begin_stream(0, {.name = "Workbook"});
-  write(writer, book.globals().view());
-  write(writer, book.sheets().view());
+  book.present().write(writer);
   // What an older program said of the file as such holds no longer.
   std::set<std::string> names{"WORKBOOK", "BOOK", "\1COMPOBJ"};
   std::uint64_t copied = 0;

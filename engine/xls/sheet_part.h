@@ -8,6 +8,8 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <span>
+#include <vector>
 
 #include "engine/workbook/sheet.h"
 #include "engine/xls/drawing_part.h"
@@ -60,11 +62,14 @@ enum class SheetGroup : std::uint8_t {
 };
 inline constexpr std::size_t kSheetGroups = static_cast<std::size_t>(SheetGroup::kTables) + 1;
 
+// Behind every place of a stream.
+inline constexpr std::uint64_t kNowhere = std::numeric_limits<std::uint64_t>::max();
+
 struct SheetPart {
-  std::uint32_t begin = 0;  // of the substream in the stream
-  std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();  // where another sheet begins
-  // Where the stream tells what windows beside the first one show, which is carried; 0: nowhere.
-  std::uint64_t other_windows = 0;
+  std::uint32_t begin = 0;         // of the substream in the stream
+  std::uint64_t limit = kNowhere;  // where another sheet begins
+  // Where the stream tells what windows beside the first one show, which is carried.
+  std::uint64_t other_windows = kNowhere;
   bool read = false;
   bool is_moved = false;  // rows or columns were inserted or removed
   bool is_copy = false;   // made of another sheet's substream, of which it has a part
@@ -75,6 +80,10 @@ struct SheetPart {
 inline bool is_of_window(SheetGroup group) {
   return group >= SheetGroup::kWindow && group <= SheetGroup::kSelection;
 }
+
+// Where the sheets that begin at these places of a stream have to end. Sheets share no record: of
+// those that a file lets begin at one place the first has it.
+std::vector<std::uint64_t> limits_of(std::span<const std::uint32_t> begins, std::uint64_t size);
 
 using SheetParts = std::map<const Sheet*, SheetPart>;
 

@@ -227,9 +227,9 @@ class SheetReader {
   // A book may be shown in several windows, of which the first one counts.
   bool is_of_other_window(const SheetRecord& known) {
     std::uint64_t& others = reading_.flags.other_windows;
-    if (known.group == SheetGroup::kWindow && std::exchange(has_window_, true) && others == 0)
-      others = reader_.offset();
-    return others != 0 && known.group && is_of_window(*known.group);
+    if (known.group == SheetGroup::kWindow && std::exchange(has_window_, true))
+      others = std::min(others, reader_.offset());
+    return reader_.offset() >= others && known.group && is_of_window(*known.group);
   }
 
   void need(std::size_t size) {

@@ -22,7 +22,7 @@ struct SheetContext {
 struct SheetFlags {
   bool selected = false;
   bool r1c1 = false;
-  std::uint64_t other_windows = 0;  // as the part of the sheet has it
+  std::uint64_t other_windows = kNowhere;  // as the part of the sheet has it
   DrawingPart drawing;
 };
 

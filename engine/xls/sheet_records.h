@@ -47,10 +47,6 @@ struct SheetReading {
   bool scenarios_locked = false;
 };
 
-// The numbers of formulas in versions before this one, which some programs still write.
-inline constexpr std::uint16_t kFormulaOf3 = 0x206;
-inline constexpr std::uint16_t kFormulaOf4 = 0x406;
-
 // Marks a formula without a value, in bytes that other programs leave unread: an empty text to
 // them.
 inline constexpr std::uint16_t kValueUnknown = 0xFFFF;

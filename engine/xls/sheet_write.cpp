@@ -25,8 +25,7 @@ class SheetGroups : public GroupWriter {
 
   std::optional<std::size_t> group_of(const RecordReader& record) const override {
     const auto group = group_of_record(record.id(), record.data());
-    const bool is_carried =
-        other_windows_ != 0 && record.offset() >= other_windows_ && group && is_of_window(*group);
+    const bool is_carried = record.offset() >= other_windows_ && group && is_of_window(*group);
     return group && !is_carried ? std::optional(static_cast<std::size_t>(*group)) : std::nullopt;
   }
 
@@ -81,7 +80,7 @@ class StoredGroups : public GroupWriter {
       case kReferenceMode:
         return static_cast<std::size_t>(SheetGroup::kReferenceMode);
       case kWindow2:
-        if (other_windows_ != 0 && record.offset() >= other_windows_) return std::nullopt;
+        if (record.offset() >= other_windows_) return std::nullopt;
         return static_cast<std::size_t>(SheetGroup::kWindow);
       default:
         return std::nullopt;

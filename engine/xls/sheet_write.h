@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 #include "engine/xls/book_write.h"
@@ -13,10 +12,8 @@
 
 namespace engine::xls {
 
-// In place of the beginning of a sheet that the file does not have.
-inline constexpr std::uint64_t kNowhere = std::numeric_limits<std::uint64_t>::max();
-
-// Writes all sheets in their order and gives where they begin.
+// Writes all sheets in their order and gives where they begin: kNowhere for one that the file does
+// not have.
 std::vector<std::uint64_t> write_sheets(RecordWriter& out, const BookWriting& book,
                                         Drawings& drawings, std::vector<NamedPlace>& places);
 
