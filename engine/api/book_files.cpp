@@ -35,8 +35,9 @@ constexpr OtherKind kOtherKinds[] = {
     if (other->recognise(source))
       throw package::FileError(
           std::string("is an ").append(other->name).append(" workbook, not ").append(wanted.name));
+  const package::FileKind found = package::file_kind(*source);
   for (const auto& [kind, text] : kOtherKinds)
-    if (kind == package::file_kind(*source)) throw package::FileError(text);
+    if (kind == found) throw package::FileError(text);
   throw package::FileError(std::string("is not an ").append(wanted.name).append(" workbook"));
 }
 

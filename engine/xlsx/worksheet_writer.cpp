@@ -504,9 +504,9 @@ char* WorksheetText::write_formula(TextBuffer& out, char* at, const RowRun& run,
 
 char* WorksheetText::write_value(TextBuffer& out, char* at, const RowRun& run,
                                  const Value& value) const {
-  const bool outer_blank =
-      value.kind == ValueKind::kText && has_outer_blank(text_of(run, value.text()));
-  at = outer_blank ? put(at, "<v xml:space=\"preserve\">") : put(at, "<v>");
+  const std::string_view text =
+      value.kind == ValueKind::kText ? text_of(run, value.text()) : std::string_view();
+  at = has_outer_blank(text) ? put(at, "<v xml:space=\"preserve\">") : put(at, "<v>");
   switch (value.kind) {
     case ValueKind::kNone:
       break;
@@ -514,14 +514,14 @@ char* WorksheetText::write_value(TextBuffer& out, char* at, const RowRun& run,
       at = write_number(at, value.number);
       break;
     case ValueKind::kText:
-      at = out.append_value_text(at, text_of(run, value.text()));
+      at = out.append_value_text(at, text);
       break;
     case ValueKind::kBoolean:
       *at++ = value.boolean() ? '1' : '0';
       break;
     case ValueKind::kError:
-      at = out.append_made(at, [&](std::string& text) {
-        package::append_xml_text(text, error_text(*run.workbook, value.error()));
+      at = out.append_made(at, [&](std::string& to) {
+        package::append_xml_text(to, error_text(*run.workbook, value.error()));
       });
       break;
   }
