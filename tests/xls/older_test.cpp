@@ -19,16 +19,7 @@ std::string text16(std::string_view bytes) { return u16(bytes.size()) + std::str
 std::string older_bof(unsigned kind) { return record(0x809, u16(0x500) + u16(kind) + u32(0)); }
 
 std::string older_stream(const std::vector<SheetStream>& sheets, std::string_view globals = {}) {
-  const std::string end = std::string(globals) + eof();
-  std::size_t place = older_bof(5).size() + end.size();
-  for (const SheetStream& sheet : sheets) place += 4 + 6 + text8(sheet.name).size();
-  std::string stream = older_bof(5);
-  std::string bodies;
-  for (const auto& [name, records, kind, state] : sheets) {
-    stream += record(0x85, u32(place + bodies.size()) + u8(state) + u8(kind) + text8(name));
-    bodies += older_bof(kind == 2 ? 0x20 : 0x10) + records + eof();
-  }
-  return stream + end + bodies;
+  return stream_of(sheets, globals, older_bof, text8);
 }
 
 std::string older_file(const std::vector<SheetStream>& sheets, std::string_view globals = {}) {
@@ -41,19 +32,6 @@ std::string sheets(int number, unsigned first, unsigned last) {
 }
 std::string reference(unsigned row, unsigned column) { return u8(0x44) + u16(row) + u8(column); }
 std::string whole(unsigned value) { return u8(0x1E) + u16(value); }
-
-struct Shown {
-  int row;
-  int column;
-  const char* text;
-};
-
-void check(LoadedBook& book, std::initializer_list<Shown> cases, std::size_t sheet = 0) {
-  for (const auto& [row, column, text] : cases) {
-    SCOPED_TRACE(::testing::Message() << row << ", " << column);
-    EXPECT_EQ(shown(book, row, column, sheet), text);
-  }
-}
 
 // As it is read, and as it is after a save that writes the sheet anew.
 template <class Check>

@@ -38,19 +38,6 @@ std::string texts(std::initializer_list<std::string> items) {
   return record(0xFC, data);
 }
 
-struct Shown {
-  int row;
-  int column;
-  const char* text;
-};
-
-void check(LoadedBook& book, std::initializer_list<Shown> cases, std::size_t sheet = 0) {
-  for (const auto& [row, column, text] : cases) {
-    SCOPED_TRACE(::testing::Message() << row << ", " << column);
-    EXPECT_EQ(shown(book, row, column, sheet), text);
-  }
-}
-
 TEST(XlsReading, ReadsEveryKindOfCell) {
   const std::string rk_tenth = u32(0x40240000 | 1);  // 10 in hundredths
   const std::string records =

@@ -1,8 +1,11 @@
 // Workbook streams and files made record by record.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -78,17 +81,19 @@ struct SheetStream {
   unsigned state = 0;
 };
 
-// The sheets stand in front of the other globals' records, as their places are known then.
-inline std::string stream_of(const std::vector<SheetStream>& sheets,
-                             std::string_view globals = {}) {
+// The sheets stand in front of the other globals' records, as their places are known then. Versions
+// of the format differ in how a substream begins and in what names are like.
+inline std::string stream_of(const std::vector<SheetStream>& sheets, std::string_view globals = {},
+                             std::string (*begin)(unsigned kind) = bof,
+                             std::string (*text)(std::string_view) = narrow8) {
   const std::string end = std::string(globals) + eof();
-  std::size_t place = bof(5).size() + end.size();
-  for (const SheetStream& sheet : sheets) place += 4 + 6 + narrow8(sheet.name).size();
-  std::string stream = bof(5);
+  std::string stream = begin(5);
+  std::size_t place = stream.size() + end.size();
+  for (const SheetStream& sheet : sheets) place += 4 + 6 + text(sheet.name).size();
   std::string bodies;
   for (const auto& [name, records, kind, state] : sheets) {
-    stream += record(0x85, u32(place + bodies.size()) + u8(state) + u8(kind) + narrow8(name));
-    bodies += bof(kind == 2 ? 0x20 : 0x10) + records + eof();
+    stream += record(0x85, u32(place + bodies.size()) + u8(state) + u8(kind) + text(name));
+    bodies += begin(kind == 2 ? 0x20 : 0x10) + records + eof();
   }
   return stream + end + bodies;
 }
@@ -168,6 +173,19 @@ inline std::string shown(LoadedBook& loaded, int row, int column, std::size_t sh
   if (its && its->has_formula())
     text.append(" =").append(contents.formula(*its, {row, column}, loaded.book.limits.grid, moved));
   return text;
+}
+
+struct Shown {
+  int row;
+  int column;
+  const char* text;
+};
+
+inline void check(LoadedBook& book, std::initializer_list<Shown> cases, std::size_t sheet = 0) {
+  for (const auto& [row, column, text] : cases) {
+    SCOPED_TRACE(::testing::Message() << row << ", " << column);
+    EXPECT_EQ(shown(book, row, column, sheet), text);
+  }
 }
 
 }  // namespace engine::xls::testing
