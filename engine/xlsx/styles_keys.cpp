@@ -45,22 +45,21 @@ void append_children(std::string& rest, pugi::xml_node element, Names known) {
       rest.append(package::serialize_xml(child)).append(1, '\0');
 }
 
-template <class T>
-void append_value(std::string& key, T value) {
-  char bytes[sizeof(T)];
-  std::memcpy(bytes, &value, sizeof(T));
-  key.append(bytes, sizeof(T));
+template <class... Values>
+void append_values(std::string& key, const Values&... values) {
+  std::array<char, (sizeof(Values) + ...)> bytes;
+  char* at = bytes.data();
+  ((std::memcpy(at, &values, sizeof(Values)), at += sizeof(Values)), ...);
+  key.append(bytes.data(), bytes.size());
 }
 
 void append_color(std::string& key, const Color& color) {
-  append_value(key, color.kind);
-  if (color.kind == ColorKind::kAbsent) return;
-  append_value(key, color.value);
-  append_value(key, color.tint);
+  if (color.kind == ColorKind::kAbsent) append_values(key, color.kind);
+  else append_values(key, color.kind, color.value, color.tint);
 }
 
 void append_side(std::string& key, const BorderSide& side) {
-  append_value(key, side.style);
+  append_values(key, side.style);
   append_color(key, side.color);
 }
 
@@ -96,16 +95,14 @@ std::string rest_of_format(pugi::xml_node xf) {
 }
 
 std::string font_key(const FontRecord& record, std::string_view rest) {
-  std::string key = record.name;
-  key.append(1, '\0');
-  append_value(key, record.size);
+  constexpr std::size_t kRoom = 64;
+  std::string key;
+  key.reserve(record.name.size() + rest.size() + kRoom);
+  key.append(record.name).append(1, '\0');
+  append_values(key, record.size, record.script, record.underline, record.bold, record.italic,
+                record.strike_out);
   // In fonts an absent colour is the automatic one.
   append_color(key, record.color.kind == ColorKind::kAutomatic ? Color() : record.color);
-  append_value(key, record.script);
-  append_value(key, record.underline);
-  append_value(key, record.bold);
-  append_value(key, record.italic);
-  append_value(key, record.strike_out);
   return key.append(rest);
 }
 
@@ -114,14 +111,13 @@ std::string border_key(const Border& record, std::string_view rest) {
   for (const BorderSide* side :
        {&record.left, &record.right, &record.top, &record.bottom, &record.diagonal})
     append_side(key, *side);
-  append_value(key, record.diagonals);
+  append_values(key, record.diagonals);
   return key.append(rest);
 }
 
 std::string fill_key(const Fill& record) {
   std::string key;
-  append_value(key, record.pattern);
-  append_value(key, record.carried);
+  append_values(key, record.pattern, record.carried);
   append_color(key, record.foreground);
   append_color(key, record.background);
   return key;
@@ -131,11 +127,9 @@ std::string format_key(const FormatRecord& record, const FormatNumbers& numbers,
                        std::string_view rest) {
   const Alignment& alignment = record.alignment;
   std::string key;
-  append_value(key, std::array{numbers.font, numbers.fill, numbers.border, numbers.number_format});
-  append_value(
-      key, std::array<std::uint8_t, 8>{alignment.horizontal, alignment.vertical, alignment.rotation,
-                                       alignment.indent, alignment.wrap, alignment.shrink_to_fit,
-                                       record.locked, record.hidden});
+  append_values(key, numbers.font, numbers.fill, numbers.border, numbers.number_format,
+                alignment.horizontal, alignment.vertical, alignment.rotation, alignment.indent,
+                alignment.wrap, alignment.shrink_to_fit, record.locked, record.hidden);
   return key.append(rest);
 }
 

@@ -164,7 +164,11 @@ struct SharedCells {
 struct Block {
   std::size_t run = 0;
   CellStore::Rows rows;
+  std::size_t cells = 0;
 };
+
+// Bytes that a cell's text mostly needs at most.
+constexpr std::size_t kRoomPerCell = 40;
 
 class WorksheetText {
  public:
@@ -250,7 +254,7 @@ void WorksheetText::cut_into_blocks() {
       ++row;
       const bool is_short = blocks_.size() < kShortBlocks;
       if (cells < (is_short ? kCellsPerShortBlock : kCellsPerBlock) && row != end) continue;
-      blocks_.push_back({run, {first, row}});
+      blocks_.push_back({run, {first, row}, cells});
       first = row;
       cells = 0;
     }
@@ -295,8 +299,9 @@ void WorksheetText::render_ends(const package::XmlTree& tree) {
 }
 
 void WorksheetText::make(std::size_t block, std::string& out) const {
-  if (block == 0) out.append(head_);
   const Block& its = blocks_[block];
+  out.reserve(head_.size() + its.cells * kRoomPerCell);
+  if (block == 0) out.append(head_);
   const RowRun& run = runs_[its.run];
   TextBuffer buffer(out);
   for (const Row& row : its.rows) write_row(buffer, run, row);
