@@ -735,12 +735,15 @@ Parser::Found Parser::reference_a1(const char* begin, PrefixKind prefix) {
     // A1, A1:B2; names such as YTD2024 have too many letters.
     if (!ends_address(behind_row) || first.column >= kAddressColumns) return Found::kNo;
     // A book may call something TAX10 where the columns end before that.
-    if (options_.lenient && !options_.grid.holds(first.row, first.column)) return Found::kNo;
+    const auto is_name = [this](const CellReference& cell) {
+      return options_.lenient && !options_.grid.holds(cell.row, cell.column);
+    };
+    if (is_name(first)) return Found::kNo;
     const char* const second = behind_colon(behind_row);
     const char* const area_end = second == nullptr ? nullptr : scan_cell(second, end_, last);
     // A1:Abcd1:Abcd3!A1 goes on with sheets: their names have too many letters as well.
     const bool is_area =
-        ends_address(area_end) &&
+        ends_address(area_end) && !is_name(last) &&
         (last.column < kAddressColumns || sheet_prefix_at(second).kind == PrefixKind::kNone);
     if (is_area) reference.shape = Reference::Shape::kArea;
     else last = first;

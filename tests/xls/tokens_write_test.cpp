@@ -183,19 +183,13 @@ TEST(XlsTokensWritten, ReferToBooksThatTheFileIsLinkedWith) {
     bool is_written = true;
   };
   constexpr Case kCases[] = {
-      {"'[2]Two 2'!A1:B2"},
-      {"'[2]It''s'!$A1+[2]One!A:A"},
-      {"'[2]One:Two 2'!A1"},
-      {"[2]!Rate*'[2]Two 2'!Rate"},
-      {"[1]!'an item'"},
-      {"[2]!Rate(1,Data!A1)"},
-      {"XOR(1)+tax20(A1)-tax20"},
-      {"[3]One!A1", false},
-      {"[2]Three!A1", false},
-      {"[2x]One!A1", false},
-      {"[other.xls]One!A1", false},
-      {"[2]!Nothing", false},
-      {"[2]One!Rate", false},
+      {"'[2]Two 2'!A1:B2"},       {"'[2]It''s'!$A1+[2]One!A:A"},
+      {"'[2]One:Two 2'!A1"},      {"[2]!Rate*'[2]Two 2'!Rate"},
+      {"[1]!'an item'"},          {"[2]!Rate(1,Data!A1)"},
+      {"XOR(1)+tax20(A1)-tax20"}, {"SUM(A1:tax20)"},
+      {"[3]One!A1", false},       {"[2]Three!A1", false},
+      {"[2x]One!A1", false},      {"[other.xls]One!A1", false},
+      {"[2]!Nothing", false},     {"[2]One!Rate", false},
       {"[2]!F(1)", false},
   };
   for (const auto& [formula, is_written] : kCases) {
