@@ -40,6 +40,8 @@ std::optional<std::size_t> size_behind(std::string_view tokens, std::size_t at, 
       return 1;
     case kInteger:
     case kCall:
+    case kMemoryAreaRelative:
+    case kMemoryNoneRelative:
     case kMemoryCall:
       return 2;
     case kVariableCall:
@@ -54,8 +56,6 @@ std::optional<std::size_t> size_behind(std::string_view tokens, std::size_t at, 
     case kMemoryArea:
     case kMemoryError:
     case kMemoryNone:
-    case kMemoryAreaRelative:
-    case kMemoryNoneRelative:
     case kForeignName:
     case kSheetCell:
     case kLostSheetCell:

@@ -162,10 +162,10 @@ bool TokenReader::read_token(Fields& in, Fields& constants, const FormulaPlace& 
       return true;
     case kMemoryError:
     case kMemoryNone:
-    case kMemoryAreaRelative:
-    case kMemoryNoneRelative:
       in.skip(6);
       return true;
+    case kMemoryAreaRelative:
+    case kMemoryNoneRelative:
     case kMemoryCall:
       in.skip(2);
       return true;
