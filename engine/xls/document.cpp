@@ -70,6 +70,21 @@ void find_lost_sheets(LoadedFile& file, RecordReader& reader) {
     if (is_lost(told[i])) told[i] = begins[i];
 }
 
+// Has a copy be none of the selected tabs in any window beside the first, which is the model's.
+void deselect(const LoadedFile& file, const Sheet& original, SheetPart& copy) {
+  constexpr unsigned kSelectedOrActive = 0x600;
+  if (copy.other_windows == kNowhere) return;
+  RecordReader reader(file.stream, copy.begin, file.globals.cipher, original.name());
+  reader.end_at(copy.limit);
+  reader.go_to(copy.other_windows);
+  while (reader.next() && reader.id() != kEof && reader.id() != kUserViewBegin) {
+    if (reader.id() != kWindow2 || reader.data().size() < 2) continue;
+    std::string data(reader.data());
+    data[1] = static_cast<char>(data[1] & ~(kSelectedOrActive >> 8));
+    copy.edits[reader.offset()] = std::move(data);
+  }
+}
+
 }  // namespace
 
 std::unique_ptr<Document> Document::make_new(Workbook& book) {
@@ -219,6 +234,7 @@ std::vector<formula::TableChange> Document::copy_sheet(const Workbook& /*book*/,
   SheetPart part = known->second;
   part.is_copy = true;
   part.drawing = {};
+  deselect(*file_, original, part);
   made_.emplace(&copy, std::move(part));
   return {};
 }

@@ -267,6 +267,12 @@ TEST(XlsSaving, KeepsFurtherWindows) {
       EXPECT_EQ(windows_of(sheet_of(saved, i)), first + (i == 0 ? view(0, 5, 60) : of_second));
     }
   }
+  // A copy is selected in none.
+  LoadedBook book(file);
+  NewSheet copy = make_copy(book.book, *book.document, book.sheet(1), "Copy");
+  make_room(book.book, copy);
+  place_sheet(book.book, *book.document, 3, std::move(copy));
+  EXPECT_EQ(windows_of(sheet_of(book.file(), 3)), view(0, 4, 80) + view(0, 7, 50));
 }
 
 TEST(XlsSaving, LeadsFormulasOfUnreadSheetsToTheSheetsTheyMean) {
