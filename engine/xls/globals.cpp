@@ -28,7 +28,9 @@ class GlobalsReader {
         globals_(globals) {}
 
   void read() {
-    if (!reader_.next() || reader_.id() != kBof || Fields(reader_.data()).take16() != kVersion8)
+    const bool begins = reader_.next() && reader_.id() == kBof;
+    Fields in(begins ? reader_.data() : std::string_view());
+    if (in.take16() != kVersion8 || in.take16() != kGlobalsStream)
       package::throw_damaged("Workbook", "the stream does not begin with a workbook");
     while (true) {
       if (!reader_.next()) package::throw_damaged("Workbook", "ends too early");

@@ -91,12 +91,18 @@ class OlderBook {
   // The sheets, the code page and the password come first, as all else needs them.
   void find_sheets() {
     RecordReader reader(stream_, 0);
-    if (!reader.next()) reader.fail("ends too early");
+    reader.next();
+    Fields beginning(reader.data());
+    beginning.skip(2);
+    if (beginning.take16() != kGlobalsStream)
+      package::throw_damaged("Book", "the stream does not begin with a workbook");
     constexpr unsigned kPageOfMost = 1252;
     unsigned page = kPageOfMost;
     while (reader.next() && reader.id() != kEof) {
       Fields in(reader.data());
-      if (reader.id() == kFilePass) {
+      if (reader.id() == kBof) {
+        pass_substream(reader, [] {});
+      } else if (reader.id() == kFilePass) {
         cipher_ = default_cipher(std::string(2, '\0').append(reader.data()));
         reader.decrypt_with(*cipher_);
       } else if (reader.id() == kCodePage) {
@@ -187,10 +193,10 @@ class OlderBook {
   void take_record() {
     using Fate = OlderRecord::Fate;
     const std::uint16_t id = reader_->id();
+    if (id == kBof) return take_inner();
     const OlderRecord* record = find_older_record(id);
     if (!record) return lose("records of number " + std::to_string(id));
     if ((record->where & where_) == 0) return;
-    if (id == kBof) return take_drawn_chart();
     const Fields in(reader_->whole_data());
     switch (record->fate) {
       case Fate::kKept:
@@ -354,7 +360,7 @@ class OlderBook {
     put(kWindow2, data);
   }
 
-  // A long one goes on in records without a cell.
+  // A long one goes on in records without a cell, if need be within a character.
   void take_note(Fields in) {
     constexpr unsigned kGoesOn = 0xFFFF;
     const int row = in.take16();
@@ -363,7 +369,7 @@ class OlderBook {
     if (!in.ok()) return;
     if (row != kGoesOn) noted_ = drawn_.comments.try_emplace({row, column}).first;
     else if (drawn_.comments.empty()) return;
-    noted_->second.text += texts_.utf8(in.rest());
+    noted_->second.text += in.rest();
   }
 
   void take_object(Fields in) {
@@ -374,7 +380,10 @@ class OlderBook {
 
   void write_drawing(const OlderSheet& sheet) {
     if (has_filter_) drawn_.filter.range = sheet.filter;
-    for (auto& [cell, comment] : drawn_.comments) normalize_line_ends(comment.text);
+    for (auto& [cell, comment] : drawn_.comments) {
+      comment.text = texts_.utf8(comment.text);
+      normalize_line_ends(comment.text);
+    }
     Sheet scratch(sheet.name);
     scratch.take(std::move(drawn_));
     drawings_.write_sheet(*out_, scratch, {}, [](std::uint64_t, std::uint64_t) {});
@@ -428,7 +437,8 @@ class OlderBook {
     put(kString, texts_.long_text(bytes));
   }
 
-  void take_drawn_chart() {
+  // What begins inside is a chart that is drawn on a sheet.
+  void take_inner() {
     lose("charts");
     pass_substream(*reader_, [] {});
   }

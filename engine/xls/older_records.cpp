@@ -265,7 +265,6 @@ constexpr OlderRecord kRecords[] = {
     {kFormulaOf4, kInSheets, Fate::kOwn},
     {kNumberFormat, kInGlobals, Fate::kChanged, number_format},
     {kShared, kInSheets, Fate::kOwn},
-    {kBof, kInSheets, Fate::kOwn},
     {kSheetExtension, kInSheets, Fate::kKept},
     {kFeatureHeader, kInSheets, Fate::kKept},
 };

@@ -33,6 +33,8 @@ TEST(XlsDamage, TellsWhatAndWhere) {
       {"", "is damaged: Workbook, the stream does not begin with a workbook"},
       {record(0x809, u16(0x700) + u16(5) + u32(0)),
        "is damaged: Workbook, the stream does not begin with a workbook"},
+      {bof(0x10) + cell(0x203, 0, 0, 15, f64(1)) + eof(),
+       "is damaged: Workbook, the stream does not begin with a workbook"},
       {bof(5), "is damaged: Workbook, ends too early"},
       {bof(5) + u16(0x22) + u16(9), "is damaged: Workbook, record 22 at 20, ends too early"},
       {bof(5) + record(0x2F, u16(1)) + eof(), "is protected by a password"},

@@ -290,6 +290,17 @@ TEST(XlsOlder, ReadsWhatSheetsHaveBesideCells) {
   });
 }
 
+TEST(XlsOlder, PutsTextsTogetherThatAreInPieces) {
+  const std::string inner = older_bof(0x20) + record(0x85, u32(0) + u16(0) + text8("Not")) + eof();
+  const std::string note = record(0x1C, u16(5) + u16(0) + u16(4) + "a\x82") +
+                           record(0x1C, u16(0xFFFF) + u16(0) + u16(2) + "\xA0z");
+  LoadedBook book(older_file({{"Data", note}}, inner + record(0x42, u16(932))));
+  ASSERT_EQ(book.book.sheets().size(), 1U);
+  EXPECT_EQ(book.sheet().contents().comments.at({5, 0}).text,
+            "a\xE3\x81\x82"
+            "z");
+}
+
 // What a save would lose is told, and nothing is written.
 TEST(XlsOlder, RefusesToSaveWhatItCannotKeep) {
   const std::string shape = record(0x5D, u32(1) + u16(2) + std::string(30, '\0'));
@@ -349,6 +360,7 @@ TEST(XlsOlder, EndsForEveryDamage) {
   EXPECT_THAT(
       refusal(older_stream({{"One", cell(0x204, 0, 0, 15, u16(9) + "short")}, {"Two", ""}})),
       HasSubstr("sheet \"One\", record 204"));
+  EXPECT_THAT(refusal(older_bof(0x10) + records + eof()), HasSubstr("not begin with a workbook"));
   EXPECT_EQ(refusal(record(0x409, u16(0x400) + u16(5) + u32(0))), "is an Excel 4.0 workbook");
   EXPECT_EQ(refusal(older_bof(5) + record(0x2F, u16(1) + u16(2)) + eof()),
             "is protected by a password");
