@@ -22,7 +22,8 @@ constexpr std::size_t next_block(std::size_t first, std::size_t blocks) {
   return std::min(first << std::min<std::size_t>(blocks, 21), kLargePage);
 }
 
-// Throws std::bad_alloc. What is not written to takes no memory, but for a large page's worth.
+// Throws std::bad_alloc. What is not written to takes no memory, but for the first large page and
+// the rest of others.
 void* take_memory(std::size_t size);
 // `size` is what was taken.
 void give_back(void* memory, std::size_t size) noexcept;

@@ -1,6 +1,5 @@
 #include <sys/mman.h>
 
-#include <atomic>
 #include <chrono>
 
 #include "engine/system/large_pages.h"
@@ -12,11 +11,12 @@ constexpr std::align_val_t kAlignment{kLargePage};
 
 #ifdef MADV_HUGEPAGE
 
-// Of a virtual machine the host may have taken back what was free. Then it takes milliseconds until
-// a large page is there, as long as all the ordinary ones in its place, which are rather had from
-// what is still warm: so many blocks then lie in those before large ones are tried again.
-constexpr int kBlocksWithout = 1000;
-std::atomic<int> g_blocks_without = 0;
+// The host of a virtual machine may have taken back what was free. Then a large page takes
+// milliseconds, as long as all the ordinary ones in its place, and those are rather had from what
+// was used a moment ago. So the first page of a block is tried: when it takes long, the block and
+// some that follow lie in ordinary pages.
+constexpr int kBlocksWithout = 64;
+constinit thread_local int g_blocks_without = 0;
 
 void ask_for_large_pages(char* memory, std::size_t size) {
   // A system that has none to give leaves it at ordinary ones.
@@ -25,15 +25,15 @@ void ask_for_large_pages(char* memory, std::size_t size) {
 
 void put_large_pages(char* memory, std::size_t size) {
   constexpr std::chrono::milliseconds kLong{1};
-  if (g_blocks_without.load(std::memory_order_relaxed) > 0) {
-    g_blocks_without.fetch_sub(1, std::memory_order_relaxed);
+  if (g_blocks_without > 0) {
+    --g_blocks_without;
     return;
   }
   const auto begin = std::chrono::steady_clock::now();
   ask_for_large_pages(memory, kLargePage);
   *static_cast<volatile char*>(memory) = 0;  // which has the system put the first one there
   if (std::chrono::steady_clock::now() - begin < kLong) ask_for_large_pages(memory, size);
-  else g_blocks_without.store(kBlocksWithout, std::memory_order_relaxed);
+  else g_blocks_without = kBlocksWithout;
 }
 
 #else
