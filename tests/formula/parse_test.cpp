@@ -104,6 +104,7 @@ TEST(Parse, TakesMoreFromFiles) {
   for (int i = 0; i < 300; ++i) many += ",1";
   const std::string cases[] = {"SUM((-4,3),(A1,2))",
                                "=A1",
+                               "SUM(A1:YTD2024)",
                                R"('C:\dir\Book.xls'!Rate)",
                                "LEN(\"" + std::string(300, 'x') + "\")",
                                many + ")",

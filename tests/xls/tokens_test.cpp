@@ -159,6 +159,8 @@ TEST_F(TokensTest, PrintsCalls) {
           {"SUM( B2 )", blanks(0, 1) + two + blanks(4, 1) + call(4, 1)},
           // What was calculated before the operands stands in front of them.
           {"(B2:B2)", token(0x29, u16(11)) + two + two + token(0x11) + token(0x15)},
+          {"B2", token(0x2E, u16(5)) + two},
+          {"B2", token(0x6F, u16(5)) + two},
           {"B2", token(0x26, u32(0) + u16(5)) + two, u16(1) + std::string(8, '\0')},
       },
       {});
