@@ -145,7 +145,7 @@ std::string moved_inputs(std::string_view stored, const formula::Move& move, con
   constexpr std::size_t kSize = 10;
   constexpr unsigned kTwoInputs = 0x08;
   constexpr unsigned kLost = 0x10;  // the first one; the next bit is for the second
-  constexpr std::uint32_t kNowhere = 0xFFFF;
+  constexpr std::uint32_t kNoCell = 0xFFFF;
   std::string made(stored);
   if (made.size() < kSize) return made;
   unsigned flags = get16(made, 0);
@@ -157,8 +157,8 @@ std::string moved_inputs(std::string_view stored, const formula::Move& move, con
     const int column = get16(made, 4 + 4 * i);
     const auto to = moved_range({row, row, column, column}, move, grid);
     if (!to) flags |= kLost << i;
-    put16(put16(place, to ? static_cast<std::uint32_t>(to->row_first) : kNowhere),
-          to ? static_cast<std::uint32_t>(to->column_first) : kNowhere);
+    put16(put16(place, to ? static_cast<std::uint32_t>(to->row_first) : kNoCell),
+          to ? static_cast<std::uint32_t>(to->column_first) : kNoCell);
   }
   put16(made.data(), flags);
   return made;

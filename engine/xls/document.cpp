@@ -78,6 +78,7 @@ void deselect(const LoadedFile& file, const Sheet& original, SheetPart& copy) {
   reader.end_at(copy.limit);
   reader.go_to(copy.other_windows);
   while (reader.next() && reader.id() != kEof && reader.id() != kUserViewBegin) {
+    if (reader.id() == kBof) pass_substream(reader, [] {});
     if (reader.id() != kWindow2 || reader.data().size() < 2) continue;
     std::string data(reader.data());
     data[1] = static_cast<char>(data[1] & ~(kSelectedOrActive >> 8));

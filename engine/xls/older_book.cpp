@@ -58,7 +58,7 @@ struct OlderSheet {
   std::string name;
   std::uint32_t begin = 0;
   std::uint16_t state_and_kind = 0;
-  std::uint64_t limit = 0;          // where it has to end
+  std::uint64_t limit = 0;          // where another sheet begins
   std::uint64_t named_at = 0;       // place of the present beginning, in the globals
   std::uint64_t present = 0;        // beginning among the present sheets
   std::optional<CellRange> filter;  // that its name says
@@ -437,9 +437,9 @@ class OlderBook {
     put(kString, texts_.long_text(bytes));
   }
 
-  // What begins inside is a chart that is drawn on a sheet.
+  // What begins inside a sheet is a chart that is drawn on it.
   void take_inner() {
-    lose("charts");
+    lose(where_ == kInSheets ? "charts" : "embedded objects");
     pass_substream(*reader_, [] {});
   }
 

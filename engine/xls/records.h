@@ -111,7 +111,7 @@ enum RecordId : std::uint16_t {
   kNumber = 0x203,
   kLabel = 0x204,
   kBooleanOrError = 0x205,
-  kFormulaOf3 = 0x206,  // of versions before this one, which some programs still write
+  kFormulaOf3 = 0x206,  // a formula of Excel 3, which some programs still write
   kString = 0x207,
   kRow = 0x208,
   kIndex = 0x20B,
@@ -121,7 +121,7 @@ enum RecordId : std::uint16_t {
   kWindow2 = 0x23E,
   kRk = 0x27E,
   kStyle = 0x293,
-  kFormulaOf4 = 0x406,
+  kFormulaOf4 = 0x406,  // the same of Excel 4
   kNumberFormat = 0x41E,
   kShared = 0x4BC,
   kLinkTip = 0x800,

@@ -81,8 +81,9 @@ inline bool is_of_window(SheetGroup group) {
   return group >= SheetGroup::kWindow && group <= SheetGroup::kSelection;
 }
 
-// Where the sheets that begin at these places of a stream have to end. Sheets share no record: of
-// those that a file lets begin at one place the first has it.
+// Where the sheets that begin at these places of a stream have to end: where another one begins, or
+// at the stream's end. Sheets share no record: of those that a file lets begin at one place the
+// first has it, and the others end there.
 std::vector<std::uint64_t> limits_of(std::span<const std::uint32_t> begins, std::uint64_t size);
 
 using SheetParts = std::map<const Sheet*, SheetPart>;
