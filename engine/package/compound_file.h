@@ -80,8 +80,8 @@ class CompoundFile {
   // In the order of the directory; the first one is the root.
   const std::vector<CompoundEntry>& entries() const { return entries_; }
 
-  // The stream of the first of the names that one in the root has, or else one anywhere; null
-  // without one. Case does not matter.
+  // The stream in the root that has the first of these names to be found there. Without one there,
+  // the same in any folder; null without one at all. Case does not matter.
   const CompoundEntry* find_stream(std::span<const std::string_view> names) const;
   const CompoundEntry* find_stream(std::string_view name) const { return find_stream({&name, 1}); }
 

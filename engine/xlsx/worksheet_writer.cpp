@@ -300,8 +300,8 @@ void WorksheetText::render_ends(const package::XmlTree& tree) {
 
 void WorksheetText::make(std::size_t block, std::string& out) const {
   const Block& its = blocks_[block];
-  out.reserve(head_.size() + its.cells * kRoomPerCell);
   if (block == 0) out.append(head_);
+  out.reserve(out.size() + its.cells * kRoomPerCell);
   const RowRun& run = runs_[its.run];
   TextBuffer buffer(out);
   for (const Row& row : its.rows) write_row(buffer, run, row);
