@@ -11,8 +11,6 @@
 
 namespace engine::package {
 
-namespace {
-
 void copy_stream(const CompoundStream& stream, CompoundWriter& writer) {
   constexpr std::uint64_t kBlock = std::uint64_t{1} << 16;
   std::vector<char> block;
@@ -22,8 +20,6 @@ void copy_stream(const CompoundStream& stream, CompoundWriter& writer) {
     writer.write(block);
   }
 }
-
-}  // namespace
 
 void copy_compound(const CompoundFile& file, const CompoundEntry& replaced, Output& output,
                    const std::function<bool(const CompoundEntry&)>& leaves_out,

@@ -1,4 +1,4 @@
-// Writing a compound file again with one of its streams replaced.
+// Writing streams of a compound file again, one by one or all with one of them replaced.
 #pragma once
 
 #include <functional>
@@ -8,6 +8,9 @@
 #include "engine/package/compound_writer.h"
 
 namespace engine::package {
+
+// Appends the bytes of a stream to the one that was begun.
+void copy_stream(const CompoundStream& stream, CompoundWriter& writer);
 
 // Folders and streams keep their names, bytes, class identifiers and dates. Those that `leaves_out`
 // names are not copied, nor is what lies in such a folder, nor the second of two equal names.

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/package/compound_copy.h"
 #include "engine/package/compound_writer.h"
 #include "engine/package/file_error.h"
 #include "engine/text/fold.h"
@@ -26,7 +27,7 @@
 #include "engine/xls/older_tokens.h"
 #include "engine/xls/record_merge.h"
 #include "engine/xls/record_writer.h"
-#include "engine/xls/sheet_records.h"
+#include "engine/xls/sheet_part.h"
 #include "engine/xls/sheet_write.h"
 
 namespace engine::xls {
@@ -579,10 +580,8 @@ PresentBook present_book(const package::CompoundFile& file, const package::Compo
     const package::CompoundStream bytes = file.open(other);
     copied += bytes.size();
     if (copied > file.size()) package::throw_damaged("compound file", "streams share sectors");
-    std::vector<char> copy(static_cast<std::size_t>(bytes.size()));
-    bytes.read(0, copy);
     writer.begin_stream(0, other.item);
-    writer.write(copy);
+    package::copy_stream(bytes, writer);
   }
   writer.finish();
   const std::string_view made = output.view();

@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "engine/xls/records.h"
-#include "engine/xls/sheet_records.h"
 
 namespace engine::xls {
 
