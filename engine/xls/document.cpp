@@ -15,6 +15,7 @@
 #include "engine/xls/pivot_sources.h"
 #include "engine/xls/record_merge.h"
 #include "engine/xls/record_reader.h"
+#include "engine/xls/record_writer.h"
 #include "engine/xls/records.h"
 #include "engine/xls/sheet_reader.h"
 
@@ -72,7 +73,6 @@ void find_lost_sheets(LoadedFile& file, RecordReader& reader) {
 
 // Has a copy be none of the selected tabs in any window beside the first, which is the model's.
 void deselect(const LoadedFile& file, const Sheet& original, SheetPart& copy) {
-  constexpr unsigned kSelectedOrActive = 0x600;
   if (copy.other_windows == kNowhere) return;
   RecordReader reader(file.stream, copy.begin, file.globals.cipher, original.name());
   reader.end_at(copy.limit);
@@ -81,7 +81,7 @@ void deselect(const LoadedFile& file, const Sheet& original, SheetPart& copy) {
     if (reader.id() == kBof) pass_substream(reader, [] {});
     if (reader.id() != kWindow2 || reader.data().size() < 2) continue;
     std::string data(reader.data());
-    data[1] = static_cast<char>(data[1] & ~(kSelectedOrActive >> 8));
+    put16(data.data(), Fields(data).take16() & ~(kTabSelected | kTabActive));
     copy.edits[reader.offset()] = std::move(data);
   }
 }
@@ -163,7 +163,7 @@ void Document::look_at_tabs(Workbook& book) {
           file_->sheets.at(sheet.get()).other_windows = reader.offset();
           break;
         }
-        sheet->selected = (in.take16() & 0x200) != 0;
+        sheet->selected = (in.take16() & kTabSelected) != 0;
       }
     } catch (const package::FileError&) {
       continue;  // told when the sheet is read

@@ -150,6 +150,10 @@ inline constexpr std::uint16_t kGlobalsStream = 0x05;
 inline constexpr std::uint16_t kSheetStream = 0x10;
 inline constexpr std::uint16_t kVersion8 = 0x600;
 
+// Bits of what the record of a window says: of the sheet's tab there.
+inline constexpr unsigned kTabSelected = 0x200;
+inline constexpr unsigned kTabActive = 0x400;
+
 // Bits of what a row's record says: of the height, of the flags, of the format.
 inline constexpr unsigned kRowUsualHeight = 0x8000;
 inline constexpr unsigned kRowLevel = 7;

@@ -316,8 +316,6 @@ void write_window(SheetWriting& to, RecordReader* old) {
   constexpr std::uint32_t kGridlines = 0x02;
   constexpr std::uint32_t kFrozen = 0x108;
   constexpr std::uint32_t kRightToLeft = 0x40;
-  constexpr std::uint32_t kSelected = 0x200;
-  constexpr std::uint32_t kActive = 0x400;
   constexpr std::uint32_t kPreview = 0x800;
   constexpr std::uint32_t kLineColor = 64;
   const Workbook& book = to.book.book;
@@ -328,8 +326,8 @@ void write_window(SheetWriting& to, RecordReader* old) {
     data.set16(0, kUsual);
     data.set16(6, kLineColor);
   }
-  data.set_bits16(0, kSelected | kActive,
-                  (to.sheet.selected || active ? kSelected : 0) | (active ? kActive : 0));
+  data.set_bits16(0, kTabSelected | kTabActive,
+                  (to.sheet.selected || active ? kTabSelected : 0) | (active ? kTabActive : 0));
   const SheetView& view = to.contents.view;
   if (!to.base || view != to.base->view) {
     const bool frozen = is_frozen(view);

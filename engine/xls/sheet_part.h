@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -77,8 +78,11 @@ struct SheetPart {
   DrawingPart drawing;
 };
 
-inline bool is_of_window(SheetGroup group) {
-  return group >= SheetGroup::kWindow && group <= SheetGroup::kSelection;
+// Whether a record is of a window beside the first, by its group and its place in the stream.
+inline bool is_of_other_window(std::optional<SheetGroup> group, std::uint64_t place,
+                               std::uint64_t other_windows) {
+  return place >= other_windows && group && *group >= SheetGroup::kWindow &&
+         *group <= SheetGroup::kSelection;
 }
 
 // Where the sheets that begin at these places of a stream have to end: where another one begins, or

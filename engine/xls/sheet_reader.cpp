@@ -218,18 +218,18 @@ class SheetReader {
     // It goes with the record in front of it.
     if (reader_.id() == kFutureContinue) return continue_filter(reader_.data(), reading_);
     const SheetRecord* known = find_sheet_record(reader_.id(), reader_.data());
-    if (!known || !known->read || is_of_other_window(*known)) return;
+    if (!known || !known->read || is_carried(*known)) return;
     reading_.record = reader_.offset();
     Fields in(reader_.whole_data());
     known->read(in, reading_);
   }
 
   // A book may be shown in several windows, of which the first one counts.
-  bool is_of_other_window(const SheetRecord& known) {
+  bool is_carried(const SheetRecord& known) {
     std::uint64_t& others = reading_.flags.other_windows;
     if (known.group == SheetGroup::kWindow && std::exchange(has_window_, true))
       others = std::min(others, reader_.offset());
-    return reader_.offset() >= others && known.group && is_of_window(*known.group);
+    return is_of_other_window(known.group, reader_.offset(), others);
   }
 
   void need(std::size_t size) {

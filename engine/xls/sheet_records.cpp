@@ -137,7 +137,6 @@ void read_window(Fields& in, SheetReading& to) {
   constexpr unsigned kGridlines = 0x02;
   constexpr unsigned kFrozen = 0x08;
   constexpr unsigned kRightToLeft = 0x40;
-  constexpr unsigned kSelected = 0x200;
   constexpr unsigned kPreview = 0x800;
   const unsigned flags = in.take16();
   const int row = in.take16();
@@ -148,7 +147,7 @@ void read_window(Fields& in, SheetReading& to) {
   view.right_to_left = (flags & kRightToLeft) != 0;
   view.top_left = {row, std::min(column, to.context.workbook.limits.grid.columns - 1)};
   to.frozen = (flags & kFrozen) != 0;
-  to.flags.selected = (flags & kSelected) != 0;
+  to.flags.selected = (flags & kTabSelected) != 0;
   to.preview = (flags & kPreview) != 0;
   in.skip(6);
   const int normal_zoom = in.take16();

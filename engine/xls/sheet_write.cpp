@@ -25,7 +25,7 @@ class SheetGroups : public GroupWriter {
 
   std::optional<std::size_t> group_of(const RecordReader& record) const override {
     const auto group = group_of_record(record.id(), record.data());
-    const bool is_carried = record.offset() >= other_windows_ && group && is_of_window(*group);
+    const bool is_carried = is_of_other_window(group, record.offset(), other_windows_);
     return group && !is_carried ? std::optional(static_cast<std::size_t>(*group)) : std::nullopt;
   }
 
